@@ -1,0 +1,46 @@
+#pragma once
+
+#include "relief/selections.h"
+#include "relief/toolparams.h"
+
+#include <QPointF>
+#include <QRegion>
+
+class Relief;
+class SculptUndo;
+
+/// Runs strokes on one relief: press, drag, release. Owns neither the relief nor the undo stack.
+/// Points are stroke points (cells from the relief's centre); points that are NaN or infinite are
+/// ignored.
+class SculptEngine
+{
+public:
+    SculptEngine() = default;
+
+    /// The relief and history that the next strokes work on; either may be null. A stroke still in
+    /// progress on the old relief is ended first.
+    void attach(Relief *relief, SculptUndo *undo);
+    Relief *relief() const { return m_relief; }
+
+    /// What a magic selection does with the selection that is there.
+    void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
+
+    /// Ends a stroke still in progress, then begins one; the first dab is applied at once. Sample,
+    /// Magic and Fill do all their work here; shape selections and Crop do nothing.
+    void beginStroke(const ToolParams &params, QPointF point, bool finalPoint = false);
+    /// Resamples the way to the point into the Tool's pending points.
+    void addStrokePoint(QPointF point, bool finalPoint = false);
+    /// Applies pending points and sets the heights-changed flag.
+    void flush();
+    /// One dab and its mirror images.
+    void applyAt(QPointF point);
+    /// Adds the last point (unless `hit` is false: then the stroke ends where it was), applies what
+    /// is pending, pushes the undo event, releases the Tool.
+    void endStroke(QPointF point, bool hit = true);
+    bool stroking() const;
+
+private:
+    Relief *m_relief = nullptr;
+    SculptUndo *m_undo = nullptr;
+    SelectionModifier m_modifier = SelectionModifier::Normal;
+};
