@@ -24,15 +24,15 @@ public:
     /// Highest minus lowest source value.
     virtual double valueRange() const = 0;
     /// Writes width x height heights, row-major.
-    virtual void computeHeights(float *heights) const = 0;
+    virtual void computeHeights(float *heights) = 0;
 };
 
 /// The one document: a grid of heights with its layers, flags and regions. Cells are row-major
 /// (index = row * width + column), row 0 first, 128 cells an inch. A height of 0.0 is an empty,
 /// transparent cell; no height is negative.
 ///
-/// Stroke points are pairs of doubles in cells measured from the centre of the grid; positive y runs
-/// toward higher row numbers.
+/// Stroke points are pairs of doubles in cells measured from the centre of the grid; positive y
+/// runs toward higher row numbers.
 class Relief
 {
 public:

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "import/basrelief.h"
+#include "import/importsettings.h"
+#include "relief/floatgrid.h"
+#include "relief/relief.h"
+
+#include <vector>
+
+/// Lowest and highest of a set of values.
+struct ValueRange
+{
+    double lowest = 0.0;
+    double highest = 0.0;
+    double span() const { return highest - lowest; }
+    bool operator==(const ValueRange &) const = default;
+};
+
+/// What an open import works from: the padded grid of source values (grey levels 0..255 of an
+/// image, heights of a mesh; 0 is background) and the settings that turn them into heights. Owned
+/// by the relief while the import is open.
+class ImportSource : public ReliefSource
+{
+public:
+    /// Takes a grid that already has its padding; at least one cell.
+    ImportSource(FloatGrid values, const ImportSettings &settings);
+
+    int width() const override { return m_values.width; }
+    int height() const override { return m_values.height; }
+    double valueRange() const override { return m_range.span(); }
+    /// The pipeline up to smoothing; the bas-relief step is left to recompute().
+    void computeHeights(float *heights) override;
+
+    /// Takes new settings; marks the tilted values when they no longer fit.
+    void setSettings(const ImportSettings &settings);
+    const ImportSettings &settings() const { return m_settings; }
+
+    const FloatGrid &values() const { return m_values; }
+    ValueRange range() const { return m_range; }
+    /// Empty while both tilt angles are 0.
+    const std::vector<float> &tilted() const { return m_tilted; }
+    ValueRange tiltedRange() const { return m_tiltedRange; }
+
+    bool dirty = true;                ///< the last bas-relief result does not reflect the settings
+    bool tiltDirty = true;            ///< the tilted values must be rebuilt
+    std::vector<float> lastBasRelief; ///< empty until one was computed
+
+private:
+    void _rebuildTilt();
+
+    FloatGrid m_values;
+    ValueRange m_range;
+    std::vector<float> m_tilted;
+    ValueRange m_tiltedRange;
+    ImportSettings m_settings;
+};
+
+/// One run of the recompute pipeline.
+struct RecomputeRun
+{
+    bool allowBasRelief = false;
+    /// Null or empty: no bas-relief can be made; the heights stay without it and dirty stays set.
+    const BasReliefGenerator *generator = nullptr;
+    Progress *progress = nullptr; ///< may be null
+};
+
+/// Rebuilds the relief's heights from the source, which must have the relief's size, copies them to
+/// the reference layer (unless preview is off) and marks the relief changed for the views.
+void recompute(Relief &relief, ImportSource &source, const RecomputeRun &run);

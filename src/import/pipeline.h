@@ -1,0 +1,60 @@
+#pragma once
+
+#include "import/importsource.h"
+#include "relief/floatgrid.h"
+
+/// The steps between source values and heights: pure functions over row-major grids.
+
+/// Rows and columns of zeros to add on each side.
+struct Padding
+{
+    int left = 0;
+    int right = 0;
+    int top = 0;
+    int bottom = 0;
+    bool operator==(const Padding &) const = default;
+};
+
+/// A margin of 5 % of the figure's size in each axis, where the gap that is there is smaller. The
+/// figure is the bounding box of the cells that are not 0, or the whole grid when that box is not
+/// at least two cells each way.
+Padding paddingFor(const FloatGrid &grid);
+FloatGrid padded(FloatGrid grid, const Padding &padding);
+
+/// Lowest and highest of `count` values, at least one.
+ValueRange rangeOf(const float *values, qsizetype count);
+
+/// Source values (tilted or not) with their range.
+struct MappingSource
+{
+    const float *values = nullptr;
+    int width = 0;
+    int height = 0;
+    ValueRange range;
+};
+/// Flip, invert, raise or lower, depth. Writes source.width x source.height heights, none negative.
+void mapBase(const MappingSource &source, const ImportSettings &settings, float *heights);
+
+/// A grid of heights that a step changes in place.
+struct HeightsView
+{
+    float *values = nullptr;
+    int width = 0;
+    int height = 0;
+};
+/// Eats `passes` cells (0..100) from every outline and from the border of the grid: a pass keeps a
+/// cell only when it and its eight neighbours exist and are not 0.
+void trim(const HeightsView &heights, int passes);
+/// `amount` passes of the 3 x 3 mean weighted 4-2-1, the last one blended by its fraction. With
+/// keepZeros, cells of height 0 stay 0.
+void smooth(const HeightsView &heights, double amount, bool keepZeros);
+
+/// Source values sloped by the tilt angles about the real centre; only values above 0 move, none
+/// below 0. `slopeScale` is source units per height unit.
+struct TiltSlope
+{
+    double perColumn = 0.0;
+    double perRow = 0.0;
+};
+TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan);
+std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope);
