@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDoubleSpinBox>
+
+/// A number that can be typed with a decimal comma or point, whatever the locale. Letters are
+/// refused, an empty field returns to the last value, numbers out of range are brought to the
+/// nearest end. The wheel acts only while the field has the focus, so that scrolling a panel
+/// changes nothing by accident.
+class NumberField : public QDoubleSpinBox
+{
+    Q_OBJECT
+
+public:
+    explicit NumberField(QWidget *parent = nullptr);
+
+    QValidator::State validate(QString &text, int &position) const override;
+    double valueFromText(const QString &text) const override;
+    QString textFromValue(double value) const override;
+    void fixup(QString &text) const override;
+
+protected:
+    void wheelEvent(QWheelEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+};
