@@ -1,0 +1,423 @@
+#!/usr/bin/env python3
+"""Writes every icon of the program (icons/*.svg) and the resource file marlowen.qrc beside itself.
+
+All icons share a 32 x 32 grid and three colours. src/ui/icons.cpp replaces LINE and ACCENT, in exactly
+this spelling, by those of the theme. Strokes are 2 wide and centred on odd coordinates: they cover
+whole pixels at 16 and 32.
+
+Brushes are drawn as a cut through the material: what is warm is there, what is blue is what the
+brush does.
+"""
+
+import math
+import pathlib
+
+LINE = "#404750"
+ACCENT = "#2e75b6"
+MATERIAL = "#d9a05b"
+# The same on every theme.
+SHADE = "#26221e"
+PAPER = "#ffffff"
+FIXED_ACCENT = "#2E75B6"
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+
+def stroke(d, colour=LINE, width=2, extra=""):
+    return (f'<path d="{d}" fill="none" stroke="{colour}" stroke-width="{width}" '
+            f'stroke-linecap="round" stroke-linejoin="round" {extra}/>')
+
+
+def dashed(d, colour=LINE, pattern="3 3", width=2):
+    return (f'<path d="{d}" fill="none" stroke="{colour}" stroke-width="{width}" '
+            f'stroke-dasharray="{pattern}"/>')
+
+
+def fill(d, colour=ACCENT, extra=""):
+    return f'<path d="{d}" fill="{colour}" {extra}/>'
+
+
+def solid(d, colour=MATERIAL, edge=LINE):
+    """A filled shape with an outline."""
+    return (f'<path d="{d}" fill="{colour}" stroke="{edge}" stroke-width="2" '
+            'stroke-linejoin="round"/>')
+
+
+def tint(d):
+    """A pale wash of the line colour: paper, glass, a face turned away."""
+    return fill(d, LINE, 'fill-opacity="0.16"')
+
+
+def disc(x, y, r, colour=ACCENT):
+    return f'<circle cx="{x}" cy="{y}" r="{r}" fill="{colour}"/>'
+
+
+def ring(x, y, r, colour=LINE, extra='fill="none"', width=2):
+    return (f'<circle cx="{x}" cy="{y}" r="{r}" stroke="{colour}" stroke-width="{width}" '
+            f'{extra}/>')
+
+
+def turned(degrees, *parts):
+    return f'<g transform="rotate({degrees} 16 16)">' + "".join(parts) + "</g>"
+
+
+def mirrored(*parts):
+    return '<g transform="translate(32 0) scale(-1 1)">' + "".join(parts) + "</g>"
+
+
+def moved(x, y, scale, *parts):
+    return f'<g transform="translate({x} {y}) scale({scale})">' + "".join(parts) + "</g>"
+
+
+def body(profile, bottom=29):
+    """Material below a profile that runs from x = 2 to x = 30."""
+    return fill(f"{profile} V{bottom} H2 Z", MATERIAL) + stroke(profile)
+
+
+def arrow_right(x0, x1, y, colour=ACCENT, head=4):
+    return stroke(f"M{x0} {y} H{x1} M{x1 - head} {y - head} L{x1} {y} L{x1 - head} {y + head}",
+                  colour, 2.5)
+
+
+def arrow_down(x, y0, y1, colour=ACCENT, head=4):
+    return stroke(f"M{x} {y0} V{y1} M{x - head} {y1 - head} L{x} {y1} L{x + head} {y1 - head}",
+                  colour, 2.5)
+
+
+def arrow_up(x, y0, y1, colour=ACCENT, head=4):
+    return stroke(f"M{x} {y0} V{y1} M{x - head} {y1 + head} L{x} {y1} L{x + head} {y1 + head}",
+                  colour, 2.5)
+
+
+def plus(x, y, r=5, colour=ACCENT):
+    return stroke(f"M{x - r} {y} H{x + r} M{x} {y - r} V{y + r}", colour, 3)
+
+
+def minus(x, y, r=5, colour=ACCENT):
+    return stroke(f"M{x - r} {y} H{x + r}", colour, 3)
+
+
+def cross(x, y, r=4, colour=ACCENT):
+    return stroke(f"M{x - r} {y - r} L{x + r} {y + r} M{x + r} {y - r} L{x - r} {y + r}", colour, 3)
+
+
+def page():
+    return tint("M7 3 H20 L26 9 V29 H7 Z") + stroke("M7 3 H19 L25 9 V29 H7 Z M19 3 V9 H25")
+
+
+def floppy():
+    return (tint("M3 3 H25 L29 7 V29 H3 Z") + stroke("M3 3 H25 L29 7 V29 H3 Z")
+            + fill("M9 3 H21 V11 H9 Z", LINE) + solid("M9 19 H23 V29 H9 Z", MATERIAL))
+
+
+def folder():
+    return (fill("M3 27 V7 H12 L15 11 H27 V14 H9 Z", MATERIAL)
+            + stroke("M3 27 V7 H12 L15 11 H27 V15")
+            + solid("M8 15 H30 L26 27 H3 Z", MATERIAL))
+
+
+def marquee(d):
+    return tint(d) + dashed(d, LINE, "4 2.5")
+
+
+def cube(colour=MATERIAL):
+    return (fill("M16 3 L28 9 V23 L16 29 L4 23 V9 Z", colour)
+            + fill("M16 15 L28 9 V23 L16 29 Z", SHADE, 'fill-opacity="0.4"')
+            + stroke("M16 3 L28 9 V23 L16 29 L4 23 V9 Z M4 9 L16 15 L28 9 M16 15 V29"))
+
+
+def small_cube():
+    return moved(2.4, 4.4, 0.72, cube())
+
+
+def eraser():
+    """A tilted block, its rubber end at the lower left."""
+    return ('<g transform="rotate(-45 16 11)">'
+            + solid("M5 6 H27 V16 H5 Z", ACCENT)
+            + solid("M5 6 H12 V16 H5 Z", MATERIAL) + "</g>")
+
+
+def pencil():
+    return moved(14, 14, 0.56, solid("M2 30 L5 21 L22 4 L28 10 L11 27 Z", ACCENT))
+
+
+def out_arrow():
+    """Bottom right: leaves the program."""
+    return arrow_right(17, 30, 25, ACCENT, 5)
+
+
+def undo_arrow(colour=LINE):
+    return (stroke("M8 11 H19 C25 11 28 15 28 19 C28 24 24 27 19 27 H13", colour, 3)
+            + stroke("M12 5 L6 11 L12 17", colour, 3))
+
+
+def axis_turn():
+    """One quarter turn, clockwise from the left over the top; for the rotate buttons."""
+    return stroke("M5 20 A11 11 0 1 1 22 25", ACCENT, 3) + fill("M17 20 L25 22 L20 30 Z", ACCENT)
+
+
+def light(column, row):
+    """A ball lit from one of eight sides; the lamp stands there."""
+    diagonal = 0.8 if column and row else 1.0
+    x, y = 16 + column * 12 * diagonal, 16 + row * 12 * diagonal
+    bx, by = 16 - column * 4, 16 - row * 4
+    hx, hy = bx + column * 4 * diagonal, by + row * 4 * diagonal
+    return (disc(bx, by, 10, SHADE) + disc(bx, by, 9, MATERIAL)
+            + f'<circle cx="{bx}" cy="{by}" r="9" fill="{SHADE}" fill-opacity="0.55"/>'
+            + disc(hx, hy, 5, MATERIAL) + ring(bx, by, 10) + disc(x, y, 4, ACCENT))
+
+
+def padlock(x, y, closed=True):
+    bow = f"M{x - 3} {y} V{y - 3} A3 3 0 0 1 {x + 3} {y - 3}" + (f" V{y}" if closed else "")
+    return stroke(bow, LINE) + solid(f"M{x - 5} {y} H{x + 5} V{y + 8} H{x - 5} Z", MATERIAL)
+
+
+def axes_cross():
+    return stroke("M5 5 V27 H27", LINE) + stroke("M2 8 L5 4 L8 8 M24 24 L28 27 L24 30")
+
+
+def profile(d):
+    """A brush profile over its base line."""
+    return (fill(f"{d} L29 27 L3 27 Z", MATERIAL) + stroke(d, ACCENT, 2.5)
+            + stroke("M2 27 H30", LINE))
+
+
+def sun(r=6, colour=MATERIAL):
+    rays = ""
+    for k in range(8):
+        a = math.radians(45 * k)
+        rays += (f"M{16 + 10 * math.cos(a):.1f} {16 + 10 * math.sin(a):.1f} "
+                 f"L{16 + 13 * math.cos(a):.1f} {16 + 13 * math.sin(a):.1f} ")
+    return disc(16, 16, r, colour) + ring(16, 16, r) + stroke(rays, LINE, 2.5)
+
+
+def wand():
+    return (stroke("M5 27 L18 14", LINE, 4)
+            + fill("M22 2 L23.6 8.4 L30 10 L23.6 11.6 L22 18 L20.4 11.6 L14 10 L20.4 8.4 Z", ACCENT)
+            + fill("M9 4 L10 8 L14 9 L10 10 L9 14 L8 10 L4 9 L8 8 Z", MATERIAL))
+
+
+def dropper():
+    return (stroke("M5 27 L7 21 L18 10 L22 14 L11 25 Z", LINE)
+            + fill("M7.5 24.5 L8.5 21.5 L13 17 H18 L10.5 24 Z", MATERIAL)
+            + stroke("M15 7 L25 17", LINE, 3)
+            + stroke("M20 12 L25 7", ACCENT, 6))
+
+
+def paint_brush():
+    return (stroke("M27 4 L15 18", LINE, 4)
+            + solid("M11 17 C15 16 18 19 17 22 C15 28 8 29 3 28 C7 26 6 19 11 17 Z", ACCENT))
+
+
+def bucket():
+    return (tint("M14 5 L27 17 L15 28 L4 17 Z")
+            + fill("M6 17 H26.5 L15 28 L4 17 Z", MATERIAL)
+            + stroke("M14 5 L26 17 L15 27 L4 16 Z M14 5 L10 1")
+            + fill("M28 19 C31 23 31 27 28 27 C25 27 25 23 28 19 Z", ACCENT))
+
+
+ICONS = {
+    # Program and files
+    "logo": fill("M6 1 H26 A5 5 0 0 1 31 6 V26 A5 5 0 0 1 26 31 H6 A5 5 0 0 1 1 26 V6 A5 5 0 0 1 6 1 Z",
+                 FIXED_ACCENT)
+            + fill("M5 26 L11 8 L16 18 L21 8 L27 26 Z", MATERIAL)
+            + fill("M11 8 L16 18 L13 26 H9 Z M21 8 L27 26 H20 Z", PAPER, 'fill-opacity="0.55"'),
+    "new_32": page() + plus(16, 19, 4),
+    "open_32": folder(),
+    "openRecent": moved(0, 0, 0.9, folder()) + disc(23, 22, 8, ACCENT)
+                  + stroke("M23 18 V22 H26", PAPER, 2),
+    "save_32": floppy(),
+    "save_as_32": floppy() + pencil(),
+    "exit": stroke("M19 9 V3 H5 V29 H19 V23", LINE) + tint("M5 3 H19 V29 H5 Z")
+            + arrow_right(13, 28, 16, ACCENT, 6),
+    "undo_32": undo_arrow(ACCENT),
+    "redo_32": mirrored(undo_arrow(ACCENT)),
+    "ZoomToBoard_22": stroke("M3 9 V3 H9 M23 3 H29 V9 M29 23 V29 H23 M9 29 H3 V23", LINE)
+                      + solid("M9 10 H23 V22 H9 Z", MATERIAL),
+    "about": ring(16, 16, 12) + disc(16, 10, 2, ACCENT) + stroke("M16 15 V23", ACCENT, 3.5),
+    "close": cross(16, 16, 8, LINE),
+    "chevron_up": stroke("M7 20 L16 11 L25 20", LINE, 3),
+    "chevron_down": stroke("M7 12 L16 21 L25 12", LINE, 3),
+    "search": ring(13, 13, 9) + stroke("M20 20 L28 28", ACCENT, 4),
+    "add_picture": tint("M3 5 H29 V27 H3 Z") + stroke("M3 5 H29 V27 H3 Z")
+                   + fill("M4 26 L12 14 L18 22 L21 18 L28 26 Z", MATERIAL) + plus(23, 10, 4),
+    "clone": tint("M3 3 H21 V21 H3 Z") + stroke("M3 3 H21 V21 H3 Z")
+             + solid("M11 11 H29 V29 H11 Z", MATERIAL) + plus(20, 20, 4, LINE),
+    "delete": stroke("M5 8 H27 M12 8 V4 H20 V8", LINE) + solid("M8 8 H24 L23 29 H9 Z", MATERIAL)
+              + stroke("M13 13 V24 M19 13 V24", LINE),
+    "accept": stroke("M5 17 L12 25 L27 7", ACCENT, 4.5),
+    "update": stroke("M26 12 A11 11 0 0 0 6 11 M6 20 A11 11 0 0 0 26 21", ACCENT, 3)
+              + stroke("M27 4 V12 H19 M5 28 V20 H13", ACCENT, 3),
+
+    # View
+    "Theme Dark": solid("M21 4 A13 13 0 1 0 28 22 A11 11 0 0 1 21 4 Z", MATERIAL),
+    "Theme Light": sun(),
+    "lightPosTopLeft": light(-1, -1),
+    "lightPosTop": light(0, -1),
+    "lightPosTopRight": light(1, -1),
+    "lightPosLeft": light(-1, 0),
+    "lightPosRight": light(1, 0),
+    "lightPosBottomLeft": light(-1, 1),
+    "lightPosBottom": light(0, 1),
+    "lightPosBottomRight": light(1, 1),
+    "palette": solid("M16 4 C24 4 30 9 30 15 C30 20 26 20 22 20 C18 20 19 23 20 25 "
+                     "C21 28 19 29 16 29 C8 29 2 23 2 16 C2 9 8 4 16 4 Z", MATERIAL)
+               + disc(9, 13, 2.5, LINE) + disc(16, 9.5, 2.5, ACCENT) + disc(23, 13, 2.5, LINE)
+               + disc(9, 20, 2.5, ACCENT),
+    "colorize": fill("M3 24 H9 V29 H3 Z", LINE) + fill("M10 18 H16 V29 H10 Z", ACCENT)
+                + fill("M17 12 H23 V29 H17 Z", MATERIAL, 'fill-opacity="0.75"')
+                + fill("M24 5 H30 V29 H24 Z", MATERIAL),
+    "pointer": solid("M7 3 L25 17 L17 18 L22 27 L18 29 L13 20 L7 25 Z", MATERIAL),
+    "view_3d": cube(),
+    "view_2d": tint("M3 3 H29 V29 H3 Z") + stroke("M3 3 H29 V29 H3 Z M3 16 H29 M16 3 V29")
+               + fill("M17 4 H28 V15 H17 Z", MATERIAL),
+
+    # Brushes
+    "smooth_tool": body("M2 22 L5 14 L8 22 L11 14 L14 21 C17 26 22 17 30 18")
+                   + stroke("M14 21 C17 26 22 17 30 18", ACCENT, 3) + arrow_right(7, 25, 7),
+    "flatten_tool": body("M2 21 H30") + fill("M4 15 H28 V20 H4 Z", ACCENT)
+                    + arrow_down(9, 3, 11, ACCENT, 3.5) + arrow_down(23, 3, 11, ACCENT, 3.5),
+    "deposit_tool": body("M2 23 H30")
+                    + solid("M5 23 C12 23 10 13 16 13 C22 13 20 23 27 23 Z", ACCENT)
+                    + plus(16, 6, 4),
+    "remove_tool": body("M2 15 H6 C12 15 10 25 16 25 C22 25 20 15 26 15 H30") + minus(16, 7, 5)
+                   + dashed("M9 15 H24", ACCENT, "2.5 2.5"),
+    "clay_tool": body("M2 24 H30")
+                 + solid("M5 24 A3 3 0 0 1 5 18 H27 A3 3 0 0 1 27 24 Z", ACCENT)
+                 + solid("M12 17 A3 3 0 0 1 12 11 H20 A3 3 0 0 1 20 17 Z", ACCENT),
+    "scrape_tool": body("M2 20 H15 C16 20 18 11 22 11 C26 11 27 20 30 20")
+                   + stroke("M4 4 L12 17", ACCENT, 5) + stroke("M8 20 L15 16", ACCENT, 3),
+    "smudge_tool": body("M2 24 C9 24 9 11 17 11 C24 11 26 16 23 19 C22 15 17 16 18 20 "
+                        "C19 24 24 24 30 24") + arrow_right(7, 25, 5, ACCENT, 3.5),
+    "pinch_tool": body("M2 24 C11 24 14 20 16 6 C18 20 21 24 30 24")
+                  + arrow_right(2, 10, 13) + mirrored(arrow_right(2, 10, 13)),
+    "move_tool": body("M2 24 H15 C18 24 18 13 22 13 C26 13 26 24 29 24 H30")
+                 + dashed("M3 24 C6 24 6 13 10 13 C13 13 13 18 15 22", LINE, "2.5 2.5")
+                 + arrow_right(7, 25, 6),
+    "mask_tool": body("M2 25 H30")
+                 + solid("M16 3 L25 6 V13 C25 18 21 21 16 23 C11 21 7 18 7 13 V6 Z", ACCENT),
+    "undo_tool": body("M2 24 H8 C12 24 12 16 16 16 C20 16 20 24 24 24 H30")
+                 + stroke("M8 7 H18 C22 7 25 9 25 13", ACCENT, 3)
+                 + stroke("M12 3 L8 7 L12 11", ACCENT, 3),
+    "erase_tool": fill("M2 22 H9 V29 H2 Z M23 22 H30 V29 H23 Z", MATERIAL)
+                  + stroke("M2 22 H9 V29 M30 22 H23 V29") + eraser(),
+    "ceiling": stroke("M2 7 H30", ACCENT, 3) + body("M2 24 C9 24 9 11 13 11 H19 C23 11 23 24 30 24"),
+    "floor": body("M2 9 C9 9 9 21 13 21 H19 C23 21 23 9 30 9") + stroke("M8 25 H24", ACCENT, 3),
+    "mask_clear": tint("M16 3 L27 7 V15 C27 22 22 26 16 29 C10 26 5 22 5 15 V7 Z")
+                  + stroke("M16 3 L27 7 V15 C27 22 22 26 16 29 C10 26 5 22 5 15 V7 Z")
+                  + cross(16, 15, 4),
+    "mask_invert": fill("M16 3 V29 C10 26 5 22 5 15 V7 Z", ACCENT)
+                   + stroke("M16 3 L27 7 V15 C27 22 22 26 16 29 C10 26 5 22 5 15 V7 Z M16 3 V29"),
+    "symmetry_x": dashed("M16 2 V30", LINE, "3 2.5") + solid("M12 8 V24 H3 Z", MATERIAL)
+                  + solid("M20 8 V24 H29 Z", ACCENT),
+    "invert": tint("M3 3 H29 V29 H3 Z") + fill("M29 3 V29 H3 Z", MATERIAL)
+              + stroke("M3 3 H29 V29 H3 Z M3 29 L29 3")
+              + stroke("M7 9 H13 M10 6 V12 M19 22 H25", LINE, 2.5),
+
+    # Selections
+    "crop_tool": tint("M9 9 H23 V23 H9 Z") + stroke("M9 2 V23 H30", LINE, 3)
+                 + stroke("M2 9 H23 V30", ACCENT, 3),
+    "elliptical_selection_tool": tint("M16 5 A13 11 0 0 1 16 27 A13 11 0 0 1 16 5 Z")
+                                 + dashed("M16 5 A13 11 0 0 1 16 27 A13 11 0 0 1 16 5 Z", ACCENT,
+                                          "4 3"),
+    "rectangle_selection_tool": tint("M4 6 H28 V26 H4 Z") + dashed("M4 6 H28 V26 H4 Z", ACCENT,
+                                                                    "4 3"),
+    "polygon_selection_tool": tint("M6 10 L20 5 L27 18 L16 27 L5 22 Z")
+                              + dashed("M6 10 L20 5 L27 18 L16 27 L5 22 Z", ACCENT, "4 3")
+                              + disc(6, 10, 2.5, LINE) + disc(20, 5, 2.5, LINE)
+                              + disc(27, 18, 2.5, LINE) + disc(16, 27, 2.5, LINE)
+                              + disc(5, 22, 2.5, LINE),
+    "normal_selection": tint("M5 5 H27 V27 H5 Z") + dashed("M5 5 H27 V27 H5 Z", LINE, "4 3"),
+    "additive_selection": tint("M3 3 H19 V19 H3 Z") + dashed("M3 3 H19 V11 H29 V29 H11 V19 H3 Z", LINE,
+                                                             "4 2.5")
+                          + tint("M11 11 H29 V29 H11 Z") + plus(20, 20, 5),
+    "subtractive_selection": tint("M3 3 H19 V11 H11 V19 H3 Z")
+                             + dashed("M3 3 H19 V11 H11 V19 H3 Z", LINE, "4 2.5")
+                             + minus(20, 20, 6),
+    "magic_selection_tool": wand(),
+    "sample_selection": dropper(),
+    "paint_selection_tool": paint_brush(),
+    "fill_selection": bucket(),
+    "erase_selection_tool": moved(1, 5, 0.95, eraser()) + dashed("M3 29 H29", LINE, "4 3"),
+    "select_none": dashed("M5 5 H27 V27 H5 Z", LINE, "4 3") + cross(16, 16, 5),
+
+    # Footprint and alpha brush
+    "form_round": solid("M16 4 A12 12 0 0 1 16 28 A12 12 0 0 1 16 4 Z", MATERIAL),
+    "form_square": solid("M5 5 H27 V27 H5 Z", MATERIAL),
+    "falloff_smooth": profile("M3 26 C12 26 11 6 16 6 C21 6 20 26 29 26"),
+    "falloff_linear": profile("M3 26 L16 6 L29 26"),
+    "falloff_sphere": profile("M4 26 C4 -1 28 -1 28 26"),
+    "falloff_constant": profile("M5 26 V7 H27 V26"),
+    "alpha_shape": solid("M16 3 L20 12 L29 13 L22 19 L24 28 L16 23 L8 28 L10 19 L3 13 L12 12 Z",
+                         MATERIAL),
+    "alpha_tile": "".join(solid(f"M{x} {y} H{x + 6} V{y + 6} H{x} Z",
+                                MATERIAL if (x + y) % 20 == 6 else ACCENT)
+                          for x in (3, 13, 23) for y in (3, 13, 23)),
+    "alpha_stamp": stroke("M4 29 H28", LINE)
+                   + solid("M13 15 C13 12 11 10 11 7 A5 5 0 0 1 21 7 C21 10 19 12 19 15 V19 H27 "
+                           "V25 H5 V19 H13 Z", MATERIAL),
+
+    # Size
+    "ruler": solid("M3 11 H29 V23 H3 Z", MATERIAL)
+             + stroke("M8 11 V17 M13 11 V15 M18 11 V17 M23 11 V15", LINE),
+    "scale": tint("M5 5 H27 V27 H5 Z") + stroke("M5 5 H27 V27 H5 Z")
+             + solid("M5 17 H15 V27 H5 Z", MATERIAL)
+             + stroke("M17 15 L23 9 M18 9 H23 V14", ACCENT, 2.5),
+    "aspect_xy_locked": axes_cross() + padlock(18, 12),
+    "aspect_free": axes_cross() + padlock(18, 12, False),
+    "aspect_locked": stroke("M5 5 V23 H23 M5 23 L14 14", LINE)
+                     + stroke("M2 8 L5 4 L8 8 M20 20 L24 23 L20 26") + padlock(21, 13),
+
+    # Export and models
+    "quality": solid("M16 3 L29 25 H3 Z", MATERIAL)
+               + stroke("M16 3 L29 25 H3 Z M9.5 14 H22.5 L16 25 Z", LINE),
+    "model_size": small_cube() + stroke("M29 4 V26 M26 4 H31 M26 26 H31", ACCENT),
+    "Export STL": moved(0, -1, 0.9, solid("M16 3 L29 25 H3 Z", MATERIAL),
+                        stroke("M9.5 14 H22.5 L16 25 Z", LINE)) + out_arrow(),
+    "Export OBJ": moved(0, -1, 0.86, cube()) + out_arrow(),
+    "Export PTR": tint("M3 3 H25 V21 H3 Z") + stroke("M3 3 H25 V17 M13 21 H3 V3")
+                  + fill("M4 20 C8 20 8 8 14 8 C20 8 20 16 24 17 L20 20 Z", MATERIAL)
+                  + out_arrow(),
+    "Export to Drafteon": solid("M3 15 L29 3 L23 28 L15 21 Z", ACCENT)
+                          + stroke("M29 3 L15 21 V29 L19 24", LINE),
+    "rotate_left": small_cube() + stroke("M26 20 C32 13 26 5 17 4", ACCENT, 3)
+                   + fill("M19 0 V9 L12 4 Z", ACCENT),
+    "rotate_right": mirrored(small_cube() + stroke("M26 20 C32 13 26 5 17 4", ACCENT, 3)
+                             + fill("M19 0 V9 L12 4 Z", ACCENT)),
+    "rotate_up": small_cube() + stroke("M20 28 C29 27 30 18 28 9", ACCENT, 3)
+                 + fill("M24 10 L32 8 L27 2 Z", ACCENT),
+    "rotate_down": small_cube() + stroke("M20 4 C29 5 30 14 28 22", ACCENT, 3)
+                   + fill("M24 22 L32 23 L27 30 Z", ACCENT),
+    "rotate_ccw": mirrored(axis_turn()),
+    "rotate_cw": axis_turn(),
+    "flip": dashed("M2 16 H30", LINE, "3 2.5") + solid("M8 12 H24 V3 Z", MATERIAL)
+            + solid("M8 20 H24 V29 Z", ACCENT),
+    "reset_axes": stroke("M13 4 V19 H28 M13 19 L4 28", LINE) + disc(13, 19, 4, ACCENT)
+                  + stroke("M10 7 L13 3 L16 7 M25 16 L29 19 L25 22"),
+    "flip_normals": solid("M3 21 L13 15 L29 21 L19 27 Z", MATERIAL)
+                    + arrow_up(11, 16, 4, ACCENT, 3.5) + arrow_down(21, 4, 16, ACCENT, 3.5),
+}
+ICONS["symmetry_y"] = turned(90, ICONS["symmetry_x"])
+
+
+def file_name(name):
+    return name.replace(" ", "_") + ".svg"
+
+
+def main():
+    folder_path = HERE / "icons"
+    folder_path.mkdir(exist_ok=True)
+    for old in folder_path.glob("*.svg"):
+        old.unlink()
+    lines = ["<RCC>", '    <qresource prefix="/marlowen2">']
+    for name in sorted(ICONS):
+        svg = ('<svg xmlns="http://www.w3.org/2000/svg" width="32" height="32" viewBox="0 0 32 32">'
+               f"{ICONS[name]}</svg>\n")
+        (folder_path / file_name(name)).write_text(svg, encoding="utf-8")
+        lines.append(f'        <file alias="{name}">icons/{file_name(name)}</file>')
+    lines += ["    </qresource>", "</RCC>"]
+    (HERE / "marlowen.qrc").write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
+if __name__ == "__main__":
+    main()
