@@ -5,11 +5,14 @@
 #include <optional>
 #include <utility>
 
-/// What went wrong: a short dialog title ("Open Failed") and one sentence a person can read.
+/// What went wrong: a short dialog title ("Open Failed") and one sentence a person can read. The
+/// detail is the reason behind it ("No space left on device"), for logs and the command line; it
+/// may be empty.
 struct Failure
 {
     QString title;
     QString sentence;
+    QString detail = {};
 };
 
 /// Outcome of work without a value: success, or the Failure that the command that started the work
@@ -18,7 +21,10 @@ class Outcome
 {
 public:
     Outcome() = default;
-    Outcome(Failure failure) : m_failure(std::move(failure)) {}
+    Outcome(Failure failure)
+        : m_failure(std::move(failure))
+    {
+    }
     explicit operator bool() const { return !m_failure; }
     /// Only on failure.
     const Failure &failure() const { return *m_failure; }
@@ -32,8 +38,14 @@ template <typename T>
 class Result
 {
 public:
-    Result(T value) : m_value(std::move(value)) {}
-    Result(Failure failure) : m_failure(std::move(failure)) {}
+    Result(T value)
+        : m_value(std::move(value))
+    {
+    }
+    Result(Failure failure)
+        : m_failure(std::move(failure))
+    {
+    }
     explicit operator bool() const { return m_value.has_value(); }
     const T &value() const { return *m_value; }
     T take() { return std::move(*m_value); }

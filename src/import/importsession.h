@@ -48,7 +48,7 @@ public:
     /// Does not set dirty.
     void setBasRelief(bool on);
 
-    /// Any number of settings at once, with one recompute.
+    /// Any number of settings at once, with one recompute even when none of them is new.
     void setSettings(const ImportSettings &settings);
     /// Recomputes with the bas-relief step allowed. `progress` may be null.
     void update(Progress *progress);

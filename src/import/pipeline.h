@@ -49,12 +49,13 @@ void trim(const HeightsView &heights, int passes);
 /// keepZeros, cells of height 0 stay 0.
 void smooth(const HeightsView &heights, double amount, bool keepZeros);
 
-/// Source values sloped by the tilt angles about the real centre; only values above 0 move, none
-/// below 0. `slopeScale` is source units per height unit.
+/// A plane through the real centre of the grid, in source units.
 struct TiltSlope
 {
-    double perColumn = 0.0;
-    double perRow = 0.0;
+    double perColumn = 0.0; ///< height units a cell along X
+    double perRow = 0.0;    ///< height units a cell along Y
+    double scale = 1.0;     ///< source units a height unit
 };
 TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan);
+/// The source values with the plane added. Only values above 0 move, and none falls below 0.
 std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope);

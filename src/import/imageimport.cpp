@@ -1,0 +1,97 @@
+#include "import/imageimport.h"
+
+#include "import/importsource.h"
+#include "import/pipeline.h"
+
+#include <QFileInfo>
+#include <QImage>
+#include <QImageReader>
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+namespace {
+
+/// Decoded images up to this size are read; a header that promises more is taken for damage.
+constexpr int decodedLimitMegabytes = 8192;
+
+Failure _openFailed(const QString &detail)
+{
+    return {QStringLiteral("Open Failed"), QStringLiteral("Error! File Open Failed"), detail};
+}
+
+void _greyRow(const QRgb *pixels, float *values, int count)
+{
+    for (int x = 0; x < count; ++x) {
+        const QRgb pixel = pixels[x];
+        const int weighted = static_cast<int>(11 * ((pixel >> 16) & 0xFFU) +
+                                              16 * ((pixel >> 8) & 0xFFU) + 5 * (pixel & 0xFFU));
+        values[x] = static_cast<float>(weighted / 32);
+    }
+}
+
+/// Rows [first, first + count) of an image, without a copy.
+QImage _strip(const QImage &image, int first, int count)
+{
+    QImage strip(image.constScanLine(first), image.width(), count, image.bytesPerLine(),
+                 image.format());
+    strip.setColorTable(image.colorTable());
+    return strip;
+}
+
+Result<QImage> _readImage(const QString &path)
+{
+    if (!QFileInfo(path).isFile())
+        return _openFailed(QStringLiteral("not a file"));
+    QImageReader::setAllocationLimit(decodedLimitMegabytes);
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (static_cast<qint64>(size.width()) * size.height() > std::numeric_limits<int>::max() / 2)
+        return _openFailed(QStringLiteral("the image is too large"));
+    QImage image = reader.read();
+    if (image.isNull())
+        return _openFailed(reader.errorString());
+    return image;
+}
+
+std::unique_ptr<Relief> _reliefOf(QImage image, const ImportSettings &settings)
+{
+    FloatGrid grey = greyGrid(image);
+    image = {};
+    const Padding padding = paddingFor(grey);
+    return std::make_unique<Relief>(
+        std::make_unique<ImportSource>(padded(std::move(grey), padding), settings));
+}
+
+} // namespace
+
+FloatGrid greyGrid(const QImage &image)
+{
+    // Whatever the format, Qt turns it into 8-bit colours; strip by strip, so that the whole image
+    // is never there twice.
+    constexpr int stripRows = 64;
+    FloatGrid grey(image.width(), image.height());
+    for (int first = 0; first < image.height(); first += stripRows) {
+        const int rows = std::min(stripRows, image.height() - first);
+        const QImage colours = _strip(image, first, rows).convertToFormat(QImage::Format_ARGB32);
+        for (int row = 0; row < rows; ++row)
+            _greyRow(reinterpret_cast<const QRgb *>(colours.constScanLine(row)),
+                     grey.row(first + row), image.width());
+    }
+    return grey;
+}
+
+Result<std::unique_ptr<Relief>> importImage(const QString &path, const ImportSettings &settings)
+{
+    try {
+        Result<QImage> image = _readImage(path);
+        if (!image)
+            return image.failure();
+        return _reliefOf(image.take(), settings);
+    } catch (const std::bad_alloc &) {
+        return _openFailed(QStringLiteral("the image is too large for the memory"));
+    }
+}

@@ -1,0 +1,91 @@
+#include "import/importsource.h"
+
+#include "import/pipeline.h"
+
+#include <algorithm>
+#include <utility>
+
+ImportSource::ImportSource(FloatGrid values, const ImportSettings &settings)
+    : m_values(std::move(values))
+    , m_range(rangeOf(m_values.values.data(), m_values.cells()))
+    , m_settings(settings)
+{
+}
+
+void ImportSource::setSettings(const ImportSettings &settings)
+{
+    // The slope is a slope of the finished heights, so the depth tells how steep it is in source
+    // units.
+    const bool sameTilt = settings.tiltHorizontal == m_settings.tiltHorizontal &&
+                          settings.tiltVertical == m_settings.tiltVertical &&
+                          settings.depth == m_settings.depth;
+    tiltDirty = tiltDirty || !sameTilt;
+    m_settings = settings;
+}
+
+void ImportSource::computeHeights(float *heights)
+{
+    if (std::exchange(tiltDirty, false))
+        _rebuildTilt();
+    const bool tilt = !m_tilted.empty();
+    mapBase({tilt ? m_tilted.data() : m_values.values.data(), width(), height(),
+             tilt ? m_tiltedRange : m_range},
+            m_settings, heights);
+    if (!m_settings.preview)
+        return;
+    const HeightsView view{heights, width(), height()};
+    trim(view, m_settings.trim);
+    smooth(view, m_settings.smoothing, m_settings.transparency);
+}
+
+void ImportSource::_rebuildTilt()
+{
+    m_tilted = {};
+    if (!m_settings.tilted())
+        return;
+    m_tilted = tiltedValues(m_values, tiltSlope(m_settings, valueRange()));
+    m_tiltedRange = rangeOf(m_tilted.data(), m_values.cells());
+}
+
+namespace {
+
+void _makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRun &run)
+{
+    if (!run.generator || !*run.generator)
+        return;
+    Progress silent;
+    const ImportSettings &settings = source.settings();
+    std::optional<std::vector<float>> result =
+        (*run.generator)({relief.heights().constData(), relief.width(), relief.height(),
+                          settings.gridSize, settings.contrastFactor, settings.smoothness},
+                         run.progress ? *run.progress : silent);
+    if (!result)
+        return;
+    Q_ASSERT(static_cast<qsizetype>(result->size()) == relief.cells());
+    source.lastBasRelief = std::move(*result);
+    source.dirty = false;
+}
+
+void _applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &run)
+{
+    if (source.dirty && run.allowBasRelief)
+        _makeBasRelief(relief, source, run);
+    if (!source.dirty && !source.lastBasRelief.empty())
+        std::copy(source.lastBasRelief.begin(), source.lastBasRelief.end(),
+                  relief.heights().data());
+}
+
+} // namespace
+
+void recompute(Relief &relief, ImportSource &source, const RecomputeRun &run)
+{
+    Q_ASSERT(relief.width() == source.width() && relief.height() == source.height());
+    source.computeHeights(relief.heights().data());
+    if (source.settings().preview) {
+        if (source.settings().basRelief)
+            _applyBasRelief(relief, source, run);
+        relief.referenceLayer().copyFrom(relief.heights());
+    }
+    relief.heightsChanged = true;
+    relief.frameRegion = relief.rect();
+}

@@ -1,0 +1,346 @@
+#include "import/pipeline.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <numbers>
+
+namespace {
+
+/// Bounding box of the cells that are not 0; right < left when there is none.
+struct FigureBox
+{
+    int left;
+    int right;
+    int top;
+    int bottom;
+};
+
+FigureBox _figureBox(const FloatGrid &grid)
+{
+    FigureBox box{grid.width, -1, grid.height, -1};
+    for (int y = 0; y < grid.height; ++y) {
+        const float *first = grid.row(y);
+        const float *last = first + grid.width;
+        const auto solid = [](float value) { return value != 0.0F; };
+        const float *left = std::find_if(first, last, solid);
+        if (left == last)
+            continue;
+        const auto right =
+            std::find_if(std::reverse_iterator(last), std::reverse_iterator(left), solid);
+        box.left = std::min(box.left, static_cast<int>(left - first));
+        box.right = std::max(box.right, static_cast<int>(right.base() - first) - 1);
+        box.top = std::min(box.top, y);
+        box.bottom = y;
+    }
+    return box;
+}
+
+/// Cells missing between the gap that is there and a margin of 5 % of `extent` cells.
+int _missing(int extent, int gap)
+{
+    const double margin = 0.05 * extent;
+    return gap < margin ? static_cast<int>(margin - gap) : 0;
+}
+
+/// The base mapping as one multiply-add a cell: height = max(0, sign * value + offset) * scale.
+struct Mapping
+{
+    double sign;
+    double offset;
+    double lift;
+    double scale;
+};
+
+Mapping _mappingOf(const ValueRange &range, const ImportSettings &settings)
+{
+    const double span = range.span();
+    return {settings.invertZ ? -1.0 : 1.0, settings.invertZ ? range.highest : -range.lowest,
+            settings.preview ? settings.raiseLower * span / 100 : 0.0,
+            settings.depth != 0.0 ? settings.depth / span : 1.0};
+}
+
+__attribute__((target_clones("avx2", "default"))) void _mapRow(const float *values, float *heights,
+                                                               int count, const Mapping &mapping)
+{
+    const Mapping m = mapping;
+    for (int i = 0; i < count; ++i) {
+        const double base = m.sign * static_cast<double>(values[i]) + m.offset - m.lift;
+        const float height = static_cast<float>((base > 0.0 ? base : 0.0) * m.scale);
+        heights[i] = values[i] == 0.0F ? 0.0F : height;
+    }
+}
+
+/// Makes flags[x] tell whether all of flags[x .. x + window - 1] were set, for every x where the
+/// window fits, by joining runs of doubling length.
+void _joinRuns(uint8_t *flags, int count, int window)
+{
+    const auto join = [flags, count](int length, int step) {
+        for (int x = 0; x + length <= count; ++x)
+            flags[x] &= flags[x + step];
+    };
+    int run = 1;
+    for (; run * 2 <= window; run *= 2)
+        join(run * 2, run);
+    if (run < window)
+        join(window, window - run);
+}
+
+__attribute__((target_clones("avx2", "default"))) void _markSolid(const float *values,
+                                                                  uint8_t *flags, int count)
+{
+    for (int x = 0; x < count; ++x)
+        flags[x] = values[x] != 0.0F ? 1 : 0;
+}
+
+/// Counts, up to `window`, the rows in a sequence whose flag is set.
+__attribute__((target_clones("avx2", "default"))) void
+_countRows(uint8_t *rows, const uint8_t *flags, int count, uint8_t window)
+{
+    for (int x = 0; x < count; ++x) {
+        const uint8_t more = static_cast<uint8_t>(rows[x] + (rows[x] < window ? 1 : 0));
+        rows[x] = flags[x] ? more : 0;
+    }
+}
+
+__attribute__((target_clones("avx2", "default"))) void
+_keepWhere(float *values, const uint8_t *rows, int count, uint8_t window)
+{
+    for (int x = 0; x < count; ++x)
+        values[x] = rows[x] == window ? values[x] : 0.0F;
+}
+
+/// Sums weighted 1-2-1 along a row; a neighbour off the grid is left out.
+__attribute__((target_clones("avx2", "default"))) void _sumRow(const float *values, double *sums,
+                                                               int count)
+{
+    const auto at = [values](int x) { return static_cast<double>(values[x]); };
+    for (int x = 1; x + 1 < count; ++x)
+        sums[x] = at(x - 1) + 2.0 * at(x) + at(x + 1);
+    sums[0] = 2.0 * at(0) + (count > 1 ? at(1) : 0.0);
+    if (count > 1)
+        sums[count - 1] = at(count - 2) + 2.0 * at(count - 1);
+}
+
+/// One row of a smoothing pass: the sums of the row above, the row and the row below it.
+struct SmoothRow
+{
+    const double *above;
+    const double *here;
+    const double *below;
+    double rowWeight; ///< 4 inside, 3 in the first and last row, 2 in a single row
+    double blend;     ///< share of the new value
+    bool keepZeros;
+};
+
+float _smoothCell(const SmoothRow &row, float before, int x, double columnWeight)
+{
+    if (row.keepZeros && before == 0.0F)
+        return 0.0F;
+    const double mean =
+        (row.above[x] + 2.0 * row.here[x] + row.below[x]) / (columnWeight * row.rowWeight);
+    return static_cast<float>(mean * row.blend + before * (1.0 - row.blend));
+}
+
+template <bool keepZeros>
+__attribute__((always_inline)) inline void _smoothInner(const SmoothRow &row, float *values,
+                                                        int count)
+{
+    const double *above = row.above;
+    const double *here = row.here;
+    const double *below = row.below;
+    const double divisor = 4.0 * row.rowWeight;
+    const double blend = row.blend;
+    const double rest = 1.0 - row.blend;
+    for (int x = 1; x < count - 1; ++x) {
+        const double mean = (above[x] + 2.0 * here[x] + below[x]) / divisor;
+        const float after = static_cast<float>(mean * blend + values[x] * rest);
+        values[x] = keepZeros && values[x] == 0.0F ? 0.0F : after;
+    }
+}
+
+__attribute__((target_clones("avx2", "default"))) void _smoothKeepingZeros(const SmoothRow &row,
+                                                                           float *values, int count)
+{
+    _smoothInner<true>(row, values, count);
+}
+
+__attribute__((target_clones("avx2", "default"))) void _smoothAll(const SmoothRow &row,
+                                                                  float *values, int count)
+{
+    _smoothInner<false>(row, values, count);
+}
+
+void _smoothOneRow(const SmoothRow &row, float *values, int count)
+{
+    const double edgeWeight = count > 1 ? 3.0 : 2.0;
+    values[0] = _smoothCell(row, values[0], 0, edgeWeight);
+    if (count > 1)
+        values[count - 1] = _smoothCell(row, values[count - 1], count - 1, edgeWeight);
+    if (row.keepZeros)
+        _smoothKeepingZeros(row, values, count);
+    else
+        _smoothAll(row, values, count);
+}
+
+/// One pass in place: a row is overwritten only after the sums of the next one are taken.
+void _smoothPass(const HeightsView &heights, double blend, bool keepZeros)
+{
+    const size_t columns = static_cast<size_t>(heights.width);
+    const std::vector<double> nothing(columns, 0.0);
+    std::array<std::vector<double>, 3> sums;
+    sums.fill(nothing);
+    const auto rowAt = [&heights, columns](int y) {
+        return heights.values + static_cast<size_t>(y) * columns;
+    };
+    const auto sumsOf = [&sums](int y) { return sums[static_cast<size_t>(y) % 3].data(); };
+    _sumRow(rowAt(0), sumsOf(0), heights.width);
+    for (int y = 0; y < heights.height; ++y) {
+        const bool first = y == 0;
+        const bool last = y + 1 == heights.height;
+        if (!last)
+            _sumRow(rowAt(y + 1), sumsOf(y + 1), heights.width);
+        _smoothOneRow({first ? nothing.data() : sumsOf(y - 1), sumsOf(y),
+                       last ? nothing.data() : sumsOf(y + 1),
+                       4.0 - (first ? 1 : 0) - (last ? 1 : 0), blend, keepZeros},
+                      rowAt(y), heights.width);
+    }
+}
+
+/// Adds the plane to one row: `rowLevel` is its height where the column level is 0.
+__attribute__((target_clones("avx2", "default"))) void
+_tiltRow(float *values, int count, const TiltSlope &slope, double rowLevel)
+{
+    const TiltSlope s = slope;
+    const double centre = count / 2.0;
+    for (int x = 0; x < count; ++x) {
+        const double level = ((x - centre) * s.perColumn + rowLevel) * s.scale;
+        const double value = level + static_cast<double>(values[x]);
+        const float tilted = static_cast<float>(value > 0.0 ? value : 0.0);
+        values[x] = values[x] > 0.0F ? tilted : values[x];
+    }
+}
+
+} // namespace
+
+Padding paddingFor(const FloatGrid &grid)
+{
+    FigureBox box = _figureBox(grid);
+    if (box.right <= box.left || box.bottom <= box.top)
+        box = {0, grid.width - 1, 0, grid.height - 1};
+    const int extentX = box.right - box.left + 1;
+    const int extentY = box.bottom - box.top + 1;
+    return {_missing(extentX, box.left), _missing(extentX, grid.width - 1 - box.right),
+            _missing(extentY, box.top), _missing(extentY, grid.height - 1 - box.bottom)};
+}
+
+FloatGrid padded(FloatGrid grid, const Padding &padding)
+{
+    if (padding == Padding{})
+        return grid;
+    FloatGrid result(grid.width + padding.left + padding.right,
+                     grid.height + padding.top + padding.bottom);
+    for (int y = 0; y < grid.height; ++y)
+        std::memcpy(result.row(y + padding.top) + padding.left, grid.row(y),
+                    grid.columns() * sizeof(float));
+    return result;
+}
+
+__attribute__((target_clones("avx2", "default"))) ValueRange rangeOf(const float *values,
+                                                                     qsizetype count)
+{
+    // Sixteen independent lanes, because a single running minimum cannot be vectorised.
+    constexpr qsizetype lanes = 16;
+    float lowest[lanes];
+    float highest[lanes];
+    std::fill_n(lowest, lanes, values[0]);
+    std::fill_n(highest, lanes, values[0]);
+    qsizetype i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        for (qsizetype lane = 0; lane < lanes; ++lane) {
+            const float value = values[i + lane];
+            lowest[lane] = value < lowest[lane] ? value : lowest[lane];
+            highest[lane] = value > highest[lane] ? value : highest[lane];
+        }
+    }
+    for (; i < count; ++i) {
+        lowest[0] = std::min(lowest[0], values[i]);
+        highest[0] = std::max(highest[0], values[i]);
+    }
+    return {*std::min_element(lowest, lowest + lanes), *std::max_element(highest, highest + lanes)};
+}
+
+void mapBase(const MappingSource &source, const ImportSettings &settings, float *heights)
+{
+    const size_t columns = static_cast<size_t>(source.width);
+    if (source.range.span() == 0.0) {
+        std::fill_n(heights, columns * static_cast<size_t>(source.height), 0.0F);
+        return;
+    }
+    const Mapping mapping = _mappingOf(source.range, settings);
+    for (int y = 0; y < source.height; ++y) {
+        const int from = settings.flipY ? source.height - 1 - y : y;
+        _mapRow(source.values + static_cast<size_t>(from) * columns,
+                heights + static_cast<size_t>(y) * columns, source.width, mapping);
+    }
+}
+
+// All passes at once: a cell survives n of them exactly when every cell of the (2n + 1) square
+// around it exists and is not 0.
+void trim(const HeightsView &heights, int passes)
+{
+    if (passes <= 0)
+        return;
+    const size_t columns = static_cast<size_t>(heights.width);
+    const int window = 2 * passes + 1;
+    const int centres = heights.width - window + 1;
+    if (centres <= 0 || heights.height < window) {
+        std::fill_n(heights.values, columns * static_cast<size_t>(heights.height), 0.0F);
+        return;
+    }
+    const auto rowAt = [&heights, columns](int y) {
+        return heights.values + static_cast<size_t>(y) * columns;
+    };
+    std::vector<uint8_t> flags(columns);
+    std::vector<uint8_t> rows(static_cast<size_t>(centres), 0);
+    for (int y = 0; y < heights.height; ++y) {
+        _markSolid(rowAt(y), flags.data(), heights.width);
+        _joinRuns(flags.data(), heights.width, window);
+        _countRows(rows.data(), flags.data(), centres, static_cast<uint8_t>(window));
+        if (y < passes)
+            continue;
+        float *centre = rowAt(y - passes);
+        std::fill_n(centre, passes, 0.0F);
+        _keepWhere(centre + passes, rows.data(), centres, static_cast<uint8_t>(window));
+        std::fill_n(centre + passes + centres, passes, 0.0F);
+    }
+    std::fill_n(rowAt(heights.height - passes), columns * static_cast<size_t>(passes), 0.0F);
+}
+
+void smooth(const HeightsView &heights, double amount, bool keepZeros)
+{
+    const int passes = static_cast<int>(std::ceil(amount));
+    const double fraction = amount - std::floor(amount);
+    for (int pass = 1; pass <= passes; ++pass)
+        _smoothPass(heights, pass == passes && fraction != 0.0 ? fraction : 1.0, keepZeros);
+}
+
+TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan)
+{
+    constexpr double radiansPerTenth = std::numbers::pi / 1800.0;
+    return {-std::tan(settings.tiltHorizontal * radiansPerTenth),
+            std::tan(settings.tiltVertical * radiansPerTenth),
+            settings.depth != 0.0 ? sourceSpan / settings.depth : 1.0};
+}
+
+std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope)
+{
+    std::vector<float> result = grid.values;
+    const double centre = grid.height / 2.0;
+    for (int y = 0; y < grid.height; ++y)
+        _tiltRow(result.data() + static_cast<size_t>(y) * grid.columns(), grid.width, slope,
+                 (y - centre) * slope.perRow);
+    return result;
+}
