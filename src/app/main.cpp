@@ -1,4 +1,23 @@
-int main()
+#include "app/startup.h"
+
+#include <malloc.h>
+
+namespace {
+
+/// Keeps what a frame or a stroke frees for the next one: without this the C library hands large
+/// blocks back to the system at once and every new one is faulted in page by page.
+void _keepFreedMemory()
 {
-    return 0;
+    constexpr int largestHeapBlock = 32 << 20; // the C library takes no more
+    constexpr int keptAtTop = 512 << 20;
+    mallopt(M_MMAP_THRESHOLD, largestHeapBlock);
+    mallopt(M_TRIM_THRESHOLD, keptAtTop);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    _keepFreedMemory();
+    return runMarlowen(argc, argv);
 }

@@ -24,9 +24,13 @@ class SessionLog
 {
 public:
     SessionLog()
-        : m_file(dataFolder() + QDir::separator() + QStringLiteral("marlowen3_")
-                 + QString::number(QCoreApplication::applicationPid(), 16) + QStringLiteral(".log"))
+        : m_file(dataFolder() + QDir::separator() + QStringLiteral("marlowen3_") +
+                 QString::number(QCoreApplication::applicationPid(), 16) + QStringLiteral(".log"))
         , m_stream(&m_file)
+    {
+    }
+
+    void open()
     {
         if (m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
             m_stream << "Starting Marlowen 3 log: " << _now() << "\n";
@@ -62,8 +66,11 @@ std::unique_ptr<SessionLog> &_log()
 
 QTextStream &_entry(const char *prefix)
 {
-    if (!_log())
+    if (!_log()) {
+        // Kept before it is opened: the failure handler may run an event loop that writes entries.
         _log() = std::make_unique<SessionLog>();
+        _log()->open();
+    }
     return _log()->stream() << prefix;
 }
 

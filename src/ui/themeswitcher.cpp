@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPalette>
 
+#include <optional>
 #include <utility>
 
 namespace themeSwitcher {
@@ -11,10 +12,16 @@ namespace {
 
 constexpr QColor accent(46, 117, 182);
 
-StyleFactory &_factory()
+struct Registered
 {
-    static StyleFactory factory;
-    return factory;
+    StyleFactory factory;
+    std::optional<int> installedMode;
+};
+
+Registered &_registered()
+{
+    static Registered registered;
+    return registered;
 }
 
 struct RoleColor
@@ -59,7 +66,16 @@ constexpr RoleColor roleColors[] = {
 
 void setStyleFactory(StyleFactory factory)
 {
-    _factory() = std::move(factory);
+    _registered() = {std::move(factory), std::nullopt};
+}
+
+void installStyle(int mode)
+{
+    Registered &registered = _registered();
+    if (!registered.factory || registered.installedMode == mode)
+        return;
+    QApplication::setStyle(registered.factory(mode));
+    registered.installedMode = mode;
 }
 
 QPalette paletteFor(int mode)
@@ -75,8 +91,7 @@ QPalette paletteFor(int mode)
 
 void applyTheme(int mode)
 {
-    if (_factory())
-        QApplication::setStyle(_factory()(mode));
+    installStyle(mode);
     QApplication::setPalette(paletteFor(mode));
 }
 

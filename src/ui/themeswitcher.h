@@ -15,11 +15,14 @@ using StyleFactory = std::function<QStyle *(int mode)>;
 
 void setStyleFactory(StyleFactory factory);
 
+/// Installs a style made by the factory, unless the one installed last was made for the same mode
+/// (none registered: the style stays).
+void installStyle(int mode);
+
 /// The colours of the mode: window, text, fields, buttons, selection, disabled.
 QPalette paletteFor(int mode);
 
-/// Installs a style made by the factory (none registered: the style stays) and the mode's palette.
-/// Does not write the settings.
+/// installStyle() and the palette of the mode. Does not write the settings.
 void applyTheme(int mode);
 
 } // namespace themeSwitcher

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QColor>
+#include <QProxyStyle>
+
+/// The style of the program: the ribbon kit's style in the maker's accent colour.
+class BrindlemarkStyle : public QProxyStyle
+{
+    Q_OBJECT
+
+public:
+    /// `mode` is the stored "ui/themeMode": 1 is the dark theme, any other value the light one.
+    explicit BrindlemarkStyle(int mode);
+};

@@ -1,0 +1,68 @@
+#include "app/launch.h"
+
+#include "ui/mainwindow.h"
+
+#include <QFileInfo>
+
+#include <functional>
+#include <utility>
+
+namespace {
+
+using Kind = LaunchStep::Kind;
+
+QList<LaunchStep> _fileSteps(const QStringList &arguments)
+{
+    QList<LaunchStep> steps;
+    if (arguments.size() >= 4)
+        steps.append({Kind::SecondIntegrationString, arguments[3]});
+    if (arguments.size() >= 3)
+        steps.append({Kind::ExportPath, arguments[2]});
+    if (QFileInfo::exists(arguments[1]))
+        steps.append({Kind::OpenFile, arguments[1]});
+    return steps;
+}
+
+QList<LaunchStep> _integrationSteps(const QStringList &arguments)
+{
+    return {
+        {Kind::IntegrationString, arguments[1]},
+        {Kind::ImportFile, arguments[2]},
+        {Kind::ExportPath, arguments[3]},
+        {Kind::SecondIntegrationString, arguments[4]},
+        {Kind::Raise, {}},
+    };
+}
+
+void _applyStep(const LaunchStep &step, MainWindow &window)
+{
+    static const std::pair<Kind, std::function<void(MainWindow &, const QString &)>> actions[] = {
+        {Kind::IntegrationString, &MainWindow::setIntegrationString},
+        {Kind::SecondIntegrationString, &MainWindow::setSecondIntegrationString},
+        {Kind::ExportPath, &MainWindow::setExportPath},
+        {Kind::ImportFile, &MainWindow::setImportFile},
+        {Kind::OpenFile, [](MainWindow &target, const QString &path) { target.openFile(path, 0); }},
+        {Kind::Raise, [](MainWindow &target, const QString &) { target.raise(); }},
+    };
+    for (const auto &[kind, act] : actions) {
+        if (kind == step.kind)
+            act(window, step.text);
+    }
+}
+
+} // namespace
+
+QList<LaunchStep> launchSteps(const QStringList &arguments)
+{
+    if (arguments.size() >= 5)
+        return _integrationSteps(arguments);
+    if (arguments.size() >= 2)
+        return _fileSteps(arguments);
+    return {};
+}
+
+void applyLaunchSteps(const QList<LaunchStep> &steps, MainWindow &window)
+{
+    for (const LaunchStep &step : steps)
+        _applyStep(step, window);
+}

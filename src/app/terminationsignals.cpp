@@ -1,0 +1,39 @@
+#include "app/terminationsignals.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <array>
+#include <csignal>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+std::array<int, 2> pipeEnds{-1, -1};
+
+extern "C" void _noteSignal(int)
+{
+    const char byte = 0;
+    // A full pipe already holds the request.
+    [[maybe_unused]] const ssize_t written = write(pipeEnds[1], &byte, 1);
+}
+
+} // namespace
+
+void quitOnTerminationSignals()
+{
+    if (pipe2(pipeEnds.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+        return;
+    QCoreApplication *app = QCoreApplication::instance();
+    auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, app);
+    QObject::connect(notifier, &QSocketNotifier::activated, app, [] {
+        char byte = 0;
+        while (read(pipeEnds[0], &byte, 1) == 1) {
+        }
+        QCoreApplication::quit();
+    });
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        std::signal(signal, _noteSignal);
+}
