@@ -103,9 +103,8 @@ protected:
     /// Builds the program of the two resource files and looks up the uniforms of the kind. Throws a
     /// C string when it does not compile or link; the compile log goes to the debug messages.
     void _buildProgram(const char *vertexFile, const char *fragmentFile, ShaderType type);
-    /// The parts of bind and release that both engines share.
+    /// What bind does on both engines.
     void _bindProgram(ShaderType type);
-    void _releaseProgram();
 
     uint32_t m_program = 0;
     uint32_t m_positionBytes = 0;
@@ -120,6 +119,9 @@ protected:
     uint64_t m_uploadedVertexBytes = 0;
     uint64_t m_uploadedIndexBytes = 0;
     QOpenGLFunctions_2_1 *m_gl = nullptr; ///< owned by the context
+
+private:
+    void _uploadMaterial();
 };
 
 /// The drawing engines: OpenGL 3.3 buffer objects, or OpenGL 2.1 immediate mode.

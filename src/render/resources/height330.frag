@@ -1,0 +1,33 @@
+#version 330
+
+in vec2 vTexCoord;
+in float vZPos;
+in float selected;
+
+uniform float ColorOffset;
+uniform float MinZ;
+uniform float MaxZ;
+uniform sampler2D TexUnit0;
+
+out vec4 FragColor;
+
+const float Pi = 3.1415926535897932384626433832795;
+
+void main()
+{
+    vec3 color = vec3(0.0);
+    if (MaxZ != MinZ) {
+        float val = (vZPos - MinZ) / (MaxZ - MinZ) * 255.0 + ColorOffset;
+        color.g = 0.5 + 0.5 * sin(2.0 * Pi / 255.0 * val + Pi / 2.0);
+        color.b = 0.5 + 0.5 * sin(2.0 * Pi / 255.0 * val + Pi);
+    }
+
+    if (selected != 0.0) {
+        float mag = length(color);
+        color = normalize(vec3(1.0, 0.0, 0.0) + color) * mag;
+    }
+    if (vZPos <= 0.0 && selected == 0.0)
+        FragColor = vec4(texture(TexUnit0, vTexCoord).rgb, 0.5);
+    else
+        FragColor = vec4(color, 1.0);
+}
