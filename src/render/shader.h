@@ -10,7 +10,7 @@ class QOpenGLFunctions_2_1;
 
 /// What a view wants drawn: the lit relief of the 3D view or the height-coloured one of the 2D
 /// view.
-enum ShaderType { Shader3d, Shader2d };
+enum ShaderType : int32_t { Shader3d, Shader2d };
 
 /// A block of vertices of a row-major vertex grid: `rows` runs of `count` vertices, the first run
 /// starting at vertex `first`, each next one `stride` vertices later.
