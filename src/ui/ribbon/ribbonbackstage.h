@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QWidget>
+
+class QVBoxLayout;
+class RibbonButton;
+
+/// The page that lies over the whole window: a column of commands on the left, any content beside
+/// it. Choosing a command closes the page; Escape and the back button close it too.
+class RibbonBackstage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit RibbonBackstage(const QString &title, QWidget *parent);
+
+    RibbonButton *addCommand(QAction *action);
+    /// Room below which the commands are at the foot of the column.
+    void addStretch();
+    /// What fills the right side; taken over.
+    void setContent(QWidget *content);
+
+public slots:
+    /// Shows the page over its parent, or hides it.
+    void setOpen(bool open);
+
+signals:
+    void openChanged(bool open);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    QWidget *m_side;
+    QVBoxLayout *m_commands;
+    QVBoxLayout *m_contentPlace;
+    RibbonButton *m_back;
+};

@@ -1,0 +1,14 @@
+#include "ui/ribbon/ribbonfocus.h"
+
+#include <QWidget>
+
+QWidget *firstFocusable(const QWidget *parent)
+{
+    for (QWidget *next = parent->nextInFocusChain(); next && next != parent;
+         next = next->nextInFocusChain()) {
+        if (parent->isAncestorOf(next) && next->isVisible() && next->isEnabled() &&
+            (next->focusPolicy() & Qt::TabFocus) && !next->focusProxy())
+            return next;
+    }
+    return nullptr;
+}
