@@ -1,5 +1,6 @@
 #include "import/imageimport.h"
 
+#include "files/safefile.h"
 #include "import/importsource.h"
 #include "import/pipeline.h"
 
@@ -15,11 +16,6 @@ namespace {
 
 /// Decoded images up to this size are read; a header that promises more is taken for damage.
 constexpr int decodedLimitMegabytes = 8192;
-
-Failure _openFailed(const QString &detail)
-{
-    return {QStringLiteral("Open Failed"), QStringLiteral("Error! File Open Failed"), detail};
-}
 
 void _greyRow(const QRgb *pixels, float *values, int count)
 {
@@ -43,17 +39,17 @@ QImage _strip(const QImage &image, int first, int count)
 Result<QImage> _readImage(const QString &path)
 {
     if (!QFileInfo(path).isFile())
-        return _openFailed(QStringLiteral("not a file"));
+        return openFailed(QStringLiteral("not a file"));
     QImageReader::setAllocationLimit(decodedLimitMegabytes);
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (static_cast<qint64>(size.width()) * size.height() > std::numeric_limits<int>::max() / 2)
-        return _openFailed(QStringLiteral("the image is too large"));
+        return openFailed(QStringLiteral("the image is too large"));
     QImage image = reader.read();
     if (image.isNull())
-        return _openFailed(reader.errorString());
+        return openFailed(reader.errorString());
     return image;
 }
 
@@ -92,6 +88,6 @@ Result<std::unique_ptr<Relief>> importImage(const QString &path, const ImportSet
             return image.failure();
         return _reliefOf(image.take(), settings);
     } catch (const std::bad_alloc &) {
-        return _openFailed(QStringLiteral("the image is too large for the memory"));
+        return openFailed(QStringLiteral("the image is too large for the memory"));
     }
 }

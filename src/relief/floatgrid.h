@@ -36,3 +36,17 @@ struct FloatGrid
     int height = 0;
     std::vector<float> values;
 };
+
+/// A grid of values that lie elsewhere, in the same order.
+struct GridView
+{
+    const float *values = nullptr;
+    int width = 0;
+    int height = 0;
+
+    const float *row(int index) const
+    {
+        return values + static_cast<size_t>(index) * static_cast<size_t>(width);
+    }
+    qsizetype cells() const { return static_cast<qsizetype>(width) * height; }
+};

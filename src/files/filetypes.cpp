@@ -1,0 +1,16 @@
+#include "files/filetypes.h"
+
+const FileType *fileTypeOf(const QString &path)
+{
+    for (const FileType &type : fileTypes) {
+        if (path.endsWith(QLatin1String(type.extension), Qt::CaseInsensitive))
+            return &type;
+    }
+    return nullptr;
+}
+
+FileKind fileKindOf(const QString &path)
+{
+    const FileType *type = fileTypeOf(path);
+    return type ? type->kind : FileKind::Unknown;
+}

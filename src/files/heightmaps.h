@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/result.h"
+#include "relief/floatgrid.h"
+
+#include <QString>
+
+/// Height maps that other programs read.
+
+/// PFM, the portable float map: "Pf", width and height, a scale whose sign tells the byte order
+/// (negative: little-endian, which is what is written), then rows from the bottom one up. Values
+/// travel as they are. https://www.pauldebevec.com/Research/HDR/PFM/
+Outcome savePfm(const GridView &grid, const QString &path);
+/// Reads grey maps ("Pf") of either byte order. Values may be anything, NaN included. Takes no
+/// memory for cells that the file does not hold.
+Result<FloatGrid> loadPfm(const QString &path);
+
+/// 16-bit grey PNG: the lowest height black, the highest white; a flat relief is black.
+Outcome saveHeightPng(const GridView &grid, const QString &path);

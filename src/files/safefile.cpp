@@ -1,0 +1,61 @@
+#include "files/safefile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace {
+
+bool _openFor(QFileDevice &file)
+{
+    return file.open(QIODevice::WriteOnly);
+}
+
+Failure _because(Failure failure, const QFileDevice &file)
+{
+    failure.detail = file.error() == QFileDevice::NoError ? QString() : file.errorString();
+    return failure;
+}
+
+Outcome _writeDirectly(const QString &path, const std::function<bool(QIODevice &)> &write,
+                       const Failure &unopened)
+{
+    QFile file(path);
+    if (!_openFor(file))
+        return _because(unopened, file);
+    if (!write(file) || !file.flush())
+        return _because(saveFailed(), file);
+    return {};
+}
+
+} // namespace
+
+Failure openFailed(const QString &detail)
+{
+    return {QStringLiteral("Open Failed"), QStringLiteral("Error! File Open Failed"), detail};
+}
+
+Failure loadFailed(const QString &detail)
+{
+    return {QStringLiteral("Load Failed"), QStringLiteral("Error! File I/O Error"), detail};
+}
+
+Failure saveFailed(const QString &detail)
+{
+    return {QStringLiteral("Save Failed"), QStringLiteral("Error! File I/O Error"), detail};
+}
+
+Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> &write,
+                    const Failure &unopened)
+{
+    // A rename would put an ordinary file in the place of a device.
+    const QFileInfo target(path);
+    if (target.exists() && !target.isFile() && !target.isDir())
+        return _writeDirectly(path, write, unopened);
+    QSaveFile file(path);
+    if (!_openFor(file))
+        return _because(unopened, file);
+    if (!write(file) || !file.commit())
+        return _because(saveFailed(), file);
+    return {};
+}

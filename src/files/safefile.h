@@ -1,0 +1,22 @@
+#pragma once
+
+#include "base/result.h"
+
+#include <QString>
+
+#include <functional>
+
+class QIODevice;
+
+/// The failures that file commands show.
+Failure openFailed(const QString &detail = {}); ///< "Open Failed" / "Error! File Open Failed"
+Failure loadFailed(const QString &detail = {}); ///< "Load Failed" / "Error! File I/O Error"
+Failure saveFailed(const QString &detail = {}); ///< "Save Failed" / "Error! File I/O Error"
+
+/// Writes a file that is whole or not there: `write` fills a temporary beside the target, which
+/// takes the target's place only when everything reached the disk. `write` returns false to give up
+/// (a bad stream, a cancelled computation). A target that is no ordinary file (a device, a pipe) is
+/// written directly. Fails with `unopened` when the target cannot be opened and with saveFailed()
+/// later.
+Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> &write,
+                    const Failure &unopened = saveFailed());

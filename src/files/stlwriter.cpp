@@ -1,0 +1,298 @@
+#include "files/stlwriter.h"
+
+#include "files/safefile.h"
+#include "relief/relief.h"
+
+#include <QDataStream>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+static_assert(std::endian::native == std::endian::little,
+              "facets are copied as they lie in memory");
+
+constexpr int headerBytes = 80;
+constexpr size_t facetBytes = 50;
+constexpr size_t flushBytes = 256 * 1024;
+
+void _writeHeader(QDataStream &stream, const QByteArray &text)
+{
+    stream.setByteOrder(QDataStream::LittleEndian);
+    stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
+    QByteArray header = text.left(headerBytes);
+    header.append(headerBytes - header.size(), '\0');
+    stream.writeRawData(header.constData(), headerBytes);
+}
+
+bool _ok(const QDataStream &stream)
+{
+    return stream.status() == QDataStream::Ok;
+}
+
+/// Facet records that leave in large blocks.
+class FacetBuffer
+{
+public:
+    FacetBuffer(QDataStream &stream, size_t largestAddition)
+        : m_stream(stream)
+        , m_bytes((flushBytes / facetBytes + largestAddition) * facetBytes)
+    {
+    }
+
+    /// Where the next record goes; the attribute bytes behind its twelve floats are 0 already.
+    char *next() { return m_bytes.data() + m_used; }
+    void take() { m_used += facetBytes; }
+    void flushWhenFull()
+    {
+        if (m_used >= flushBytes)
+            flush();
+    }
+    void flush()
+    {
+        m_stream.writeRawData(m_bytes.data(), static_cast<int>(m_used));
+        m_used = 0;
+    }
+
+private:
+    QDataStream &m_stream;
+    std::vector<char> m_bytes;
+    size_t m_used = 0;
+};
+
+/// The upward unit normals of the triangles of one kind in a row of squares.
+struct Normals
+{
+    explicit Normals(size_t count)
+        : x(count)
+        , y(count)
+        , z(count)
+    {
+    }
+
+    std::vector<float> x;
+    std::vector<float> y;
+    std::vector<float> z;
+};
+
+/// Z values of one grid row: exact for the slopes, narrowed for the vertices.
+struct RowZ
+{
+    explicit RowZ(size_t count)
+        : exact(count)
+        , stored(count)
+    {
+    }
+
+    std::vector<double> exact;
+    std::vector<float> stored;
+};
+
+__attribute__((target_clones("avx2", "default"))) void _fillZ(const float *heights, double zFactor,
+                                                              RowZ &row)
+{
+    double *exact = row.exact.data();
+    float *stored = row.stored.data();
+    const size_t count = row.exact.size();
+    for (size_t i = 0; i < count; ++i) {
+        exact[i] = static_cast<double>(heights[i]) / cellsPerUnit * zFactor;
+        stored[i] = static_cast<float>(exact[i]);
+    }
+}
+
+/// Normal (-slopeX, -slopeY, 1) / length of the planes whose Z rises from `low` to `highX` along X
+/// and from `lowY` to `highY` along Y within one cell.
+struct Slopes
+{
+    const double *lowX;
+    const double *highX;
+    const double *lowY;
+    const double *highY;
+};
+
+__attribute__((target_clones("avx2", "default"))) void _fillNormals(const Slopes &slopes,
+                                                                    Normals &normals)
+{
+    const Slopes s = slopes;
+    float *x = normals.x.data();
+    float *y = normals.y.data();
+    float *z = normals.z.data();
+    const size_t count = normals.x.size();
+    for (size_t i = 0; i < count; ++i) {
+        const double dx = (s.highX[i] - s.lowX[i]) * cellsPerUnit;
+        const double dy = (s.highY[i] - s.lowY[i]) * cellsPerUnit;
+        const double scale = 1.0 / std::sqrt(1.0 + dx * dx + dy * dy);
+        x[i] = static_cast<float>(-dx * scale);
+        y[i] = static_cast<float>(-dy * scale);
+        z[i] = static_cast<float>(scale);
+    }
+}
+
+bool _empty(float a, float b, float c)
+{
+    return a == 0.0F && b == 0.0F && c == 0.0F;
+}
+
+struct SquareCounts
+{
+    const float *upper;
+    const float *lower;
+};
+
+__attribute__((target_clones("avx2", "default"))) uint32_t _countRow(const SquareCounts &rows,
+                                                                     int width)
+{
+    const float *upper = rows.upper;
+    const float *lower = rows.lower;
+    uint32_t count = 0;
+    for (int c = 0; c + 1 < width; ++c) {
+        const bool shared = upper[c + 1] != 0.0F || lower[c] != 0.0F;
+        count +=
+            (shared || upper[c] != 0.0F ? 1U : 0U) + (shared || lower[c + 1] != 0.0F ? 1U : 0U);
+    }
+    return count;
+}
+
+uint32_t _countFacets(const GridView &grid)
+{
+    uint32_t count = 0;
+    for (int r = 0; r + 1 < grid.height; ++r)
+        count += _countRow({grid.row(r), grid.row(r + 1)}, grid.width);
+    return count;
+}
+
+/// Everything the squares between two grid rows need.
+class GridRows
+{
+public:
+    explicit GridRows(const StlGrid &grid)
+        : m_grid(grid)
+        , m_upper(columns())
+        , m_lower(columns())
+        , m_first(columns() - 1)
+        , m_second(columns() - 1)
+        , m_x(columns())
+    {
+        for (size_t c = 0; c < m_x.size(); ++c)
+            m_x[c] = static_cast<float>(static_cast<double>(c) / cellsPerUnit);
+        _fillZ(grid.heights.row(0), grid.zFactor, m_lower);
+    }
+
+    size_t columns() const { return static_cast<size_t>(m_grid.heights.width); }
+
+    /// Row r must follow row r - 1.
+    void write(int r, FacetBuffer &buffer)
+    {
+        std::swap(m_upper, m_lower);
+        _fillZ(m_grid.heights.row(r + 1), m_grid.zFactor, m_lower);
+        const double *upper = m_upper.exact.data();
+        const double *lower = m_lower.exact.data();
+        _fillNormals({upper, upper + 1, upper, lower}, m_first);
+        _fillNormals({lower, lower + 1, upper + 1, lower + 1}, m_second);
+        _pack(r, buffer);
+    }
+
+private:
+    void _pack(int r, FacetBuffer &buffer) const
+    {
+        const float *above = m_grid.heights.row(r);
+        const float *below = m_grid.heights.row(r + 1);
+        const float y0 = static_cast<float>(r / cellsPerUnit);
+        const float y1 = static_cast<float>((r + 1) / cellsPerUnit);
+        const float *z0 = m_upper.stored.data();
+        const float *z1 = m_lower.stored.data();
+        const float *x = m_x.data();
+        const auto put = [&buffer](const std::array<float, 12> &facet) {
+            std::memcpy(buffer.next(), facet.data(), sizeof(facet));
+            buffer.take();
+        };
+        for (size_t c = 0; c + 1 < columns(); ++c) {
+            if (!_empty(above[c], above[c + 1], below[c]))
+                put({m_first.x[c], m_first.y[c], m_first.z[c], x[c], y0, z0[c], x[c + 1], y0,
+                     z0[c + 1], x[c], y1, z1[c]});
+            if (!_empty(below[c], above[c + 1], below[c + 1]))
+                put({m_second.x[c], m_second.y[c], m_second.z[c], x[c], y1, z1[c], x[c + 1], y0,
+                     z0[c + 1], x[c + 1], y1, z1[c + 1]});
+        }
+    }
+
+    const StlGrid &m_grid;
+    RowZ m_upper;
+    RowZ m_lower;
+    Normals m_first;
+    Normals m_second;
+    std::vector<float> m_x;
+};
+
+bool _writeRows(QDataStream &stream, const StlGrid &grid)
+{
+    const int squares = grid.heights.height - 1;
+    Progress silent;
+    Progress &progress = grid.progress ? *grid.progress : silent;
+    GridRows rows(grid);
+    FacetBuffer buffer(stream, 2 * rows.columns());
+    for (int r = 0; r < squares; ++r) {
+        rows.write(r, buffer);
+        buffer.flushWhenFull();
+        if (r % 64 == 0)
+            progress.advance(static_cast<double>(r) / squares);
+        if (!_ok(stream) || progress.cancelled())
+            return false;
+    }
+    buffer.flush();
+    progress.advance(1.0);
+    return _ok(stream);
+}
+
+} // namespace
+
+bool writeGridStl(QDataStream &stream, const StlGrid &grid)
+{
+    _writeHeader(stream, grid.header);
+    stream << _countFacets(grid.heights);
+    if (!_ok(stream))
+        return false;
+    if (grid.heights.height < 2 || grid.heights.width < 2)
+        return true;
+    return _writeRows(stream, grid);
+}
+
+bool writeMeshStl(QDataStream &stream, const std::vector<StlFacet> &facets,
+                  const QByteArray &header)
+{
+    _writeHeader(stream, header);
+    stream << static_cast<quint64>(facets.size());
+    FacetBuffer buffer(stream, 1);
+    for (const StlFacet &facet : facets) {
+        std::array<float, 12> record{};
+        auto out = record.begin();
+        const auto narrow = [&out](const std::array<double, 3> &from) {
+            for (const double value : from)
+                *out++ = static_cast<float>(value);
+        };
+        narrow(facet.normal);
+        for (const auto &vertex : facet.vertices)
+            narrow(vertex);
+        std::memcpy(buffer.next(), record.data(), sizeof(record));
+        buffer.take();
+        buffer.flushWhenFull();
+        if (!_ok(stream))
+            return false;
+    }
+    buffer.flush();
+    return _ok(stream);
+}
+
+Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progress)
+{
+    return writeSafely(path, [&relief, progress](QIODevice &device) {
+        QDataStream stream(&device);
+        return writeGridStl(stream,
+                            {{relief.heights().constData(), relief.width(), relief.height()},
+                             relief.zScale,
+                             QByteArrayLiteral("Binary STL of a relief, 128 cells an inch"),
+                             progress});
+    });
+}

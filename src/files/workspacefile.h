@@ -1,0 +1,20 @@
+#pragma once
+
+#include "base/result.h"
+#include "relief/relief.h"
+
+#include <QString>
+
+#include <memory>
+
+/// The workspace file (".scp"): magic 0x50744D77, version 1, then the relief as reliefstream.h
+/// writes it; 40 + 16 * width * height bytes, big-endian.
+
+/// Writes beside the target and renames; fails with "Save Failed" / "Error! File I/O Error",
+/// leaving a file that was there as it was.
+Outcome saveWorkspace(const Relief &relief, const QString &path);
+
+/// Fails with "Open Failed" / "Error! File Open Failed", "Invalid File" / "Error! File has invalid
+/// Magic Number or Version" (versions 0 and 1 are read) or "Load Failed" / "Error! File I/O Error".
+/// Values that no relief may hold become 0 and the session log says how many.
+Result<std::unique_ptr<Relief>> loadWorkspace(const QString &path);
