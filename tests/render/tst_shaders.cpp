@@ -1,6 +1,7 @@
 #include "base/qevsettings.h"
 #include "gltarget.h"
 #include "render/legacyshader.h"
+#include "render/lightdirection.h"
 #include "render/vboshader.h"
 
 #include <QTemporaryDir>
@@ -187,6 +188,7 @@ private slots:
     void litPixelsFollowTheFormula();
     void heightPixelsFollowTheFormula_data() { _engines(); }
     void heightPixelsFollowTheFormula();
+    void chosenSideIsBright();
     void floorIsHalfTransparent_data() { _engines(); }
     void floorIsHalfTransparent();
     void selectionTintsAndCoversTheFloor_data() { _engines(); }
@@ -276,6 +278,26 @@ void TestShaders::heightPixelsFollowTheFormula()
     for (int column : {2, 9, 17, 28}) {
         const QVector3D expected = heightColour(float(column) + 0.5F, 30.0F, 40.0F);
         QVERIFY(near(image.pixel(side / 2 + column, 20), expected, 2));
+    }
+}
+
+// A dome under each of the eight lights: the slope that faces the labelled side is the brightest.
+void TestShaders::chosenSideIsBright()
+{
+    const QPoint slopes[] = {{16, 16}, {32, 10}, {48, 16}, {10, 32},
+                             {54, 32}, {16, 48}, {32, 54}, {48, 48}};
+    const auto shader = makeShader(Shader3d, false);
+    shader->specular = {0, 0, 0, 0};
+    const Mesh mesh(dome);
+    mesh.giveTo(*shader);
+    for (int chosen = 0; chosen < 8; ++chosen) {
+        shader->lightPosition = lightDirection(chosen);
+        const QImage image = drawn(*m_target, *shader);
+        int brightest = 0;
+        for (int i = 1; i < 8; ++i)
+            if (qGray(image.pixel(slopes[i])) > qGray(image.pixel(slopes[brightest])))
+                brightest = i;
+        QCOMPARE(brightest, chosen);
     }
 }
 
