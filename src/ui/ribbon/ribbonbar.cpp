@@ -13,6 +13,8 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace {
 
 /// An arrow that folds the ribbon up or lets it down.
@@ -68,13 +70,15 @@ RibbonBar::RibbonBar(QWidget *parent)
     m_minimize->setAccessibleName(tr("Minimise the ribbon"));
     connect(m_tabs, &QTabBar::currentChanged, this, &RibbonBar::_tabChanged);
     connect(m_tabs, &QTabBar::tabBarClicked, this, [this](int tab) {
-        if (tab < 0)
+        if (tab < 0 || std::exchange(m_clickWasDouble, false))
             return;
         if (m_minimized)
             _floatPage(!m_floating || tab != m_tabs->currentIndex());
         emit pageActivated(m_tabs->tabData(tab).toInt());
     });
     connect(m_tabs, &QTabBar::tabBarDoubleClicked, this, [this](int tab) {
+        // The tab bar reports the second press as a click too, after this.
+        m_clickWasDouble = tab >= 0;
         if (tab >= 0)
             toggleMinimized();
     });

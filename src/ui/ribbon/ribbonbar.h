@@ -66,4 +66,5 @@ private:
     std::vector<RibbonPage *> m_pages;
     bool m_minimized = false;
     bool m_floating = false;
+    bool m_clickWasDouble = false;
 };
