@@ -1,0 +1,50 @@
+#include "ui/panels/panelcontrols.h"
+
+#include "ui/ribbon/numberfield.h"
+#include "ui/ribbon/sliderfield.h"
+
+#include <QLabel>
+#include <QSlider>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+void showReason(QWidget &control, const QString &hint, const QString &reason)
+{
+    control.setEnabled(reason.isEmpty());
+    control.setToolTip(reason.isEmpty() ? hint : reason);
+}
+
+void showReason(SliderField &field, const QString &hint, const QString &reason)
+{
+    field.setEnabled(reason.isEmpty());
+    if (reason.isEmpty()) {
+        field.setHint(hint);
+        return;
+    }
+    field.label()->setToolTip(reason);
+    field.slider()->setToolTip(reason);
+    field.number()->setToolTip(reason);
+}
+
+void alignFields(std::span<SliderField *const> fields, int labelWidth)
+{
+    int numberWidth = 0;
+    for (const SliderField *field : fields)
+        numberWidth = std::max(numberWidth, field->number()->sizeHint().width());
+    for (SliderField *field : fields) {
+        field->setLabelWidth(labelWidth);
+        field->number()->setFixedWidth(numberWidth);
+    }
+}
+
+QLabel *addSection(QVBoxLayout &column, const QString &title)
+{
+    auto *label = new QLabel(title);
+    QFont font = label->font();
+    font.setWeight(QFont::DemiBold);
+    label->setFont(font);
+    label->setContentsMargins(0, 8, 0, 0);
+    column.addWidget(label);
+    return label;
+}
