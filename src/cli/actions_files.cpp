@@ -1,0 +1,186 @@
+#include "cli/clifiles.h"
+#include "cli/importkeys.h"
+#include "cli/scriptaction.h"
+#include "cli/scriptstate.h"
+#include "files/heightmaps.h"
+#include "files/workspacefile.h"
+#include "relief/reliefstream.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double largestHeight = std::numeric_limits<float>::max();
+constexpr int largestSide = std::numeric_limits<int>::max();
+constexpr char layerNames[] = "heights|reference|mask|selection";
+
+enum class Layer { Heights, Reference, Mask, Selection };
+
+Layer _layerOf(const QJsonObject &arguments)
+{
+    return static_cast<Layer>(
+        choiceIndex(layerNames, arguments.value(QLatin1String("layer")).toString()));
+}
+
+QString _fileOf(const QJsonObject &arguments)
+{
+    return arguments.value(QLatin1String("file")).toString();
+}
+
+GridLayer &_gridLayer(Relief &relief, Layer layer)
+{
+    switch (layer) {
+    case Layer::Reference:
+        return relief.referenceLayer();
+    case Layer::Mask:
+        return relief.maskLayer();
+    case Layer::Selection:
+        return relief.selectionLayer();
+    default:
+        return relief.heights();
+    }
+}
+
+Outcome _new(ScriptState &state, const QJsonObject &arguments)
+{
+    const int width = arguments.value(QLatin1String("width")).toInt();
+    const int height = arguments.value(QLatin1String("height")).toInt();
+    const float level = static_cast<float>(arguments.value(QLatin1String("level")).toDouble());
+    if (static_cast<qint64>(width) * height > largestSide)
+        return scriptFailure(QStringLiteral("new: the relief would have too many cells"));
+    auto relief = std::make_unique<Relief>(width, height);
+    if (level != 0.0F)
+        std::fill_n(relief->heights().data(), relief->cells(), level);
+    state.install(std::move(relief));
+    return {};
+}
+
+Outcome _open(ScriptState &state, const QJsonObject &arguments)
+{
+    const QJsonObject settings = arguments.value(QLatin1String("import")).toObject();
+    Result<std::unique_ptr<Relief>> opened = openFile(_fileOf(arguments), withValues({}, settings));
+    if (!opened)
+        return opened.failure();
+    state.install(opened.take());
+    return {};
+}
+
+/// Values that the layer may not hold become the nearest that it may.
+void _fit(std::vector<float> &values, Layer layer)
+{
+    if (layer == Layer::Selection)
+        std::replace_if(
+            values.begin(), values.end(), [](float v) { return std::isnan(v); }, 0.0F);
+    else
+        repairHeights(values.data(), static_cast<qsizetype>(values.size()));
+    if (layer == Layer::Mask)
+        std::replace_if(
+            values.begin(), values.end(), [](float v) { return v > 1.0F; }, 1.0F);
+}
+
+void _markLoaded(Relief &relief, Layer layer)
+{
+    relief.heightsChanged = relief.heightsChanged || layer == Layer::Heights;
+    relief.appearanceChanged = relief.appearanceChanged || layer == Layer::Mask;
+    relief.selectionActive = relief.selectionActive || layer == Layer::Selection;
+    relief.frameRegion = relief.rect();
+}
+
+Outcome _load(ScriptState &state, const QJsonObject &arguments)
+{
+    const Layer layer = _layerOf(arguments);
+    Result<FloatGrid> loaded = loadPfm(_fileOf(arguments));
+    if (!loaded)
+        return aboutFile(_fileOf(arguments), loaded.failure());
+    FloatGrid grid = loaded.take();
+    if (!state.relief() && layer == Layer::Heights)
+        state.install(std::make_unique<Relief>(grid.width, grid.height));
+    if (!state.relief())
+        return scriptFailure(QStringLiteral("load: there is no relief"));
+    Relief &relief = *state.relief();
+    if (relief.width() != grid.width || relief.height() != grid.height)
+        return scriptFailure(QStringLiteral("%1: %2 x %3 cells do not fit a relief of %4 x %5")
+                                 .arg(_fileOf(arguments))
+                                 .arg(grid.width)
+                                 .arg(grid.height)
+                                 .arg(relief.width())
+                                 .arg(relief.height()));
+    _fit(grid.values, layer);
+    std::copy(grid.values.begin(), grid.values.end(), _gridLayer(relief, layer).data());
+    _markLoaded(relief, layer);
+    return {};
+}
+
+Outcome _save(ScriptState &state, const QJsonObject &arguments)
+{
+    const QString path = _fileOf(arguments);
+    if (const Outcome done = saveWorkspace(*state.relief(), path); !done)
+        return aboutFile(path, done.failure());
+    return {};
+}
+
+Outcome _export(ScriptState &state, const QJsonObject &arguments)
+{
+    return exportFile(*state.relief(), _fileOf(arguments),
+                      arguments.value(QLatin1String("quality")).toString(), state.progress());
+}
+
+Outcome _dump(ScriptState &state, const QJsonObject &arguments)
+{
+    const Relief &relief = *state.relief();
+    const GridLayer &layer = _gridLayer(*state.relief(), _layerOf(arguments));
+    const Outcome done =
+        savePfm({layer.constData(), relief.width(), relief.height()}, _fileOf(arguments));
+    if (!done)
+        return aboutFile(_fileOf(arguments), done.failure());
+    return {};
+}
+
+Outcome _info(ScriptState &state, const QJsonObject &)
+{
+    QJsonObject description = describe(*state.relief());
+    description.insert(
+        QLatin1String("undo"),
+        QJsonObject{{QLatin1String("events"), state.undo().count()},
+                    {QLatin1String("cursor"), state.undo().cursor()},
+                    {QLatin1String("bytes"), static_cast<qint64>(state.undo().totalSize())}});
+    description.insert(QLatin1String("sampleHeight"),
+                       static_cast<double>(state.relief()->sampleHeight));
+    state.print(QJsonDocument(description).toJson(QJsonDocument::Compact));
+    return {};
+}
+
+} // namespace
+
+const std::vector<ScriptAction> &fileActions()
+{
+    static const ScriptKey file{"file", KeyType::Text, true};
+    static const ScriptKey layer{
+        .name = "layer", .type = KeyType::Choice, .required = true, .choices = layerNames};
+    static const std::vector<ScriptAction> actions{
+        {"new",
+         {{"width", KeyType::Integer, true, 1.0, largestSide},
+          {"height", KeyType::Integer, true, 1.0, largestSide},
+          {"level", KeyType::Number, false, 0.0, largestHeight}},
+         _new,
+         false},
+        {"open",
+         {file, {.name = "import", .type = KeyType::Object, .nested = &importKeys()}},
+         _open,
+         false},
+        {"load", {layer, file}, _load, false},
+        {"save", {file}, _save},
+        {"export",
+         {file,
+          {.name = "quality",
+           .type = KeyType::Choice,
+           .choices = "High|Medium|Low|high|medium|low"}},
+         _export},
+        {"dump", {layer, file}, _dump},
+        {"info", {}, _info},
+    };
+    return actions;
+}

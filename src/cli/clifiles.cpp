@@ -1,0 +1,155 @@
+#include "cli/clifiles.h"
+
+#include "files/filetypes.h"
+#include "files/heightmaps.h"
+#include "files/stlwriter.h"
+#include "files/workspacefile.h"
+#include "import/imageimport.h"
+#include "relief/reliefstream.h"
+
+#include <algorithm>
+
+namespace {
+
+Failure _notBuilt(const QString &what)
+{
+    return {QStringLiteral("Not Built"),
+            QStringLiteral("%1 cannot be handled by this version").arg(what)};
+}
+
+Failure _unknownEnding()
+{
+    return {QStringLiteral("Invalid File"), QStringLiteral("the file name has no known ending")};
+}
+
+Result<std::unique_ptr<Relief>> _openHeightMap(const QString &path)
+{
+    Result<FloatGrid> loaded = loadPfm(path);
+    if (!loaded)
+        return loaded.failure();
+    FloatGrid grid = loaded.take();
+    repairHeights(grid.values.data(), grid.cells());
+    auto relief = std::make_unique<Relief>(grid.width, grid.height);
+    std::copy(grid.values.begin(), grid.values.end(), relief->heights().data());
+    relief->referenceLayer().copyFrom(relief->heights());
+    const auto [lowest, highest] = std::minmax_element(grid.values.begin(), grid.values.end());
+    relief->rangeMaximum = static_cast<double>(*highest) - static_cast<double>(*lowest);
+    return relief;
+}
+
+Result<std::unique_ptr<Relief>> _open(const QString &path, const ImportSettings &settings)
+{
+    const FileType *type = fileTypeOf(path);
+    if (!type)
+        return _unknownEnding();
+    switch (type->kind) {
+    case FileKind::Workspace:
+        return loadWorkspace(path);
+    case FileKind::Image:
+        return importImage(path, settings);
+    case FileKind::HeightMap:
+        return _openHeightMap(path);
+    default:
+        return _notBuilt(
+            QStringLiteral("an input of this kind (%1)").arg(QLatin1String(type->description)));
+    }
+}
+
+using Exporter = Outcome (*)(const Relief &relief, const QString &path, Progress &progress);
+
+GridView _heightsOf(const Relief &relief)
+{
+    return {relief.heights().constData(), relief.width(), relief.height()};
+}
+
+/// One row an ending that can be written.
+struct ExportRow
+{
+    const char *ending;
+    Exporter write;
+};
+
+constexpr ExportRow exportRows[] = {
+    {".scp", [](const Relief &relief, const QString &path,
+                Progress &) { return saveWorkspace(relief, path); }},
+    {".stl", [](const Relief &relief, const QString &path,
+                Progress &progress) { return exportGridStl(relief, path, &progress); }},
+    {".pfm", [](const Relief &relief, const QString &path,
+                Progress &) { return savePfm(_heightsOf(relief), path); }},
+    {".png", [](const Relief &relief, const QString &path,
+                Progress &) { return saveHeightPng(_heightsOf(relief), path); }},
+};
+
+const ExportRow *_exportRowOf(const QString &path)
+{
+    for (const ExportRow &row : exportRows) {
+        if (path.endsWith(QLatin1String(row.ending), Qt::CaseInsensitive))
+            return &row;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QString oneLine(const Failure &failure)
+{
+    QString line = failure.sentence;
+    if (!failure.detail.isEmpty())
+        line += QStringLiteral(" (%1)").arg(failure.detail);
+    return line.simplified();
+}
+
+Failure aboutFile(const QString &path, const Failure &failure)
+{
+    Failure named = failure;
+    named.sentence = QStringLiteral("%1: %2").arg(path, failure.sentence);
+    return named;
+}
+
+Result<std::unique_ptr<Relief>> openFile(const QString &path, const ImportSettings &settings)
+{
+    Result<std::unique_ptr<Relief>> opened = _open(path, settings);
+    if (!opened)
+        return aboutFile(path, opened.failure());
+    return opened.take();
+}
+
+Outcome checkExport(const QString &path)
+{
+    if (_exportRowOf(path))
+        return {};
+    const FileType *type = fileTypeOf(path);
+    if (!type || !type->exports)
+        return aboutFile(path, _unknownEnding());
+    return aboutFile(
+        path,
+        _notBuilt(
+            QStringLiteral("an output of this kind (%1)").arg(QLatin1String(type->description))));
+}
+
+Outcome exportFile(const Relief &relief, const QString &path, const QString &quality,
+                   Progress &progress)
+{
+    if (const Outcome known = checkExport(path); !known)
+        return known;
+    if (!quality.isEmpty())
+        return aboutFile(path,
+                         _notBuilt(QStringLiteral("a reduced mesh (quality %1)").arg(quality)));
+    if (const Outcome done = _exportRowOf(path)->write(relief, path, progress); !done)
+        return aboutFile(path, done.failure());
+    return {};
+}
+
+QJsonObject describe(const Relief &relief)
+{
+    const float *heights = relief.heights().constData();
+    const auto [lowest, highest] = std::minmax_element(heights, heights + relief.cells());
+    return {{QStringLiteral("width"), relief.width()},
+            {QStringLiteral("height"), relief.height()},
+            {QStringLiteral("zScale"), relief.zScale},
+            {QStringLiteral("rangeMin"), relief.rangeMinimum},
+            {QStringLiteral("rangeMax"), relief.rangeMaximum},
+            {QStringLiteral("min"), static_cast<double>(*lowest)},
+            {QStringLiteral("max"), static_cast<double>(*highest)},
+            {QStringLiteral("selection"), relief.selectionActive}};
+}

@@ -1,0 +1,152 @@
+#include "cli/commandline.h"
+
+#include "base/version.h"
+#include "cli/clifiles.h"
+#include "cli/convertjob.h"
+#include "cli/scriptrunner.h"
+#include "cli/scriptstate.h"
+#include "cli/terminalprogress.h"
+
+#include <QFile>
+#include <QJsonDocument>
+
+#include <cstdio>
+#include <new>
+
+namespace {
+
+enum ExitStatus { Done = 0, WorkFailed = 1, WrongUsage = 2 };
+
+constexpr char usageText[] =
+    "marlowen-cli convert INPUT OUTPUT [options]\n"
+    "marlowen-cli info FILE [--json]\n"
+    "marlowen-cli run SCRIPT          SCRIPT is a file, or - for standard input\n"
+    "marlowen-cli --help | --version\n"
+    "\n"
+    "INPUT is an image, a mesh, a workspace, a pattern file or a .pfm height map; OUTPUT is told "
+    "by\n"
+    "its ending: .scp, .stl, .obj, .ptr, .pfm (float height map) or .png (16-bit grey height "
+    "map).\n"
+    "\n"
+    "Options of convert:\n";
+
+void _printOut(const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+}
+
+/// One line on standard error.
+int _fail(const QString &line, ExitStatus status)
+{
+    std::fprintf(stderr, "%s\n", line.toLocal8Bit().constData());
+    return status;
+}
+
+int _wrongUsage(const QString &sentence)
+{
+    return _fail(QStringLiteral("marlowen-cli: %1 (see marlowen-cli --help)").arg(sentence),
+                 WrongUsage);
+}
+
+int _workFailed(const Failure &failure)
+{
+    return _fail(QStringLiteral("marlowen-cli: %1").arg(oneLine(failure)), WorkFailed);
+}
+
+int _help(const QStringList &)
+{
+    _printOut(QLatin1String(usageText) + convertOptionsHelp());
+    return Done;
+}
+
+int _version(const QStringList &)
+{
+    _printOut(QStringLiteral("%1 (marlowen-cli) %2\n")
+                  .arg(QLatin1String(productName), QLatin1String(versionText)));
+    return Done;
+}
+
+int _convert(const QStringList &arguments)
+{
+    const Result<ConvertJob> job = parseConvert(arguments);
+    if (!job)
+        return _wrongUsage(oneLine(job.failure()));
+    TerminalProgress progress;
+    const Outcome done = runConvert(job.value(), progress);
+    progress.clear();
+    return done ? Done : _workFailed(done.failure());
+}
+
+void _printDescription(const QJsonObject &description, bool json)
+{
+    if (json) {
+        _printOut(QString::fromUtf8(QJsonDocument(description).toJson(QJsonDocument::Compact)) +
+                  QLatin1Char('\n'));
+        return;
+    }
+    for (auto entry = description.begin(); entry != description.end(); ++entry)
+        _printOut(
+            QStringLiteral("%1: %2\n").arg(entry.key(), entry.value().toVariant().toString()));
+}
+
+int _info(const QStringList &arguments)
+{
+    QStringList files = arguments;
+    const bool json = files.removeAll(QStringLiteral("--json")) > 0;
+    if (files.size() != 1 || files[0].startsWith(QLatin1String("--")))
+        return _wrongUsage(QStringLiteral("info needs one FILE"));
+    const Result<std::unique_ptr<Relief>> opened = openFile(files[0], {});
+    if (!opened)
+        return _workFailed(opened.failure());
+    _printDescription(describe(*opened.value()), json);
+    return Done;
+}
+
+bool _openScript(QFile &file)
+{
+    if (file.fileName() == QLatin1String("-"))
+        return file.open(stdin, QIODevice::ReadOnly);
+    return file.open(QIODevice::ReadOnly);
+}
+
+int _run(const QStringList &arguments)
+{
+    if (arguments.size() != 1)
+        return _wrongUsage(QStringLiteral("run needs one SCRIPT"));
+    QFile file(arguments[0]);
+    if (!_openScript(file))
+        return _workFailed(aboutFile(arguments[0], {{}, file.errorString()}));
+    TerminalProgress progress;
+    ScriptState state(progress);
+    const Outcome done = runScript(state, file, arguments[0]);
+    progress.clear();
+    return done ? Done : _fail(oneLine(done.failure()), WorkFailed);
+}
+
+/// One row a command.
+struct Command
+{
+    const char *name;
+    int (*run)(const QStringList &arguments);
+};
+
+constexpr Command commands[] = {{"convert", _convert}, {"info", _info}, {"run", _run},
+                                {"--help", _help},     {"-h", _help},   {"--version", _version}};
+
+} // namespace
+
+int runCommandLine(const QStringList &arguments)
+{
+    if (arguments.isEmpty())
+        return _wrongUsage(QStringLiteral("a command is missing"));
+    for (const Command &command : commands) {
+        if (arguments[0] != QLatin1String(command.name))
+            continue;
+        try {
+            return command.run(arguments.mid(1));
+        } catch (const std::bad_alloc &) {
+            return _fail(QStringLiteral("marlowen-cli: not enough memory"), WorkFailed);
+        }
+    }
+    return _wrongUsage(QStringLiteral("unknown command %1").arg(arguments[0]));
+}

@@ -1,0 +1,12 @@
+#include "cli/scriptaction.h"
+
+const ScriptAction *findAction(const QString &name)
+{
+    for (const auto *group : {&fileActions(), &importActions()}) {
+        for (const ScriptAction &action : *group) {
+            if (name == QLatin1String(action.name))
+                return &action;
+        }
+    }
+    return nullptr;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "base/result.h"
+#include "cli/scriptkeys.h"
+
+#include <vector>
+
+class ScriptState;
+
+/// One row a "do": its keys and what it runs. The keys are checked before `run` is called, so that
+/// it can take values out of the object as they are.
+struct ScriptAction
+{
+    const char *name;
+    std::vector<ScriptKey> keys;
+    Outcome (*run)(ScriptState &state, const QJsonObject &arguments);
+    bool needsRelief = true; ///< fails when there is none
+};
+
+/// Every group of actions, each in a file of its own.
+const std::vector<ScriptAction> &fileActions();   ///< new, open, load, save, export, dump, info
+const std::vector<ScriptAction> &importActions(); ///< import, update, accept
+
+/// The row of a name; null when there is none.
+const ScriptAction *findAction(const QString &name);

@@ -1,0 +1,124 @@
+#include "cli/scriptkeys.h"
+
+#include <QJsonArray>
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+bool _isWhole(const QJsonValue &value)
+{
+    constexpr double limit = 2147483647.0;
+    const double number = value.toDouble();
+    return value.isDouble() && number == std::floor(number) && std::abs(number) <= limit;
+}
+
+bool _isPair(const QJsonValue &value, bool whole)
+{
+    const QJsonArray pair = value.toArray();
+    return pair.size() == 2 && std::all_of(pair.begin(), pair.end(), [whole](const QJsonValue &v) {
+               return whole ? _isWhole(v) : v.isDouble();
+           });
+}
+
+bool _isList(const QJsonValue &value, bool whole)
+{
+    const QJsonArray list = value.toArray();
+    return !list.isEmpty() && std::all_of(list.begin(), list.end(), [whole](const QJsonValue &v) {
+        return _isPair(v, whole);
+    });
+}
+
+bool _inRange(const QJsonValue &value, const ScriptKey &key)
+{
+    return value.toDouble() >= key.minimum && value.toDouble() <= key.maximum;
+}
+
+QString _rangeText(const ScriptKey &key)
+{
+    constexpr double unbounded = std::numeric_limits<double>::max();
+    const auto text = [](double bound) { return QString::number(bound, 'g', 10); };
+    if (key.minimum > -unbounded && key.maximum < unbounded)
+        return QStringLiteral(" from %1 to %2").arg(text(key.minimum), text(key.maximum));
+    if (key.minimum > -unbounded)
+        return QStringLiteral(" of %1 or more").arg(text(key.minimum));
+    return {};
+}
+
+/// One row a type: its test and how a sentence calls it.
+struct TypeRow
+{
+    KeyType type;
+    bool (*matches)(const QJsonValue &value, const ScriptKey &key);
+    const char *description;
+};
+
+const TypeRow typeRows[] = {
+    {KeyType::Boolean, [](const QJsonValue &v, const ScriptKey &) { return v.isBool(); },
+     "true or false"},
+    {KeyType::Integer,
+     [](const QJsonValue &v, const ScriptKey &key) { return _isWhole(v) && _inRange(v, key); },
+     "a whole number"},
+    {KeyType::Number,
+     [](const QJsonValue &v, const ScriptKey &key) { return v.isDouble() && _inRange(v, key); },
+     "a number"},
+    {KeyType::Text, [](const QJsonValue &v, const ScriptKey &) { return v.isString(); }, "a text"},
+    {KeyType::TextOrNull,
+     [](const QJsonValue &v, const ScriptKey &) { return v.isString() || v.isNull(); },
+     "a text or null"},
+    {KeyType::Choice,
+     [](const QJsonValue &v, const ScriptKey &key) {
+         return v.isString() && choiceIndex(key.choices, v.toString()) >= 0;
+     },
+     "one of "},
+    {KeyType::Point, [](const QJsonValue &v, const ScriptKey &) { return _isPair(v, false); },
+     "a pair of numbers"},
+    {KeyType::Points, [](const QJsonValue &v, const ScriptKey &) { return _isList(v, false); },
+     "a list of one or more pairs of numbers"},
+    {KeyType::Cells, [](const QJsonValue &v, const ScriptKey &) { return _isList(v, true); },
+     "a list of one or more pairs of whole numbers"},
+    {KeyType::Object, [](const QJsonValue &v, const ScriptKey &) { return v.isObject(); },
+     "an object"},
+};
+
+QString _checkValue(const QJsonValue &value, const ScriptKey &key)
+{
+    const TypeRow &row = *std::find_if(std::begin(typeRows), std::end(typeRows),
+                                       [&key](const TypeRow &r) { return r.type == key.type; });
+    if (row.matches(value, key))
+        return key.nested ? checkKeys(value.toObject(), *key.nested) : QString();
+    const QString words =
+        QString::fromLatin1(key.choices).replace(QLatin1Char('|'), QLatin1String(", "));
+    return QStringLiteral("\"%1\" must be %2%3%4")
+        .arg(QLatin1String(key.name), QLatin1String(row.description), words, _rangeText(key));
+}
+
+} // namespace
+
+QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
+                  const QString &ignored)
+{
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        if (entry.key() == ignored)
+            continue;
+        const auto known = std::find_if(keys.begin(), keys.end(), [&entry](const ScriptKey &key) {
+            return entry.key() == QLatin1String(key.name);
+        });
+        if (known == keys.end())
+            return QStringLiteral("unknown key \"%1\"").arg(entry.key());
+        if (const QString wrong = _checkValue(entry.value(), *known); !wrong.isEmpty())
+            return wrong;
+    }
+    for (const ScriptKey &key : keys) {
+        if (key.required && !object.contains(QLatin1String(key.name)))
+            return QStringLiteral("the key \"%1\" is missing").arg(QLatin1String(key.name));
+    }
+    return {};
+}
+
+int choiceIndex(const char *choices, const QString &word)
+{
+    return static_cast<int>(QString::fromLatin1(choices).split(QLatin1Char('|')).indexOf(word));
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+#include <limits>
+#include <vector>
+
+/// What the value of a key may be.
+enum class KeyType {
+    Boolean,
+    Integer,
+    Number,
+    Text,
+    TextOrNull,
+    Choice, ///< one of the words in `choices`
+    Point,  ///< [x, y]
+    Points, ///< [[x, y], ...], at least one
+    Cells,  ///< [[column, row], ...] of integers, at least one
+    Object  ///< an object of the keys in `nested`
+};
+
+/// One key that an action takes.
+struct ScriptKey
+{
+    const char *name;
+    KeyType type;
+    bool required = false;
+    double minimum = -std::numeric_limits<double>::max();
+    double maximum = std::numeric_limits<double>::max();
+    const char *choices = ""; ///< "Normal|Raise|Lower"
+    const std::vector<ScriptKey> *nested = nullptr;
+};
+
+/// Whether the object holds only these keys, all the required ones, with values of their type and
+/// range; `ignored` is a key of its own that is not looked at. Empty when it does, else one
+/// sentence that says what is wrong.
+QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
+                  const QString &ignored = {});
+
+/// Position of a word in "Normal|Raise|Lower"; -1 when it is not there. Case counts.
+int choiceIndex(const char *choices, const QString &word);

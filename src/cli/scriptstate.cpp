@@ -1,0 +1,29 @@
+#include "cli/scriptstate.h"
+
+#include <cstdio>
+#include <utility>
+
+ScriptState::~ScriptState()
+{
+    // Events may refer to the relief.
+    m_undo.clear();
+}
+
+void ScriptState::install(std::unique_ptr<Relief> relief)
+{
+    m_undo.clear();
+    m_import.attach(relief.get());
+    m_relief = std::move(relief);
+}
+
+void ScriptState::print(const QByteArray &line)
+{
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+Failure scriptFailure(const QString &sentence)
+{
+    return {QStringLiteral("Script Failed"), sentence};
+}

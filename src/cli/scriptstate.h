@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/progress.h"
+#include "base/result.h"
+#include "import/importsession.h"
+#include "relief/relief.h"
+#include "relief/sculptengine.h"
+#include "relief/sculptundo.h"
+#include "relief/toolparams.h"
+
+#include <QByteArray>
+
+#include <memory>
+
+/// What one script works on: one relief, one tool record, one history, as the window has them.
+class ScriptState
+{
+public:
+    /// `progress` is told of long work and outlives the state.
+    explicit ScriptState(Progress &progress)
+        : m_progress(progress)
+    {
+    }
+    ~ScriptState();
+
+    /// Null until the script makes or opens one.
+    Relief *relief() const { return m_relief.get(); }
+    /// The new document: history, flags and selection start fresh; an import it brings is open.
+    void install(std::unique_ptr<Relief> relief);
+
+    SculptUndo &undo() { return m_undo; }
+    SculptEngine &engine() { return m_engine; }
+    ImportSession &import() { return m_import; }
+    Progress &progress() { return m_progress; }
+
+    ToolParams tool;
+
+    /// One line on standard output, at once.
+    void print(const QByteArray &line);
+
+private:
+    std::unique_ptr<Relief> m_relief;
+    SculptUndo m_undo;
+    SculptEngine m_engine;
+    ImportSession m_import;
+    Progress &m_progress;
+};
+
+/// What went wrong in an action, in one sentence.
+Failure scriptFailure(const QString &sentence);

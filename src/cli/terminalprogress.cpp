@@ -1,0 +1,54 @@
+#include "cli/terminalprogress.h"
+
+#include <csignal>
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void _interrupt(int signal)
+{
+    interrupted = 1;
+    std::signal(signal, SIG_DFL);
+}
+
+} // namespace
+
+TerminalProgress::TerminalProgress()
+    : m_terminal(isatty(STDERR_FILENO) != 0)
+{
+    std::signal(SIGINT, _interrupt);
+    std::signal(SIGTERM, _interrupt);
+}
+
+TerminalProgress::~TerminalProgress()
+{
+    clear();
+}
+
+void TerminalProgress::advance(double fraction)
+{
+    const int percent = static_cast<int>(fraction * 100.0);
+    if (!m_terminal || percent == m_shownPercent)
+        return;
+    m_shownPercent = percent;
+    std::fprintf(stderr, "\r%3d %%", percent);
+    std::fflush(stderr);
+}
+
+bool TerminalProgress::cancelled() const
+{
+    return interrupted != 0;
+}
+
+void TerminalProgress::clear()
+{
+    if (m_shownPercent < 0)
+        return;
+    m_shownPercent = -1;
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
+}
