@@ -1,0 +1,169 @@
+#include "relief/selections.h"
+
+#include "relief/cellbits.h"
+#include "relief/relief.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+/// The cells of a selection row after a row of the new shape was merged into it.
+void _mergeRow(float *selection, const float *shape, int count, SelectionModifier modifier)
+{
+    switch (modifier) {
+    case SelectionModifier::Normal:
+        for (int i = 0; i < count; ++i)
+            selection[i] = shape[i] != 0.0F ? 1.0F : 0.0F;
+        break;
+    case SelectionModifier::Additive:
+        for (int i = 0; i < count; ++i)
+            selection[i] = shape[i] != 0.0F ? 1.0F : selection[i];
+        break;
+    case SelectionModifier::Subtractive:
+        for (int i = 0; i < count; ++i)
+            selection[i] = shape[i] != 0.0F ? 0.0F : selection[i];
+        break;
+    }
+}
+
+constexpr std::array<std::array<float, 8>, 256> _bytesAsFloats()
+{
+    std::array<std::array<float, 8>, 256> table{};
+    for (size_t byte = 0; byte < table.size(); ++byte) {
+        for (size_t bit = 0; bit < 8; ++bit)
+            table[byte][bit] = ((byte >> bit) & 1) != 0 ? 1.0F : 0.0F;
+    }
+    return table;
+}
+
+/// Writes one float, 0 or 1, for each of `count` bits.
+void _expandBits(const uint64_t *words, float *values, int count)
+{
+    static constexpr auto table = _bytesAsFloats();
+    int column = 0;
+    for (; column + 8 <= count; column += 8) {
+        const auto &eight = table[(words[column / 64] >> (column % 64)) & 0xFF];
+        std::memcpy(values + column, eight.data(), sizeof eight);
+    }
+    for (; column < count; ++column)
+        values[column] = ((words[column / 64] >> (column % 64)) & 1) != 0 ? 1.0F : 0.0F;
+}
+
+/// Heights from low to high, both included.
+struct Band
+{
+    float low;
+    float high;
+};
+
+/// The floats within `band` of h0, its ends rounded inward to floats: no float changes sides.
+Band _bandAround(double h0, double band)
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    Band result{static_cast<float>(h0 - band), static_cast<float>(h0 + band)};
+    if (static_cast<double>(result.low) < h0 - band)
+        result.low = std::nextafter(result.low, infinity);
+    if (static_cast<double>(result.high) > h0 + band)
+        result.high = std::nextafter(result.high, -infinity);
+    return result;
+}
+
+/// One bit a height, the first lowest, for up to 64 heights.
+uint64_t _bitsWithin(const float *heights, int count, Band band)
+{
+    alignas(64) std::array<uint8_t, 64> within{};
+    if (count == 64) {
+        for (size_t i = 0; i < 64; ++i)
+            within[i] = static_cast<uint8_t>((heights[i] >= band.low) & (heights[i] <= band.high));
+    } else {
+        for (size_t i = 0; i < static_cast<size_t>(count); ++i)
+            within[i] = static_cast<uint8_t>((heights[i] >= band.low) & (heights[i] <= band.high));
+    }
+    uint64_t bits = 0;
+    for (size_t byte = 0; byte < 8; ++byte) {
+        uint64_t eight = 0;
+        for (size_t i = 0; i < 8; ++i)
+            eight |= uint64_t{within[8 * byte + i]} << (8 * i);
+        // The product gathers the lowest bits of the eight bytes, in order, in its top byte.
+        bits |= ((eight * 0x0102040810204080U) >> 56) << (8 * byte);
+    }
+    return bits;
+}
+
+CellBits _cellsWithin(const Relief &relief, Band band)
+{
+    CellBits cells(relief.width(), relief.height());
+    for (int row = 0; row < relief.height(); ++row) {
+        const float *heights = relief.heights().constData() + relief.index(0, row);
+        uint64_t *words = cells.row(row);
+        for (int column = 0; column < relief.width(); column += 64) {
+            const int count = std::min(64, relief.width() - column);
+            words[column / 64] = _bitsWithin(heights + column, count, band);
+        }
+    }
+    return cells;
+}
+
+} // namespace
+
+void magicSelect(Relief &relief, const MagicSelection &magic, SelectionModifier modifier)
+{
+    const QPoint cell = relief.cellOf(magic.point);
+    const bool onRelief = relief.contains(cell.x(), cell.y());
+    const float h0 = onRelief ? relief.heightAt(cell.x(), cell.y()) : 0.0F;
+    const double width = (relief.rangeMaximum - relief.rangeMinimum) * magic.tolerance;
+    CellBits cells =
+        _cellsWithin(relief, _bandAround(static_cast<double>(h0), width > 0.0 ? width : 0.0));
+    if (!magic.continuous)
+        selectShape(relief, cells, modifier);
+    else if (onRelief)
+        selectShape(relief, takeConnected(cells, cell.x(), cell.y()), modifier);
+    else
+        selectShape(relief, CellBits(relief.width(), relief.height()), modifier);
+}
+
+void selectShape(Relief &relief, const CellBits &shape, SelectionModifier modifier)
+{
+    GridLayer &work = relief.workLayer();
+    GridLayer &selection = relief.selectionLayer();
+    const bool workHolds = work.written();
+    // Cutting out of nothing and rows of nothing over nothing leave a layer untouched.
+    const bool cutsNothing = modifier == SelectionModifier::Subtractive && !selection.written();
+    const bool selectionHolds = modifier == SelectionModifier::Normal && selection.written();
+    const int width = relief.width();
+    for (int row = 0; row < relief.height(); ++row) {
+        const qsizetype start = relief.index(0, row);
+        const bool empty = shape.rowEmpty(row);
+        if (!empty)
+            _expandBits(shape.row(row), work.data() + start, width);
+        else if (workHolds)
+            std::fill_n(work.data() + start, width, 0.0F);
+        if (!empty && !cutsNothing)
+            _mergeRow(selection.data() + start, work.constData() + start, width, modifier);
+        else if (empty && selectionHolds)
+            std::fill_n(selection.data() + start, width, 0.0F);
+    }
+    relief.selectionActive = true;
+}
+
+void combineSelection(Relief &relief, SelectionModifier modifier)
+{
+    float *selection = relief.selectionLayer().data();
+    const float *shape = relief.workLayer().constData();
+    for (int row = 0; row < relief.height(); ++row) {
+        const qsizetype start = relief.index(0, row);
+        _mergeRow(selection + start, shape + start, relief.width(), modifier);
+    }
+    relief.selectionActive = true;
+}
+
+void selectNone(Relief &relief)
+{
+    relief.selectionLayer().clear();
+    relief.selectionActive = false;
+}
