@@ -15,14 +15,17 @@ QRect widenedRegion(const QRect &visible, QSize grid);
 /// Cells a vertex so that there is never more than about one vertex a logical pixel.
 int lodStepFor(const QRect &region, QSize widget);
 
-/// What a mesh was laid out for.
+/// What a mesh was laid out for: the cells it covers and the cells a vertex.
 struct MeshLayout
 {
-    QRect visible; ///< cells on screen then
-    QRect region;  ///< cells covered
+    QRect region;
     int step = 1;
 };
 
-/// True when that mesh no longer serves: it covers nothing, the visible cells leave its region or
-/// have grown to more than 1.4 times what they were, or another step is due for them.
+/// The layout for these visible cells.
+MeshLayout layoutFor(const QRect &visible, QSize grid, QSize widget);
+
+/// True when a mesh no longer serves: it covers nothing, visible cells lie outside its region
+/// (which happens before they have grown to more than 1.4 times what they were), or it is coarser
+/// than is due for them, or more than twice as fine.
 bool needsRebuild(const MeshLayout &mesh, const QRect &visible, QSize grid, QSize widget);

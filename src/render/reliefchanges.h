@@ -1,5 +1,7 @@
 #pragma once
 
+#include "render/heightscan.h"
+
 #include <QObject>
 #include <QRegion>
 
@@ -46,13 +48,7 @@ public:
     PendingCells take(int view);
     bool pending(int view) const;
 
-    /// Smallest and largest height (the largest at least 0), unscaled. The cells are scanned only
-    /// when heights changed since the last call.
-    struct HeightRange
-    {
-        double minimum = 0.0;
-        double maximum = 0.0;
-    };
+    /// Of the followed relief; the cells are scanned only when heights changed since the last call.
     HeightRange heightRange();
 
 public slots:

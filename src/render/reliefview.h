@@ -7,6 +7,7 @@
 #include "render/reliefchanges.h"
 #include "render/reliefmesh.h"
 
+#include <QColor>
 #include <QOpenGLWidget>
 #include <QPointer>
 #include <QTimer>
@@ -16,8 +17,8 @@
 
 class FootprintPainter;
 class QOpenGLFunctions_2_1;
-class ReliefPicture;
 class Relief;
+class ReliefPicture;
 class SculptEngine;
 class Shader;
 
@@ -36,18 +37,19 @@ public:
     enum ViewMode { NoMode, PanMode, ZoomMode, RotateMode, RotatingMode, SculptMode };
 
     explicit ReliefView(QWidget *parent = nullptr);
+    /// A derived view calls releaseGL() in its own destructor.
     ~ReliefView() override;
 
-    /// Shows another relief, or none. With `resize` the widget takes the relief's size, one logical
-    /// pixel a cell. To be called before the old relief is deleted.
+    /// Shows another relief, or none. With `resize` the camera shows all of it, else the camera
+    /// stays. To be called before the old relief is deleted.
     void setRelief(Relief *relief, bool resize = false);
     Relief *relief() const { return m_relief; }
     /// The record the brush is read from; the wheel writes size and strength into it. Null: the
     /// view's own record.
     void setTool(ToolParams *tool);
     ToolParams &tool() const { return *m_tool; }
-    /// Strokes go through it; without one the pointer only looks. It must be attached to the same
-    /// relief.
+    /// Strokes go through it; without one, or while it is attached to another relief, the pointer
+    /// only looks.
     void setEngine(SculptEngine *engine) { m_engine = engine; }
     /// Share one with the other views of the same relief; null: the view's own.
     void setChanges(ReliefChanges *changes);
@@ -60,7 +62,7 @@ public:
     int mode() const { return m_mode; }
 
     const Camera &camera() const { return m_camera; }
-    /// As drawn last, or as they would be drawn now when the camera has changed since.
+    /// Of the camera as it is now.
     ViewMatrices matrices() const;
     QRect drawRegion() const { return m_mesh.region(); }
     int lodStep() const { return m_mesh.step(); }
@@ -70,21 +72,24 @@ public:
         bool hit = false;
         Vector point; ///< model space: stroke point in x and y, height in z
     };
-    /// The relief under a logical position, from the depth of the last picture.
+    /// The relief under a logical position, from the depth of the picture; draws that first when
+    /// the camera moved since. During a stroke the depth is that of its beginning.
     PickResult pick(QPoint position);
 
     /// Work done since construction.
     struct Counters
     {
-        int fullRebuilds = 0;     ///< all vertices computed
-        int partialRefreshes = 0; ///< paints that refreshed only changed cells
-        int pictures = 0;         ///< times the relief was rasterised
+        int fullRebuilds = 0;         ///< all vertices computed
+        int partialRefreshes = 0;     ///< only vertices of changed cells computed
+        qint64 refreshedVertices = 0; ///< computed by partial refreshes
+        int pictures = 0;             ///< times the relief was rasterised
         int depthReads = 0;
-        qint64 refreshedVertices = 0;
     };
     const Counters &counters() const { return m_counters; }
     /// Null before the first paint or when no drawing engine could be made.
     const Shader *shader() const { return m_shader.get(); }
+    /// Why nothing can be drawn; empty as long as something can.
+    const QString &message() const { return m_message; }
 
 public slots:
     void zoomAll();
@@ -92,6 +97,8 @@ public slots:
     void brushSizeStep(int step);
     /// Repaints with whatever the relief, the tool or the alpha brush became.
     void refresh();
+    /// Percent of the normal size of the mouse pointers of all views; stored in the settings.
+    void setCursorScale(int percent);
 
 signals:
     void statusChanged(const QString &text);
@@ -104,20 +111,23 @@ signals:
 
 protected:
     // What a derived view supplies.
-    virtual std::unique_ptr<Shader> createShader() = 0;
-    /// The arrays a vertex has besides positions.
+
+    /// A new shader of the view's kind, of the legacy engine when asked. The context is current;
+    /// throws a C string when it cannot be made.
+    virtual std::unique_ptr<Shader> createShader(bool legacy) = 0;
+    /// Vertices carry normals.
     virtual bool hasNormals() const { return true; }
     /// Computes these vertices (rectangle of vertex columns and rows) of the mesh from the relief.
     virtual void fillVertices(ReliefMesh &mesh, const QRect &vertices) = 0;
-    /// Fields of the shader that follow from the vertices; called whenever those changed.
+    /// Sets the shader's fields, `size` excepted; called before every picture.
     virtual void configureShader(Shader &shader) { (void)shader; }
-    /// Over the relief, in every frame. The fixed-function matrices and the viewport are the
-    /// relief's; blending is off, depth test and depth writes are off.
+    /// Over the relief, in every frame. The fixed-function matrices and the viewport are those of
+    /// the relief's picture; blending, depth test, lighting and texturing are off.
     virtual void drawOverlays(QOpenGLFunctions_2_1 &gl) { (void)gl; }
     /// Releases what drawOverlays made; the context is current.
     virtual void releaseOverlays() {}
-    /// A new relief was set or the relief got another size.
-    virtual void reliefReplaced() {}
+    /// The vertices were computed anew, all of them or only some.
+    virtual void verticesChanged() {}
     /// Mode that a press starts, NoMode when the press is not the view's.
     virtual int modeForPress(const QMouseEvent &event);
     /// The pointer moved with a button held in modes 1 to 4.
@@ -136,69 +146,79 @@ protected:
     void leaveEvent(QEvent *event) override;
 
     void setCamera(const Camera &camera);
-    Shader *currentShader() const { return m_shader.get(); }
     /// The picture must be drawn anew though neither relief nor camera changed: shader fields did.
     void invalidatePicture();
     /// All vertices must be computed anew though the relief did not change.
     void invalidateVertices();
     /// Heights the vertices were computed with, unscaled, as of the last full rebuild.
-    ReliefChanges::HeightRange heightRange() const { return m_range; }
+    HeightRange heightRange() const { return m_range; }
     ReliefBox reliefBox() const;
+    /// What the kept picture was drawn with.
+    const ViewMatrices &drawnMatrices() const { return m_drawn; }
     QPoint lastPos() const { return m_lastPos; }
     bool pointerInside() const { return m_pointerInside; }
-    /// Draws the tool's footprint on the surface at the picked point.
-    void drawFootprint(QOpenGLFunctions_2_1 &gl, const PickResult &at);
+    /// Within drawOverlays: the tool's footprint on the surface under the pointer, if it hits and
+    /// the tool has one.
+    void drawFootprint(QOpenGLFunctions_2_1 &gl);
+    void releaseGL();
 
 private slots:
     void statusTimeout();
 
 private:
-    void _releaseGL();
-    void _updateVertices();
+    void _makeShader();
+    void _updatePicture();
+    bool _updateVertices();
     void _rebuildVertices(const QRect &visible);
     void _refreshVertices(const QRegion &cells);
-    void _drawPicture();
-    void _logErrors(QOpenGLFunctions_2_1 &gl);
+    void _rasterise();
+    void _paintOverPicture();
     void _paintMessage();
+    void _logErrors();
     void _ensureDepth();
-    void _cameraChanged();
-    void _pressStroke(const QMouseEvent &event);
-    void _moveStroke(const QMouseEvent &event);
-    void _releaseStroke(const QMouseEvent &event);
+    void _endInteraction(QPoint position);
+    void _beginStroke(const QMouseEvent &event);
+    void _continueStroke(const QMouseEvent &event);
+    void _finishStroke(QPoint position);
     void _throughEngine(const std::function<void(SculptEngine &)> &call);
-    bool _wheelTool(const QWheelEvent &event, int delta);
-    void _setToolSize(double size);
+    bool _wheelTool(Qt::KeyboardModifiers modifiers, int delta);
+    void _changeToolSize(double by);
 
     Relief *m_relief = nullptr;
     ToolParams m_ownTool;
     ToolParams *m_tool = &m_ownTool;
     SculptEngine *m_engine = nullptr;
+    ReliefChanges *m_ownChanges;
     QPointer<ReliefChanges> m_changes;
     int m_changesView = -1;
 
     Camera m_camera;
-    ViewMatrices m_drawn; ///< what the kept picture was drawn with
-    ReliefChanges::HeightRange m_range;
+    ViewMatrices m_drawn;
+    HeightRange m_range;
     ReliefMesh m_mesh;
-    QRect m_visible; ///< visible cells when the mesh was built
+    QSize m_grid; ///< size of the relief that the mesh was built for
     DepthImage m_depth;
-    std::unique_ptr<ReliefPicture> m_picture;
+    QOpenGLFunctions_2_1 *m_gl = nullptr; ///< owned by the context
     std::unique_ptr<Shader> m_shader;
+    std::unique_ptr<ReliefPicture> m_picture;
     std::unique_ptr<FootprintPainter> m_footprint;
-    QString m_message; ///< why nothing can be drawn
+    QString m_message;
     Counters m_counters;
-    QColor m_backdrop;
+    QColor m_backdrop{56, 58, 62};
 
     bool m_pictureStale = true;
     bool m_verticesStale = true;
+    bool m_indicesStale = true;
     bool m_depthStale = true;
-    bool m_depthHeld = false; ///< a stroke keeps the depth it began with
+    bool m_zoomAllPending = false;
     bool m_statusPending = false;
     bool m_pointerInside = true;
     int m_mode = NoMode;
     int m_savedMode = NoMode;
+    Qt::MouseButton m_heldButton = Qt::NoButton;
     QPoint m_lastPos;
     AxisLock m_axisLock;
+    bool m_stroking = false; ///< the press hit the relief and the stroke began
     bool m_strokeEdited = false;
     QTimer m_statusTimer;
 };

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "render/arcball.h"
+#include "render/materials.h"
 #include "render/reliefview.h"
 
 class GizmoPainter;
-struct Material;
 
 /// The 3D view: the lit relief, turned with a virtual trackball, with the brush footprint under the
 /// pointer and an orientation gizmo in the top-left corner.
@@ -21,26 +21,24 @@ public:
     explicit SculptWin(QWidget *parent = nullptr);
     ~SculptWin() override;
 
-    /// Copies colours and shininess into the shader and repaints.
+    /// Colours and shininess of the relief.
     void setMaterial(const Material &material);
-    /// Direction towards the light, in model space.
-    void setLightDirection(const std::array<float, 3> &direction);
+    const Material &material() const { return m_material; }
+    /// The index last given to setLightPos.
+    int lightPos() const { return m_lightPos; }
 
     Quaternion rotation() const { return m_arcball.rotation(); }
     void setRotation(const Quaternion &rotation);
 
-    /// Share of the normal size that the mouse pointers of both views have, 1..4; read from the
-    /// settings once a process.
-    static double cursorScale();
+    /// Times the gizmo was drawn anew.
+    int gizmoPictures() const;
 
 public slots:
-    /// One of the eight light positions.
+    /// One of the eight light positions; any other index counts as the first.
     void setLightPos(int index);
-    /// Percent; written to the settings, applied to the pointers at once.
-    void setCursorScale(int percent);
 
 protected:
-    std::unique_ptr<Shader> createShader() override;
+    std::unique_ptr<Shader> createShader(bool legacy) override;
     void fillVertices(ReliefMesh &mesh, const QRect &vertices) override;
     void configureShader(Shader &shader) override;
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
@@ -52,21 +50,14 @@ protected:
 
 private:
     int _gizmoFaceAt(QPoint position) const;
-    void _applyLook();
-
-    /// The shader's look, kept so that it can be set before the shader exists.
-    struct Look
-    {
-        std::array<float, 4> ambient = {0.05375F, 0.05F, 0.06625F, 0.82F};
-        std::array<float, 4> diffuse = {0.18275F, 0.17F, 0.22525F, 0.82F};
-        std::array<float, 4> specular = {0.332741F, 0.328634F, 0.346435F, 0.82F};
-        float shininess = 38.4F;
-        std::array<float, 3> light = {-0.51F, 0.4182F, 1.0F};
-    };
+    void _applyRotation();
+    /// Measured from the centre of the gizmo for a drag that began there, else of the widget.
+    QPointF _fromCentre(QPoint position) const;
+    QRect _turnViewport() const;
 
     Arcball m_arcball;
-    Look m_look;
+    Material m_material;
+    int m_lightPos = 0;
     std::unique_ptr<GizmoPainter> m_gizmo;
     bool m_onGizmo = false;
-    QPoint m_dragStart;
 };
