@@ -20,7 +20,8 @@ endfunction()
 # marlowen_tests(ROOM [LINK target...])
 #
 # Every tests/ROOM/tst_*.cpp is one Qt Test program and one ctest entry. Its home and settings
-# lie in the build tree, never in the developer's own.
+# lie in the build tree, never in the developer's own. DISPLAY marks tests that need one; the others
+# are built by the target headless_tests.
 function(marlowen_tests room)
     cmake_parse_arguments(T "DISPLAY" "" "LINK" ${ARGN})
     file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${room}/tst_*.cpp)
@@ -41,13 +42,15 @@ function(marlowen_tests room)
             list(APPEND environment "QT_QPA_PLATFORM=xcb")
             set_tests_properties(${room}.${name} PROPERTIES LABELS display RUN_SERIAL ON)
         else()
+            add_dependencies(headless_tests ${name})
             list(APPEND environment "QT_QPA_PLATFORM=offscreen")
         endif()
         set_tests_properties(${room}.${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300)
     endforeach()
 endfunction()
 
-# marlowen_bench(ROOM LINK target...): one program bench_ROOM of every bench/ROOM/*.cpp.
+# marlowen_bench(ROOM LINK target...): one program bench_ROOM of every bench/ROOM/*.cpp; the target
+# benchmarks builds them all.
 function(marlowen_bench room)
     cmake_parse_arguments(B "" "" "LINK" ${ARGN})
     file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.cpp)
@@ -57,4 +60,5 @@ function(marlowen_bench room)
     add_executable(bench_${room} ${files})
     target_include_directories(bench_${room} PRIVATE ${CMAKE_SOURCE_DIR}/bench)
     target_link_libraries(bench_${room} PRIVATE ${B_LINK} benchmark::benchmark_main)
+    add_dependencies(benchmarks bench_${room})
 endfunction()
