@@ -1,7 +1,15 @@
 #include "app/brindlemarkstyle.h"
 
+namespace {
+
+constexpr QColor brindlemarkBlue(46, 117, 182);
+constexpr int darkMode = 1;
+
+} // namespace
+
 BrindlemarkStyle::BrindlemarkStyle(int mode)
-    : QProxyStyle(QStringLiteral("fusion"))
 {
-    Q_UNUSED(mode);
+    setAccentColor(brindlemarkBlue);
+    setTheme(mode == darkMode ? Dark : Light);
+    setAccentColor(brindlemarkBlue);
 }

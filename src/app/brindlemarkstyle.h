@@ -1,10 +1,9 @@
 #pragma once
 
-#include <QColor>
-#include <QProxyStyle>
+#include "ui/ribbon/office2013style.h"
 
 /// The style of the program: the ribbon kit's style in the maker's accent colour.
-class BrindlemarkStyle : public QProxyStyle
+class BrindlemarkStyle : public Office2013Style
 {
     Q_OBJECT
 

@@ -33,6 +33,6 @@ void cleanTemporaryFolders(const QString &folder, const QDateTime &now)
         QDir temporary(found.filePath());
         for (const QString &mesh : temporary.entryList({QStringLiteral("stltmp*")}))
             temporary.remove(mesh);
-        temporary.rmdir(QStringLiteral("."));
+        QDir().rmdir(found.filePath());
     }
 }

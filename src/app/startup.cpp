@@ -12,10 +12,10 @@
 #include "base/qevsettings.h"
 #include "base/sessionlog.h"
 #include "base/version.h"
+#include "ui/icons.h"
 #include "ui/mainwindow.h"
 #include "ui/themeswitcher.h"
 
-#include <QIcon>
 #include <QMessageBox>
 #include <QSurfaceFormat>
 #include <QTimer>
@@ -119,7 +119,7 @@ int runMarlowen(int argc, char **argv)
     if (qEnvironmentVariableIsSet("MARLOWEN_TRACE_EVENTS"))
         application.installEventFilter(new QEF(&application));
     quitOnTerminationSignals();
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/marlowen2/logo")));
+    QApplication::setWindowIcon(icon(QStringLiteral("logo")));
     migrateSettings();
     _openSessionLog();
     if (!acceptGlVersion(readGlVersion()))

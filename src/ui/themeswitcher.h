@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPalette>
 #include <QStyle>
 
 #include <functional>
@@ -19,10 +18,7 @@ void setStyleFactory(StyleFactory factory);
 /// (none registered: the style stays).
 void installStyle(int mode);
 
-/// The colours of the mode: window, text, fields, buttons, selection, disabled.
-QPalette paletteFor(int mode);
-
-/// installStyle() and the palette of the mode. Does not write the settings.
+/// installStyle() and the palette of the style. Does not write the settings.
 void applyTheme(int mode);
 
 } // namespace themeSwitcher

@@ -1,0 +1,185 @@
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+struct Run
+{
+    int exitCode = -1;
+    QByteArray output;
+    QList<QByteArray> log;
+};
+
+/// The program as a user starts it, in a home folder of its own.
+class Program
+{
+public:
+    explicit Program(const QStringList &arguments, const QStringList &environment = {})
+    {
+        QStringList full = QProcess::systemEnvironment();
+        full << "HOME=" + m_home.path() << "XDG_CONFIG_HOME=" + m_home.filePath(".config");
+        m_process.setEnvironment(full + environment);
+        m_process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen"), arguments);
+        m_process.waitForStarted();
+        m_log = m_home.filePath(
+            QStringLiteral("Marlowen3/marlowen3_%1.log").arg(m_process.processId(), 0, 16));
+    }
+
+    ~Program()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+
+    QList<QByteArray> log() const
+    {
+        QFile file(m_log);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().split('\n') : QList<QByteArray>();
+    }
+
+    bool logs(const QByteArray &text) const { return log().join('\n').contains(text); }
+
+    bool windowUp() const { return _windowNamed("Brindlemark Marlowen 3"); }
+
+    /// Presses Return in the box until the program has gone; false when it never does.
+    bool answerLastBox(const QString &title)
+    {
+        return QTest::qWaitFor(
+            [&] {
+                // The box may close between press and release, which the tool calls an error.
+                QProcess press;
+                press.start("xdotool",
+                            {"search", "--name", title, "key", "--window", "%1", "Return"});
+                press.waitForFinished();
+                return m_process.waitForFinished(200) || m_process.state() == QProcess::NotRunning;
+            },
+            20000);
+    }
+
+    Run end()
+    {
+        if (m_process.state() == QProcess::Running)
+            ::kill(static_cast<pid_t>(m_process.processId()), SIGTERM);
+        return wait();
+    }
+
+    Run wait()
+    {
+        m_process.waitForFinished(20000);
+        const bool whole = m_process.exitStatus() == QProcess::NormalExit;
+        return {whole ? m_process.exitCode() : -1, m_process.readAllStandardOutput(), log()};
+    }
+
+private:
+    bool _windowNamed(const QString &title) const
+    {
+        QProcess search;
+        search.start("xdotool", {"search", "--onlyvisible", "--pid",
+                                 QString::number(m_process.processId()), "--name", title});
+        return search.waitForFinished() && search.exitCode() == 0;
+    }
+
+    QTemporaryDir m_home;
+    QProcess m_process;
+    QString m_log;
+};
+
+/// Index of the first line from `from` on that begins with the text; -1 without one.
+qsizetype _lineAfter(const QList<QByteArray> &lines, qsizetype from, const QByteArray &text)
+{
+    for (qsizetype i = from; i < lines.size(); ++i) {
+        if (lines[i].startsWith(text))
+            return i;
+    }
+    return -1;
+}
+
+} // namespace
+
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sessionReadsInOrder()
+    {
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath("bump.png");
+        QImage image(16, 12, QImage::Format_Grayscale8);
+        image.fill(128);
+        QVERIFY(image.save(picture));
+
+        Program program({picture});
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp(), 20000);
+        const Run run = program.end();
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.output, QByteArray("3.000.00019\n"));
+        QVERIFY(run.log[0].startsWith("Starting Marlowen 3 log: "));
+        QCOMPARE(run.log[1], QByteArray("Info: Starting Pattern Marlowen 3...3.000.00019"));
+        qsizetype at = 1;
+        for (const char *line :
+             {"Info: GL Version String:: ", "Info: Scrubbing old logs",
+              "Info: Cleaning temporary folders", "Info: About to create main window",
+              "Info: Created main window", "Closing Marlowen 3 log: "}) {
+            at = _lineAfter(run.log, at + 1, line);
+            QVERIFY2(at > 0, line);
+        }
+        QCOMPARE(at, run.log.size() - 2);
+    }
+
+    void missingFileOpensNothingAndSaysNothing()
+    {
+        Program program({"/no/such/file.xyz"});
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp(), 20000);
+        const Run run = program.end();
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(!run.log.join('\n').contains("file.xyz"));
+    }
+
+    void integrationCallLoadsItsFileAfterStart()
+    {
+        const QTemporaryDir folder;
+        QFile model(folder.filePath("model.xyz"));
+        QVERIFY(model.open(QIODevice::WriteOnly));
+        Program program({"first", model.fileName(), folder.filePath("out.map"), "second"});
+        QTRY_VERIFY_WITH_TIMEOUT(program.logs("model.xyz"), 20000);
+        const Run run = program.end();
+        QCOMPARE(run.exitCode, 0);
+        const qsizetype created = _lineAfter(run.log, 0, "Info: Created main window");
+        QVERIFY(created > 0);
+        QVERIFY(_lineAfter(run.log, created, "Warning: Unknown file type") > created);
+    }
+
+    void machineWithoutOpenGlEndsTheStart()
+    {
+        Program program({}, {"QT_XCB_GL_INTEGRATION=none"});
+        const Run run = program.wait();
+        QCOMPARE(run.exitCode, 255);
+        QCOMPARE(run.log.value(2),
+                 QByteArray("Critical: glGetVersion returned null pointer, Can't continue"));
+        QVERIFY(run.log.value(3).startsWith("Closing Marlowen 3 log: "));
+    }
+
+    void machineWithOldOpenGlIsTold()
+    {
+        Program program({}, {"MESA_GL_VERSION_OVERRIDE=2.0"});
+        QVERIFY(program.answerLastBox("Missing OpenGL 2.1"));
+        const Run run = program.wait();
+        QCOMPARE(run.exitCode, 255);
+        QVERIFY(run.log.value(2).startsWith("Info: GL Version String:: 2.0"));
+        QCOMPARE(run.log.value(3),
+                 QByteArray("Critical: Missing OpenGL 2.1 support, Can't continue"));
+        QVERIFY(run.log.value(4).startsWith("Closing Marlowen 3 log: "));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStartup)
+#include "tst_startup.moc"

@@ -1,0 +1,153 @@
+#include "base/childprocess.h"
+
+#include "base/datafolder.h"
+#include "base/forcedexit.h"
+#include "base/sessionlog.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+int _writeEntries()
+{
+    logInfo() << "Created main window\n";
+    logWarning() << "Unknown file type"
+                 << "/tmp/a.xyz"
+                 << "\n";
+    logCritical() << "text\n";
+    logClose();
+    logClose();
+    logInfo() << "after the end\n";
+    logFlush();
+    return 0;
+}
+
+int _writeNothing()
+{
+    logFlush();
+    logClose();
+    return 0;
+}
+
+/// A folder stands where the log should be written, so that even root cannot open it.
+int _logUnwritable()
+{
+    QDir().mkpath(dataFolder() + '/' + logName(QCoreApplication::applicationPid()));
+    int calls = 0;
+    setLogFailureHandler([&calls](const QString &title, const QString &sentence) {
+        ++calls;
+        logInfo() << "written while the box is open\n";
+        QFile out;
+        if (out.open(stdout, QIODevice::WriteOnly))
+            out.write((title + '|' + sentence).toUtf8());
+    });
+    logInfo() << "lost\n";
+    logWarning() << "lost too\n";
+    logFlush();
+    logClose();
+    return calls == 1 ? 0 : 1;
+}
+
+int _quitPlainly()
+{
+    QTimer::singleShot(0, qApp, quitAfterExport);
+    return QCoreApplication::exec();
+}
+
+int _quitIntoNestedLoop()
+{
+    QTimer::singleShot(0, qApp, [] {
+        quitAfterExport();
+        for (;;)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    });
+    QCoreApplication::exec();
+    return 3;
+}
+
+const Scenario scenarios[] = {
+    {"entries", _writeEntries}, {"nothing", _writeNothing},      {"unwritable", _logUnwritable},
+    {"quit", _quitPlainly},     {"nested", _quitIntoNestedLoop},
+};
+
+bool _isDatedLine(const QByteArray &line, const QByteArray &prefix)
+{
+    const QString date = QString::fromUtf8(line.mid(prefix.size()));
+    return line.startsWith(prefix) && QDateTime::fromString(date, Qt::TextDate).isValid();
+}
+
+} // namespace
+
+class TestSessionLog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void entriesStandBetweenStartAndClosingLine()
+    {
+        const QTemporaryDir home;
+        const ChildResult child = runScenario(home, "entries");
+        QCOMPARE(child.exitCode, 0);
+        const auto lines = dataFile(home, logName(child.pid)).split('\n');
+        QCOMPARE(lines.size(), 6);
+        QVERIFY(_isDatedLine(lines[0], "Starting Marlowen 3 log: "));
+        QCOMPARE(lines[1], QByteArray("Info: Created main window"));
+        QCOMPARE(lines[2], QByteArray("Warning: Unknown file type/tmp/a.xyz"));
+        QCOMPARE(lines[3], QByteArray("Critical: text"));
+        QVERIFY(_isDatedLine(lines[4], "Closing Marlowen 3 log: "));
+        QVERIFY(lines[5].isEmpty());
+    }
+
+    void noEntryMakesNoFile()
+    {
+        const QTemporaryDir home;
+        QCOMPARE(runScenario(home, "nothing").exitCode, 0);
+        QVERIFY(QDir(home.filePath("Marlowen3")).entryList({"*.log"}).isEmpty());
+    }
+
+    void unwritableLogIsReportedOnce()
+    {
+        const QTemporaryDir home;
+        const ChildResult child = runScenario(home, "unwritable");
+        QCOMPARE(child.exitCode, 0);
+        QCOMPARE(child.output, QByteArray("Error opening Log|Could not open log file for writing"));
+    }
+
+    void quitAfterExportEndsAPlainLoopAtOnce()
+    {
+        const QTemporaryDir home;
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(runScenario(home, "quit").exitCode, 0);
+        QVERIFY(timer.elapsed() < 1400);
+        QVERIFY(QDir(home.filePath("Marlowen3")).entryList({"*.log"}).isEmpty());
+    }
+
+    void quitAfterExportForcesItsWayOutOfANestedLoop()
+    {
+        const QTemporaryDir home;
+        QElapsedTimer timer;
+        timer.start();
+        const ChildResult child = runScenario(home, "nested");
+        QCOMPARE(child.exitCode, 0);
+        QVERIFY(timer.elapsed() >= 1400);
+        const auto lines = dataFile(home, logName(child.pid)).split('\n');
+        QCOMPARE(lines.value(1),
+                 QByteArray("Info: Export complete but still running (a modal dialog or nested "
+                            "event loop); exiting so Drafteon can import."));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (const int code = askedScenario(argc, argv, scenarios); code >= 0)
+        return code;
+    TestSessionLog test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_sessionlog.moc"
