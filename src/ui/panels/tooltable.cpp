@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+inline namespace toolControls {
+
 namespace {
 
 constexpr unsigned weighted = UsesFootprint | UsesStrength | UsesFalloff;
@@ -63,3 +65,5 @@ const ToolRow *toolRow(Tool::Type type)
     const auto *row = std::ranges::find(rows, type, &ToolRow::type);
     return row == std::end(rows) ? nullptr : row;
 }
+
+} // namespace toolControls

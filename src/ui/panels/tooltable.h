@@ -6,6 +6,9 @@
 
 #include <span>
 
+/// Apart from the engine's table of the same names, which windows do not read.
+inline namespace toolControls {
+
 /// What a tool reads of the tool parameters, the relief's flags and the alpha brush. Controls of
 /// what the current tool does not read are disabled.
 enum ToolUse : unsigned {
@@ -37,3 +40,5 @@ std::span<const ToolRow> toolTable();
 
 /// The row of a type; null for None and unknown types.
 const ToolRow *toolRow(Tool::Type type);
+
+} // namespace toolControls
