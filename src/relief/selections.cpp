@@ -149,6 +149,7 @@ void selectShape(Relief &relief, const CellBits &shape, SelectionModifier modifi
             std::fill_n(selection.data() + start, width, 0.0F);
     }
     relief.selectionActive = true;
+    relief.appearanceChanged = true;
 }
 
 void combineSelection(Relief &relief, SelectionModifier modifier)
@@ -160,10 +161,12 @@ void combineSelection(Relief &relief, SelectionModifier modifier)
         _mergeRow(selection + start, shape + start, relief.width(), modifier);
     }
     relief.selectionActive = true;
+    relief.appearanceChanged = true;
 }
 
 void selectNone(Relief &relief)
 {
     relief.selectionLayer().clear();
     relief.selectionActive = false;
+    relief.appearanceChanged = true;
 }

@@ -4,6 +4,7 @@
 #include "relief/relief.h"
 #include "relief/tool.h"
 #include "relief/toolparams.h"
+#include "relief/tooltable.h"
 
 #include <algorithm>
 #include <cmath>
@@ -71,19 +72,8 @@ std::vector<QPointF> footprintOutline(const FootprintShape &shape, double zoom)
 
 bool hasFootprint(int toolType)
 {
-    switch (toolType) {
-    case Tool::Magic:
-    case Tool::Rectangle:
-    case Tool::Elliptical:
-    case Tool::Polygon:
-    case Tool::Crop:
-    case Tool::Sample:
-    case Tool::Fill:
-    case Tool::None:
-        return false;
-    default:
-        return true;
-    }
+    const ToolRow *row = toolRow(toolType);
+    return row && row->has(UsesFootprint);
 }
 
 bool usesAlphaFootprint(const ToolParams &tool, const AlphaBrush &brush)

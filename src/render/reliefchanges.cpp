@@ -37,6 +37,8 @@ void ReliefChanges::collectStroke()
 {
     if (m_relief && m_relief->frameRegion.isEmpty())
         m_relief->heightsChanged = false;
+    else if (m_relief)
+        m_relief->appearanceChanged = false;
     collect();
 }
 

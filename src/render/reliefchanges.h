@@ -41,8 +41,9 @@ public:
     /// Takes what the relief has to tell. A heights-changed flag without a region means the whole
     /// relief; an appearance change (height scale, mask, selection) too.
     void collect();
-    /// The same directly after a call of the stroke engine: a heights-changed flag without a region
-    /// then means that the call changed nothing. Call collect() before that engine call.
+    /// The same directly after a call of the stroke engine, when a region tells everything: without
+    /// one a heights-changed flag means that the call changed nothing, with one an appearance
+    /// change lies inside it (the mask brush). Call collect() before that engine call.
     void collectStroke();
     /// What is pending for this view; nothing is pending for it afterwards.
     PendingCells take(int view);

@@ -1,0 +1,338 @@
+#include "relief/operations.h"
+#include "relief/relief.h"
+#include "relief/sculptengine.h"
+#include "relief/selections.h"
+#include "relief/tool.h"
+#include "render/heightscan.h"
+#include "render/reliefchanges.h"
+#include "render/reliefmesh.h"
+
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+std::unique_ptr<Relief> bumpy(int width, int height)
+{
+    auto relief = std::make_unique<Relief>(width, height);
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> values(0.0F, 30.0F);
+    for (qsizetype i = 0; i < relief->cells(); ++i)
+        relief->heights().data()[i] = values(random);
+    return relief;
+}
+
+// Height of a cell, those beyond the edge counting as the edge cell.
+double heightNear(const Relief &relief, int x, int y)
+{
+    return double(relief.heightAt(std::clamp(x, 0, relief.width() - 1),
+                                  std::clamp(y, 0, relief.height() - 1)));
+}
+
+// The vertex of a cell by the formulas, in doubles.
+std::array<double, 6> expectedVertex(const Relief &relief, int x, int y)
+{
+    const auto h = [&](int dx, int dy) { return heightNear(relief, x + dx, y + dy); };
+    const double s = relief.zScale;
+    return {x - relief.width() / 2.0,
+            y - relief.height() / 2.0,
+            h(0, 0) * s,
+            s * (2 * (h(-1, 0) - h(1, 0)) + h(-1, -1) - h(1, 1) + h(0, 1) - h(0, -1)) / 6,
+            s * (2 * (h(0, -1) - h(0, 1)) + h(-1, -1) - h(1, 1) + h(1, 0) - h(-1, 0)) / 6,
+            1.0};
+}
+
+bool vertexIs(ReliefMesh &mesh, const Relief &relief, int i, int j)
+{
+    const int x = mesh.region().x() + i * mesh.step();
+    const int y = mesh.region().y() + j * mesh.step();
+    const auto vertex = static_cast<size_t>(j * mesh.columns() + i);
+    const auto expected = expectedVertex(relief, x, y);
+    for (size_t k = 0; k < 3; ++k) {
+        if (std::abs(double(mesh.positions()[3 * vertex + k]) - expected[k]) > 1e-4 ||
+            std::abs(double(mesh.normals()[3 * vertex + k]) - expected[3 + k]) > 1e-4)
+            return false;
+    }
+    return true;
+}
+
+struct Copy
+{
+    std::vector<float> values;
+    explicit Copy(ReliefMesh &mesh)
+    {
+        const auto count = static_cast<ptrdiff_t>(mesh.vertexCount());
+        values.assign(mesh.positions(), mesh.positions() + 3 * count);
+        values.insert(values.end(), mesh.normals(), mesh.normals() + 3 * count);
+        values.insert(values.end(), mesh.selection(), mesh.selection() + count);
+    }
+};
+
+} // namespace
+
+class ReliefMeshTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void strips()
+    {
+        std::vector<uint32_t> indices;
+        fillStripIndices(indices, 3, 3);
+        const std::vector<uint32_t> expected = {3, 0, 4, 1, 5, 2, 0xFFFFFFFF,
+                                                6, 3, 7, 4, 8, 5, 0xFFFFFFFF};
+        QCOMPARE(indices, expected);
+        fillStripIndices(indices, 5, 1);
+        QVERIFY(indices.empty());
+        fillStripIndices(indices, 0, 0);
+        QVERIFY(indices.empty());
+    }
+
+    void vertices_data()
+    {
+        QTest::addColumn<QSize>("grid");
+        QTest::addColumn<QRect>("region");
+        QTest::addColumn<int>("step");
+        QTest::newRow("whole") << QSize(37, 21) << QRect(0, 0, 37, 21) << 1;
+        QTest::newRow("inside") << QSize(37, 21) << QRect(5, 3, 20, 11) << 1;
+        QTest::newRow("every third") << QSize(37, 22) << QRect(0, 0, 37, 22) << 3;
+        QTest::newRow("steps in a part") << QSize(64, 64) << QRect(10, 7, 50, 57) << 4;
+        QTest::newRow("one cell") << QSize(1, 1) << QRect(0, 0, 1, 1) << 1;
+        QTest::newRow("one column") << QSize(1, 4000) << QRect(0, 0, 1, 4000) << 5;
+        QTest::newRow("one row") << QSize(300, 1) << QRect(0, 0, 300, 1) << 1;
+        QTest::newRow("two columns") << QSize(2, 9) << QRect(0, 0, 2, 9) << 1;
+    }
+
+    void vertices()
+    {
+        QFETCH(QSize, grid);
+        QFETCH(QRect, region);
+        QFETCH(int, step);
+        const auto relief = bumpy(grid.width(), grid.height());
+        relief->zScale = 1.5;
+        ReliefMesh mesh;
+        QVERIFY(mesh.layOut(region, step, true));
+        QCOMPARE(mesh.columns(), int(std::ceil(region.width() / double(step))));
+        QCOMPARE(mesh.indexCount(), uint32_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
+        fillSculptVertices(mesh, *relief, mesh.vertices());
+        for (int j = 0; j < mesh.rows(); ++j)
+            for (int i = 0; i < mesh.columns(); ++i)
+                QVERIFY2(vertexIs(mesh, *relief, i, j),
+                         qPrintable(QString("%1, %2").arg(i).arg(j)));
+    }
+
+    void normalsOfASlope()
+    {
+        Relief relief(9, 9);
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 9; ++x)
+                relief.heights().data()[relief.index(x, y)] = float(3 * x + 2 * y);
+        ReliefMesh mesh;
+        mesh.layOut(relief.rect(), 1, true);
+        fillSculptVertices(mesh, relief, mesh.vertices());
+        const float *normal = mesh.normals() + 3 * (4 * 9 + 4);
+        QCOMPARE(normal[0], -3.0F);
+        QCOMPARE(normal[1], -2.0F);
+        QCOMPARE(normal[2], 1.0F);
+    }
+
+    void selectionIsTheLargerOfSelectionAndMask()
+    {
+        Relief relief(8, 2);
+        ReliefMesh mesh;
+        mesh.layOut(relief.rect(), 2, true);
+        fillSculptVertices(mesh, relief, mesh.vertices());
+        QCOMPARE(mesh.selection()[1], 0.0F);
+        relief.maskLayer().data()[2] = 0.25F;
+        relief.maskLayer().data()[4] = 0.25F;
+        relief.selectionLayer().data()[4] = 1.0F;
+        fillSculptVertices(mesh, relief, mesh.vertices());
+        const std::vector<float> expected = {0.0F, 0.25F, 1.0F, 0.0F};
+        QCOMPARE(std::vector<float>(mesh.selection(), mesh.selection() + 4), expected);
+    }
+
+    void arraysAreKeptWhileTheGridIsTheSame()
+    {
+        ReliefMesh mesh;
+        QVERIFY(mesh.layOut({0, 0, 40, 30}, 1, true));
+        const float *positions = mesh.positions();
+        QVERIFY(!mesh.layOut({5, 5, 40, 30}, 1, true));
+        QVERIFY(!mesh.layOut({0, 0, 80, 60}, 2, true));
+        QCOMPARE(mesh.positions(), positions);
+        // As many vertices, other strips.
+        QVERIFY(mesh.layOut({0, 0, 30, 40}, 1, true));
+        QCOMPARE(mesh.indices()[0], 30U);
+        mesh.clear();
+        QCOMPARE(mesh.vertexCount(), 0U);
+        QVERIFY(mesh.verticesTouchedBy(QRect(0, 0, 9, 9)).isEmpty());
+        mesh.layOut({0, 0, 4, 4}, 1, false);
+        QVERIFY(!mesh.normals());
+    }
+
+    void refreshEqualsRebuild_data()
+    {
+        QTest::addColumn<int>("step");
+        QTest::addColumn<QRect>("changed");
+        QTest::newRow("every cell") << 1 << QRect(20, 30, 9, 5);
+        QTest::newRow("at the corner") << 1 << QRect(0, 0, 3, 3);
+        QTest::newRow("beyond the region") << 1 << QRect(85, 60, 30, 20);
+        QTest::newRow("between vertices") << 5 << QRect(21, 31, 2, 2);
+        QTest::newRow("one before a vertex") << 5 << QRect(24, 34, 1, 1);
+        QTest::newRow("one after a vertex") << 5 << QRect(26, 36, 1, 1);
+        QTest::newRow("many") << 3 << QRect(11, 13, 50, 40);
+    }
+
+    void refreshEqualsRebuild()
+    {
+        QFETCH(int, step);
+        QFETCH(QRect, changed);
+        const auto relief = bumpy(100, 80);
+        ReliefMesh mesh;
+        mesh.layOut(QRect(0, 0, 90, 70), step, true);
+        fillSculptVertices(mesh, *relief, mesh.vertices());
+        for (int y = changed.top(); y <= changed.bottom(); ++y)
+            for (int x = changed.left(); x <= changed.right(); ++x)
+                if (relief->contains(x, y)) {
+                    relief->heights().data()[relief->index(x, y)] += 11.0F;
+                    relief->maskLayer().data()[relief->index(x, y)] = 1.0F;
+                }
+        int refreshed = 0;
+        for (const QRect &rect : mesh.verticesTouchedBy(changed)) {
+            QVERIFY(mesh.vertices().contains(rect));
+            fillSculptVertices(mesh, *relief, rect);
+            refreshed += rect.width() * rect.height();
+        }
+        QVERIFY(refreshed <=
+                ((changed.width() + 1) / step + 1) * ((changed.height() + 1) / step + 1) * 2);
+        const Copy partial(mesh);
+        fillSculptVertices(mesh, *relief, mesh.vertices());
+        QVERIFY(partial.values == Copy(mesh).values);
+    }
+
+    void heightScan_data()
+    {
+        QTest::addColumn<int>("count");
+        for (const int count : {1, 31, 32, 33, 1000})
+            QTest::addRow("%d", count) << count;
+    }
+
+    void heightScan()
+    {
+        QFETCH(int, count);
+        std::vector<float> values(static_cast<size_t>(count), 4.0F);
+        for (const int place : {0, count / 2, count - 1}) {
+            const auto at = static_cast<size_t>(place);
+            values[at] = 1.5F;
+            QCOMPARE(scanHeights(values.data(), count).minimum, 1.5);
+            values[at] = 99.0F;
+            QCOMPARE(scanHeights(values.data(), count).maximum, 99.0);
+            values[at] = std::numeric_limits<float>::quiet_NaN();
+            QCOMPARE(scanHeights(values.data(), count).maximum, count == 1 ? 0.0 : 4.0);
+            values[at] = -4.0F;
+            QCOMPARE(scanHeights(values.data(), count).minimum, -4.0);
+            values[at] = 4.0F;
+        }
+        std::fill(values.begin(), values.end(), -2.0F);
+        QCOMPARE(scanHeights(values.data(), count).maximum, 0.0);
+        QCOMPARE(scanHeights(nullptr, 0).minimum, 0.0);
+    }
+
+    void everyViewLearnsOfEveryChange()
+    {
+        Relief relief(100, 100);
+        ReliefChanges changes;
+        const int first = changes.addView();
+        const int second = changes.addView();
+        changes.setRelief(&relief);
+        QVERIFY(changes.take(first).full);
+        QVERIFY(!changes.pending(first) && changes.pending(second));
+        QVERIFY(!relief.heightsChanged && !relief.appearanceChanged);
+
+        relief.frameRegion = QRect(1, 2, 3, 4);
+        relief.heightsChanged = true;
+        const PendingCells cells = changes.take(first);
+        QVERIFY(!cells.full);
+        QCOMPARE(cells.cells.boundingRect(), QRect(1, 2, 3, 4));
+        QVERIFY(relief.frameRegion.isEmpty());
+        QVERIFY(changes.take(second).full); // it had not drawn at all yet
+
+        relief.frameRegion = QRect(1, 2, 3, 4);
+        changes.collect();
+        relief.frameRegion = QRect(50, 50, 10, 10);
+        changes.notify();
+        for (const int view : {first, second}) {
+            const QRegion both = changes.take(view).cells;
+            QVERIFY(both.contains(QPoint(2, 3)) && both.contains(QPoint(55, 55)));
+            QVERIFY(!both.contains(QPoint(20, 20)));
+            QVERIFY(!changes.pending(view));
+        }
+        relief.heightsChanged = true;
+        QVERIFY(changes.take(first).full);
+        clearMask(relief, nullptr);
+        QVERIFY(changes.take(first).full);
+        changes.take(first);
+        selectRectangle(relief, {1, 1}, {5, 5}, SelectionModifier::Normal);
+        QVERIFY(changes.take(first).full);
+    }
+
+    void strokesTellNoMoreThanTheirRegion()
+    {
+        Relief relief(200, 200);
+        relief.selectionActive = true; // with nothing selected: brushes change nothing
+        SculptEngine engine;
+        engine.attach(&relief, nullptr);
+        ReliefChanges changes;
+        const int view = changes.addView();
+        changes.setRelief(&relief);
+        changes.take(view);
+
+        ToolParams tool;
+        tool.type = Tool::Deposit;
+        tool.keepTransparency = false;
+        const auto stroke = [&] {
+            changes.collect();
+            engine.beginStroke(tool, {0, 0});
+            engine.addStrokePoint({30, 0});
+            engine.endStroke({40, 0});
+            changes.collectStroke();
+            return changes.take(view);
+        };
+        const PendingCells nothing = stroke();
+        QVERIFY(!nothing.full && nothing.cells.isEmpty());
+
+        relief.selectionActive = false;
+        for (const int type : {int(Tool::Deposit), int(Tool::Mask)}) {
+            tool.type = type;
+            const PendingCells some = stroke();
+            QVERIFY(!some.full);
+            QVERIFY(some.cells.contains(QPoint(120, 100)));
+            QVERIFY(!some.cells.contains(QPoint(100, 190)));
+        }
+        tool.type = Tool::Magic;
+        QVERIFY(stroke().full);
+    }
+
+    void heightRangeIsScannedOnce()
+    {
+        Relief relief(50, 50);
+        ReliefChanges changes;
+        changes.setRelief(&relief);
+        changes.collect();
+        relief.heights().data()[7] = 5.0F;
+        QCOMPARE(changes.heightRange().maximum, 5.0);
+        relief.heights().data()[7] = 6.0F; // nobody was told
+        QCOMPARE(changes.heightRange().maximum, 5.0);
+        relief.frameRegion = QRect(7, 0, 1, 1);
+        changes.collect();
+        QCOMPARE(changes.heightRange().maximum, 6.0);
+        changes.setRelief(nullptr);
+        QCOMPARE(changes.heightRange().maximum, 0.0);
+        changes.notify();
+    }
+};
+
+QTEST_MAIN(ReliefMeshTest)
+#include "tst_reliefmesh.moc"
