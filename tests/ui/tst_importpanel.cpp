@@ -1,0 +1,284 @@
+#include "ui/panels/importpanel.h"
+
+#include "picture.h"
+#include "relief/relief.h"
+#include "ui/panels/sculptpanels.h"
+#include "ui/ribbon/numberfield.h"
+#include "ui/ribbon/sliderfield.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QTabBar>
+#include <QtTest>
+
+namespace {
+
+/// A ramp over a border of zeros, so that every control has something to change.
+FloatGrid _ramp(int width, int height)
+{
+    FloatGrid grid;
+    grid.width = width;
+    grid.height = height;
+    grid.values.resize(size_t(width) * size_t(height));
+    for (int y = 1; y < height - 1; ++y) {
+        for (int x = 1; x < width - 1; ++x)
+            grid.values[size_t(y) * size_t(width) + size_t(x)] = float(10 + x + 2 * y);
+    }
+    return grid;
+}
+
+std::unique_ptr<Relief> _openRelief(int width, int height)
+{
+    return std::make_unique<Relief>(
+        std::make_unique<ImportSource>(_ramp(width, height), ImportSettings{}));
+}
+
+} // namespace
+
+class TestImportPanel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { wearTheme(false); }
+
+    void init()
+    {
+        m_session = std::make_unique<ImportSession>();
+        m_changes = 0;
+        m_panel = std::make_unique<ImportPanel>(m_session.get());
+        m_session->changed = [this] {
+            ++m_changes;
+            m_panel->refresh();
+        };
+        m_panel->resize(300, 400);
+        m_panel->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_panel.get()));
+    }
+
+    void cleanup()
+    {
+        m_session->attach(nullptr);
+        m_panel.reset();
+    }
+
+    void slidersHaveTheirRanges_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<int>("pageStep");
+        QTest::newRow("smoothing") << "Smoothing" << 50 << 5;
+        QTest::newRow("raise") << "Raise / Lower" << 200 << 10;
+        QTest::newRow("trim") << "Trim" << 20 << 1;
+        QTest::newRow("vertical") << "Vertical" << 200 << 20;
+        QTest::newRow("horizontal") << "Horizontal" << 200 << 20;
+    }
+
+    void slidersHaveTheirRanges()
+    {
+        QFETCH(QString, name);
+        const SliderField *field = _field(name);
+        QVERIFY(field);
+        QTEST(field->slider()->maximum(), "steps");
+        QTEST(field->slider()->pageStep(), "pageStep");
+        QCOMPARE(field->value(), 0.0);
+    }
+
+    void withoutAnImportOnlyOpeningSettingsCanBeSet()
+    {
+        QVERIFY(_box("Flip Y")->isEnabled());
+        QVERIFY(_field("Smoothing")->isEnabled());
+        QVERIFY(!_box("Preview")->isEnabled());
+        QVERIFY(!_field("Trim")->isEnabled());
+        QVERIFY(!_button("Accept")->isEnabled());
+        QCOMPARE(_button("Accept")->toolTip(), QStringLiteral("No import is open."));
+
+        QTest::keyClick(_box("Flip Y"), Qt::Key_Space);
+        QTest::keyClick(_field("Horizontal")->slider(), Qt::Key_PageUp);
+        QCoreApplication::processEvents();
+        QVERIFY(m_session->openingSettings().flipY);
+        QCOMPARE(m_session->openingSettings().tiltHorizontal, 20);
+    }
+
+    void everyControlChangesTheHeights_data()
+    {
+        QTest::addColumn<QString>("control");
+        for (const char *name :
+             {"Flip Y", "Invert Z", "Smoothing", "Raise / Lower", "Trim", "Vertical", "Horizontal"})
+            QTest::newRow(name) << name;
+    }
+
+    void everyControlChangesTheHeights()
+    {
+        QFETCH(QString, control);
+        const auto relief = _openRelief(24, 18);
+        _open(*relief);
+        const std::vector<float> before = _heights(*relief);
+        if (QCheckBox *box = _box(control))
+            QTest::keyClick(box, Qt::Key_Space);
+        else
+            QTest::keyClick(_field(control)->slider(), Qt::Key_PageUp);
+        QCoreApplication::processEvents();
+        QVERIFY(_heights(*relief) != before);
+    }
+
+    void changesOfOneTurnAreOneRecompute()
+    {
+        const auto relief = _openRelief(24, 18);
+        _open(*relief);
+        m_changes = 0;
+        for (int position = 1; position <= 20; ++position)
+            _field("Trim")->slider()->setValue(position);
+        QTest::keyClick(_box("Invert Z"), Qt::Key_Space);
+        QCOMPARE(m_changes, 0);
+        QTRY_COMPARE(m_session->settings().trim, 20);
+        QVERIFY(m_session->settings().invertZ);
+        QCOMPARE(m_changes, 1);
+    }
+
+    void withoutPreviewTheLiveControlsRest()
+    {
+        const auto relief = _openRelief(24, 18);
+        _open(*relief);
+        QTest::keyClick(_box("Preview"), Qt::Key_Space);
+        for (const char *name : {"Smoothing", "Raise / Lower", "Trim", "Vertical", "Horizontal"}) {
+            QVERIFY(!_field(name)->isEnabled());
+            QCOMPARE(_field(name)->slider()->toolTip(), QStringLiteral("Check Preview first."));
+        }
+        QVERIFY(_box("Invert Z")->isEnabled());
+        QTest::keyClick(_box("Preview"), Qt::Key_Space);
+        QVERIFY(_field("Trim")->isEnabled());
+    }
+
+    void updateIsThereWithAGeneratorAndEnabledWhenDirty()
+    {
+        const auto relief = _openRelief(24, 18);
+        _open(*relief);
+        QVERIFY(!_button("Update")->isVisible());
+        m_session->basReliefGenerator = [](const BasReliefInput &input, Progress &) {
+            const float *end = input.heights + size_t(input.width) * size_t(input.height);
+            return std::vector<float>(input.heights, end);
+        };
+        m_panel->refresh();
+        QVERIFY(_button("Update")->isVisible());
+        QCOMPARE(_button("Update")->isEnabled(), m_session->dirty());
+        connect(m_panel.get(), &ImportPanel::UpdateClicked, m_panel.get(), [this] {
+            Progress progress;
+            m_session->setBasRelief(true);
+            m_session->update(&progress);
+        });
+        QTest::mouseClick(_button("Update"), Qt::LeftButton);
+        QVERIFY(!m_session->dirty());
+        QVERIFY(!_button("Update")->isEnabled());
+        QTest::keyClick(_field("Trim")->slider(), Qt::Key_Right);
+        QTRY_VERIFY(_button("Update")->isEnabled());
+    }
+
+    void acceptTakesTheLastChangeAlong()
+    {
+        const auto relief = _openRelief(24, 18);
+        _open(*relief);
+        QSignalSpy accepted(m_panel.get(), &ImportPanel::AcceptClicked);
+        _field("Trim")->slider()->setValue(4);
+        QTest::mouseClick(_button("Accept"), Qt::LeftButton);
+        QCOMPARE(accepted.size(), 1);
+        QCOMPARE(m_session->settings().trim, 4);
+        m_session->accept();
+        QVERIFY(!_button("Accept")->isEnabled());
+        QVERIFY(!_field("Trim")->isEnabled());
+    }
+
+    void aNewImportIsShownInTheControls()
+    {
+        const auto relief = _openRelief(24, 18);
+        ImportSettings settings;
+        settings.invertZ = true;
+        settings.smoothing = 1.5;
+        settings.tiltVertical = -35;
+        static_cast<ImportSource *>(relief->source())->setSettings(settings);
+        m_changes = 0;
+        _open(*relief);
+        QVERIFY(_box("Invert Z")->isChecked());
+        QCOMPARE(_field("Smoothing")->value(), 1.5);
+        QCOMPARE(_field("Vertical")->number()->text(), QStringLiteral("-3.5°"));
+        QCoreApplication::processEvents();
+        QCOMPARE(m_changes, 0);
+        keepPictures(*m_panel, QStringLiteral("importpanel"));
+    }
+
+    /// A slider dragged along its whole length over a large picture must not queue up work.
+    void draggingOverALargeImportKeepsUp()
+    {
+        const auto relief = _openRelief(2000, 2000);
+        _open(*relief);
+        QSlider *slider = _field("Smoothing")->slider();
+        QTest::mousePress(slider, Qt::LeftButton, {}, QPoint(4, slider->height() / 2));
+        m_changes = 0;
+        QElapsedTimer clock;
+        qint64 longest = 0;
+        constexpr int moves = 20;
+        for (int i = 1; i <= moves; ++i) {
+            clock.start();
+            const int x = 4 + i * (slider->width() - 8) / moves;
+            QTest::mouseMove(slider, QPoint(x, slider->height() / 2));
+            QCoreApplication::processEvents();
+            longest = std::max(longest, clock.elapsed());
+        }
+        QTest::mouseRelease(slider, Qt::LeftButton, {},
+                            QPoint(slider->width() - 4, slider->height() / 2));
+        QTRY_COMPARE(m_session->settings().smoothing, _field("Smoothing")->value());
+        QVERIFY(m_changes <= moves + 1);
+        qInfo("longest turn %lld ms, %d recomputes", longest, m_changes);
+        QVERIFY(longest < 1000);
+    }
+
+    void tabsHoldBothPanels()
+    {
+        SculptPanels panels(m_session.get());
+        panels.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&panels));
+        QCOMPARE(panels.tabText(0), QStringLiteral("Tool"));
+        QCOMPARE(panels.tabText(1), QStringLiteral("Import"));
+        QTest::mouseClick(panels.tabBar(), Qt::LeftButton, {},
+                          panels.tabBar()->tabRect(1).center());
+        QVERIFY(panels.findChild<ImportPanel *>()->isVisible());
+        keepPictures(panels, QStringLiteral("sculptpanels"));
+    }
+
+private:
+    SliderField *_field(const QString &name) { return m_panel->findChild<SliderField *>(name); }
+
+    template <typename Button>
+    Button *_byText(const QString &text)
+    {
+        for (Button *button : m_panel->findChildren<Button *>()) {
+            if (button->text() == text)
+                return button;
+        }
+        return nullptr;
+    }
+
+    QCheckBox *_box(const QString &text) { return _byText<QCheckBox>(text); }
+    QPushButton *_button(const QString &text) { return _byText<QPushButton>(text); }
+
+    void _open(Relief &relief)
+    {
+        m_session->attach(&relief);
+        m_panel->refresh();
+    }
+
+    static std::vector<float> _heights(const Relief &relief)
+    {
+        const float *values = relief.heights().constData();
+        return {values, values + relief.cells()};
+    }
+
+    std::unique_ptr<ImportSession> m_session;
+    std::unique_ptr<ImportPanel> m_panel;
+    int m_changes = 0;
+};
+
+QTEST_MAIN(TestImportPanel)
+#include "tst_importpanel.moc"

@@ -1,0 +1,337 @@
+#include "ui/panels/toolpanel.h"
+
+#include "picture.h"
+#include "ui/panels/choicerow.h"
+#include "ui/panels/tooltable.h"
+#include "ui/ribbon/numberfield.h"
+#include "ui/ribbon/sliderfield.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QToolButton>
+#include <QtTest>
+
+namespace {
+
+SliderField *_field(ToolPanel &panel, const char *name)
+{
+    return panel.findChild<SliderField *>(QLatin1String(name));
+}
+
+QCheckBox *_box(ToolPanel &panel, const char *text)
+{
+    for (QCheckBox *box : panel.findChildren<QCheckBox *>()) {
+        if (box->text() == QLatin1String(text))
+            return box;
+    }
+    return nullptr;
+}
+
+ChoiceRow *_choices(ToolPanel &panel, const char *label)
+{
+    for (ChoiceRow *row : panel.findChildren<ChoiceRow *>()) {
+        if (row->label()->text() == QLatin1String(label))
+            return row;
+    }
+    return nullptr;
+}
+
+void _typeNumber(SliderField &field, const QString &text)
+{
+    NumberField *number = field.number();
+    number->setFocus();
+    number->selectAll();
+    QTest::keyClicks(number, text);
+    QTest::keyClick(number, Qt::Key_Return);
+}
+
+void _showTool(ToolPanel &panel, Tool::Type type)
+{
+    ToolParams params = panel.params();
+    params.type = type;
+    panel.showParams(params);
+}
+
+} // namespace
+
+class TestToolPanel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { wearTheme(false); }
+
+    void init()
+    {
+        AlphaBrush::instance().setImage(nullptr, 0);
+        AlphaBrush::instance().mode = AlphaBrush::Shape;
+        AlphaBrush::instance().repeatCount = 3;
+        m_panel = std::make_unique<ToolPanel>();
+        m_panel->resize(320, 640);
+        m_panel->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_panel.get()));
+    }
+
+    void cleanup() { m_panel.reset(); }
+
+    void slidersShowTheDefaultsAndMoveOverTheirRanges_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<double>("lowest");
+        QTest::addColumn<double>("highest");
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<double>("shown");
+        QTest::newRow("size") << "Tool Size" << 1.0 << 100.0 << 99 << 30.0;
+        QTest::newRow("strength") << "Tool Strength" << 1.0 << 100.0 << 99 << 50.0;
+        QTest::newRow("hardness") << "Tool Hardness" << 0.0 << 100.0 << 100 << 50.0;
+        QTest::newRow("aspect") << "Aspect" << 1.0 << 15.0 << 140 << 1.0;
+        QTest::newRow("angle") << "Angle" << -90.0 << 90.0 << 180 << 0.0;
+        QTest::newRow("decay") << "Decay Length" << 0.0 << 100.0 << 100 << 50.0;
+        QTest::newRow("smooth") << "Smooth Length" << 10.0 << 200.0 << 190 << 50.0;
+        QTest::newRow("tolerance") << "Tolerance" << 0.01 << 0.99 << 98 << 0.02;
+    }
+
+    void slidersShowTheDefaultsAndMoveOverTheirRanges()
+    {
+        QFETCH(QString, name);
+        SliderField *field = _field(*m_panel, name.toLatin1());
+        QVERIFY(field);
+        QTEST(field->range().minimum, "lowest");
+        QTEST(field->range().maximum, "highest");
+        QTEST(field->slider()->maximum(), "steps");
+        QTEST(field->value(), "shown");
+    }
+
+    void typedNumbersReachTheRecordAndTheSignal()
+    {
+        QSignalSpy size(m_panel.get(), &ToolPanel::ToolSizeChanged);
+        QSignalSpy strength(m_panel.get(), &ToolPanel::ToolStrengthChanged);
+        _typeNumber(*_field(*m_panel, "Tool Size"), QStringLiteral("80"));
+        _typeNumber(*_field(*m_panel, "Tool Strength"), QStringLiteral("60"));
+        QCOMPARE(size.size(), 1);
+        QCOMPARE(size[0][0].toDouble(), 0.8);
+        QCOMPARE(strength[0][0].toDouble(), 0.36);
+        QCOMPARE(m_panel->params().strength, 0.36);
+    }
+
+    void badTypingCostsNothing_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("size");
+        QTest::newRow("letters") << "abc" << 0.3;
+        QTest::newRow("empty") << "" << 0.3;
+        QTest::newRow("too large") << "4000" << 1.0;
+        QTest::newRow("below") << "-3" << 0.01;
+    }
+
+    void badTypingCostsNothing()
+    {
+        QFETCH(QString, typed);
+        SliderField *field = _field(*m_panel, "Tool Size");
+        if (typed.isEmpty()) {
+            field->number()->setFocus();
+            field->number()->selectAll();
+            QTest::keyClick(field->number(), Qt::Key_Delete);
+            QTest::keyClick(field->number(), Qt::Key_Return);
+        } else {
+            _typeNumber(*field, typed);
+        }
+        QTEST(m_panel->params().size, "size");
+    }
+
+    void arrowKeysAndTheSliderMoveByOneStep()
+    {
+        SliderField *field = _field(*m_panel, "Angle");
+        QSignalSpy angle(m_panel.get(), &ToolPanel::ToolAngleChanged);
+        field->slider()->setFocus();
+        QTest::keyClick(field->slider(), Qt::Key_Right);
+        QCOMPARE(m_panel->params().angle, 1.0);
+        QTest::keyClick(field->slider(), Qt::Key_Home);
+        QCOMPARE(m_panel->params().angle, -90.0);
+        QCOMPARE(angle.size(), 2);
+    }
+
+    void showingARecordIsSilentAndExact()
+    {
+        QList<QSignalSpy *> spies;
+        const QMetaObject *meta = m_panel->metaObject();
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+            if (meta->method(i).methodType() == QMetaMethod::Signal)
+                spies << new QSignalSpy(m_panel.get(), meta->method(i));
+        }
+        QVERIFY(spies.size() >= 10);
+        ToolParams params;
+        params.type = Tool::Smooth;
+        params.mode = Tool::Lower;
+        params.form = Tool::Square;
+        params.falloff = Tool::SphereFalloff;
+        params.size = 0.4711;
+        params.strength = 0.123;
+        params.useDecay = true;
+        params.keepTransparency = false;
+        params.smoothToolPaths = true;
+        m_panel->showParams(params);
+        m_panel->showRelief(true, false, true);
+        QTest::qWait(20);
+        for (QSignalSpy *spy : spies)
+            QCOMPARE(spy->size(), 0);
+        qDeleteAll(spies);
+        QCOMPARE(m_panel->params().size, 0.4711);
+        QCOMPARE(m_panel->params().strength, 0.123);
+        QCOMPARE(_choices(*m_panel, "Mode")->choice(), 2);
+        QCOMPARE(_choices(*m_panel, "Form")->choice(), 1);
+        QCOMPARE(_choices(*m_panel, "Falloff")->choice(), 2);
+        QVERIFY(_box(*m_panel, "X")->isChecked());
+        QVERIFY(!_box(*m_panel, "Keep Transparency")->isChecked());
+        QCOMPARE(_field(*m_panel, "Tool Size")->slider()->value(), 46);
+    }
+
+    void choicesAndChecksReachTheRecordAndTheSignal()
+    {
+        _showTool(*m_panel, Tool::Smooth);
+        QSignalSpy mode(m_panel.get(), &ToolPanel::ToolModeChanged);
+        QSignalSpy falloff(m_panel.get(), &ToolPanel::ToolFalloffChanged);
+        QSignalSpy keep(m_panel.get(), &ToolPanel::ToolKeepTransparencyChanged);
+        QSignalSpy symmetry(m_panel.get(), &ToolPanel::SymmetryYChanged);
+        QTest::mouseClick(_choices(*m_panel, "Mode")->button(1), Qt::LeftButton);
+        QTest::mouseClick(_choices(*m_panel, "Falloff")->button(3), Qt::LeftButton);
+        QTest::keyClick(_box(*m_panel, "Keep Transparency"), Qt::Key_Space);
+        QTest::keyClick(_box(*m_panel, "Y"), Qt::Key_Space);
+        QCOMPARE(mode[0][0].value<Tool::Mode>(), Tool::Raise);
+        QCOMPARE(falloff[0][0].value<Tool::Falloff>(), Tool::ConstantFalloff);
+        QCOMPARE(keep[0][0].toBool(), false);
+        QCOMPARE(symmetry[0][0].toBool(), true);
+        QCOMPARE(m_panel->params().mode, int(Tool::Raise));
+        QVERIFY(!_field(*m_panel, "Tool Hardness")->isEnabled());
+    }
+
+    void choosingAToolHereTellsTheWindow()
+    {
+        QSignalSpy tool(m_panel.get(), &ToolPanel::ToolChanged);
+        auto *box = m_panel->findChild<QComboBox *>();
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Home);
+        QCOMPARE(tool.size(), 1);
+        QCOMPARE(tool[0][0].value<Tool::Type>(), Tool::Smooth);
+    }
+
+    void onlyWhatTheToolUsesIsEnabled_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QStringList>("enabled");
+        const QStringList all{"Tool Size", "Tool Strength", "Tool Hardness", "Mode",     "Limit",
+                              "Keep",      "Decay",         "Invert",        "Tolerance"};
+        const auto row = [](const char *name, Tool::Type type, const QStringList &enabled) {
+            QTest::newRow(name) << int(type) << enabled;
+        };
+        row("smooth", Tool::Smooth,
+            {"Tool Size", "Tool Strength", "Tool Hardness", "Mode", "Keep", "Decay"});
+        row("deposit", Tool::Deposit,
+            {"Tool Size", "Tool Strength", "Tool Hardness", "Limit", "Keep", "Decay", "Invert"});
+        row("move", Tool::Move, {"Tool Size", "Tool Hardness", "Keep", "Decay"});
+        row("mask", Tool::Mask, {"Tool Size", "Tool Strength", "Tool Hardness", "Mode"});
+        row("undo", Tool::UndoBrush, {"Tool Size", "Tool Strength", "Tool Hardness", "Decay"});
+        row("erase", Tool::Erase, {"Tool Size", "Keep", "Decay"});
+        row("magic", Tool::Magic, {"Tolerance"});
+        row("fill", Tool::Fill, {});
+        row("none", Tool::None, {});
+    }
+
+    void onlyWhatTheToolUsesIsEnabled()
+    {
+        QFETCH(int, type);
+        QFETCH(QStringList, enabled);
+        _showTool(*m_panel, Tool::Type(type));
+        QCheckBox *limit = _box(*m_panel, "Ceiling / Floor");
+        const QList<std::pair<QString, QWidget *>> controls{
+            {"Tool Size", _field(*m_panel, "Tool Size")},
+            {"Tool Strength", _field(*m_panel, "Tool Strength")},
+            {"Tool Hardness", _field(*m_panel, "Tool Hardness")},
+            {"Mode", _choices(*m_panel, "Mode")},
+            {"Limit", limit ? limit : _box(*m_panel, "Ceiling")},
+            {"Keep", _box(*m_panel, "Keep Transparency")},
+            {"Decay", _box(*m_panel, "Decay Length")},
+            {"Invert", _box(*m_panel, "Invert")},
+            {"Tolerance", _field(*m_panel, "Tolerance")},
+        };
+        for (const auto &[name, widget] : controls) {
+            QVERIFY2(widget->isEnabled() == enabled.contains(name), qPrintable(name));
+            if (widget->isEnabled())
+                continue;
+            auto *field = qobject_cast<SliderField *>(widget);
+            auto *row = qobject_cast<ChoiceRow *>(widget);
+            const QString tip = field ? field->slider()->toolTip()
+                                : row ? row->button(0)->toolTip()
+                                      : widget->toolTip();
+            QVERIFY2(tip.contains("does not use") || tip.contains("No tool"), qPrintable(name));
+        }
+    }
+
+    void theLimitIsNamedForWhatTheBrushDoes()
+    {
+        _showTool(*m_panel, Tool::Remove);
+        QVERIFY(_box(*m_panel, "Floor"));
+        QTest::keyClick(_box(*m_panel, "Invert"), Qt::Key_Space);
+        QVERIFY(_box(*m_panel, "Ceiling"));
+    }
+
+    void aSwitchedSliderNeedsItsSwitch()
+    {
+        SliderField *length = _field(*m_panel, "Decay Length");
+        QVERIFY(!length->isEnabled());
+        QCOMPARE(length->slider()->toolTip(), QStringLiteral("Check Decay Length first."));
+        QTest::keyClick(_box(*m_panel, "Decay Length"), Qt::Key_Space);
+        QVERIFY(length->isEnabled());
+    }
+
+    void alphaModesNeedAnAlphaBrush()
+    {
+        ChoiceRow *modes = _choices(*m_panel, "Alpha");
+        QVERIFY(!modes->isEnabled());
+        const float grey[]{0.0F, 1.0F, 1.0F, 0.0F};
+        AlphaBrush::instance().setImage(grey, 2);
+        m_panel->refreshAlpha();
+        QVERIFY(modes->isEnabled());
+        QVERIFY(!_field(*m_panel, "Repeat")->isEnabled());
+        QVERIFY(!_field(*m_panel, "Aspect")->isEnabled());
+        QVERIFY(_field(*m_panel, "Tool Hardness")->isEnabled());
+
+        QTest::mouseClick(modes->button(1), Qt::LeftButton);
+        QCOMPARE(AlphaBrush::instance().mode, int(AlphaBrush::Tile));
+        QVERIFY(_field(*m_panel, "Aspect")->isEnabled());
+        _typeNumber(*_field(*m_panel, "Repeat"), QStringLiteral("7"));
+        QCOMPARE(AlphaBrush::instance().repeatCount, 7);
+
+        QTest::mouseClick(modes->button(2), Qt::LeftButton);
+        QVERIFY(!_field(*m_panel, "Tool Hardness")->isEnabled());
+        _showTool(*m_panel, Tool::Flatten);
+        QVERIFY(!modes->isEnabled());
+        QVERIFY(_field(*m_panel, "Tool Hardness")->isEnabled());
+    }
+
+    void labelsAreNotClipped()
+    {
+        for (const ToolRow &row : toolTable()) {
+            _showTool(*m_panel, row.type);
+            for (const QLabel *label : m_panel->findChildren<QLabel *>()) {
+                if (label->isVisible())
+                    QVERIFY2(label->width() >= label->sizeHint().width(),
+                             qPrintable(label->text()));
+            }
+            for (const QCheckBox *box : m_panel->findChildren<QCheckBox *>())
+                QVERIFY2(box->width() >= box->sizeHint().width(), qPrintable(box->text()));
+        }
+        _showTool(*m_panel, Tool::Deposit);
+        keepPictures(*m_panel, QStringLiteral("toolpanel"));
+    }
+
+private:
+    std::unique_ptr<ToolPanel> m_panel;
+};
+
+QTEST_MAIN(TestToolPanel)
+#include "tst_toolpanel.moc"
