@@ -40,6 +40,11 @@ void raise(Relief &relief, bool noisy)
 void fill(Relief &relief)
 {
     raise(relief, false);
+    // Empty beyond the dome, as most reliefs are.
+    cropApply(relief,
+              {{-0.4 * relief.width(), -0.4 * relief.width()},
+               {0.4 * relief.width(), 0.4 * relief.width()}},
+              nullptr);
     relief.referenceLayer().copyFrom(relief.heights());
     selectEllipse(relief, {0.0, 0.0}, QPointF(relief.width(), relief.height()),
                   SelectionModifier::Normal);

@@ -1,19 +1,20 @@
 #include "relief/selections.h"
 
 #include "relief/cellbits.h"
+#include "relief/cellcode.h"
 #include "relief/relief.h"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
 
 namespace {
 
-/// The cells of a selection row after a row of the new shape was merged into it.
-void _mergeRow(float *selection, const float *shape, int count, SelectionModifier modifier)
+/// Merges a row of the new shape into a row of the selection.
+CELL_LOOP void _mergeRow(float *selection, const float *shape, int count,
+                         SelectionModifier modifier)
 {
     switch (modifier) {
     case SelectionModifier::Normal:
@@ -73,26 +74,32 @@ Band _bandAround(double h0, double band)
     return result;
 }
 
-/// One bit a height, the first lowest, for up to 64 heights.
-uint64_t _bitsWithin(const float *heights, int count, Band band)
+/// The lowest bits of eight bytes, the first byte's lowest.
+CELL_INLINE inline uint64_t _gatherBits(const uint8_t *bytes)
 {
-    alignas(64) std::array<uint8_t, 64> within{};
-    if (count == 64) {
+    uint64_t eight = 0;
+    for (size_t i = 0; i < 8; ++i)
+        eight |= uint64_t{bytes[i]} << (8 * i);
+    // The product brings the eight bits together, in order, in its top byte.
+    return (eight * 0x0102040810204080U) >> 56;
+}
+
+/// Sets one bit for every height of a row within the band.
+CELL_LOOP void _markRow(const float *heights, int count, Band band, uint64_t *words)
+{
+    std::array<uint8_t, 64> within{};
+    for (; count >= 64; count -= 64, heights += 64) {
         for (size_t i = 0; i < 64; ++i)
             within[i] = static_cast<uint8_t>((heights[i] >= band.low) & (heights[i] <= band.high));
-    } else {
-        for (size_t i = 0; i < static_cast<size_t>(count); ++i)
-            within[i] = static_cast<uint8_t>((heights[i] >= band.low) & (heights[i] <= band.high));
+        uint64_t bits = 0;
+        for (size_t byte = 0; byte < 8; ++byte)
+            bits |= _gatherBits(within.data() + 8 * byte) << (8 * byte);
+        *words++ = bits;
     }
-    uint64_t bits = 0;
-    for (size_t byte = 0; byte < 8; ++byte) {
-        uint64_t eight = 0;
-        for (size_t i = 0; i < 8; ++i)
-            eight |= uint64_t{within[8 * byte + i]} << (8 * i);
-        // The product gathers the lowest bits of the eight bytes, in order, in its top byte.
-        bits |= ((eight * 0x0102040810204080U) >> 56) << (8 * byte);
+    for (int i = 0; i < count; ++i) {
+        if (heights[i] >= band.low && heights[i] <= band.high)
+            *words |= uint64_t{1} << i;
     }
-    return bits;
 }
 
 CellBits _cellsWithin(const Relief &relief, Band band)
@@ -100,11 +107,7 @@ CellBits _cellsWithin(const Relief &relief, Band band)
     CellBits cells(relief.width(), relief.height());
     for (int row = 0; row < relief.height(); ++row) {
         const float *heights = relief.heights().constData() + relief.index(0, row);
-        uint64_t *words = cells.row(row);
-        for (int column = 0; column < relief.width(); column += 64) {
-            const int count = std::min(64, relief.width() - column);
-            words[column / 64] = _bitsWithin(heights + column, count, band);
-        }
+        _markRow(heights, relief.width(), band, cells.row(row));
     }
     return cells;
 }
