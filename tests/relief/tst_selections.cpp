@@ -50,7 +50,7 @@ QStringList filledByStack(const Relief &relief, QPoint start, double low, double
 /// walk around the outside cannot reach. `inside` tells whether there is an inside at all.
 QStringList enclosed(const Relief &relief, const QSet<QPoint> &outline, bool inside)
 {
-    const QRect window = relief.rect().adjusted(-90, -90, 90, 90);
+    const QRect window = relief.rect().adjusted(-30, -30, 30, 30);
     QSet<QPoint> outside;
     QList<QPoint> pending{window.topLeft()};
     while (!pending.isEmpty()) {
