@@ -42,7 +42,7 @@ public:
 
     /// Shows another relief, or none. With `resize` the camera shows all of it, else the camera
     /// stays. To be called before the old relief is deleted.
-    void setRelief(Relief *relief, bool resize = false);
+    virtual void setRelief(Relief *relief, bool resize = false);
     Relief *relief() const { return m_relief; }
     /// The record the brush is read from; the wheel writes size and strength into it. Null: the
     /// view's own record.
@@ -51,6 +51,7 @@ public:
     /// Strokes go through it; without one, or while it is attached to another relief, the pointer
     /// only looks.
     void setEngine(SculptEngine *engine) { m_engine = engine; }
+    SculptEngine *engine() const { return m_engine; }
     /// Share one with the other views of the same relief; null: the view's own.
     void setChanges(ReliefChanges *changes);
     ReliefChanges *changes() const { return m_changes; }

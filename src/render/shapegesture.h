@@ -18,6 +18,7 @@ public:
     /// grid forgets what was begun; any type that is no shape tool draws nothing.
     void setTool(int type, QSize grid);
     int tool() const { return m_tool; }
+    QSize grid() const { return m_grid; }
     bool usable() const;
 
     /// `pixel` is the length of one logical pixel in cells: how near counts as on a handle or on
