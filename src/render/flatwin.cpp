@@ -213,10 +213,15 @@ void FlatWin::cancelShape()
     _shapeChanged();
 }
 
+QRect FlatWin::cropBox() const
+{
+    return _shapeInSync() ? m_shape.cropBox() : QRect();
+}
+
 QList<QPointF> FlatWin::cropOutline() const
 {
-    const QRect box = m_shape.cropBox();
-    if (!relief() || box.isEmpty() || tool().type != Tool::Crop)
+    const QRect box = cropBox();
+    if (box.isEmpty())
         return {};
     // Whole numbers from the centre: they name the same cells again after being truncated, for even
     // and odd sizes.
@@ -271,7 +276,6 @@ void FlatWin::_finishShape()
 
 void FlatWin::_selectionEdited()
 {
-    relief()->appearanceChanged = true;
     changes()->notify();
     emit selectionChanged();
 }

@@ -35,7 +35,7 @@ public:
     /// The corners of the crop box as cropApply() takes them (stroke points); empty without a box.
     QList<QPointF> cropOutline() const;
     /// The box in cells; empty without one.
-    QRect cropBox() const { return m_shape.cropBox(); }
+    QRect cropBox() const;
 
     /// An outline of the selection is on screen, its dashes travelling.
     bool outlinePresent() const { return m_painter.hasOutline(); }
