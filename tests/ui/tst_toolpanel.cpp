@@ -2,7 +2,7 @@
 
 #include "picture.h"
 #include "ui/panels/choicerow.h"
-#include "ui/panels/tooltable.h"
+#include "ui/panels/toolnames.h"
 #include "ui/ribbon/numberfield.h"
 #include "ui/ribbon/sliderfield.h"
 
@@ -315,8 +315,8 @@ private slots:
 
     void labelsAreNotClipped()
     {
-        for (const ToolRow &row : toolTable()) {
-            _showTool(*m_panel, row.type);
+        for (const ToolName &name : toolNames()) {
+            _showTool(*m_panel, name.type);
             for (const QLabel *label : m_panel->findChildren<QLabel *>()) {
                 if (label->isVisible())
                     QVERIFY2(label->width() >= label->sizeHint().width(),

@@ -3,7 +3,7 @@
 #include "ui/icons.h"
 #include "ui/panels/choicerow.h"
 #include "ui/panels/panelcontrols.h"
-#include "ui/panels/tooltable.h"
+#include "ui/panels/toolnames.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -60,7 +60,7 @@ const std::array<ToolPanel::NumberSpec, ToolPanel::numberCount> &ToolPanel::_num
          [](ToolParams &p, double v) { p.angle = v; },
          [](ToolPanel &t) { emit t.ToolAngleChanged(t.m_params.angle); }},
         {"Decay Length", "How long the stroke lasts: 100 is a hundred radii.",
-         Range{0, 100, 1, 10, 50, 0, {}}, UsesDecay,
+         Range{0, 100, 1, 10, 50, 0, {}}, Decays,
          [](const ToolParams &p) { return p.decayLength * percentSteps; },
          [](ToolParams &p, double v) { p.decayLength = v / percentSteps; },
          [](ToolPanel &t) { emit t.ToolDecayLengthChanged(t.m_params.decayLength); }},
@@ -81,16 +81,16 @@ const std::array<ToolPanel::NumberSpec, ToolPanel::numberCount> &ToolPanel::_num
 const std::array<ToolPanel::CheckSpec, ToolPanel::checkCount> &ToolPanel::_checkSpecs()
 {
     static const std::array<CheckSpec, checkCount> specs{{
-        {"Keep Transparency", "Empty cells, whose height is 0, stay empty.", UsesKeepTransparency,
+        {"Keep Transparency", "Empty cells, whose height is 0, stay empty.", KeepsEmpty,
          &ToolParams::keepTransparency, &ToolPanel::ToolKeepTransparencyChanged},
-        {"Decay Length", "The stroke fades out along its way.", UsesDecay, &ToolParams::useDecay,
+        {"Decay Length", "The stroke fades out along its way.", Decays, &ToolParams::useDecay,
          &ToolPanel::ToolUseDecayLengthChanged},
         {"Smooth Tool Paths", "The stroke follows a smooth curve through the pointer's way.",
          UsesFootprint, &ToolParams::smoothToolPaths, &ToolPanel::ToolUseSmoothingChanged},
         {"Ceiling",
          "Nothing is built above the highest, or cut below the lowest, place under the "
          "brush.",
-         UsesLimit, &ToolParams::ceilingOrFloor, &ToolPanel::ToolCeilingOrFloorChanged},
+         UsesOption, &ToolParams::ceilingOrFloor, &ToolPanel::ToolCeilingOrFloorChanged},
         {"Continuous", "Only what is joined to the place you click.", UsesTolerance,
          &ToolParams::continuous, &ToolPanel::ToolContinuousChanged},
     }};
@@ -105,7 +105,7 @@ const std::array<ToolPanel::FlagSpec, ToolPanel::flagCount> &ToolPanel::_flagSpe
         {"Y", "Every stroke is mirrored top to bottom.", "symmetry_y", UsesFootprint,
          &ToolPanel::SymmetryYChanged},
         {"Invert", "The brush does the opposite: Deposit removes, Remove deposits.", "invert",
-         UsesInvert, &ToolPanel::InvertChanged},
+         Inverts, &ToolPanel::InvertChanged},
     }};
     return specs;
 }
@@ -122,10 +122,11 @@ void ToolPanel::_makeControls()
 {
     m_tool = new QComboBox(this);
     m_tool->setAccessibleName(tr("Tool"));
-    m_tool->setMaxVisibleItems(int(toolTable().size()));
-    for (const ToolRow &row : toolTable()) {
-        m_tool->addItem(icon(QLatin1String(row.icon)), tr(row.longName), int(row.type));
-        m_tool->setItemData(m_tool->count() - 1, tr(row.effect), Qt::ToolTipRole);
+    m_tool->setMaxVisibleItems(int(toolNames().size()));
+    for (const ToolName &name : toolNames()) {
+        const ToolRow &row = *toolRow(name.type);
+        m_tool->addItem(icon(QLatin1String(row.icon)), longToolName(row), int(row.type));
+        m_tool->setItemData(m_tool->count() - 1, toolEffect(row.type), Qt::ToolTipRole);
     }
     connect(m_tool, &QComboBox::activated, this, &ToolPanel::_toolChosen);
     _makeNumbers();
@@ -310,17 +311,24 @@ void ToolPanel::_showRecord()
     refreshAlpha();
 }
 
+/// Flatten and Scrape are the only brushes that an alpha brush leaves as they are.
+QString ToolPanel::_noAlphaReason() const
+{
+    const bool deaf = m_params.type == Tool::Flatten || m_params.type == Tool::Scrape;
+    return _reason(deaf ? UsesAlpha : UsesFootprint);
+}
+
 bool ToolPanel::_alphaActs() const
 {
-    return AlphaBrush::instance().loaded() && _reason(UsesAlpha).isEmpty();
+    return AlphaBrush::instance().loaded() && _noAlphaReason().isEmpty();
 }
 
 QString ToolPanel::_reason(unsigned use) const
 {
-    const ToolRow *row = toolRow(Tool::Type(m_params.type));
-    if (!row)
+    const ToolRow *row = toolRow(m_params.type);
+    if (!row || row->kind == ToolKind::None)
         return tr("No tool is chosen.");
-    return row->uses & use ? QString() : tr("The %1 does not use this.").arg(tr(row->longName));
+    return row->uses & use ? QString() : tr("The %1 does not use this.").arg(longToolName(*row));
 }
 
 /// As _reason; `overridden` says that the alpha brush takes the control's place.
@@ -330,20 +338,20 @@ QString ToolPanel::_alphaReason(unsigned use, bool overridden) const
     return reason.isEmpty() && overridden ? tr("The alpha brush decides this.") : reason;
 }
 
+/// Inverted, Deposit and Remove change places.
 QString ToolPanel::_limitLabel() const
 {
     const bool inverted = m_flags[Invert]->isChecked();
-    if (m_params.type == Tool::Deposit)
-        return inverted ? tr("Floor") : tr("Ceiling");
-    if (m_params.type == Tool::Remove)
-        return inverted ? tr("Ceiling") : tr("Floor");
-    return tr("Ceiling / Floor");
+    int type = m_params.type;
+    if (inverted && (type == Tool::Deposit || type == Tool::Remove))
+        type = type == Tool::Deposit ? Tool::Remove : Tool::Deposit;
+    const ToolRow *row = toolRow(type);
+    return row && *row->optionLabel ? tr(row->optionLabel) : tr("Ceiling / Floor");
 }
 
 void ToolPanel::_enable()
 {
-    const ToolRow *row = toolRow(Tool::Type(m_params.type));
-    m_tool->setToolTip(row ? tr(row->effect) : QString());
+    m_tool->setToolTip(toolEffect(Tool::Type(m_params.type)));
     for (size_t i = 0; i < checkCount; ++i)
         showReason(*m_checks[i], tr(_checkSpecs()[i].hint), _reason(_checkSpecs()[i].use));
     for (size_t i = 0; i < flagCount; ++i)
@@ -378,7 +386,7 @@ void ToolPanel::_enableNumbers()
 
 void ToolPanel::_enableAlpha()
 {
-    QString reason = _reason(UsesAlpha);
+    QString reason = _noAlphaReason();
     if (reason.isEmpty() && !AlphaBrush::instance().loaded())
         reason = tr("Choose an alpha brush in the library first.");
     m_alphaMode->setReason(reason);

@@ -113,6 +113,7 @@ private:
     void _enableAlpha();
     QString _reason(unsigned use) const;
     QString _alphaReason(unsigned use, bool overridden) const;
+    QString _noAlphaReason() const;
     bool _alphaActs() const;
     QString _limitLabel() const;
 
