@@ -5,17 +5,24 @@
 #include <new>
 #include <utility>
 
-#ifdef Q_OS_LINUX
 #include <sys/mman.h>
-#endif
 
 namespace {
 
+/// Layers from this size on are mapped: the system hands out its own zeros page by page, on the
+/// first write. The heap would clear memory that it has handed out before.
+constexpr size_t mappedBytes = size_t{1} << 20;
+
+size_t _bytes(qsizetype size)
+{
+    return static_cast<size_t>(size) * sizeof(float);
+}
+
 /// Asks for large pages behind a large block: the first write to fresh memory costs several times
 /// the write itself, most of it once a page. A system that has none changes nothing.
-void _preferLargePages(float *data, size_t bytes)
+void _preferLargePages(void *data, size_t bytes)
 {
-#ifdef Q_OS_LINUX
+#ifdef MADV_HUGEPAGE
     constexpr uintptr_t page = uintptr_t{2} << 20;
     const uintptr_t start = (reinterpret_cast<uintptr_t>(data) + page - 1) / page * page;
     const uintptr_t end = (reinterpret_cast<uintptr_t>(data) + bytes) / page * page;
@@ -27,16 +34,39 @@ void _preferLargePages(float *data, size_t bytes)
 #endif
 }
 
+float *_map(size_t bytes)
+{
+    void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        throw std::bad_alloc();
+    _preferLargePages(memory, bytes);
+    return static_cast<float *>(memory);
+}
+
+float *_allocate(qsizetype size)
+{
+    if (_bytes(size) >= mappedBytes)
+        return _map(_bytes(size));
+    void *memory = std::calloc(_bytes(size) + 1, 1);
+    if (!memory)
+        throw std::bad_alloc();
+    return static_cast<float *>(memory);
+}
+
+void _release(float *memory, qsizetype size)
+{
+    if (memory && _bytes(size) >= mappedBytes)
+        munmap(memory, _bytes(size));
+    else
+        std::free(memory);
+}
+
 } // namespace
 
 GridLayer::GridLayer(qsizetype size)
-    : m_size(size)
+    : m_data(_allocate(size))
+    , m_size(size)
 {
-    // calloc hands out untouched pages of the system's own zeros for anything large.
-    m_data = static_cast<float *>(std::calloc(static_cast<size_t>(size), sizeof(float)));
-    if (!m_data && size > 0)
-        throw std::bad_alloc();
-    _preferLargePages(m_data, static_cast<size_t>(size) * sizeof(float));
 }
 
 GridLayer::GridLayer(GridLayer &&other) noexcept
@@ -53,13 +83,13 @@ GridLayer &GridLayer::operator=(GridLayer &&other) noexcept
 
 GridLayer::~GridLayer()
 {
-    std::free(m_data);
+    _release(m_data, m_size);
 }
 
 void GridLayer::clear()
 {
     if (m_written)
-        std::memset(m_data, 0, static_cast<size_t>(m_size) * sizeof(float));
+        std::memset(m_data, 0, _bytes(m_size));
     m_written = false;
 }
 
@@ -68,7 +98,7 @@ void GridLayer::copyFrom(const GridLayer &other)
     if (!other.written())
         clear();
     else
-        std::memcpy(data(), other.constData(), static_cast<size_t>(m_size) * sizeof(float));
+        std::memcpy(data(), other.constData(), _bytes(m_size));
 }
 
 void GridLayer::swap(GridLayer &other) noexcept

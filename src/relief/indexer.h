@@ -8,7 +8,7 @@
 class Indexer
 {
 public:
-    enum Neighbors {
+    enum Neighbors : int {
         Left,
         Right,
         Above,
