@@ -45,11 +45,10 @@ int _missing(int extent, int gap)
     return gap < margin ? static_cast<int>(margin - gap) : 0;
 }
 
-/// The base mapping as one multiply-add a cell: height = max(0, sign * value + offset) * scale.
+/// The base mapping of one cell: how far it is from `zero`, less `lift`, at least 0, times `scale`.
 struct Mapping
 {
-    double sign;
-    double offset;
+    double zero; ///< the value of height 0: the lowest, or the highest when inverted
     double lift;
     double scale;
 };
@@ -57,20 +56,34 @@ struct Mapping
 Mapping _mappingOf(const ValueRange &range, const ImportSettings &settings)
 {
     const double span = range.span();
-    return {settings.invertZ ? -1.0 : 1.0, settings.invertZ ? range.highest : -range.lowest,
+    return {settings.invertZ ? range.highest : range.lowest,
             settings.preview ? settings.raiseLower * span / 100 : 0.0,
             settings.depth != 0.0 ? settings.depth / span : 1.0};
+}
+
+template <bool invert>
+__attribute__((always_inline)) inline void _mapCells(const float *values, float *heights, int count,
+                                                     const Mapping &mapping)
+{
+    const Mapping m = mapping;
+    for (int i = 0; i < count; ++i) {
+        const double value = values[i];
+        const double base = (invert ? m.zero - value : value - m.zero) - m.lift;
+        const float height = static_cast<float>((base > 0.0 ? base : 0.0) * m.scale);
+        heights[i] = values[i] == 0.0F ? 0.0F : height;
+    }
 }
 
 __attribute__((target_clones("avx2", "default"))) void _mapRow(const float *values, float *heights,
                                                                int count, const Mapping &mapping)
 {
-    const Mapping m = mapping;
-    for (int i = 0; i < count; ++i) {
-        const double base = m.sign * static_cast<double>(values[i]) + m.offset - m.lift;
-        const float height = static_cast<float>((base > 0.0 ? base : 0.0) * m.scale);
-        heights[i] = values[i] == 0.0F ? 0.0F : height;
-    }
+    _mapCells<false>(values, heights, count, mapping);
+}
+
+__attribute__((target_clones("avx2", "default"))) void
+_mapRowInverted(const float *values, float *heights, int count, const Mapping &mapping)
+{
+    _mapCells<true>(values, heights, count, mapping);
 }
 
 /// Makes flags[x] tell whether all of flags[x .. x + window - 1] were set, for every x where the
@@ -135,15 +148,17 @@ struct SmoothRow
     bool keepZeros;
 };
 
+/// The smoothed value of any cell; inner cells have a column weight of 4.
 float _smoothCell(const SmoothRow &row, float before, int x, double columnWeight)
 {
     if (row.keepZeros && before == 0.0F)
         return 0.0F;
     const double mean =
         (row.above[x] + 2.0 * row.here[x] + row.below[x]) / (columnWeight * row.rowWeight);
-    return static_cast<float>(mean * row.blend + before * (1.0 - row.blend));
+    return static_cast<float>(mean * row.blend + static_cast<double>(before) * (1.0 - row.blend));
 }
 
+/// The cells that have all their neighbours: their divisor of 16 is a factor without rounding.
 template <bool keepZeros>
 __attribute__((always_inline)) inline void _smoothInner(const SmoothRow &row, float *values,
                                                         int count)
@@ -151,12 +166,11 @@ __attribute__((always_inline)) inline void _smoothInner(const SmoothRow &row, fl
     const double *above = row.above;
     const double *here = row.here;
     const double *below = row.below;
-    const double divisor = 4.0 * row.rowWeight;
-    const double blend = row.blend;
+    const double blend = row.blend / 16.0;
     const double rest = 1.0 - row.blend;
     for (int x = 1; x < count - 1; ++x) {
-        const double mean = (above[x] + 2.0 * here[x] + below[x]) / divisor;
-        const float after = static_cast<float>(mean * blend + values[x] * rest);
+        const double sum = above[x] + 2.0 * here[x] + below[x];
+        const float after = static_cast<float>(sum * blend + static_cast<double>(values[x]) * rest);
         values[x] = keepZeros && values[x] == 0.0F ? 0.0F : after;
     }
 }
@@ -179,10 +193,14 @@ void _smoothOneRow(const SmoothRow &row, float *values, int count)
     values[0] = _smoothCell(row, values[0], 0, edgeWeight);
     if (count > 1)
         values[count - 1] = _smoothCell(row, values[count - 1], count - 1, edgeWeight);
-    if (row.keepZeros)
+    if (row.rowWeight < 4.0) {
+        for (int x = 1; x < count - 1; ++x)
+            values[x] = _smoothCell(row, values[x], x, 4.0);
+    } else if (row.keepZeros) {
         _smoothKeepingZeros(row, values, count);
-    else
+    } else {
         _smoothAll(row, values, count);
+    }
 }
 
 /// One pass in place: a row is overwritten only after the sums of the next one are taken.
@@ -282,8 +300,9 @@ void mapBase(const MappingSource &source, const ImportSettings &settings, float 
     const Mapping mapping = _mappingOf(source.range, settings);
     for (int y = 0; y < source.height; ++y) {
         const int from = settings.flipY ? source.height - 1 - y : y;
-        _mapRow(source.values + static_cast<size_t>(from) * columns,
-                heights + static_cast<size_t>(y) * columns, source.width, mapping);
+        const auto mapRow = settings.invertZ ? _mapRowInverted : _mapRow;
+        mapRow(source.values + static_cast<size_t>(from) * columns,
+               heights + static_cast<size_t>(y) * columns, source.width, mapping);
     }
 }
 
