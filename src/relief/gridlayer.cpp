@@ -1,5 +1,6 @@
 #include "relief/gridlayer.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
