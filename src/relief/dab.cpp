@@ -61,7 +61,7 @@ void mapColumns(const Dab &dab)
     }
 }
 
-CellSpan gatedSpan(const Dab &dab, const ColumnRun &run, int row, const GridLayer &emptiness)
+CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row)
 {
     const FootprintWeights &weights = dab.tool.weights();
     StrokeBuffers &buffers = dab.tool.buffers();
@@ -82,10 +82,7 @@ CellSpan gatedSpan(const Dab &dab, const ColumnRun &run, int row, const GridLaye
     span.cell = relief.index(span.column, row);
     span.foot = static_cast<qsizetype>(footRow) * weights.side() + first;
     span.weight = weights.values + span.foot;
-    if (dab.skipEmpty) {
-        dropZeros(buffers.gated.data(), span.weight, rowUnder(dab, emptiness, span), span.count);
-        span.weight = buffers.gated.data();
-    }
+    span.skipped = dab.skipEmpty ? 0.0F : -1.0F;
     if (dab.skipUnselected) {
         const float *selected = rowUnder(dab, relief.selectionLayer(), span);
         dropZeros(buffers.gated.data(), span.weight, selected, span.count);

@@ -38,7 +38,7 @@ float paintableHeight(float height);
 void mapColumns(const Dab &dab);
 
 /// A stretch of one row of a dab whose cells lie side by side in the relief and in the footprint.
-/// A negative weight is a cell to leave alone.
+/// Cells of a negative weight, and cells whose height is `skipped`, are to be left alone.
 struct CellSpan
 {
     int column = 0;
@@ -48,12 +48,18 @@ struct CellSpan
     qsizetype foot = 0;              ///< index of the first cell in the footprint's weights
     const float *weight = nullptr;   ///< falloff weight 0..1, or negative
     const float *unmasked = nullptr; ///< 1 - mask
+    float skipped = -1.0F;           ///< 0 to keep empty cells, otherwise no height at all
+
+    CELL_INLINE bool leavesAlone(int i, float height) const
+    {
+        return static_cast<bool>(static_cast<int>(weight[i] < 0.0F) |
+                                 static_cast<int>(height == skipped));
+    }
 };
 
-/// The footprint cells of one run of a row, with the cells to skip taken out of the weights.
-/// `emptiness` is the layer whose zeros count as empty. The rows a span points to hold until the
-/// next call.
-CellSpan gatedSpan(const Dab &dab, const ColumnRun &run, int row, const GridLayer &emptiness);
+/// The footprint cells of one run of a row. Cells outside the selection are taken out of the
+/// weights. The rows a span points to hold until the next call.
+CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row);
 
 /// The values of a layer under a span, without touching layers that nobody wrote to.
 inline const float *rowUnder(const Dab &dab, const GridLayer &layer, const CellSpan &span)
@@ -61,8 +67,9 @@ inline const float *rowUnder(const Dab &dab, const GridLayer &layer, const CellS
     return layer.written() ? layer.constData() + span.cell : dab.tool.buffers().zeros.data();
 }
 
-/// The changes of one span: `brush(span, i, before)` gives the new height of its cell i in doubles.
-/// True when a stored value differs from what it was.
+/// The changes of one span: `brush(span, i, before)` gives the new height of its cell i. True when
+/// a stored value differs from what it was. Brushes compute with floats, but add to the height what
+/// they change rather than weigh old against new: so the result is as exact as the stored height.
 template <typename Brush>
 CELL_INLINE inline bool paintSpan(const CellSpan &span, float *values, const Brush &brush)
 {
@@ -71,8 +78,8 @@ CELL_INLINE inline bool paintSpan(const CellSpan &span, float *values, const Bru
 #pragma omp simd reduction(| : changed)
     for (int i = 0; i < local.count; ++i) {
         const float before = values[i];
-        const auto after = static_cast<float>(brush(local, i, static_cast<double>(before)));
-        const float stored = local.weight[i] < 0.0F ? before : after;
+        const float after = brush(local, i, before);
+        const float stored = local.leavesAlone(i, before) ? before : after;
         changed |= static_cast<int>(stored != before);
         values[i] = stored;
     }
@@ -89,7 +96,7 @@ CELL_INLINE inline bool paintCells(const Dab &dab, GridLayer &layer, BrushOf &&b
     bool changed = false;
     for (int row = dab.box.top(); row <= dab.box.bottom(); ++row) {
         for (const ColumnRun &run : dab.tool.buffers().runs) {
-            const CellSpan span = gatedSpan(dab, run, row, dab.relief.heights());
+            const CellSpan span = cellsOf(dab, run, row);
             changed |= paintSpan(span, values + span.cell, brushOf(span));
         }
     }
@@ -101,10 +108,4 @@ template <typename BrushOf>
 CELL_INLINE inline bool paintHeights(const Dab &dab, BrushOf &&brushOf)
 {
     return paintCells(dab, dab.relief.heights(), brushOf);
-}
-
-/// `target` weighed against the height that is there.
-CELL_INLINE inline double blend(double target, double height, double weight)
-{
-    return target * weight + (1.0 - weight) * height;
 }

@@ -26,7 +26,6 @@ struct StrokeBuffers
     WarmBuffer<float> ones;      ///< a row of 1
     WarmBuffer<float> zeros;     ///< a row of 0, read in place of layers nobody wrote to
     WarmBuffer<float> copy;      ///< heights as they were before the dab
-    WarmBuffer<double> sums;     ///< two rows of partial results
     WarmBuffer<float> pickup[4]; ///< Smudge: material by footprint cell, negative for none
     std::vector<ColumnRun> runs; ///< columns of the dab being applied
 

@@ -15,25 +15,25 @@ CELL_LOOP float highestCell(const Dab &dab)
     all.skipEmpty = all.skipUnselected = false;
     for (int row = dab.box.top(); row <= dab.box.bottom(); ++row) {
         for (const ColumnRun &run : dab.tool.buffers().runs) {
-            const CellSpan span = gatedSpan(all, run, row, heights);
+            const CellSpan span = cellsOf(all, run, row);
             const float *height = rowUnder(dab, heights, span);
 #pragma omp simd reduction(max : highest)
             for (int i = 0; i < span.count; ++i)
-                highest = std::max(highest, span.weight[i] < 0.0F ? highest : height[i]);
+                highest = std::max(highest, span.weight[i] < 0.0F ? 0.0F : height[i]);
         }
     }
     return highest;
 }
 
-CELL_LOOP bool deposit(const Dab &dab, double ceiling)
+CELL_LOOP bool raise(const Dab &dab, float ceiling)
 {
     const double strength = dab.params().strength;
-    const double rise = dab.relief.diagonal() * 0.001 * strength;
-    const double factor = strength * dab.decayCubed;
+    const auto rise = static_cast<float>(dab.relief.diagonal() * 0.001 * strength);
+    const auto factor = static_cast<float>(strength * dab.decayCubed);
     return paintHeights(dab, [=](const CellSpan &) {
-        return [=](const CellSpan &span, int i, double height) CELL_INLINE {
-            const double weight = factor * span.weight[i] * span.unmasked[i];
-            return blend(std::min(height + rise, ceiling), height, weight);
+        return [=](const CellSpan &span, int i, float height) CELL_INLINE {
+            const float weight = factor * span.weight[i] * span.unmasked[i];
+            return height + weight * std::min(rise, ceiling - height);
         };
     });
 }
@@ -43,6 +43,5 @@ CELL_LOOP bool deposit(const Dab &dab, double ceiling)
 bool dabDeposit(const Dab &dab)
 {
     const bool capped = dab.params().ceilingOrFloor;
-    return deposit(dab, capped ? static_cast<double>(highestCell(dab))
-                               : std::numeric_limits<double>::infinity());
+    return raise(dab, capped ? highestCell(dab) : std::numeric_limits<float>::max());
 }

@@ -5,13 +5,14 @@
 #include <algorithm>
 #include <cmath>
 
-CELL_LOOP static bool flatten(const Dab &dab, double plane)
+CELL_LOOP static bool flatten(const Dab &dab, double level)
 {
-    const double factor = std::pow(dab.params().strength, 0.4) * dab.decayCubed;
+    const auto plane = static_cast<float>(level);
+    const auto factor = static_cast<float>(std::pow(dab.params().strength, 0.4) * dab.decayCubed);
     return paintHeights(dab, [=](const CellSpan &) {
-        return [=](const CellSpan &span, int i, double height) CELL_INLINE {
-            const double weight = std::min(1.0, factor * span.weight[i] * span.unmasked[i]);
-            return std::max(0.0, (plane - height) * weight + height);
+        return [=](const CellSpan &span, int i, float height) CELL_INLINE {
+            const float weight = std::min(1.0F, factor * span.weight[i] * span.unmasked[i]);
+            return std::max(0.0F, (plane - height) * weight + height);
         };
     });
 }

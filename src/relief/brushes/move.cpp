@@ -9,9 +9,10 @@ CELL_LOOP static bool drag(const Dab &dab, const BoxCopy &before)
     const double dx = dab.shift.x();
     const double dy = dab.shift.y();
     return paintHeights(dab, [=](const CellSpan &) {
-        return [=](const CellSpan &span, int i, double) CELL_INLINE {
+        return [=](const CellSpan &span, int i, float) CELL_INLINE {
             const double weight = static_cast<double>(span.weight[i]) * span.unmasked[i];
-            return before.sample(span.column + i - dx * weight, span.row - dy * weight);
+            return static_cast<float>(
+                before.sample(span.column + i - dx * weight, span.row - dy * weight));
         };
     });
 }

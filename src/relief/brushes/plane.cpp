@@ -16,15 +16,15 @@ CELL_LOOP Sum sumFootprint(const Dab &dab)
     Sum sum;
     for (int row = dab.box.top(); row <= dab.box.bottom(); ++row) {
         for (const ColumnRun &run : dab.tool.buffers().runs) {
-            const CellSpan span = gatedSpan(dab, run, row, snapshot);
+            const CellSpan span = cellsOf(dab, run, row);
             const float *height = rowUnder(dab, snapshot, span);
             double heights = 0.0;
             int cells = 0;
 #pragma omp simd reduction(+ : heights, cells)
             for (int i = 0; i < span.count; ++i) {
-                const bool counts = span.weight[i] >= 0.0F;
-                heights += static_cast<double>(counts ? height[i] : 0.0F);
-                cells += static_cast<int>(counts);
+                const bool left = span.leavesAlone(i, height[i]);
+                heights += static_cast<double>(left ? 0.0F : height[i]);
+                cells += static_cast<int>(!left);
             }
             sum.heights += heights;
             sum.cells += cells;

@@ -17,27 +17,27 @@ CELL_LOOP float lowestFilledCell(const Dab &dab)
     filled.skipEmpty = true;
     for (int row = dab.box.top(); row <= dab.box.bottom(); ++row) {
         for (const ColumnRun &run : dab.tool.buffers().runs) {
-            const CellSpan span = gatedSpan(filled, run, row, heights);
+            const CellSpan span = cellsOf(filled, run, row);
             const float *height = rowUnder(dab, heights, span);
 #pragma omp simd reduction(min : lowest)
             for (int i = 0; i < span.count; ++i)
-                lowest = std::min(lowest, span.weight[i] < 0.0F ? none : height[i]);
+                lowest = std::min(lowest, span.leavesAlone(i, height[i]) ? none : height[i]);
         }
     }
     return lowest == none ? 0.0F : lowest;
 }
 
-CELL_LOOP bool lower(const Dab &dab, double floor)
+CELL_LOOP bool lower(const Dab &dab, float floor)
 {
     const double strength = dab.params().strength;
-    const double fall = dab.relief.diagonal() * 0.001 * strength;
-    const double factor = strength * dab.decayCubed;
+    const auto fall = static_cast<float>(dab.relief.diagonal() * 0.001 * strength);
+    const auto factor = static_cast<float>(strength * dab.decayCubed);
     return paintHeights(dab, [=](const CellSpan &) {
-        return [=](const CellSpan &span, int i, double height) CELL_INLINE {
-            const double weight = factor * span.weight[i] * span.unmasked[i];
+        return [=](const CellSpan &span, int i, float height) CELL_INLINE {
+            const float weight = factor * span.weight[i] * span.unmasked[i];
             // A floor above the cell does not lift it.
-            const double target = std::min(height, std::max(floor, height - fall));
-            return std::max(0.0, blend(target, height, weight));
+            const float way = std::min(0.0F, std::max(floor - height, -fall));
+            return std::max(0.0F, height + weight * way);
         };
     });
 }
@@ -46,6 +46,5 @@ CELL_LOOP bool lower(const Dab &dab, double floor)
 
 bool dabRemove(const Dab &dab)
 {
-    return lower(dab,
-                 dab.params().ceilingOrFloor ? static_cast<double>(lowestFilledCell(dab)) : 0.0);
+    return lower(dab, dab.params().ceilingOrFloor ? lowestFilledCell(dab) : 0.0F);
 }

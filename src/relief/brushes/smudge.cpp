@@ -23,17 +23,16 @@ void pickUp(const Dab &dab, float *material)
 }
 
 /// `direction` 1 and -1 keep to cells that the material would raise or lower; 0 to none.
-CELL_LOOP bool layDown(const Dab &dab, const float *material, double direction)
+CELL_LOOP bool layDown(const Dab &dab, const float *material, float direction)
 {
-    const double factor = dab.params().strength * dab.decayCubed;
+    const auto factor = static_cast<float>(dab.params().strength * dab.decayCubed);
     return paintHeights(dab, [=](const CellSpan &row) {
         const float *carriedRow = material + row.foot;
-        return [=](const CellSpan &span, int i, double height) CELL_INLINE {
-            const double picked = carriedRow[i];
-            const double carried = picked < 0.0 ? height : picked;
-            const double weight = factor * span.weight[i] * span.unmasked[i];
-            const double next = blend(carried, height, weight);
-            return (carried - height) * direction < 0.0 ? height : next;
+        return [=](const CellSpan &span, int i, float height) CELL_INLINE {
+            const float carried = carriedRow[i];
+            const float way = carried < 0.0F ? 0.0F : carried - height;
+            const float weight = factor * span.weight[i] * span.unmasked[i];
+            return height + weight * (way * direction < 0.0F ? 0.0F : way);
         };
     });
 }
@@ -50,5 +49,5 @@ bool dabSmudge(const Dab &dab)
         return false;
     }
     const int mode = dab.params().mode;
-    return layDown(dab, material, mode == Tool::Raise ? 1.0 : mode == Tool::Lower ? -1.0 : 0.0);
+    return layDown(dab, material, mode == Tool::Raise ? 1.0F : mode == Tool::Lower ? -1.0F : 0.0F);
 }
