@@ -23,6 +23,7 @@ struct StrokeBuffers
     WarmBuffer<FootprintWeights::Extent> extents;
     WarmBuffer<float> gated;     ///< a row of weights with the skipped cells taken out
     WarmBuffer<float> unmasked;  ///< a row of 1 - mask
+    WarmBuffer<float> samples;   ///< a row of heights that will be painted
     WarmBuffer<float> ones;      ///< a row of 1
     WarmBuffer<float> zeros;     ///< a row of 0, read in place of layers nobody wrote to
     WarmBuffer<float> copy;      ///< heights as they were before the dab

@@ -96,6 +96,7 @@ Tool::Tool(const ToolParams &params, QPointF firstPoint, double scale)
 
     m_buffers->gated.need(side);
     m_buffers->unmasked.need(side);
+    m_buffers->samples.need(side);
     std::fill_n(m_buffers->ones.need(side), side, 1.0F);
     std::fill_n(m_buffers->zeros.need(side), side, 0.0F);
 }

@@ -4,17 +4,19 @@
 
 #include <cmath>
 
-CELL_LOOP static bool drag(const Dab &dab, const BoxCopy &before)
+/// The heights that lie where the cells of a span come from.
+CELL_LOOP static void dragRow(const BoxCopy &before, const CellSpan &row, QPointF shift,
+                              float *samples)
 {
-    const double dx = dab.shift.x();
-    const double dy = dab.shift.y();
-    return paintHeights(dab, [=](const CellSpan &) {
-        return [=](const CellSpan &span, int i, float) CELL_INLINE {
-            const double weight = static_cast<double>(span.weight[i]) * span.unmasked[i];
-            return static_cast<float>(
-                before.sample(span.column + i - dx * weight, span.row - dy * weight));
-        };
-    });
+    const BoxCopy copy = before;
+    const CellSpan span = row;
+    const double dx = shift.x();
+    const double dy = shift.y();
+#pragma omp simd
+    for (int i = 0; i < span.count; ++i) {
+        const double weight = static_cast<double>(span.weight[i]) * span.unmasked[i];
+        samples[i] = copy.sample(span.column + i - dx * weight, span.row - dy * weight);
+    }
 }
 
 bool dabMove(const Dab &dab)
@@ -23,5 +25,8 @@ bool dabMove(const Dab &dab)
     const double dy = std::abs(dab.shift.y());
     if (dx < 1e-9 && dy < 1e-9)
         return false;
-    return drag(dab, copyAround(dab, dx, dy));
+    const BoxCopy before = copyAround(dab, dx, dy);
+    return paintSamples(dab, [&](const CellSpan &span, float *samples) {
+        dragRow(before, span, dab.shift, samples);
+    });
 }

@@ -5,26 +5,42 @@
 #include <algorithm>
 #include <cmath>
 
-CELL_LOOP static bool gather(const Dab &dab, const BoxCopy &before, double pull)
+namespace {
+
+struct Pull
 {
-    const double factor = dab.params().strength * dab.decayCubed;
-    const double cx = dab.centre.x();
-    const double cy = dab.centre.y();
-    return paintHeights(dab, [=](const CellSpan &) {
-        return [=](const CellSpan &span, int i, float height) CELL_INLINE {
-            const double dx = span.column + i - cx;
-            const double dy = span.row - cy;
-            const double distance = std::sqrt(dx * dx + dy * dy);
-            const double weight = std::min(1.0, factor * span.weight[i] * span.unmasked[i]);
-            const double away = pull * weight / std::max(distance, 1e-6);
-            const double sampled = before.sample(span.column + i + dx * away, span.row + dy * away);
-            return distance > 1e-6 ? static_cast<float>(sampled) : height;
-        };
-    });
+    QPointF centre;
+    double cells;  ///< farthest that material moves
+    double factor; ///< share of it at full weight
+};
+
+/// The heights that lie farther out than the cells of a span, on the line from the centre.
+CELL_LOOP void gatherRow(const BoxCopy &before, const CellSpan &row, const Pull &pull,
+                         float *samples)
+{
+    const BoxCopy copy = before;
+    const CellSpan span = row;
+    const Pull p = pull;
+    const double dy = span.row - p.centre.y();
+#pragma omp simd
+    for (int i = 0; i < span.count; ++i) {
+        const double dx = span.column + i - p.centre.x();
+        const double distance = std::sqrt(dx * dx + dy * dy);
+        const double weight = std::min(1.0, p.factor * span.weight[i] * span.unmasked[i]);
+        // The cell at the centre has no direction to move in.
+        const double shift = distance > 1e-6 ? p.cells * weight : 0.0;
+        const double away = shift / std::max(distance, 1e-6);
+        samples[i] = copy.sample(span.column + i + dx * away, span.row + dy * away);
+    }
 }
+
+} // namespace
 
 bool dabPinch(const Dab &dab)
 {
-    const double pull = 0.25 * dab.tool.radius();
-    return gather(dab, copyAround(dab, pull, pull), pull);
+    const double cells = 0.25 * dab.tool.radius();
+    const Pull pull{dab.centre, cells, dab.params().strength * dab.decayCubed};
+    const BoxCopy before = copyAround(dab, cells, cells);
+    return paintSamples(
+        dab, [&](const CellSpan &span, float *samples) { gatherRow(before, span, pull, samples); });
 }
