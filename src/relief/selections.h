@@ -8,8 +8,8 @@ class CellBits;
 class Relief;
 
 /// How a new shape meets the selection that is there: it replaces it, joins it, is cut out of it.
-/// Whatever the shape, the selection flag and appearance-changed are set afterwards. A shape that is
-/// not one (a polygon without corners, coordinates that are NaN or infinite) changes nothing.
+/// Whatever the shape, the selection flag and appearance-changed are set afterwards. A shape that
+/// is not one (a polygon without corners, coordinates that are NaN or infinite) changes nothing.
 enum class SelectionModifier { Normal, Additive, Subtractive };
 
 /// The Magic Tool: cells whose height is within the tolerance (a share of the relief's range) of

@@ -13,14 +13,16 @@
 #include <QOpenGLVersionFunctionsFactory>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace {
 
-constexpr int antsInterval = 120; ///< milliseconds
+constexpr int antsInterval = 200; ///< milliseconds
+constexpr int antsStride = 2;     ///< bits of the pattern a tick
 constexpr double mostLevels = 65536.0;
 /// More corners than this are outlined in coarser blocks: nobody sees them one by one.
-constexpr size_t mostCorners = 400000;
+constexpr size_t mostCorners = 40000;
 
 bool isShapeTool(int type)
 {
@@ -66,7 +68,7 @@ Qt::CursorShape cursorForHold(int hold)
 FlatWin::FlatWin(QWidget *parent)
     : ReliefView(parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(tr("2D view"));
     m_antsTimer.setInterval(antsInterval);
     connect(&m_antsTimer, &QTimer::timeout, this, &FlatWin::_advanceAnts);
 }
@@ -151,14 +153,23 @@ void FlatWin::drawOverlays(QOpenGLFunctions_2_1 &gl)
         drawFootprint(gl);
 }
 
+int FlatWin::_outlineStep() const
+{
+    // Powers of two, so that zooming seldom changes it.
+    const double cells = std::clamp(_pixelInCells() / devicePixelRatioF(), 1.0, 65536.0);
+    return static_cast<int>(std::bit_floor(static_cast<unsigned>(cells)));
+}
+
 void FlatWin::_updateOutline(QOpenGLFunctions_2_1 &gl)
 {
-    if (m_outlineDirty) {
+    const int pixelStep = _outlineStep();
+    if (m_outlineDirty || pixelStep != m_outlineStep) {
         m_outlineDirty = false;
+        m_outlineStep = pixelStep;
         const auto outlined = [&](int step) {
             return outlineSelection(relief()->selectionLayer(), _grid(), drawRegion(), step);
         };
-        int step = lodStep();
+        int step = pixelStep;
         SelectionOutline outline = outlined(step);
         while (outline.corners.size() > mostCorners)
             outline = outlined(step *= 2);
@@ -188,7 +199,7 @@ void FlatWin::releaseOverlays()
 
 void FlatWin::_advanceAnts()
 {
-    m_antsPhase = (m_antsPhase + 1) % 16;
+    m_antsPhase = (m_antsPhase + antsStride) % 16;
     update();
 }
 

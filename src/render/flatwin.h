@@ -89,6 +89,7 @@ private:
     void _shapeChanged();
     void _finishShape();
     void _selectionEdited();
+    int _outlineStep() const;
     void _updateOutline(QOpenGLFunctions_2_1 &gl);
     void _drawShape(QOpenGLFunctions_2_1 &gl);
     void _advanceAnts();
@@ -103,6 +104,7 @@ private:
     ShapeGesture m_shape;
     OutlinePainter m_painter;
     bool m_outlineDirty = true;
+    int m_outlineStep = 1; ///< cells that fall on one pixel
     bool m_cropPresent = false;
     bool m_ownCursor = false;
     int m_antsPhase = 0;
