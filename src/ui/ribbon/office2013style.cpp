@@ -156,6 +156,7 @@ int Office2013Style::styleHint(StyleHint hint, const QStyleOption *option, const
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
     case SH_ScrollBar_Transient:
+    case SH_DialogButtonBox_ButtonsHaveIcons: // Fusion's are black on dark chrome
         return 0;
     case SH_ComboBox_Popup:
         return 0;

@@ -1,0 +1,217 @@
+#include "ui/startpage.h"
+
+#include "base/qevsettings.h"
+#include "base/version.h"
+#include "ui/filethumbnail.h"
+#include "ui/icons.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr char startupKey[] = "/startwizard/startup";
+constexpr char pathProperty[] = "path";
+constexpr int thumbnailSide = 128;
+constexpr QSize cardSize(160, 172);
+constexpr int gap = 12;
+constexpr int margin = 32;
+
+/// The picture on a square, so that the names below stand in one line; twice as fine as it is
+/// shown, for dense screens.
+QIcon _squareIcon(const QImage &picture)
+{
+    QPixmap square(thumbnailSide * 2, thumbnailSide * 2);
+    square.fill(Qt::transparent);
+    QPainter painter(&square);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QSize fitted = picture.size().scaled(square.size(), Qt::KeepAspectRatio);
+    const QRect target(
+        QPoint((square.width() - fitted.width()) / 2, (square.height() - fitted.height()) / 2),
+        fitted);
+    painter.drawImage(target, picture);
+    painter.end();
+    return QIcon(square);
+}
+
+QLabel *_heading(const QString &text)
+{
+    auto *label = new QLabel(text);
+    QFont font = label->font();
+    font.setWeight(QFont::DemiBold);
+    label->setFont(font);
+    return label;
+}
+
+} // namespace
+
+bool StartPage::shownAtStartup()
+{
+    return QevSettings().value(QLatin1String{startupKey}, true).toBool();
+}
+
+StartPage::StartPage(QWidget *parent)
+    : QWidget(parent)
+{
+    _arrange();
+}
+
+void StartPage::_arrange()
+{
+    m_grid = new QGridLayout;
+    m_grid->setSpacing(gap);
+    m_grid->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_nothing = new QLabel(tr("Files that you open or save are listed here."));
+    m_startup = new QCheckBox(tr("Show on Startup"));
+    m_startup->setToolTip(tr("Shows this page whenever the program starts"));
+    connect(m_startup, &QCheckBox::toggled, this,
+            [](bool on) { QevSettings().setValue(QLatin1String{startupKey}, on); });
+
+    auto *content = new QWidget;
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(margin, margin, margin, 16);
+    column->setSpacing(gap);
+    column->addWidget(_head());
+    column->addSpacing(gap);
+    column->addWidget(_heading(tr("Recent files")));
+    column->addWidget(m_nothing);
+    column->addLayout(m_grid);
+    column->addStretch(1);
+    column->addWidget(m_startup);
+
+    auto *area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidget(content);
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(area);
+}
+
+QWidget *StartPage::_head()
+{
+    auto *head = new QWidget;
+    auto *logo = new QLabel;
+    logo->setPixmap(icon(QStringLiteral("logo")).pixmap(QSize(56, 56), devicePixelRatioF()));
+    auto *name = new QLabel(QLatin1String{productName});
+    QFont font = name->font();
+    font.setPointSizeF(font.pointSizeF() * 1.6);
+    name->setFont(font);
+    auto *newRelief = new QPushButton(icon(QStringLiteral("new_32")), tr("New..."));
+    newRelief->setToolTip(tr("Starts an empty relief"));
+    auto *open = new QPushButton(icon(QStringLiteral("open_32")), tr("Open..."));
+    open->setToolTip(tr("Opens a workspace or a picture"));
+    for (QPushButton *button : {newRelief, open}) {
+        button->setIconSize(QSize(22, 22));
+        button->setMinimumSize(116, 36);
+    }
+    connect(newRelief, &QPushButton::clicked, this, &StartPage::NewClicked);
+    connect(open, &QPushButton::clicked, this, &StartPage::OpenClicked);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addWidget(newRelief);
+    buttons->addWidget(open);
+    buttons->addStretch(1);
+    auto *grid = new QGridLayout(head);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(16);
+    grid->setVerticalSpacing(8);
+    grid->addWidget(logo, 0, 0, 2, 1, Qt::AlignTop);
+    grid->addWidget(name, 0, 1);
+    grid->addLayout(buttons, 1, 1);
+    grid->setColumnStretch(1, 1);
+    return head;
+}
+
+QToolButton *StartPage::_card(const QString &path)
+{
+    auto *card = new QToolButton;
+    const QFileInfo file(path);
+    card->setProperty(pathProperty, path);
+    card->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    card->setIconSize(QSize(thumbnailSide, thumbnailSide));
+    card->setFixedSize(cardSize);
+    card->setAutoRaise(true);
+    card->setFocusPolicy(Qt::StrongFocus);
+    card->setText(
+        card->fontMetrics().elidedText(file.fileName(), Qt::ElideMiddle, cardSize.width() - 16));
+    card->setAccessibleName(file.fileName());
+    card->setIcon(icon(QStringLiteral("view_3d")));
+    card->setEnabled(file.exists());
+    const QString shown = QDir::toNativeSeparators(path);
+    card->setToolTip(file.exists() ? shown : tr("%1\nThe file is no longer there.").arg(shown));
+    connect(card, &QToolButton::clicked, this, [this, path] { emit RecentClicked(path); });
+    return card;
+}
+
+void StartPage::refresh()
+{
+    const QSignalBlocker quiet(m_startup);
+    m_startup->setChecked(shownAtStartup());
+    m_waiting.clear();
+    // Later: a card may be the one whose click led here.
+    for (QToolButton *old : std::as_const(m_cards)) {
+        old->hide();
+        old->deleteLater();
+    }
+    m_cards.clear();
+    for (const QString &path : QevSettings().recentFiles()) {
+        if (!path.isEmpty())
+            m_cards << _card(path);
+    }
+    m_nothing->setVisible(m_cards.isEmpty());
+    _placeCards();
+    for (QToolButton *card : std::as_const(m_cards)) {
+        if (card->isEnabled())
+            m_waiting << card;
+    }
+    if (isVisible())
+        QTimer::singleShot(0, this, &StartPage::_makeThumbnails);
+}
+
+void StartPage::_placeCards()
+{
+    const int room = width() - 2 * margin;
+    const int columns = qMax(1, (room + gap) / (cardSize.width() + gap));
+    for (int i = 0; i < m_cards.size(); ++i) {
+        m_grid->removeWidget(m_cards[i]);
+        m_grid->addWidget(m_cards[i], i / columns, i % columns);
+    }
+}
+
+void StartPage::_makeThumbnails()
+{
+    if (m_waiting.isEmpty() || !isVisible())
+        return;
+    QToolButton *card = m_waiting.takeFirst();
+    const QImage picture =
+        fileThumbnail(card->property(pathProperty).toString(), thumbnailSide * 2);
+    if (!picture.isNull())
+        card->setIcon(_squareIcon(picture));
+    QTimer::singleShot(0, this, &StartPage::_makeThumbnails);
+}
+
+void StartPage::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (!event->spontaneous())
+        refresh();
+}
+
+void StartPage::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    _placeCards();
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QWidget>
+
+class QCheckBox;
+class QGridLayout;
+class QLabel;
+class QToolButton;
+
+/// The first thing a person sees: new, open, and the recent files with pictures of what is in them.
+/// Pictures are read one a turn of the event loop once the page is shown. Files that are gone are
+/// disabled and say so.
+class StartPage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit StartPage(QWidget *parent = nullptr);
+
+    /// Whether the page is to be shown when the program starts; true unless it was switched off.
+    static bool shownAtStartup();
+
+    /// Reads the recent files again; done by itself whenever the page is shown.
+    void refresh();
+
+signals:
+    void NewClicked();
+    void OpenClicked();
+    void RecentClicked(const QString &path);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void _arrange();
+    QWidget *_head();
+    QToolButton *_card(const QString &path);
+    void _placeCards();
+    void _makeThumbnails();
+
+    QGridLayout *m_grid = nullptr;
+    QLabel *m_nothing = nullptr;
+    QCheckBox *m_startup = nullptr;
+    QList<QToolButton *> m_cards;   ///< in the order of the recent files
+    QList<QToolButton *> m_waiting; ///< for their pictures
+};
