@@ -3,8 +3,9 @@
 #include "cli/clifiles.h"
 #include "cli/scriptstate.h"
 #include "files/filetypes.h"
+#include "relief/operations.h"
 
-#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -58,7 +59,7 @@ bool _parseSize(const QString &text, ConvertJob &job)
         !_parseWhole(parts[1], 2, 1000000, height))
         return false;
     job.size = QSize(width, height);
-    return true;
+    return static_cast<qint64>(width) * height <= std::numeric_limits<int>::max();
 }
 
 bool _parseZScale(const QString &text, ConvertJob &job)
@@ -163,8 +164,12 @@ Outcome _shape(ScriptState &state, const ConvertJob &job)
             state.import().update(&state.progress());
         state.import().accept();
     }
+    const QSize size = job.size.value_or(state.relief()->rect().size());
+    if (size != state.relief()->rect().size() &&
+        !resize(*state.relief(), size.width(), size.height(), nullptr))
+        return aboutFile(job.input, scriptFailure(QStringLiteral("it cannot be resized")));
     if (job.zScale)
-        state.relief()->zScale = *job.zScale;
+        setZScale(*state.relief(), *job.zScale, nullptr);
     return {};
 }
 

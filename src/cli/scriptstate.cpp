@@ -5,15 +5,18 @@
 
 ScriptState::~ScriptState()
 {
-    // Events may refer to the relief.
+    m_engine.attach(nullptr, nullptr);
+    // Events refer to the relief.
     m_undo.clear();
 }
 
 void ScriptState::install(std::unique_ptr<Relief> relief)
 {
+    m_engine.attach(nullptr, nullptr);
     m_undo.clear();
     m_import.attach(relief.get());
     m_relief = std::move(relief);
+    m_engine.attach(m_relief.get(), &m_undo);
 }
 
 void ScriptState::print(const QByteArray &line)

@@ -24,10 +24,16 @@ void ImportSession::attach(Relief *relief)
         m_settings = m_source->settings();
 }
 
+bool ImportSession::active() const
+{
+    return m_source && m_source->width() == m_relief->width() &&
+           m_source->height() == m_relief->height();
+}
+
 void ImportSession::_apply(const ImportSettings &settings, Effect effect)
 {
     m_settings = settings;
-    if (m_source) {
+    if (active()) {
         m_source->setSettings(settings);
         m_source->dirty = m_source->dirty || effect.dirty;
         if (effect.recompute)
@@ -126,7 +132,7 @@ void ImportSession::setSettings(const ImportSettings &settings)
 
 void ImportSession::update(Progress *progress)
 {
-    if (!m_source)
+    if (!active())
         return;
     recompute(*m_relief, *m_source, {true, &basReliefGenerator, progress});
     if (changed)

@@ -20,10 +20,11 @@ public:
     /// The relief whose source (an ImportSource or nothing) the setters work on; null for none.
     /// Does not own it. The settings become the source's, when there is one.
     void attach(Relief *relief);
-    /// Whether an import is open.
-    bool active() const { return m_source != nullptr; }
+    /// Whether an import is open. A relief that was resized no longer fits its source and has none
+    /// until the resize is undone.
+    bool active() const;
     /// A bas-relief setting changed since the last result: exactly then "Update" is enabled.
-    bool dirty() const { return m_source && m_source->dirty; }
+    bool dirty() const { return active() && m_source->dirty; }
     const ImportSettings &settings() const { return m_settings; }
     /// What a file opened now starts with: flip, invert, transparency, smoothing and tilt as the
     /// controls stand, everything else at its default.
