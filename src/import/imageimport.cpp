@@ -3,7 +3,9 @@
 #include "files/safefile.h"
 #include "import/importsource.h"
 #include "import/pipeline.h"
+#include "import/wholeimage.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
@@ -38,11 +40,13 @@ QImage _strip(const QImage &image, int first, int count)
 
 Result<QImage> _readImage(const QString &path)
 {
-    if (!QFileInfo(path).isFile())
-        return openFailed(QStringLiteral("not a file"));
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return openFailed(file.error() ? file.errorString() : QStringLiteral("not a file"));
+    if (imageCutShort(file))
+        return openFailed(QStringLiteral("the image has no end"));
     QImageReader::setAllocationLimit(decodedLimitMegabytes);
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
+    QImageReader reader(&file);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (static_cast<qint64>(size.width()) * size.height() > std::numeric_limits<int>::max() / 2)

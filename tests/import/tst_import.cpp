@@ -10,6 +10,7 @@
 
 #include <algorithm>
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -67,6 +68,31 @@ QByteArray jpegTurned(const QImage &image, char orientation)
     exif[29] = orientation;
     return jpeg.insert(2, exif);
 }
+
+/// Decoders print their complaints; a test that provokes hundreds does without.
+class Quiet
+{
+public:
+    Quiet()
+        : m_handler(
+              qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {}))
+        , m_stderr(dup(STDERR_FILENO))
+    {
+        const int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDERR_FILENO);
+        close(nowhere);
+    }
+    ~Quiet()
+    {
+        dup2(m_stderr, STDERR_FILENO);
+        close(m_stderr);
+        qInstallMessageHandler(m_handler);
+    }
+
+private:
+    QtMessageHandler m_handler;
+    int m_stderr;
+};
 
 double statusBytes(const QByteArray &key)
 {
@@ -220,43 +246,47 @@ private slots:
         QCOMPARE(imported.failure().sentence, "Error! File Open Failed");
     }
 
-    void truncatedImagesNeverCrash_data()
+    void everyTruncationOfAnImageIsRefused_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addRow("png") << "png";
-        QTest::addRow("bmp") << "bmp";
-        QTest::addRow("jpg") << "jpg";
+        QTest::addColumn<QByteArray>("whole");
+        const auto encoded = [](const QImage &image, const char *format) {
+            QByteArray bytes;
+            QBuffer buffer(&bytes);
+            buffer.open(QIODevice::WriteOnly);
+            image.save(&buffer, format);
+            return bytes;
+        };
+        const QImage small = picture().scaled(12, 9);
+        QTest::newRow("png") << encoded(small, "png").chopped(12); // all but the end chunk
+        QTest::newRow("bmp 24") << encoded(small, "bmp");
+        QTest::newRow("bmp 8") << encoded(small.convertToFormat(QImage::Format_Indexed8), "bmp");
+        QTest::newRow("jpeg") << encoded(small, "jpg");
+        QTest::newRow("jpeg with Exif") << jpegTurned(small, 3);
     }
 
-    void truncatedImagesNeverCrash()
+    void everyTruncationOfAnImageIsRefused()
     {
-        QFETCH(QString, format);
-        const QString path = _path(QStringLiteral("whole.") + format);
-        QVERIFY(picture().scaled(12, 9).save(path));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray whole = file.readAll();
-        const QString cut = _path(QStringLiteral("cut.") + format);
+        QFETCH(QByteArray, whole);
+        const Quiet quiet;
         for (qsizetype length = 0; length < whole.size(); ++length) {
-            QFile part(cut);
+            QFile part(_path(QStringLiteral("cut")));
             QVERIFY(part.open(QIODevice::WriteOnly));
             part.write(whole.left(length));
             part.close();
-            const auto imported = importImage(cut, {});
-            // Decoders may show what they got; a file without its header gives nothing.
-            QVERIFY(length > 8 || !imported);
-            QVERIFY(!imported || imported.value()->cells() > 0);
+            QVERIFY2(!importImage(part.fileName(), {}), QByteArray::number(length));
         }
     }
 
     void imagesBeyondTheUsualLimitLoad()
     {
-        // 256 MB of pixels and some.
-        QImage image(8200, 8200, QImage::Format_Mono);
-        image.fill(0);
+        // Eight bytes a pixel: 278 MB decoded.
+        QImage image(5900, 5900, QImage::Format_RGBA64);
+        image.fill(Qt::white);
         const QString path = _path(QStringLiteral("large.png"));
         QVERIFY(image.save(path));
-        QVERIFY(importImage(path, {}));
+        image = {};
+        QVERIFY(importImage(path, {.preview = false}));
+        QFile::remove(path);
     }
 
     void peakMemoryOfAnImport()
