@@ -6,6 +6,7 @@
 #include "cli/scriptrunner.h"
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
+#include "cli/toolrecord.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -55,7 +56,8 @@ int _workFailed(const Failure &failure)
 
 int _help(const QStringList &)
 {
-    _printOut(QLatin1String(usageText) + convertOptionsHelp());
+    _printOut(QLatin1String(usageText) + convertOptionsHelp() + QLatin1Char('\n') +
+              toolRecordHelp());
     return Done;
 }
 

@@ -2,6 +2,7 @@
 #include "cli/commandline.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <csignal>
 
@@ -11,6 +12,8 @@ int main(int argc, char **argv)
     std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("marlowen-cli"));
+    // Standard error is for the one line that tells what went wrong.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     const int status = runCommandLine(QCoreApplication::arguments().mid(1));
     logClose();
     return status;

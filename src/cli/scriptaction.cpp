@@ -2,7 +2,8 @@
 
 const ScriptAction *findAction(const QString &name)
 {
-    for (const auto *group : {&fileActions(), &importActions()}) {
+    for (const auto *group :
+         {&fileActions(), &importActions(), &strokeActions(), &reliefActions()}) {
         for (const ScriptAction &action : *group) {
             if (name == QLatin1String(action.name))
                 return &action;

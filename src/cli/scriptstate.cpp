@@ -14,6 +14,7 @@ void ScriptState::install(std::unique_ptr<Relief> relief)
 {
     m_engine.attach(nullptr, nullptr);
     m_undo.clear();
+    m_engine.attach(relief.get(), &m_undo);
     m_import.attach(relief.get());
     m_relief = std::move(relief);
     m_engine.attach(m_relief.get(), &m_undo);

@@ -1,0 +1,157 @@
+#include "cli/clifiles.h"
+#include "cli/scriptaction.h"
+#include "cli/scriptpoints.h"
+#include "cli/scriptstate.h"
+#include "cli/toolrecord.h"
+#include "files/alphaimage.h"
+#include "relief/alphabrush.h"
+#include "relief/tool.h"
+
+#include <QImageReader>
+
+namespace {
+
+constexpr char alphaModeNames[] = "Shape|Tile|Stamp";
+
+Outcome _tool(ScriptState &state, const QJsonObject &arguments)
+{
+    changeTool(state.tool, arguments);
+    return {};
+}
+
+Outcome _symmetry(ScriptState &state, const QJsonObject &arguments)
+{
+    Relief &relief = *state.relief();
+    relief.symmetryX = arguments.value(QLatin1String("x")).toBool(relief.symmetryX);
+    relief.symmetryY = arguments.value(QLatin1String("y")).toBool(relief.symmetryY);
+    return {};
+}
+
+Outcome _invert(ScriptState &state, const QJsonObject &arguments)
+{
+    state.relief()->invert = arguments.value(QLatin1String("on")).toBool();
+    return {};
+}
+
+/// The grey values of a picture file, which must be square.
+Result<FloatGrid> _squarePicture(const QString &path)
+{
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    reader.setDecideFormatFromContent(true);
+    const QImage image = reader.read();
+    if (image.isNull())
+        return aboutFile(path, scriptFailure(reader.errorString()));
+    if (image.width() != image.height())
+        return aboutFile(path,
+                         scriptFailure(QStringLiteral("an alpha image must be square, not %1 x %2")
+                                           .arg(image.width())
+                                           .arg(image.height())));
+    return alphaGrid(image);
+}
+
+Outcome _alpha(ScriptState &, const QJsonObject &arguments)
+{
+    AlphaBrush &brush = AlphaBrush::instance();
+    const QJsonValue file = arguments.value(QLatin1String("file"));
+    if (file.isNull())
+        brush.setImage(nullptr, 0);
+    if (file.isString()) {
+        const Result<FloatGrid> grid = _squarePicture(file.toString());
+        if (!grid)
+            return grid.failure();
+        brush.setImage(grid.value().values.data(), grid.value().width);
+    }
+    const QJsonValue mode = arguments.value(QLatin1String("mode"));
+    if (mode.isString())
+        brush.mode = choiceIndex(alphaModeNames, mode.toString());
+    brush.repeatCount = arguments.value(QLatin1String("repeat")).toInt(brush.repeatCount);
+    return {};
+}
+
+/// A press and release at one point.
+void _click(ScriptState &state, Tool::Type type, QPointF point)
+{
+    ToolParams params = state.tool;
+    params.type = type;
+    state.engine().beginStroke(params, point);
+    state.engine().endStroke(point);
+}
+
+Outcome _stroke(ScriptState &state, const QJsonObject &arguments)
+{
+    const QList<QPointF> points = pointsOf(arguments.value(QLatin1String("points")));
+    SculptEngine &engine = state.engine();
+    engine.beginStroke(state.tool, points.front());
+    for (const QPointF &point : points.mid(1)) {
+        engine.addStrokePoint(point);
+        engine.flush();
+    }
+    engine.endStroke(points.back());
+    return {};
+}
+
+Outcome _sample(ScriptState &state, const QJsonObject &arguments)
+{
+    _click(state, Tool::Sample, pointOf(arguments.value(QLatin1String("point"))));
+    return {};
+}
+
+Outcome _setSample(ScriptState &state, const QJsonObject &arguments)
+{
+    const double height = arguments.value(QLatin1String("height")).toDouble();
+    state.relief()->sampleHeight = static_cast<float>(height);
+    return {};
+}
+
+Outcome _fill(ScriptState &state, const QJsonObject &)
+{
+    _click(state, Tool::Fill, {});
+    return {};
+}
+
+int _steps(const QJsonObject &arguments)
+{
+    return arguments.value(QLatin1String("steps")).toInt(1);
+}
+
+Outcome _undo(ScriptState &state, const QJsonObject &arguments)
+{
+    for (int step = _steps(arguments); step > 0 && state.undo().canUndo(); --step)
+        state.undo().undo();
+    return {};
+}
+
+Outcome _redo(ScriptState &state, const QJsonObject &arguments)
+{
+    for (int step = _steps(arguments); step > 0 && state.undo().canRedo(); --step)
+        state.undo().redo();
+    return {};
+}
+
+} // namespace
+
+const std::vector<ScriptAction> &strokeActions()
+{
+    static const ScriptKey steps{"steps", KeyType::Integer, false, 1.0};
+    static const std::vector<ScriptAction> actions{
+        {"tool", toolKeys(), _tool, false},
+        {"symmetry", {{"x", KeyType::Boolean}, {"y", KeyType::Boolean}}, _symmetry},
+        {"invert", {{"on", KeyType::Boolean, true}}, _invert},
+        {"alpha",
+         {{"file", KeyType::TextOrNull},
+          {.name = "mode", .type = KeyType::Choice, .choices = alphaModeNames},
+          {"repeat", KeyType::Integer, false, 1.0, 1000.0}},
+         _alpha,
+         false},
+        {"stroke", {{"points", KeyType::Points, true}}, _stroke},
+        {"sample", {{"point", KeyType::Point, true}}, _sample},
+        {"setSample",
+         {{"height", KeyType::Number, true, 0.0, std::numeric_limits<float>::max()}},
+         _setSample},
+        {"fill", {}, _fill},
+        {"undo", {steps}, _undo},
+        {"redo", {steps}, _redo},
+    };
+    return actions;
+}

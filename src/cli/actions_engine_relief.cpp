@@ -1,0 +1,145 @@
+#include "cli/scriptaction.h"
+#include "cli/scriptpoints.h"
+#include "cli/scriptstate.h"
+#include "relief/operations.h"
+#include "relief/selections.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr char modifierNames[] = "Normal|Additive|Subtractive";
+constexpr char shapeNames[] = "rectangle|ellipse|polygon|magic|none";
+constexpr char maskNames[] = "clear|invert";
+
+/// A selection as the script puts it, its cells clipped to the grid.
+struct Choice
+{
+    QPointF point;
+    QList<QPoint> cells;
+    SelectionModifier modifier;
+};
+
+/// One shape: the key that says where it is and how many cells it takes, and how it is selected.
+struct Shape
+{
+    const char *key; ///< null for none
+    int cells;       ///< exactly so many; 0: any number
+    void (*select)(ScriptState &state, const Choice &choice);
+};
+
+/// In the order of shapeNames.
+const Shape shapes[] = {
+    {"cells", 2,
+     [](ScriptState &state, const Choice &choice) {
+         selectRectangle(*state.relief(), choice.cells[0], choice.cells[1], choice.modifier);
+     }},
+    {"cells", 2,
+     [](ScriptState &state, const Choice &choice) {
+         selectEllipse(*state.relief(), choice.cells[0], choice.cells[1], choice.modifier);
+     }},
+    {"cells", 0,
+     [](ScriptState &state, const Choice &choice) {
+         selectPolygon(*state.relief(), choice.cells, choice.modifier);
+     }},
+    {"point", 0,
+     [](ScriptState &state, const Choice &choice) {
+         const MagicSelection magic{choice.point, state.tool.tolerance, state.tool.continuous};
+         magicSelect(*state.relief(), magic, choice.modifier);
+     }},
+    {nullptr, 0, [](ScriptState &state, const Choice &) { selectNone(*state.relief()); }},
+};
+
+/// Which of the keys that say where a shape is do not fit it; empty when all is well.
+QString _wrongPlace(const QString &name, const Shape &shape, const QJsonObject &arguments)
+{
+    for (const char *key : {"cells", "point"}) {
+        const bool given = arguments.contains(QLatin1String(key));
+        const bool wanted = shape.key && QLatin1String(key) == QLatin1String(shape.key);
+        if (given != wanted)
+            return QStringLiteral("select: the shape \"%1\" %2 \"%3\"")
+                .arg(name, wanted ? QStringLiteral("needs") : QStringLiteral("takes no"),
+                     QLatin1String(key));
+    }
+    const auto count = cellsOf(arguments.value(QLatin1String("cells"))).size();
+    if (shape.cells > 0 && count != shape.cells)
+        return QStringLiteral("select: the shape \"%1\" needs two corners in \"cells\"").arg(name);
+    return {};
+}
+
+QList<QPoint> _clipped(QList<QPoint> cells, const Relief &relief)
+{
+    for (QPoint &cell : cells)
+        cell = {std::clamp(cell.x(), 0, relief.width() - 1),
+                std::clamp(cell.y(), 0, relief.height() - 1)};
+    return cells;
+}
+
+Outcome _select(ScriptState &state, const QJsonObject &arguments)
+{
+    const QString name = arguments.value(QLatin1String("shape")).toString();
+    const Shape &shape = shapes[choiceIndex(shapeNames, name)];
+    if (const QString wrong = _wrongPlace(name, shape, arguments); !wrong.isEmpty())
+        return scriptFailure(wrong);
+    const QString modifier =
+        arguments.value(QLatin1String("modifier")).toString(QStringLiteral("Normal"));
+    shape.select(state,
+                 {pointOf(arguments.value(QLatin1String("point"))),
+                  _clipped(cellsOf(arguments.value(QLatin1String("cells"))), *state.relief()),
+                  static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier))});
+    return {};
+}
+
+Outcome _mask(ScriptState &state, const QJsonObject &arguments)
+{
+    constexpr void (*operations[])(Relief &, SculptUndo *) = {clearMask, invertMask};
+    const QString name = arguments.value(QLatin1String("op")).toString();
+    operations[choiceIndex(maskNames, name)](*state.relief(), &state.undo());
+    return {};
+}
+
+Outcome _resize(ScriptState &state, const QJsonObject &arguments)
+{
+    const int width = arguments.value(QLatin1String("width")).toInt();
+    const int height = arguments.value(QLatin1String("height")).toInt();
+    if (static_cast<qint64>(width) * height > std::numeric_limits<int>::max())
+        return scriptFailure(QStringLiteral("resize: the relief would have too many cells"));
+    // The size that is there is as good as done.
+    resize(*state.relief(), width, height, &state.undo());
+    return {};
+}
+
+Outcome _zScale(ScriptState &state, const QJsonObject &arguments)
+{
+    setZScale(*state.relief(), arguments.value(QLatin1String("value")).toDouble(), &state.undo());
+    return {};
+}
+
+Outcome _crop(ScriptState &state, const QJsonObject &arguments)
+{
+    cropApply(*state.relief(), pointsOf(arguments.value(QLatin1String("points"))), &state.undo());
+    return {};
+}
+
+} // namespace
+
+const std::vector<ScriptAction> &reliefActions()
+{
+    static const std::vector<ScriptAction> actions{
+        {"select",
+         {{.name = "shape", .type = KeyType::Choice, .required = true, .choices = shapeNames},
+          {"cells", KeyType::Cells},
+          {"point", KeyType::Point},
+          {.name = "modifier", .type = KeyType::Choice, .choices = modifierNames}},
+         _select},
+        {"mask",
+         {{.name = "op", .type = KeyType::Choice, .required = true, .choices = maskNames}},
+         _mask},
+        {"resize",
+         {{"width", KeyType::Integer, true, 2.0}, {"height", KeyType::Integer, true, 2.0}},
+         _resize},
+        {"zscale", {{"value", KeyType::Number, true, 1e-6, 1e6}}, _zScale},
+        {"crop", {{"points", KeyType::Points, true}}, _crop},
+    };
+    return actions;
+}

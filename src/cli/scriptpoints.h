@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QJsonValue>
+#include <QList>
+#include <QPoint>
+#include <QPointF>
+
+/// Values of checked keys (cli/scriptkeys.h) as points.
+QPointF pointOf(const QJsonValue &pair);
+QList<QPointF> pointsOf(const QJsonValue &list);
+QList<QPoint> cellsOf(const QJsonValue &list);
