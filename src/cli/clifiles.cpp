@@ -1,5 +1,6 @@
 #include "cli/clifiles.h"
 
+#include "cli/quietdecoders.h"
 #include "files/filetypes.h"
 #include "files/heightmaps.h"
 #include "files/stlwriter.h"
@@ -45,8 +46,10 @@ Result<std::unique_ptr<Relief>> _open(const QString &path, const ImportSettings 
     switch (type->kind) {
     case FileKind::Workspace:
         return loadWorkspace(path);
-    case FileKind::Image:
+    case FileKind::Image: {
+        const QuietDecoders quiet;
         return importImage(path, settings);
+    }
     case FileKind::HeightMap:
         return _openHeightMap(path);
     default:

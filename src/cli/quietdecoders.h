@@ -1,0 +1,15 @@
+#pragma once
+
+/// While it lives, what libraries print on standard error goes nowhere: a failure is one line, and
+/// image decoders have much to say about a damaged file.
+class QuietDecoders
+{
+public:
+    QuietDecoders();
+    ~QuietDecoders();
+    QuietDecoders(const QuietDecoders &) = delete;
+    QuietDecoders &operator=(const QuietDecoders &) = delete;
+
+private:
+    int m_standardError;
+};

@@ -1,0 +1,334 @@
+#include "files/heightmaps.h"
+#include "files/workspacefile.h"
+
+#include <QFile>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <algorithm>
+
+namespace {
+
+struct Ran
+{
+    int status = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+QImage disc()
+{
+    QImage image(60, 40, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 60; ++x) {
+            if ((x - 30) * (x - 30) + (y - 20) * (y - 20) < 150)
+                image.setPixel(x, y, qRgb(120 + x, 120 + x, 120 + x));
+        }
+    }
+    return image;
+}
+
+} // namespace
+
+class TestCli : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+    QString _path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+    QByteArray _contents(const char *name) const
+    {
+        QFile file(_path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void _write(const char *name, const QByteArray &bytes) const
+    {
+        QFile file(_path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    Ran _run(const QStringList &arguments, const QByteArray &input = {}) const
+    {
+        QProcess process;
+        process.setWorkingDirectory(m_folder.path());
+        process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen-cli"), arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        if (!process.waitForFinished(60000))
+            return {};
+        return {process.exitCode(), process.readAllStandardOutput(),
+                process.readAllStandardError()};
+    }
+    Ran _script(const QByteArray &script) const { return _run({"run", "-"}, script); }
+    static QJsonObject _json(const QByteArray &line)
+    {
+        return QJsonDocument::fromJson(line).object();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(QFile::exists(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen-cli")));
+        QVERIFY(disc().save(_path("disc.png")));
+        QVERIFY(disc().scaled(30, 20).save(_path("small.bmp")));
+        _write("broken.png", _contents("disc.png").left(200));
+        _write("precious.scp", "precious");
+    }
+
+    void aPictureTakesEveryForm()
+    {
+        for (const char *name : {"out.scp", "out.stl", "out.pfm", "out.PNG"}) {
+            const Ran ran = _run({"convert", "disc.png", name, "--smoothing", "1.5", "--trim=1"});
+            QCOMPARE(ran.errors, QByteArray());
+            QCOMPARE(ran.status, 0);
+        }
+        const auto workspace = loadWorkspace(_path("out.scp"));
+        const auto map = loadPfm(_path("out.pfm"));
+        QVERIFY(workspace && map);
+        QVERIFY(std::equal(map.value().values.begin(), map.value().values.end(),
+                           workspace.value()->heights().constData()));
+        QCOMPARE(QImage(_path("out.PNG")).size(), QSize(60, 40));
+        const QByteArray stl = _contents("out.stl");
+        QVERIFY(stl.size() > 84 && (stl.size() - 84) % 50 == 0);
+    }
+
+    void importOptionsShapeTheHeights_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QByteArray>("settings");
+        QTest::newRow("flip") << QStringList{"--flip-y"} << QByteArray(R"("flipY":true)");
+        QTest::newRow("invert") << QStringList{"--invert-z"} << QByteArray(R"("invertZ":true)");
+        QTest::newRow("filled") << QStringList{"--no-transparency", "--smoothing", "2"}
+                                << QByteArray(R"("transparency":false,"smoothing":2)");
+        QTest::newRow("raised") << QStringList{"--raise-lower", "-30"}
+                                << QByteArray(R"("raiseLower":-30)");
+        QTest::newRow("tilted") << QStringList{"--tilt", "40,-20"}
+                                << QByteArray(R"("tiltHorizontal":40,"tiltVertical":-20)");
+        QTest::newRow("depth") << QStringList{"--depth=12.5"} << QByteArray(R"("depth":12.5)");
+    }
+
+    void importOptionsShapeTheHeights()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QByteArray, settings);
+        QCOMPARE(_run(QStringList{"convert", "disc.png", "a.pfm"} + options).status, 0);
+        // The same by a script that opens with defaults and then changes the open import.
+        const Ran ran =
+            _script("{\"do\":\"open\",\"file\":\"disc.png\"}\n{\"do\":\"dump\",\"layer\":"
+                    "\"heights\",\"file\":\"plain.pfm\"}\n{\"do\":\"import\"," +
+                    settings + "}\n{\"do\":\"dump\",\"layer\":\"reference\",\"file\":\"b.pfm\"}\n");
+        QCOMPARE(ran.errors, QByteArray());
+        QVERIFY(_contents("a.pfm") == _contents("b.pfm"));
+        QVERIFY(_contents("a.pfm") != _contents("plain.pfm"));
+    }
+
+    void convertResizesAndScales()
+    {
+        QCOMPARE(
+            _run({"convert", "disc.png", "a.scp", "--size", "31x17", "--z-scale", "2.5"}).status,
+            0);
+        const QJsonObject info = _json(_run({"info", "a.scp", "--json"}).output);
+        QCOMPARE(info["width"].toInt(), 31);
+        QCOMPARE(info["height"].toInt(), 17);
+        QCOMPARE(info["zScale"].toDouble(), 2.5);
+        QCOMPARE(info["rangeMax"].toDouble(), 162.0);
+    }
+
+    void heightMapsBecomeWorkspaces()
+    {
+        _write("map.pfm", "Pf\n2 1\n-1\n" + QByteArray::fromHex("0000c03f000080bf")); // 1.5, -1
+        QCOMPARE(_run({"convert", "map.pfm", "map.scp"}).status, 0);
+        const auto relief = loadWorkspace(_path("map.scp"));
+        QVERIFY(relief);
+        QCOMPARE(relief.value()->heightAt(0), 1.5F);
+        QCOMPARE(relief.value()->heightAt(1), 0.0F);
+        QCOMPARE(relief.value()->referenceLayer().constData()[0], 1.5F);
+        QCOMPARE(relief.value()->rangeMaximum, 1.5);
+    }
+
+    void wrongCommandLines_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("nothing") << QStringList{};
+        QTest::newRow("unknown command") << QStringList{"transmogrify"};
+        QTest::newRow("no output") << QStringList{"convert", "disc.png"};
+        QTest::newRow("too many files") << QStringList{"convert", "disc.png", "a.scp", "b.scp"};
+        QTest::newRow("unknown output") << QStringList{"convert", "disc.png", "a.xyz"};
+        QTest::newRow("output that is only read") << QStringList{"convert", "disc.png", "a.jpg"};
+        QTest::newRow("unknown option") << QStringList{"convert", "disc.png", "a.scp", "--shiny"};
+        QTest::newRow("no value") << QStringList{"convert", "disc.png", "a.scp", "--trim"};
+        QTest::newRow("value out of range")
+            << QStringList{"convert", "disc.png", "a.scp", "--trim", "21"};
+        QTest::newRow("not a number")
+            << QStringList{"convert", "disc.png", "a.scp", "--smoothing", "nan"};
+        QTest::newRow("a flag with a value")
+            << QStringList{"convert", "disc.png", "a.scp", "--flip-y=1"};
+        QTest::newRow("half a tilt") << QStringList{"convert", "disc.png", "a.scp", "--tilt", "5"};
+        QTest::newRow("size of one column")
+            << QStringList{"convert", "disc.png", "a.scp", "--size", "1x9"};
+        QTest::newRow("info without file") << QStringList{"info", "--json"};
+        QTest::newRow("run without script") << QStringList{"run"};
+    }
+
+    void wrongCommandLines()
+    {
+        QFETCH(QStringList, arguments);
+        const Ran ran = _run(arguments);
+        QCOMPARE(ran.status, 2);
+        QCOMPARE(ran.errors.count('\n'), 1);
+        QVERIFY(ran.output.isEmpty());
+    }
+
+    void failedWork_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("named");
+        const auto convert = [](const char *from, const char *to) {
+            return QStringList{"convert", from, to};
+        };
+        QTest::newRow("missing") << convert("none.png", "precious.scp") << QByteArray("none.png: ");
+        QTest::newRow("truncated")
+            << convert("broken.png", "precious.scp") << QByteArray("broken.png: ");
+        QTest::newRow("foreign") << convert("precious.scp", "x.scp")
+                                 << QByteArray("precious.scp: ");
+        QTest::newRow("no known kind")
+            << convert("/dev/null", "x.scp") << QByteArray("/dev/null: ");
+        QTest::newRow("a folder") << convert(".", "x.scp") << QByteArray(".: ");
+        QTest::newRow("missing folder")
+            << convert("disc.png", "no/x.scp") << QByteArray("no/x.scp: ");
+        QTest::newRow("info") << QStringList{"info", "none.scp"} << QByteArray("none.scp: ");
+        QTest::newRow("script") << QStringList{"run", "none.txt"} << QByteArray("none.txt: ");
+    }
+
+    void failedWork()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, named);
+        const Ran ran = _run(arguments);
+        QCOMPARE(ran.status, 1);
+        QCOMPARE(ran.errors.count('\n'), 1);
+        QVERIFY2(ran.errors.contains(named), ran.errors);
+        QCOMPARE(_contents("precious.scp"), QByteArray("precious"));
+        QVERIFY(!QFile::exists(_path("x.scp")));
+    }
+
+    void scriptsStopAtTheFirstError_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QByteArray>("wrong");
+        const auto row = [](const char *name, const char *line, const char *wrong) {
+            QTest::newRow(name) << QByteArray(line) << QByteArray(wrong);
+        };
+        row("no JSON", "new 3 4", "not JSON");
+        row("no object", "[1]", "one JSON object");
+        row("no action", R"({"width":3})", "\"do\"");
+        row("unknown action", R"({"do":"polish"})", "polish");
+        row("unknown key", R"({"do":"new","width":3,"height":3,"depth":1})", "depth");
+        row("missing key", R"({"do":"new","width":3})", "height");
+        row("wrong type", R"({"do":"new","width":"3","height":3})", "width");
+        row("not whole", R"({"do":"new","width":2.5,"height":3})", "width");
+        row("out of range", R"({"do":"new","width":3,"height":3,"level":-1})", "level");
+        row("too many cells", R"({"do":"new","width":2000000000,"height":2000000000})", "cells");
+        row("no such layer", R"({"do":"dump","layer":"colour","file":"a.pfm"})", "colour|layer");
+        row("no import", R"({"do":"accept"})", "import");
+        row("import key", R"({"do":"open","file":"disc.png","import":{"trim":99}})", "trim");
+        row("missing file", R"({"do":"open","file":"none.png"})", "none.png");
+        row("size mismatch", R"({"do":"load","layer":"mask","file":"two.pfm"})", "two.pfm");
+        row("output folder", R"({"do":"save","file":"no/a.scp"})", "no/a.scp");
+        row("output ending", R"({"do":"export","file":"a.xyz"})", "a.xyz");
+        row("quality", R"({"do":"export","file":"a.stl","quality":"best"})", "quality");
+    }
+
+    void scriptsStopAtTheFirstError()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QByteArray, wrong);
+        _write("two.pfm", "Pf\n2 1\n-1\n12345678");
+        _write("script.txt", "# three lines down\n\n{\"do\":\"new\",\"width\":3,\"height\":3}\n" +
+                                 line + "\n{\"do\":\"info\"}\n");
+        const Ran ran = _run({"run", "script.txt"});
+        QCOMPARE(ran.status, 1);
+        QCOMPARE(ran.errors.count('\n'), 1);
+        QVERIFY2(ran.errors.startsWith("script.txt:4: "), ran.errors);
+        QVERIFY2(ran.errors.contains(wrong.split('|').last()), ran.errors);
+        QCOMPARE(ran.output, QByteArray()); // nothing behind the error ran
+    }
+
+    void actionsNeedARelief()
+    {
+        const Ran ran = _script("{\"do\":\"save\",\"file\":\"precious.scp\"}");
+        QCOMPARE(ran.status, 1);
+        QVERIFY(ran.errors.startsWith("-:1: "));
+        QCOMPARE(_contents("precious.scp"), QByteArray("precious"));
+    }
+
+    void layersTravelThroughScripts()
+    {
+        const Ran ran =
+            _script("\xEF\xBB\xBF{\"do\":\"new\",\"width\":3,\"height\":2,\"level\":0.75}\r\n"
+                    "  # a comment\r\n"
+                    "{\"do\":\"dump\",\"layer\":\"heights\",\"file\":\"l.pfm\"}\n"
+                    "{\"do\":\"load\",\"layer\":\"mask\",\"file\":\"l.pfm\"}\n"
+                    "{\"do\":\"dump\",\"layer\":\"mask\",\"file\":\"m.pfm\"}\n"
+                    "{\"do\":\"load\",\"layer\":\"selection\",\"file\":\"l.pfm\"}\n"
+                    "{\"do\":\"save\",\"file\":\"l.scp\"}\n"
+                    "{\"do\":\"info\"}");
+        QCOMPARE(ran.errors, QByteArray());
+        QCOMPARE(ran.status, 0);
+        QVERIFY(!_contents("l.pfm").isEmpty());
+        QVERIFY(_contents("m.pfm") == _contents("l.pfm"));
+        const QJsonObject info = _json(ran.output);
+        QCOMPARE(info["width"].toInt(), 3);
+        QCOMPARE(info["max"].toDouble(), 0.75);
+        QCOMPARE(info["min"].toDouble(), 0.75);
+        QVERIFY(info["selection"].toBool());
+        QCOMPARE(info["undo"].toObject()["events"].toInt(-1), 0);
+        QCOMPARE(info["sampleHeight"].toDouble(-1), 0.0);
+        QCOMPARE(_contents("l.scp").size(), 40 + 96);
+    }
+
+    void invalidValuesDoNotEnterLayers()
+    {
+        // -1, NaN, 2 and infinity.
+        _write("bad.pfm",
+               "Pf\n4 1\n-1\n" + QByteArray::fromHex("000080bf0000c07f000000400000807f"));
+        const Ran ran = _script("{\"do\":\"load\",\"layer\":\"heights\",\"file\":\"bad.pfm\"}\n"
+                                "{\"do\":\"load\",\"layer\":\"mask\",\"file\":\"bad.pfm\"}\n"
+                                "{\"do\":\"dump\",\"layer\":\"heights\",\"file\":\"h.pfm\"}\n"
+                                "{\"do\":\"dump\",\"layer\":\"mask\",\"file\":\"m.pfm\"}\n");
+        QCOMPARE(ran.status, 0);
+        QVERIFY(loadPfm(_path("h.pfm")).value().values == std::vector<float>({0, 0, 2, 0}));
+        QVERIFY(loadPfm(_path("m.pfm")).value().values == std::vector<float>({0, 0, 1, 0}));
+    }
+
+    void anOpenImportFollowsItsSettings()
+    {
+        const Ran ran =
+            _script("{\"do\":\"open\",\"file\":\"disc.png\",\"import\":{\"invertZ\":true}}\n"
+                    "{\"do\":\"import\",\"invertZ\":false,\"depth\":8}\n{\"do\":\"info\"}\n"
+                    "{\"do\":\"update\"}\n{\"do\":\"accept\"}\n"
+                    "{\"do\":\"open\",\"file\":\"small.bmp\"}\n{\"do\":\"info\"}\n");
+        QCOMPARE(ran.errors, QByteArray());
+        const QList<QByteArray> lines = ran.output.split('\n');
+        QCOMPARE(_json(lines[0])["max"].toDouble(), 8.0);
+        QCOMPARE(_json(lines[0])["rangeMax"].toDouble(), 162.0);
+        QCOMPARE(_json(lines[1])["width"].toInt(), 30);
+    }
+
+    void helpAndVersion()
+    {
+        QVERIFY(_run({"--help"}).output.contains("--raise-lower"));
+        QCOMPARE(_run({"--version"}).status, 0);
+        QVERIFY(_run({"--version"}).output.contains("3.000.00019"));
+        const Ran info = _run({"info", "disc.png"});
+        QVERIFY(info.output.contains("width: 60\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCli)
+#include "tst_cli.moc"
