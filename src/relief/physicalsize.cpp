@@ -1,0 +1,12 @@
+#include "relief/physicalsize.h"
+
+#include <QCoreApplication>
+
+QString sizeLimitSentence(double areaSquareInches)
+{
+    return QCoreApplication::translate("PhysicalSize",
+                                       "That would make the pattern %1 square inches. The largest "
+                                       "Marlowen can work with is %2 square inches.")
+        .arg(areaSquareInches, 0, 'f', 1)
+        .arg(areaLimitSquareInches, 0, 'f', 0);
+}
