@@ -1,0 +1,168 @@
+#include "ui/newreliefdialog.h"
+
+#include "relief/physicalsize.h"
+#include "ui/ribbon/numberfield.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+#include <cmath>
+
+namespace {
+
+constexpr int smallestSide = 2;
+constexpr int largestSide = 1000000;
+constexpr double largestLevel = 100000.0;
+constexpr int firstWidth = 1024;
+constexpr int firstHeight = 768;
+constexpr double firstLevel = 16.0;
+
+struct Unit
+{
+    const char *label;
+    double cells; ///< cells in one of it
+    int sizeDecimals;
+    int levelDecimals;
+};
+
+/// Cells, then the units of length.
+Unit _unit(int index)
+{
+    if (index <= 0)
+        return {"cells", 1.0, 0, 1};
+    const LengthUnit &length = lengthUnits[size_t(index - 1)];
+    return {length.label, length.inches * cellsPerInch, length.decimals, length.decimals};
+}
+
+struct Amount
+{
+    double cells;
+    double largestCells;
+    int decimals;
+};
+
+void _showAmount(NumberField &field, const Unit &unit, const Amount &amount)
+{
+    const QSignalBlocker quiet(field);
+    field.setDecimals(amount.decimals);
+    field.setMaximum(amount.largestCells / unit.cells);
+    field.setSingleStep(unit.cells > 1.0 ? 1.0 : 16.0);
+    field.setValue(amount.cells / unit.cells);
+}
+
+} // namespace
+
+NewReliefDialog::NewReliefDialog(QWidget *parent)
+    : QDialog(parent)
+    , m_width(new NumberField(this))
+    , m_height(new NumberField(this))
+    , m_level(new NumberField(this))
+    , m_units(new QComboBox(this))
+    , m_summary(new QLabel(this))
+{
+    setWindowTitle(tr("New Relief"));
+    for (int i = 0; i <= int(lengthUnits.size()); ++i)
+        m_units->addItem(tr(_unit(i).label));
+    m_width->setAccessibleName(tr("Width"));
+    m_height->setAccessibleName(tr("Height"));
+    m_level->setAccessibleName(tr("Start height"));
+    m_level->setToolTip(tr("How thick the relief is before it is sculpted; cells of height 0 are "
+                           "empty, and brushes leave them alone while Keep Transparency is on"));
+    _showIn(0, {firstWidth, firstHeight}, firstLevel);
+    _arrange();
+    for (NumberField *field : {m_width, m_height, m_level}) {
+        // What is being typed counts at once, so that "OK" and the message follow it.
+        field->setKeyboardTracking(true);
+        connect(field, &QDoubleSpinBox::valueChanged, this, &NewReliefDialog::_check);
+    }
+    connect(m_units, &QComboBox::currentIndexChanged, this, &NewReliefDialog::_unitChosen);
+    _check();
+}
+
+void NewReliefDialog::_arrange()
+{
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    m_ok = buttons->button(QDialogButtonBox::Ok);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    m_summary->setWordWrap(true);
+    m_summary->setMinimumHeight(3 * m_summary->fontMetrics().lineSpacing());
+    m_summary->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+
+    auto *form = new QFormLayout(this);
+    form->setContentsMargins(24, 20, 24, 16);
+    form->setHorizontalSpacing(16);
+    form->setVerticalSpacing(8);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->addRow(tr("&Units"), m_units);
+    form->addRow(tr("&Width"), m_width);
+    form->addRow(tr("&Height"), m_height);
+    form->addRow(tr("&Start height"), m_level);
+    form->addRow(m_summary);
+    form->addRow(buttons);
+    setFixedWidth(360);
+    m_width->setFocus();
+    m_width->selectAll();
+}
+
+int NewReliefDialog::widthCells() const
+{
+    return int(std::lround(m_width->value() * m_cellsPerUnit));
+}
+
+int NewReliefDialog::heightCells() const
+{
+    return int(std::lround(m_height->value() * m_cellsPerUnit));
+}
+
+double NewReliefDialog::level() const
+{
+    return m_level->value() * m_cellsPerUnit;
+}
+
+void NewReliefDialog::_unitChosen(int index)
+{
+    const QSize size(widthCells(), heightCells());
+    const double cells = level();
+    _showIn(index, size, cells);
+    _check();
+}
+
+void NewReliefDialog::_showIn(int unitIndex, QSize cells, double levelCells)
+{
+    const Unit unit = _unit(unitIndex);
+    m_cellsPerUnit = unit.cells;
+    _showAmount(*m_width, unit, {double(cells.width()), largestSide, unit.sizeDecimals});
+    _showAmount(*m_height, unit, {double(cells.height()), largestSide, unit.sizeDecimals});
+    _showAmount(*m_level, unit, {levelCells, largestLevel, unit.levelDecimals});
+}
+
+QString NewReliefDialog::_objection() const
+{
+    if (widthCells() < smallestSide || heightCells() < smallestSide)
+        return tr("A relief has at least 2 by 2 cells.");
+    const double area = squareInches(widthCells(), heightCells());
+    return exceedsAreaLimit(area) ? sizeLimitSentence(area) : QString();
+}
+
+QString NewReliefDialog::_extent() const
+{
+    const QLocale locale;
+    return tr("%1 × %2 cells, %3 × %4 in.")
+        .arg(QString::number(widthCells()), QString::number(heightCells()),
+             locale.toString(widthCells() / cellsPerInch, 'f', 2),
+             locale.toString(heightCells() / cellsPerInch, 'f', 2));
+}
+
+void NewReliefDialog::_check()
+{
+    const QString objection = _objection();
+    m_ok->setEnabled(objection.isEmpty());
+    m_ok->setToolTip(objection);
+    m_summary->setText(objection.isEmpty() ? _extent() : objection);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDialog>
+
+class NumberField;
+class QComboBox;
+class QLabel;
+class QPushButton;
+
+/// Asks for the size and the start height of a new relief, in cells or in a unit of length. "OK"
+/// can be pressed only for sizes that can be made: at least 2 x 2 cells and less than 1000 square
+/// inches; what is wrong is said below the fields.
+class NewReliefDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit NewReliefDialog(QWidget *parent = nullptr);
+
+    int widthCells() const;
+    int heightCells() const;
+    /// Height of every cell, in heights of the relief (128 an inch).
+    double level() const;
+
+private:
+    void _arrange();
+    void _unitChosen(int index);
+    void _showIn(int unitIndex, QSize cells, double levelCells);
+    void _check();
+    QString _objection() const;
+    QString _extent() const;
+
+    NumberField *m_width;
+    NumberField *m_height;
+    NumberField *m_level;
+    QComboBox *m_units;
+    QLabel *m_summary;
+    QPushButton *m_ok = nullptr;
+    double m_cellsPerUnit = 1.0;
+};
