@@ -1,0 +1,173 @@
+#!/usr/bin/env python3
+"""Makes the sample pictures beside this script (Python's standard library only).
+
+medal.png    8-bit grey, 600 x 600: a rim, lettering along it, a rosette
+face.png     16-bit grey, 512 x 640: a soft face on an empty ground
+weave.png    8-bit grey, 256 x 256: a texture whose edges meet
+"""
+import math
+import pathlib
+import struct
+import zlib
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+# Letters as polylines in a box 4 wide and 6 high, y downward.
+LETTERS = {
+    "A": [[(0, 6), (2, 0), (4, 6)], [(0.8, 4), (3.2, 4)]],
+    "E": [[(4, 0), (0, 0), (0, 6), (4, 6)], [(0, 3), (3, 3)]],
+    "F": [[(4, 0), (0, 0), (0, 6)], [(0, 3), (3, 3)]],
+    "I": [[(2, 0), (2, 6)]],
+    "L": [[(0, 0), (0, 6), (4, 6)]],
+    "M": [[(0, 6), (0, 0), (2, 3), (4, 0), (4, 6)]],
+    "N": [[(0, 6), (0, 0), (4, 6), (4, 0)]],
+    "O": [[(1, 0), (3, 0), (4, 1), (4, 5), (3, 6), (1, 6), (0, 5), (0, 1), (1, 0)]],
+    "R": [[(0, 6), (0, 0), (3, 0), (4, 1), (4, 2), (3, 3), (0, 3)], [(1.5, 3), (4, 6)]],
+    "S": [[(4, 1), (3, 0), (1, 0), (0, 1), (0, 2), (1, 3), (3, 3), (4, 4), (4, 5), (3, 6), (1, 6), (0, 5)]],
+    "T": [[(0, 0), (4, 0)], [(2, 0), (2, 6)]],
+    "W": [[(0, 0), (1, 6), (2, 3), (3, 6), (4, 0)]],
+}
+
+
+def chunk(kind, data):
+    body = kind + data
+    return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
+
+
+def filtered(row, above, step):
+    """The row as differences to the pixel at the left, or above, whichever is smaller in sum."""
+    left = bytes((value - (row[i - step] if i >= step else 0)) & 255 for i, value in enumerate(row))
+    up = bytes((value - above[i]) & 255 for i, value in enumerate(row))
+    cost = [sum(min(b, 256 - b) for b in line) for line in (left, up)]
+    return b"\x01" + left if cost[0] <= cost[1] else b"\x02" + up
+
+
+def write_png(name, rows, bits):
+    """rows: lists of heights 0..1."""
+    step = bits // 8
+    top = (1 << bits) - 1
+    data = bytearray()
+    above = bytes(len(rows[0]) * step)
+    for row in rows:
+        packed = b"".join(round(max(0.0, min(1.0, v)) * top).to_bytes(step, "big") for v in row)
+        data += filtered(packed, above, step)
+        above = packed
+    header = struct.pack(">IIBBBBB", len(rows[0]), len(rows), bits, 0, 0, 0, 0)
+    (HERE / name).write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header)
+                              + chunk(b"IDAT", zlib.compress(bytes(data), 9)) + chunk(b"IEND", b""))
+
+
+def smoothstep(value):
+    value = max(0.0, min(1.0, value))
+    return value * value * (3.0 - 2.0 * value)
+
+
+def distance_to(x, y, a, b):
+    dx, dy = b[0] - a[0], b[1] - a[1]
+    along = ((x - a[0]) * dx + (y - a[1]) * dy) / (dx * dx + dy * dy)
+    along = max(0.0, min(1.0, along))
+    return math.hypot(x - a[0] - along * dx, y - a[1] - along * dy)
+
+
+def raise_segment(rows, a, b, width, height):
+    """Adds a rounded ridge along a segment where it is higher than what is there."""
+    for y in range(int(min(a[1], b[1]) - width), int(max(a[1], b[1]) + width) + 2):
+        for x in range(int(min(a[0], b[0]) - width), int(max(a[0], b[0]) + width) + 2):
+            share = 1.0 - distance_to(x, y, a, b) / width
+            if share > 0.0:
+                rows[y][x] = max(rows[y][x], 0.45 + height * smoothstep(2.0 * share))
+
+
+def letter_along_circle(rows, letter, centre, radius, angle):
+    """The foot of the letter points to the centre; the angle is clockwise from the top."""
+    unit = 7.0
+    cos, sin = math.cos(angle), math.sin(angle)
+
+    def place(point):
+        across, down = (point[0] - 2.0) * unit, (point[1] - 3.0) * unit - radius
+        return centre + across * cos - down * sin, centre + across * sin + down * cos
+
+    for line in LETTERS[letter]:
+        for a, b in zip(line, line[1:]):
+            raise_segment(rows, place(a), place(b), 5.5, 0.4)
+
+
+def medal():
+    side = 600
+    centre = side / 2.0
+    rows = []
+    for y in range(side):
+        row = []
+        for x in range(side):
+            r = math.hypot(x - centre, y - centre)
+            angle = math.atan2(y - centre, x - centre)
+            height = 0.0
+            if r < 280.0:
+                height = 0.45
+                height += 0.45 * smoothstep(1.0 - abs(r - 268.0) / 12.0)
+                height += 0.15 * smoothstep(1.0 - abs(r - 190.0) / 6.0)
+                petal = 150.0 * (0.72 + 0.28 * math.cos(8.0 * angle))
+                height += 0.40 * smoothstep((petal - r) / 70.0) * (0.75 + 0.25 * math.cos(r / 9.0))
+            row.append(height)
+        rows.append(row)
+    text = "MARLOWEN RELIEFS FROM LINES OF ART "
+    for index, letter in enumerate(text):
+        if letter != " ":
+            letter_along_circle(rows, letter, centre, 228.0, 2.0 * math.pi * index / len(text) - 0.7)
+    write_png("medal.png", rows, 8)
+
+
+# Bumps of the face: centre x, centre y, radius x, radius y, height; the head spans -1 .. 1.
+FEATURES = [
+    (0.00, 0.10, 0.11, 0.28, 0.20), (0.00, 0.28, 0.15, 0.10, 0.16),       # nose
+    (-0.32, -0.08, 0.20, 0.12, -0.14), (0.32, -0.08, 0.20, 0.12, -0.14),  # eye sockets
+    (-0.32, -0.07, 0.11, 0.06, 0.09), (0.32, -0.07, 0.11, 0.06, 0.09),    # eyes
+    (-0.33, -0.24, 0.24, 0.06, 0.07), (0.33, -0.24, 0.24, 0.06, 0.07),    # brows
+    (-0.42, 0.28, 0.22, 0.20, 0.07), (0.42, 0.28, 0.22, 0.20, 0.07),      # cheeks
+    (0.00, 0.50, 0.22, 0.035, 0.07), (0.00, 0.58, 0.19, 0.04, 0.08),      # lips
+    (0.00, 0.54, 0.24, 0.018, -0.07), (0.00, 0.80, 0.18, 0.12, 0.09),     # mouth, chin
+]
+
+
+def face():
+    width, height = 512, 640
+    rows = []
+    for j in range(height):
+        row = []
+        for i in range(width):
+            x, y = (i - 256.0) / 205.0, (j - 320.0) / 275.0
+            head = 1.0 - x * x * (1.0 + 0.35 * max(0.0, y)) - y * y
+            level = 0.0
+            if head > 0.0:
+                level = 0.62 * math.sqrt(head)
+                edge = smoothstep(head * 4.0)
+                for cx, cy, rx, ry, high in FEATURES:
+                    far = ((x - cx) / rx) ** 2 + ((y - cy) / ry) ** 2
+                    if far < 12.0:
+                        level += edge * high * math.exp(-far)
+            row.append(level)
+        rows.append(row)
+    write_png("face.png", rows, 16)
+
+
+def weave():
+    side = 256
+    rows = []
+    for j in range(side):
+        row = []
+        for i in range(side):
+            across, down = i % 64 - 31.5, j % 64 - 31.5
+            over = (i // 64 + j // 64) % 2 == 0
+            along, beside = (across, down) if over else (down, across)
+            thread = math.sqrt(max(0.0, 1.0 - (beside / 32.0) ** 2))
+            arch = math.cos(along / 32.0 * math.pi / 2.0)
+            grain = 0.04 * math.cos(beside * math.pi / 8.0)
+            row.append(0.12 + thread * (0.3 + 0.5 * arch) + grain * thread)
+        rows.append(row)
+    write_png("weave.png", rows, 8)
+
+
+if __name__ == "__main__":
+    medal()
+    face()
+    weave()
