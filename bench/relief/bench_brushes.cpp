@@ -82,10 +82,11 @@ void firstTouch(benchmark::State &state, const ToolParams &params)
 }
 
 template <typename Function>
-void add(const std::string &name, Function function)
+void add(const std::string &name, int iterations, Function function)
 {
     benchmark::RegisterBenchmark(name.c_str(), function)
         ->UseManualTime()
+        ->Iterations(iterations)
         ->Unit(benchmark::kMillisecond);
 }
 
@@ -96,13 +97,13 @@ void addDabs()
             continue;
         for (const int radius : {50, 300}) {
             const std::string tail = std::string(row.id) + "/radius:" + std::to_string(radius);
-            add("dab/" + tail, [&row, radius](benchmark::State &state) {
+            add("dab/" + tail, 101, [&row, radius](benchmark::State &state) {
                 setAlpha(false, AlphaBrush::Shape);
                 dab(state, paramsFor(row.type, radius));
             });
             if (!row.stamp)
                 continue;
-            add("stamp/" + tail, [&row, radius](benchmark::State &state) {
+            add("stamp/" + tail, 101, [&row, radius](benchmark::State &state) {
                 setAlpha(true, AlphaBrush::Stamp);
                 dab(state, paramsFor(row.type, radius));
                 setAlpha(false, AlphaBrush::Shape);
@@ -132,7 +133,7 @@ void addFirstTouches()
         {"alphaStamp", Tool::Round, 1.0, 30.0, true, AlphaBrush::Stamp},
     };
     for (const Case &c : cases) {
-        add(std::string("firstTouch/") + c.name, [&c](benchmark::State &state) {
+        add(std::string("firstTouch/") + c.name, 9, [&c](benchmark::State &state) {
             setAlpha(c.alpha, c.alphaMode);
             ToolParams params;
             params.size = 1.0;

@@ -1,11 +1,15 @@
 #include "relief/falloff.h"
 
 #include "relief/alphabrush.h"
+#include "relief/alphasample.h"
 #include "relief/cellcode.h"
+
+#include <QPoint>
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 namespace {
 
@@ -57,50 +61,100 @@ double profileOf(const ToolParams &params, double t)
     }
 }
 
-/// The alpha image as it lies under a footprint, and what it makes of the falloff there.
-class AlphaFrame
+/// The alpha image as it lies under a footprint.
+struct AlphaFrame
 {
-public:
     AlphaFrame(const ToolParams &params, int dimension)
-        : m_params(params)
-        , m_brush(AlphaBrush::instance())
-        , m_half(dimension * 0.5)
-        , m_radius(std::max(1.0, (dimension - 2) / (2.0 * std::numbers::sqrt2)))
-        , m_cos(std::cos(-params.angle * std::numbers::pi / 180.0))
-        , m_sin(std::sin(-params.angle * std::numbers::pi / 180.0))
+        : half(dimension * 0.5)
+        , radius(std::max(1.0, (dimension - 2) / (2.0 * std::numbers::sqrt2)))
+        , cosine(std::cos(-params.angle * std::numbers::pi / 180.0))
+        , sine(std::sin(-params.angle * std::numbers::pi / 180.0))
     {
+        const AlphaBrush &brush = AlphaBrush::instance();
+        image = {brush.values().data(), brush.side()};
+        mode = brush.mode;
+        repeat = brush.repeatCount;
     }
 
-    double weight(int column, int row, double falloff) const
+    /// Place of a footprint cell in the image's frame, from the middle.
+    CELL_INLINE double x(int column, int row) const
     {
-        const double dx = column - m_half;
-        const double dy = row - m_half;
-        const double x = dx * m_cos - dy * m_sin;
-        const double y = dx * m_sin + dy * m_cos;
-        const double u = (m_radius + x) / (2.0 * m_radius);
-        const double v = (m_radius + y) / (2.0 * m_radius);
-        if (m_brush.mode == AlphaBrush::Tile)
-            return falloff * _sample(u * m_brush.repeatCount, v * m_brush.repeatCount, true);
-        const double value = _sample(u, v, false);
-        if (m_brush.mode == AlphaBrush::Stamp || value == 0.0)
-            return value;
-        const double t = std::min(1.0, std::sqrt(x * x + y * y) / m_radius);
-        return value * profileOf(m_params, t);
+        return (column - half) * cosine - (row - half) * sine;
+    }
+    CELL_INLINE double y(int column, int row) const
+    {
+        return (column - half) * sine + (row - half) * cosine;
+    }
+    /// Distance of a place from the rim of the image's circle, 0 beyond it, scaled so that the
+    /// profiles take it for a distance from the outline.
+    CELL_INLINE double fromRim(double px, double py) const
+    {
+        const double t = std::sqrt(px * px + py * py) / radius;
+        return half - (t < 1.0 ? t : 1.0) * half;
+    }
+    template <bool Tiled>
+    CELL_INLINE double sample(double px, double py) const
+    {
+        const double u = (radius + px) / (2.0 * radius);
+        const double v = (radius + py) / (2.0 * radius);
+        if constexpr (Tiled)
+            return alphaAt(image, u * repeat, v * repeat, true);
+        return alphaAt(image, u, v, false);
     }
 
-private:
-    double _sample(double u, double v, bool wrap) const
-    {
-        return alphaSample(m_brush.values().data(), m_brush.side(), u, v, wrap);
-    }
-
-    const ToolParams &m_params;
-    const AlphaBrush &m_brush;
-    double m_half;
-    double m_radius;
-    double m_cos;
-    double m_sin;
+    double half;
+    double radius;
+    double cosine;
+    double sine;
+    AlphaImage image;
+    int mode;
+    double repeat;
 };
+
+/// Grey values under `count` footprint cells of a row, from a column on.
+template <bool Tiled>
+CELL_INLINE inline void sampleAlpha(const AlphaFrame &from, QPoint first, float *values, int count)
+{
+    const AlphaFrame frame = from;
+    const int column = first.x();
+    const int row = first.y();
+#pragma omp simd
+    for (int i = 0; i < count; ++i) {
+        const double px = frame.x(column + i, row);
+        const double py = frame.y(column + i, row);
+        values[i] = static_cast<float>(frame.sample<Tiled>(px, py));
+    }
+}
+
+CELL_LOOP void sampleTiles(const AlphaFrame &frame, QPoint first, float *values, int count)
+{
+    sampleAlpha<true>(frame, first, values, count);
+}
+
+CELL_LOOP void sampleOnce(const AlphaFrame &frame, QPoint first, float *values, int count)
+{
+    sampleAlpha<false>(frame, first, values, count);
+}
+
+/// Distances from the rim of the image's circle, in place of those from an outline.
+CELL_LOOP void measureRim(const AlphaFrame &from, QPoint first, double *distances, int count)
+{
+    const AlphaFrame frame = from;
+    const int column = first.x();
+    const int row = first.y();
+#pragma omp simd
+    for (int i = 0; i < count; ++i)
+        distances[i] = frame.fromRim(frame.x(column + i, row), frame.y(column + i, row));
+}
+
+/// Puts the grey values into the weights of a row: in place of the falloff, or times it.
+void applyAlpha(const AlphaFrame &frame, const float *greys, float *weights, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        const float falloff = frame.mode == AlphaBrush::Stamp ? 1.0F : weights[i];
+        weights[i] = weights[i] < 0.0F ? weights[i] : falloff * greys[i];
+    }
+}
 
 /// One row of weights: footprint cells and distances in, weights out, negative outside.
 struct WeightRow
@@ -175,10 +229,16 @@ double falloffWeight(const ToolParams &params, const double *distanceMap, int co
         const ptrdiff_t cell = static_cast<ptrdiff_t>(row) * dimension + column;
         t = std::min(1.0, (half - distanceMap[cell]) / half);
     }
-    const double weight = profileOf(params, t);
     if (dimension <= 0 || !usesAlpha(params))
-        return weight;
-    return AlphaFrame(params, dimension).weight(column, row, weight);
+        return profileOf(params, t);
+    const AlphaFrame frame(params, dimension);
+    const double x = frame.x(column, row);
+    const double y = frame.y(column, row);
+    if (frame.mode == AlphaBrush::Tile)
+        return profileOf(params, t) * frame.sample<true>(x, y);
+    if (frame.mode == AlphaBrush::Stamp)
+        return frame.sample<false>(x, y);
+    return profileOf(params, (half - frame.fromRim(x, y)) / half) * frame.sample<false>(x, y);
 }
 
 void computeWeights(const ToolParams &params, const FootprintMap &map, int reach, float *weights,
@@ -187,22 +247,31 @@ void computeWeights(const ToolParams &params, const FootprintMap &map, int reach
     const int side = 2 * reach + 1;
     const int origin = map.dimension / 2 - reach; // array cell under the first weight
     const int first = std::max(0, -origin);
-    const int end = std::min(side, map.dimension - origin);
+    const int count = std::min(side, map.dimension - origin) - first;
     const bool alpha = usesAlpha(params);
     const AlphaFrame frame(params, map.dimension);
+    std::vector<double> rim(static_cast<size_t>(side));
+    std::vector<float> greys(static_cast<size_t>(side));
     for (int y = 0; y < side; ++y) {
         float *row = weights + static_cast<ptrdiff_t>(y) * side;
         std::fill_n(row, side, -1.0F);
         extents[y] = {};
-        const int arrayRow = origin + y;
-        if (arrayRow < 0 || arrayRow >= map.dimension)
+        const QPoint place(origin + first, origin + y);
+        if (place.y() < 0 || place.y() >= map.dimension)
             continue;
-        const ptrdiff_t cell = static_cast<ptrdiff_t>(arrayRow) * map.dimension + origin + first;
-        weighRows[params.falloff]({map.footprint + cell, map.distance + cell, row + first,
-                                   end - first, map.dimension * 0.5, usableHardness(params)});
-        for (int x = first; alpha && x < end; ++x)
-            if (row[x] >= 0.0F)
-                row[x] = static_cast<float>(frame.weight(origin + x, arrayRow, row[x]));
+        const ptrdiff_t cell = static_cast<ptrdiff_t>(place.y()) * map.dimension + place.x();
+        const double *distance = map.distance + cell;
+        if (alpha && frame.mode == AlphaBrush::Shape) {
+            measureRim(frame, place, rim.data(), count);
+            distance = rim.data();
+        }
+        weighRows[params.falloff]({map.footprint + cell, distance, row + first, count,
+                                   map.dimension * 0.5, usableHardness(params)});
+        if (alpha) {
+            const auto sample = frame.mode == AlphaBrush::Tile ? sampleTiles : sampleOnce;
+            sample(frame, place, greys.data(), count);
+            applyAlpha(frame, greys.data(), row + first, count);
+        }
         extents[y] = extentOf(row, side);
     }
 }

@@ -17,6 +17,9 @@ enum Cell : unsigned char { Outside, Inside, Outline };
 
 constexpr double unreached = std::numeric_limits<double>::max();
 
+/// Paths of the same steps in another order differ by less; different paths by far more.
+constexpr double rounding = 1e-10;
+
 /// Marks outline points, given from the middle of the footprint, in its rotated frame.
 class OutlinePen
 {
@@ -146,74 +149,167 @@ private:
     std::vector<Seed> m_seeds;
 };
 
-/// Relaxes a cell on the left or right edge against the row visited before it; `inward` is the step
-/// to its neighbour in the array.
-bool relaxEdge(double &value, const double *passed, ptrdiff_t inward, int dimension)
+/// The cells of a row of the map that are not outside lie in first .. end - 1.
+struct RowExtent
 {
-    double best = *passed + 1.0;
-    if (dimension > 1)
-        best = std::min(best, passed[inward] + std::numbers::sqrt2);
-    if (best >= value)
-        return false;
-    value = best;
-    return true;
+    int first = 0;
+    int end = 0;
+    bool solid = false; ///< all of them are not outside
+};
+
+RowExtent extentOf(const unsigned char *cells, int count)
+{
+    int first = 0;
+    while (first < count && cells[first] == Outside)
+        ++first;
+    int end = count;
+    while (end > first && cells[end - 1] == Outside)
+        --end;
+    const auto length = static_cast<size_t>(end - first);
+    return {first, end, std::memchr(cells + first, Outside, length) == nullptr};
 }
 
-/// Relaxes cells 1 .. count - 2 of a row against the row visited before it. Outside cells keep
-/// `unreached`, so that no path leads through them.
-CELL_LOOP bool relaxAcross(double *row, const double *passed, const unsigned char *cells, int count)
+/// A distance as a step to a neighbour sees it: no path leads through the outside.
+CELL_INLINE inline double passable(double distance)
+{
+    return distance == 0.0 ? unreached : distance;
+}
+
+/// Relaxes a cell on the left or right edge of the map against the row visited before it; `inward`
+/// is the step to its neighbour in the array, 0 when there is none.
+bool relaxEdge(double &value, const double *passed, int inward)
+{
+    double best = passable(passed[0]) + 1.0;
+    if (inward != 0)
+        best = std::min(best, passable(passed[inward]) + std::numbers::sqrt2);
+    const double old = value;
+    value = std::min(best, old);
+    return old - value > rounding;
+}
+
+/// Relaxes `count` cells of a row, none of them on an edge of the map, against the row visited
+/// before it. Outside cells keep their 0, which no distance is below.
+CELL_LOOP bool relaxAcross(double *row, const double *passed, int count)
 {
     int changed = 0;
 #pragma omp simd reduction(| : changed)
-    for (int x = 1; x < count - 1; ++x) {
-        const double diagonal = std::min(passed[x - 1], passed[x + 1]) + std::numbers::sqrt2;
-        const double best = std::min(passed[x] + 1.0, diagonal);
+    for (int x = 0; x < count; ++x) {
+        const double left = passable(passed[x - 1]);
+        const double right = passable(passed[x + 1]);
+        const double diagonal = (left < right ? left : right) + std::numbers::sqrt2;
+        const double side = passable(passed[x]) + 1.0;
+        const double best = side < diagonal ? side : diagonal;
         const double old = row[x];
-        const double relaxed = (cells[x] != Outside) & (best < old) ? best : old;
-        changed |= static_cast<int>(relaxed != old);
+        const double relaxed = best < old ? best : old;
+        changed |= static_cast<int>(old - relaxed > rounding);
         row[x] = relaxed;
     }
     return changed != 0;
 }
 
-/// Relaxes the cells of a row against each other, one after the other, `step` +1 or -1.
-bool relaxAlong(double *row, const unsigned char *cells, int count, int step)
+/// True when a step along the row shortens the way to one of cells 1 .. count - 1; `back` leads
+/// from a cell to the one before it.
+CELL_LOOP bool canRelaxAlong(const double *row, const double *back, int count)
 {
-    int changed = 0;
-    double previous = unreached;
-    for (int i = 0, x = step > 0 ? 0 : count - 1; i < count; ++i, x += step) {
-        const double old = row[x];
-        const double best = std::min(old, previous + 1.0);
-        previous = cells[x] == Outside ? unreached : best;
-        changed |= static_cast<int>(previous != old);
-        row[x] = previous;
-    }
-    return changed != 0;
+    int can = 0;
+#pragma omp simd reduction(| : can)
+    for (int x = 0; x < count; ++x)
+        can |= static_cast<int>(row[x] - passable(back[x]) > 1.0 + rounding);
+    return can != 0;
 }
 
-/// One pass over the map, rows downward and columns rightward when `step` is 1, the other way when
-/// it is -1. Each cell is relaxed against the four neighbours passed before it; a pass in either
-/// direction settles everything a straight path can reach.
-bool sweep(double *map, const unsigned char *footprint, int dimension, int step)
+/// Relaxes the cells of a row against each other, one after the other. Only rows with outside cells
+/// in their extent have to look for them: each addition waits for the one before it, and so does
+/// every look in between.
+template <int Step, bool Solid>
+void relaxChain(double *row, RowExtent extent)
 {
-    bool changed = false;
-    for (int i = 0; i < dimension; ++i) {
-        const ptrdiff_t y = step > 0 ? i : dimension - 1 - i;
-        double *row = map + y * dimension;
-        const unsigned char *cells = footprint + y * dimension;
-        if (i > 0) {
-            const double *passed = row - step * static_cast<ptrdiff_t>(dimension);
-            const int last = dimension - 1;
-            changed |= relaxAcross(row, passed, cells, dimension);
-            if (cells[0] != Outside)
-                changed |= relaxEdge(row[0], passed, 1, dimension);
-            if (cells[last] != Outside)
-                changed |= relaxEdge(row[last], passed + last, -1, dimension);
-        }
-        changed |= relaxAlong(row, cells, dimension, step);
+    double *cell = row + (Step > 0 ? extent.first : extent.end - 1);
+    double previous = unreached;
+    for (int i = extent.first; i < extent.end; ++i, cell += Step) {
+        const double next = previous + 1.0;
+        const double best = next < *cell ? next : *cell;
+        *cell = best;
+        previous = Solid ? best : passable(best);
     }
-    return changed;
 }
+
+/// Relaxes the cells of a row along it, `step` +1 or -1, if that leads anywhere.
+bool relaxAlong(double *row, RowExtent extent, int step)
+{
+    const double *cells = row + extent.first + (step > 0 ? 1 : 0);
+    if (!canRelaxAlong(cells, cells - step, extent.end - extent.first - 1))
+        return false;
+    if (extent.solid)
+        step > 0 ? relaxChain<1, true>(row, extent) : relaxChain<-1, true>(row, extent);
+    else
+        step > 0 ? relaxChain<1, false>(row, extent) : relaxChain<-1, false>(row, extent);
+    return true;
+}
+
+CELL_LOOP void beginRow(double *row, const unsigned char *cells, int count)
+{
+#pragma omp simd
+    for (int x = 0; x < count; ++x) {
+        const double inside = cells[x] == Outline ? 1.0 : unreached;
+        row[x] = cells[x] == Outside ? 0.0 : inside;
+    }
+}
+
+class DistanceSweeps
+{
+public:
+    DistanceSweeps(double *map, const unsigned char *footprint, int dimension)
+        : m_map(map)
+        , m_dimension(dimension)
+        , m_extents(static_cast<size_t>(dimension))
+    {
+        for (int y = 0; y < dimension; ++y) {
+            const ptrdiff_t start = static_cast<ptrdiff_t>(y) * dimension;
+            beginRow(map + start, footprint + start, dimension);
+            m_extents[static_cast<size_t>(y)] = extentOf(footprint + start, dimension);
+        }
+    }
+
+    /// One pass over the map, rows downward and columns rightward when `step` is 1, the other way
+    /// when it is -1. Each cell is relaxed against the four neighbours passed before it; a pass in
+    /// either direction settles everything a straight path can reach. True when a cell changed.
+    bool run(int step)
+    {
+        bool changed = false;
+        for (int i = 0; i < m_dimension; ++i) {
+            const int y = step > 0 ? i : m_dimension - 1 - i;
+            double *row = m_map + static_cast<ptrdiff_t>(y) * m_dimension;
+            const RowExtent extent = m_extents[static_cast<size_t>(y)];
+            if (extent.first == extent.end)
+                continue;
+            if (i > 0)
+                changed |= _relaxRow(row, row - static_cast<ptrdiff_t>(step) * m_dimension, extent);
+            changed |= relaxAlong(row, extent, step);
+        }
+        return changed;
+    }
+
+private:
+    bool _relaxRow(double *row, const double *passed, RowExtent extent) const
+    {
+        const int last = m_dimension - 1;
+        const int first = std::max(extent.first, 1);
+        const int end = std::min(extent.end, last);
+        bool changed = false;
+        if (end > first)
+            changed |= relaxAcross(row + first, passed + first, end - first);
+        const int inward = last > 0 ? 1 : 0;
+        changed |= relaxEdge(row[0], passed, inward);
+        if (last > 0)
+            changed |= relaxEdge(row[last], passed + last, -inward);
+        return changed;
+    }
+
+    double *m_map;
+    int m_dimension;
+    std::vector<RowExtent> m_extents;
+};
 
 } // namespace
 
@@ -233,20 +329,13 @@ void buildFootprint(unsigned char *footprint, int dimension, const ToolParams &p
 
 int chamferDistances(double *map, const unsigned char *footprint, int dimension)
 {
-    const ptrdiff_t count = static_cast<ptrdiff_t>(dimension) * dimension;
-    for (ptrdiff_t i = 0; i < count; ++i)
-        map[i] = footprint[i] == Outline ? 1.0 : unreached;
-
-    // Both directions in turn: a path that bends with its direction is settled by one sweep, so
-    // that only shapes with coves need more than these two and the one that finds nothing to do.
+    DistanceSweeps sweeps(map, footprint, dimension);
+    // Both directions in turn: two sweeps settle a shape without coves, a third finds nothing to
+    // do.
     const int limit = std::max(1, (dimension + 1) / 2);
-    int sweeps = 0;
+    int count = 0;
     bool changed = true;
-    while (changed && sweeps < limit)
-        changed = sweep(map, footprint, dimension, sweeps++ % 2 == 0 ? 1 : -1);
-
-    for (ptrdiff_t i = 0; i < count; ++i)
-        if (footprint[i] == Outside)
-            map[i] = 0.0;
-    return sweeps;
+    while (changed && count < limit)
+        changed = sweeps.run(count++ % 2 == 0 ? 1 : -1);
+    return count;
 }
