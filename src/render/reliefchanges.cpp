@@ -3,6 +3,14 @@
 #include "relief/relief.h"
 #include "render/heightscan.h"
 
+#include <utility>
+
+namespace {
+
+constexpr int mostRectangles = 256;
+
+}
+
 int ReliefChanges::addView()
 {
     m_readers.emplace_back();
@@ -81,5 +89,8 @@ void ReliefChanges::_spread(bool full, const QRegion &cells)
             reader.pending = {true, {}};
         else
             reader.pending.cells += cells;
+        // A view that is hidden must not gather a mosaic.
+        if (reader.pending.cells.rectCount() > mostRectangles)
+            reader.pending.cells = reader.pending.cells.boundingRect();
     }
 }

@@ -390,8 +390,9 @@ void ReliefView::_ensureDepth()
 
 void ReliefView::statusTimeout()
 {
-    // While the camera moves the next frame comes first.
-    if (!m_relief || !m_statusPending || !isValid() || matrices() != m_drawn)
+    // Reading the depth would hold up a moving camera.
+    const bool moving = m_heldButton != Qt::NoButton && m_mode != SculptMode;
+    if (!m_relief || !m_statusPending || !isValid() || moving || matrices() != m_drawn)
         return;
     m_statusPending = false;
     emit statusChanged(statusText(pick(m_lastPos).point, reliefBox()));

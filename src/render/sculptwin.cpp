@@ -11,6 +11,7 @@ SculptWin::SculptWin(QWidget *parent)
     : ReliefView(parent)
     , m_material(materialNamed(presetMaterials(), defaultMaterialName))
 {
+    setAccessibleName(tr("3D view"));
 }
 
 SculptWin::~SculptWin()

@@ -516,6 +516,24 @@ private slots:
         QCOMPARE(Work(other).indexBytes, before.indexBytes);
     }
 
+    void movesToAnotherWindow()
+    {
+        auto b = std::make_unique<SculptBench>(medal(240, 180));
+        b->view.setRotation(rotationAbout({1, 0, 0}, -30));
+        const QImage before = b->paint();
+        QWidget frame;
+        frame.resize(700, 600);
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        b->view.setParent(&frame);
+        b->view.show();
+        QTRY_VERIFY(b->view.isValid());
+        QCOMPARE(b->paint(), before);
+        b->drag({b->centre(), b->centre() + QPoint(20, 0)});
+        QCOMPARE(b->undo.count(), 1);
+        b->view.setParent(nullptr);
+    }
+
     void alphaFootprint()
     {
         SculptBench b(medal(240, 180));
