@@ -1,52 +1,333 @@
 #include "ui/mainwindow.h"
 
-#include "base/sessionlog.h"
+#include "base/qevsettings.h"
 #include "base/version.h"
+#include "relief/physicalsize.h"
+#include "relief/relief.h"
+#include "render/flatwin.h"
+#include "render/sculptwin.h"
+#include "ui/collapsibledock.h"
+#include "ui/commandset.h"
+#include "ui/forcedexit.h"
+#include "ui/materialeditor.h"
+#include "ui/pages/editpage.h"
+#include "ui/pages/toolspage.h"
+#include "ui/pages/viewsettingspage.h"
+#include "ui/panels/importpanel.h"
+#include "ui/panels/sculptpanels.h"
+#include "ui/panels/toolpanel.h"
+#include "ui/progressbox.h"
+#include "ui/recentfilesmenu.h"
+#include "ui/ribbon/ribbonbar.h"
+#include "ui/ribbon/ribboncolors.h"
+#include "ui/themeswitcher.h"
 
-#include <QPushButton>
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
 #include <QTimer>
 
+namespace {
+
+enum View { View3d, View2d };
+
+constexpr char noRelief[] = "Open or make a relief first.";
+constexpr char importFirst[] = "Accept the import first.";
+
+QString reasonAgainstEditing(const Document &document)
+{
+    if (!document.relief())
+        return MainWindow::tr(noRelief);
+    return document.importOpen() ? MainWindow::tr(importFirst) : QString();
+}
+
+} // namespace
+
 MainWindow::MainWindow(QWidget *parent)
-    : QMainWindow(parent)
-    , m_sendToDrafteon(new QPushButton(tr("Send to Drafteon"), this))
+    : RibbonMainWindow(parent)
+    , forcedExit(exitAtOnce)
+    , m_commands(new CommandSet(this))
+    , m_materials(new MaterialEditor(
+          QevSettings()
+              .value(QStringLiteral("material"), QLatin1String(defaultMaterialName))
+              .toString(),
+          this))
 {
-    setWindowTitle(QString::fromLatin1(productName));
-    setCentralWidget(new QWidget(this));
-    setMenuWidget(m_sendToDrafteon);
-    m_sendToDrafteon->hide();
+    setAcceptDrops(true);
     resize(1280, 800);
+    _addCommands();
+    m_tools = new ToolActions(*m_commands, this);
+    _buildViews();
+    _buildDocks();
+    _buildRibbon();
+    _buildFilePage();
+    _buildStatusBar();
+    _connectCommands();
+    _connectRibbon();
+    _connectPanels();
+    _connectViews();
+    _connectDocument();
+    setupControls();
+    _showTool();
+    _showTitle();
+    _applyBackdrop();
+    _restoreLayout();
 }
 
-bool MainWindow::openFile(const QString &path, int)
+MainWindow::~MainWindow()
 {
-    logWarning() << "Unknown file type" << path << "\n";
-    logFlush();
-    return false;
+    // The views let go of the relief before the document deletes it.
+    m_sculptWin->setRelief(nullptr);
+    m_flatWin->setRelief(nullptr);
+    m_sculptWin->setChanges(nullptr);
+    m_flatWin->setChanges(nullptr);
 }
 
-void MainWindow::setImportFile(const QString &path)
+void MainWindow::_buildViews()
 {
-    m_importFile = path;
-    QTimer::singleShot(1, this, &MainWindow::loadImportFile);
+    m_center = new QStackedWidget(this);
+    m_splitter = new QSplitter(Qt::Horizontal, m_center);
+    m_splitter->setObjectName(QStringLiteral("CentralSplitter"));
+    m_sculptWin = new SculptWin(m_splitter);
+    m_flatWin = new FlatWin(m_splitter);
+    m_sculptWin->setAccessibleName(tr("3D view"));
+    m_flatWin->setAccessibleName(tr("2D view"));
+    m_splitter->addWidget(m_sculptWin);
+    m_splitter->addWidget(m_flatWin);
+    m_splitter->setSizes({600, 400});
+    m_splitter->setStretchFactor(0, 3);
+    m_splitter->setStretchFactor(1, 2);
+    m_center->addWidget(m_splitter);
+    setCentralWidget(m_center);
+    for (ReliefView *view :
+         {static_cast<ReliefView *>(m_sculptWin), static_cast<ReliefView *>(m_flatWin)}) {
+        view->setMinimumSize(80, 80);
+        view->setFocusPolicy(Qt::StrongFocus);
+        view->setChanges(&m_document.changes());
+        view->setTool(&m_params);
+    }
 }
 
-void MainWindow::setIntegrationString(const QString &text)
+void MainWindow::_buildStatusBar()
 {
-    m_integrationString = text;
+    m_position = new QLabel;
+    m_position->setObjectName(QStringLiteral("position"));
+    m_extent = new QLabel;
+    m_extent->setObjectName(QStringLiteral("extent"));
+    statusBar()->setContentsMargins(8, 0, 4, 0);
+    statusBar()->addWidget(m_position, 1);
+    statusBar()->addPermanentWidget(m_extent);
 }
 
-void MainWindow::setSecondIntegrationString(const QString &text)
+void MainWindow::_restoreLayout()
 {
-    m_secondIntegrationString = text;
+    const QevSettings settings;
+    restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
+    restoreState(settings.value(QStringLiteral("windowState")).toByteArray());
+    m_splitter->restoreState(settings.value(QStringLiteral("splitterState")).toByteArray());
+    const int light = settings.value(QStringLiteral("lightPosition"), 0).toInt();
+    m_viewSettings->showLightPosition(qBound(0, light, 7));
+    setLightPos(m_viewSettings->lightPosition());
 }
 
-void MainWindow::setExportPath(const QString &path)
+void MainWindow::_saveLayout()
 {
-    m_exportPath = path;
-    m_sendToDrafteon->show();
+    QevSettings settings;
+    settings.setValue(QStringLiteral("geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("windowState"), saveState());
+    settings.setValue(QStringLiteral("splitterState"), m_splitter->saveState());
+    settings.setValue(QStringLiteral("material"), m_materials->current().name);
+    settings.setValue(QStringLiteral("lightPosition"), m_viewSettings->lightPosition());
+    settings.sync();
 }
 
-void MainWindow::loadImportFile()
+void MainWindow::closeEvent(QCloseEvent *event)
 {
-    openFile(m_importFile, 0);
+    if (ProgressBox::anyAtWork()) {
+        event->ignore();
+        return;
+    }
+    m_document.endStroke();
+    if (!m_handedOver && !_mayLoseWork()) {
+        event->ignore();
+        return;
+    }
+    _saveLayout();
+    event->accept();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    RibbonMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_viewSettings) {
+        _applyBackdrop();
+        m_viewSettings->showMaterials(*m_materials);
+    }
+}
+
+/// Behind the relief: darker than the chrome, so that the relief is the brightest thing.
+void MainWindow::_applyBackdrop()
+{
+    const QColor chrome = palette().color(QPalette::Window);
+    const QColor backdrop = isDarkPalette(palette()) ? mixedColor(chrome, Qt::black, 0.35)
+                                                     : mixedColor(chrome, QColor(0x4a5260), 0.45);
+    m_sculptWin->setBackdrop(backdrop);
+    m_flatWin->setBackdrop(backdrop);
+}
+
+void MainWindow::_show(const Failure &failure)
+{
+    QMessageBox::critical(this, failure.title, failure.sentence);
+}
+
+void MainWindow::_documentReplaced()
+{
+    Relief *relief = m_document.relief();
+    m_center->setCurrentWidget(m_splitter);
+    m_sculptWin->setRelief(relief);
+    m_flatWin->setRelief(relief);
+    m_panels->importPanel()->refresh();
+    if (m_document.importOpen())
+        m_panels->showImportTab();
+    else
+        m_panels->showToolTab();
+    m_openedSize = {};
+    _showSize();
+    m_editPage->showSample(double(relief->sampleHeight));
+    // The views know their size only after the first layout.
+    QTimer::singleShot(0, this, &MainWindow::zoomAll);
+}
+
+/// Enables what can act now; the rest says why it cannot.
+void MainWindow::setupControls()
+{
+    const Relief *relief = m_document.relief();
+    const QString needsRelief = relief ? QString() : tr(noRelief);
+    const QString needsEditing = reasonAgainstEditing(m_document);
+    for (const char *id : {"save", "saveAs", "zoomAll", "exportStl", "sendToDrafteon"})
+        m_commands->setReason(id, needsRelief);
+    for (const char *id : {"maskClear", "maskInvert"})
+        m_commands->setReason(id, needsEditing);
+    m_tools->setReason(needsEditing);
+    const bool cropReady = needsEditing.isEmpty() && m_params.type == Tool::Crop &&
+                           !m_flatWin->cropOutline().isEmpty();
+    (*m_commands)["cropApply"]->setEnabled(cropReady);
+    (*m_commands)["selectNone"]->setEnabled(relief && relief->selectionActive);
+    SculptEngine *engine = needsEditing.isEmpty() ? &m_document.engine() : nullptr;
+    m_sculptWin->setEngine(engine);
+    m_flatWin->setEngine(engine);
+    (*m_commands)["openLast"]->setEnabled(!QevSettings().recentFiles().isEmpty());
+    ribbonBar()->setPageVisible(Export, needsEditing.isEmpty());
+}
+
+void MainWindow::_importChanged()
+{
+    m_document.edited();
+    m_panels->importPanel()->refresh();
+}
+
+void MainWindow::acceptClicked()
+{
+    m_document.acceptImport();
+}
+
+void MainWindow::updateClicked()
+{
+    ProgressBox progress(tr("Making the bas-relief"), this);
+    m_document.session().update(&progress);
+}
+
+void MainWindow::setStatus(const QString &text)
+{
+    m_position->setText(text);
+    _showZoom();
+}
+
+void MainWindow::reliefDirtyChanged(bool)
+{
+    _showTitle();
+}
+
+/// "Brindlemark Marlowen 3 - name *"
+void MainWindow::_showTitle()
+{
+    QString title = QString::fromLatin1(productName);
+    if (m_document.relief()) {
+        const QString name = m_document.name();
+        title += QStringLiteral(" - ") + (name.isEmpty() ? tr("new relief") : name);
+    }
+    if (m_document.isModified())
+        title += QStringLiteral(" *");
+    setWindowTitle(title);
+}
+
+void MainWindow::_showZoom()
+{
+    const Relief *relief = m_document.relief();
+    if (!relief) {
+        m_extent->clear();
+        return;
+    }
+    const LengthUnit &unit = lengthUnits[static_cast<size_t>(m_sizePage->unit())];
+    const auto length = [&unit](int cells) {
+        return QString::number(cells / cellsPerInch / unit.inches, 'f', 2);
+    };
+    m_extent->setText(QStringLiteral("%1 × %2  ·  %3 × %4 %5  ·  %6 %")
+                          .arg(relief->width())
+                          .arg(relief->height())
+                          .arg(length(relief->width()), length(relief->height()), tr(unit.label))
+                          .arg(qRound(m_sculptWin->camera().zoom * 100)));
+}
+
+void MainWindow::undo()
+{
+    m_document.undo();
+}
+
+void MainWindow::redo()
+{
+    m_document.redo();
+}
+
+void MainWindow::zoomAll()
+{
+    m_sculptWin->zoomAll();
+    m_flatWin->zoomAll();
+    _showZoom();
+}
+
+void MainWindow::ribbonTabChanged(int page)
+{
+    tabActivated(page);
+}
+
+/// The page brings its view forward if it is hidden; otherwise the splitter stands as it is.
+void MainWindow::tabActivated(int page)
+{
+    if (page == Edit2D)
+        _bringForward(View2d);
+    else if (page == SculptingTools)
+        _bringForward(View3d);
+}
+
+void MainWindow::_bringForward(int view)
+{
+    QList<int> sizes = m_splitter->sizes();
+    if (sizes.size() != 2 || sizes[view] > 0)
+        return;
+    const int half = (sizes[View3d] + sizes[View2d]) / 2;
+    m_splitter->setSizes({half, half});
+}
+
+void MainWindow::switchTheme()
+{
+    const int mode = QevSettings().darkTheme() ? 0 : 1;
+    QevSettings().setThemeMode(mode);
+    themeSwitcher::applyTheme(mode);
+    m_viewSettings->showTheme(mode == 1);
 }

@@ -1,0 +1,70 @@
+#include "ui/collapsibledock.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QToolButton>
+
+namespace {
+
+constexpr int stripWidth = 30;
+
+} // namespace
+
+CollapsibleDock::CollapsibleDock(const QString &title, const QString &name, QWidget *parent)
+    : QDockWidget(title, parent)
+    , m_title(new QLabel(title))
+    , m_button(new QToolButton)
+{
+    setObjectName(name);
+    setFeatures(QDockWidget::DockWidgetMovable);
+    setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
+    auto *bar = new QWidget(this);
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(8, 3, 4, 3);
+    row->setSpacing(4);
+    row->addWidget(m_title, 1);
+    row->addWidget(m_button);
+    m_button->setAutoRaise(true);
+    m_button->setObjectName(name + QStringLiteral("Collapse"));
+    m_button->setToolTip(tr("Collapse / expand this panel"));
+    m_button->setAccessibleName(m_button->toolTip());
+    m_title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    setTitleBarWidget(bar);
+    connect(m_button, &QToolButton::clicked, this, &CollapsibleDock::toggleCollapsed);
+    connect(this, &QDockWidget::dockLocationChanged, this, &CollapsibleDock::_showState);
+    _showState();
+}
+
+void CollapsibleDock::setContent(QWidget *content, int width)
+{
+    m_content = content;
+    m_openWidth = width;
+    setWidget(content);
+}
+
+void CollapsibleDock::setCollapsed(bool on)
+{
+    if (on == m_collapsed || isFloating())
+        return;
+    m_collapsed = on;
+    if (on)
+        m_openWidth = width();
+    m_content->setVisible(!on);
+    m_title->setVisible(!on);
+    setMinimumWidth(on ? stripWidth : 0);
+    setMaximumWidth(on ? stripWidth : QWIDGETSIZE_MAX);
+    if (auto *window = qobject_cast<QMainWindow *>(parentWidget()); window && !on)
+        window->resizeDocks({this}, {m_openWidth}, Qt::Horizontal);
+    _showState();
+}
+
+/// The arrow points where the panel goes.
+void CollapsibleDock::_showState()
+{
+    const auto *window = qobject_cast<QMainWindow *>(parentWidget());
+    const bool left = window && window->dockWidgetArea(const_cast<CollapsibleDock *>(this)) ==
+                                    Qt::LeftDockWidgetArea;
+    m_button->setArrowType(left != m_collapsed ? Qt::LeftArrow : Qt::RightArrow);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDockWidget>
+
+class QLabel;
+class QToolButton;
+
+/// A dock at the side of the window whose title carries a button that folds it to a narrow strip
+/// and back. Floating docks do not fold.
+class CollapsibleDock : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    CollapsibleDock(const QString &title, const QString &name, QWidget *parent);
+
+    bool isCollapsed() const { return m_collapsed; }
+    /// Width the dock starts with, in pixels.
+    void setContent(QWidget *content, int width);
+
+public slots:
+    void setCollapsed(bool on);
+    void toggleCollapsed() { setCollapsed(!m_collapsed); }
+
+private:
+    void _showState();
+
+    QLabel *m_title;
+    QToolButton *m_button;
+    QWidget *m_content = nullptr;
+    int m_openWidth = 0;
+    int m_contentMinimum = 0;
+    bool m_collapsed = false;
+};

@@ -1,0 +1,24 @@
+#include "ui/forcedexit.h"
+
+#include "base/sessionlog.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <cstdlib>
+#include <utility>
+
+void armForcedExit(std::function<void()> end)
+{
+    QTimer::singleShot(1500, qApp, [end = std::move(end)] {
+        logInfo() << "Export complete but still running (a modal dialog or nested event loop); "
+                     "exiting so Drafteon can import.\n";
+        logFlush();
+        end();
+    });
+}
+
+void exitAtOnce()
+{
+    std::_Exit(0);
+}

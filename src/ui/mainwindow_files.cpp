@@ -1,0 +1,336 @@
+#include "ui/mainwindow.h"
+
+#include "base/qevsettings.h"
+#include "base/sessionlog.h"
+#include "files/drafteonmap.h"
+#include "files/filetypes.h"
+#include "files/stlwriter.h"
+#include "files/workspacefile.h"
+#include "import/imageimport.h"
+#include "relief/relief.h"
+#include "ui/commandset.h"
+#include "ui/forcedexit.h"
+#include "ui/progressbox.h"
+#include "ui/recentfilesmenu.h"
+#include "ui/ribbon/ribbonbackstage.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+
+#include <new>
+
+// What the window does with files: open, save, export, hand over, and the guard of unsaved work.
+
+namespace {
+
+using Loaded = Result<std::unique_ptr<Relief>>;
+
+/// How a kind of file becomes a relief.
+struct Loader
+{
+    FileKind kind;
+    Loaded (*load)(const QString &path, const ImportSettings &settings);
+};
+
+constexpr Loader loaders[] = {
+    {FileKind::Workspace,
+     [](const QString &path, const ImportSettings &) { return loadWorkspace(path); }},
+    {FileKind::Image, [](const QString &path,
+                         const ImportSettings &settings) { return importImage(path, settings); }},
+};
+
+const Loader *loaderOf(const QString &path)
+{
+    const FileKind kind = fileKindOf(path);
+    for (const Loader &loader : loaders) {
+        if (loader.kind == kind)
+            return &loader;
+    }
+    return nullptr;
+}
+
+/// "Sculpt Files (*.scp *.jpg ...)": every ending that has a loader.
+QString openFilter()
+{
+    QStringList patterns;
+    for (const FileType &type : fileTypes) {
+        const QString pattern = QLatin1Char('*') + QLatin1String(type.extension);
+        if (loaderOf(QLatin1String("name") + QLatin1String(type.extension)))
+            patterns.append(pattern);
+    }
+    return MainWindow::tr("Sculpt Files (%1)").arg(patterns.join(QLatin1Char(' ')));
+}
+
+/// A question that only a save dialog can ask.
+struct SaveQuestion
+{
+    QString title;
+    QString filter;
+    QString suffix; ///< without its dot
+    QString folder;
+    QString name;
+};
+
+/// The chosen path, ending in the suffix; empty when the user cancelled. The dialog asks before an
+/// older file is replaced; a name that only gets its suffix here is asked about here.
+QString askForTarget(QWidget *window, const SaveQuestion &question)
+{
+    QFileDialog dialog(window, question.title, question.folder, question.filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setDefaultSuffix(question.suffix);
+    if (!question.name.isEmpty())
+        dialog.selectFile(question.name);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    QString path = dialog.selectedFiles().constFirst();
+    if (path.endsWith(QLatin1Char('.') + question.suffix, Qt::CaseInsensitive))
+        return path;
+    path += QLatin1Char('.') + question.suffix;
+    const auto yes = QMessageBox::Yes;
+    if (QFileInfo::exists(path) &&
+        QMessageBox::question(window, question.title,
+                              MainWindow::tr("%1 already exists.\nDo you want to replace it?")
+                                  .arg(QFileInfo(path).fileName()),
+                              yes | QMessageBox::No, QMessageBox::No) != yes)
+        return {};
+    return path;
+}
+
+QString firstOpenable(const QMimeData &data)
+{
+    for (const QUrl &url : data.urls()) {
+        if (url.isLocalFile() && loaderOf(url.toLocalFile()))
+            return url.toLocalFile();
+    }
+    return {};
+}
+
+} // namespace
+
+/// A command that opens or closes something waits while work or a question is in progress.
+bool MainWindow::_busy() const
+{
+    return ProgressBox::anyAtWork() || QApplication::activeModalWidget() != nullptr;
+}
+
+bool MainWindow::openFile(const QString &path, int)
+{
+    if (!loaderOf(path)) {
+        logWarning() << "Unknown file type" << path << "\n";
+        logFlush();
+        statusBar()->showMessage(
+            tr("%1 is no file that Marlowen opens.").arg(QFileInfo(path).fileName()), 5000);
+        return false;
+    }
+    if (_busy())
+        return false;
+    m_document.endStroke();
+    return _load(path);
+}
+
+/// Reads the file before asking about unsaved work, so that a damaged one costs one box and no
+/// question.
+bool MainWindow::_load(const QString &path)
+{
+    const Loader &loader = *loaderOf(path);
+    const auto read = [&]() -> Loaded {
+        try {
+            return loader.load(path, m_document.session().openingSettings());
+        } catch (const std::bad_alloc &) {
+            return Failure{tr("Open Failed"), tr("There is not enough memory for this file.")};
+        }
+    };
+    Loaded loaded = read();
+    const bool modified = m_document.isModified();
+    if (loaded && !_mayLoseWork())
+        return false;
+    // The question may have saved to the very file.
+    const QFileInfo own(m_document.workspaceFile());
+    if (loaded && modified && !m_document.workspaceFile().isEmpty() && own == QFileInfo(path))
+        loaded = read();
+    if (!loaded) {
+        _show(loaded.failure());
+        return false;
+    }
+    _install(loaded.take(), path);
+    return true;
+}
+
+void MainWindow::_install(std::unique_ptr<Relief> relief, const QString &path)
+{
+    backstage()->setOpen(false);
+    m_document.take(std::move(relief), path);
+    if (path.isEmpty())
+        return;
+    QevSettings().setLastFile(path);
+    m_recentFiles->refresh();
+    setupControls();
+}
+
+/// The unsaved-work guard: true when what is open may be replaced.
+bool MainWindow::_mayLoseWork()
+{
+    m_document.endStroke();
+    if (!m_document.isModified())
+        return true;
+    QMessageBox box(QMessageBox::Question, QString::fromLatin1("Marlowen"),
+                    tr("The current model has been modified."),
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    box.setInformativeText(tr("Do you want to save your workspace?"));
+    box.setDefaultButton(QMessageBox::Save);
+    box.setEscapeButton(QMessageBox::Cancel);
+    box.button(QMessageBox::Discard)->setText(tr("Discard"));
+    const int answer = box.exec();
+    if (answer == QMessageBox::Save)
+        return saveWorkSpace();
+    return answer == QMessageBox::Discard;
+}
+
+void MainWindow::toggleBackStage()
+{
+    m_recentFiles->refresh();
+    backstage()->setOpen(!backstage()->isVisible());
+}
+
+void MainWindow::chooseFileToOpen()
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Open"), QevSettings().lastFolder(), openFilter());
+    if (!path.isEmpty())
+        openFile(path, 0);
+}
+
+void MainWindow::openLastFile()
+{
+    const QStringList files = QevSettings().recentFiles();
+    if (!files.isEmpty())
+        openFile(files.constFirst(), 0);
+}
+
+void MainWindow::openRecentFile()
+{
+    const auto *action = qobject_cast<QAction *>(sender());
+    if (action)
+        openFile(action->data().toString(), 0);
+}
+
+bool MainWindow::saveWorkSpace()
+{
+    if (!m_document.relief())
+        return false;
+    const QString path = m_document.workspaceFile();
+    return path.isEmpty() ? saveWorkSpaceAs() : _saveTo(path);
+}
+
+bool MainWindow::saveWorkSpaceAs()
+{
+    if (!m_document.relief())
+        return false;
+    const QString name = QFileInfo(m_document.name()).completeBaseName();
+    const QString path =
+        askForTarget(this, {tr("Save WorkSpace"), tr("Sculpt Work Space (*.scp);;"),
+                            QStringLiteral("scp"), QevSettings().lastFolder(), name});
+    return !path.isEmpty() && _saveTo(path);
+}
+
+bool MainWindow::_saveTo(const QString &path)
+{
+    m_document.endStroke();
+    if (const Outcome saved = saveWorkspace(*m_document.relief(), path); !saved) {
+        _show(saved.failure());
+        return false;
+    }
+    m_document.savedAs(path);
+    QevSettings().setLastFile(path);
+    m_recentFiles->refresh();
+    setupControls();
+    statusBar()->showMessage(tr("Saved."), 3000);
+    return true;
+}
+
+void MainWindow::exportStlFile()
+{
+    if (!m_document.relief())
+        return;
+    m_document.endStroke();
+    const QString name = QFileInfo(m_document.name()).completeBaseName();
+    const QString path =
+        askForTarget(this, {tr("Export"), tr("Export (*.stl);;"), QStringLiteral("stl"),
+                            QevSettings().lastExportFolder(), name});
+    if (path.isEmpty())
+        return;
+    ProgressBox progress(tr("Exporting"), this);
+    const Outcome written = exportGridStl(*m_document.relief(), path, &progress);
+    if (!written && !progress.cancelled())
+        return _show(written.failure());
+    if (!written)
+        return;
+    QevSettings().setLastExportFile(path);
+    statusBar()->showMessage(tr("Exported."), 3000);
+}
+
+void MainWindow::setImportFile(const QString &path)
+{
+    m_importFile = path;
+    QTimer::singleShot(1, this, &MainWindow::loadImportFile);
+}
+
+void MainWindow::loadImportFile()
+{
+    openFile(m_importFile, 0);
+}
+
+void MainWindow::setIntegrationString(const QString &text)
+{
+    m_integrationString = text;
+}
+
+void MainWindow::setSecondIntegrationString(const QString &text)
+{
+    m_secondIntegrationString = text;
+}
+
+void MainWindow::setExportPath(const QString &path)
+{
+    m_exportPath = path;
+    (*m_commands)["sendToDrafteon"]->setVisible(!path.isEmpty());
+}
+
+/// The relief goes to the sister program, which waits for this process to end.
+void MainWindow::exportToDrafteon()
+{
+    if (!m_document.relief() || m_exportPath.isEmpty())
+        return;
+    m_document.endStroke();
+    if (const Outcome sent = exportDrafteonMap(*m_document.relief(), m_exportPath); !sent)
+        return _show(sent.failure());
+    m_handedOver = true;
+    _saveLayout();
+    armForcedExit(forcedExit);
+    QCoreApplication::quit();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!_busy() && !firstOpenable(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QString path = firstOpenable(*event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // The source of the drag waits for the drop to end; a question must not keep it.
+    QTimer::singleShot(0, this, [this, path] { openFile(path, 0); });
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "relief/selections.h"
+#include "relief/toolparams.h"
+
+#include <QObject>
+
+class CommandSet;
+class NumberField;
+class QActionGroup;
+class QCheckBox;
+class RibbonGroup;
+class RibbonPage;
+class SliderField;
+class ToolActions;
+
+/// The controls of the page "2D Edit": crop, selections, sample, height brush, fill, erase.
+class EditPage : public QObject
+{
+    Q_OBJECT
+
+public:
+    EditPage(RibbonPage &page, CommandSet &commands, const ToolActions &tools, QObject *parent);
+
+    static void addCommands(CommandSet &commands);
+
+    /// Tolerance and continuity of the magic selection.
+    void showParams(const ToolParams &params);
+    /// The exact height is the relief's; the field shows it rounded.
+    void showSample(double height);
+    /// What the sample field holds.
+    double sample() const;
+
+signals:
+    void modifierChosen(SelectionModifier modifier);
+    void toleranceChanged(double tolerance);
+    void continuousChanged(bool on);
+    /// The user typed another sample height.
+    void sampleEdited();
+
+private:
+    void _addShapes(RibbonPage &page, const ToolActions &tools);
+    void _addMagic(const ToolActions &tools);
+    void _addHeights(const ToolActions &tools);
+
+    CommandSet &m_commands;
+    RibbonGroup *m_group = nullptr;
+    SliderField *m_tolerance = nullptr;
+    QCheckBox *m_continuous = nullptr;
+    NumberField *m_sample = nullptr;
+};

@@ -1,0 +1,56 @@
+#include "ui/progressbox.h"
+
+#include <QApplication>
+#include <QProgressDialog>
+
+namespace {
+
+constexpr qint64 patienceMs = 500;
+constexpr qint64 frameMs = 40;
+constexpr int steps = 1000;
+
+} // namespace
+
+int ProgressBox::s_atWork = 0;
+
+ProgressBox::ProgressBox(const QString &label, QWidget *window)
+    : m_label(label)
+    , m_window(window)
+{
+    ++s_atWork;
+    m_since.start();
+}
+
+ProgressBox::~ProgressBox()
+{
+    --s_atWork;
+}
+
+bool ProgressBox::anyAtWork()
+{
+    return s_atWork > 0;
+}
+
+void ProgressBox::advance(double fraction)
+{
+    const qint64 now = m_since.elapsed();
+    if (now < patienceMs || now - m_lastShownMs < frameMs)
+        return;
+    m_lastShownMs = now;
+    if (!m_dialog) {
+        m_dialog =
+            std::make_unique<QProgressDialog>(m_label, QObject::tr("Cancel"), 0, steps, m_window);
+        m_dialog->setWindowModality(Qt::WindowModal);
+        m_dialog->setMinimumDuration(0);
+        m_dialog->setAutoClose(false);
+        m_dialog->setAutoReset(false);
+        m_dialog->show();
+    }
+    m_dialog->setValue(qBound(0, qRound(fraction * steps), steps));
+    QApplication::processEvents();
+}
+
+bool ProgressBox::cancelled() const
+{
+    return m_dialog && m_dialog->wasCanceled();
+}
