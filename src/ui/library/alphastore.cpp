@@ -2,13 +2,13 @@
 
 #include "base/datafolder.h"
 #include "files/alphaimage.h"
+#include "files/boundedimage.h"
 #include "relief/alphabrush.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 
 // Outside any namespace, as the macro demands; without it the linker drops the resources.
 static void _initResources()
@@ -30,21 +30,6 @@ struct Texts
 QStringList _pictureFilters()
 {
     return {"*.png", "*.jpg", "*.jpeg", "*.bmp"};
-}
-
-/// Reads the picture no larger than `side`, scaled while it is decoded where the format can.
-QImage _readPicture(const QString &path, int side)
-{
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
-    const QSize size = reader.size();
-    if (size.width() > side || size.height() > side)
-        reader.setScaledSize(size.scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1}));
-    const QImage image = reader.read();
-    if (image.width() <= side && image.height() <= side)
-        return image;
-    return image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
 QString _freePath(const QFileInfo &source)
@@ -84,14 +69,14 @@ QList<AlphaEntry> alphaEntries()
 
 QImage alphaThumbnail(const QString &path, int side)
 {
-    return _readPicture(path, side).convertToFormat(QImage::Format_Grayscale8);
+    return readImageWithin(path, side).convertToFormat(QImage::Format_Grayscale8);
 }
 
 Result<QString> addAlphaPicture(const QString &path)
 {
     const QString title = Texts::tr("Add Picture Failed");
     const QString name = QFileInfo(path).fileName();
-    if (!QDir::match(_pictureFilters(), name) || _readPicture(path, 16).isNull())
+    if (!QDir::match(_pictureFilters(), name) || readImageWithin(path, 16).isNull())
         return Failure{title, Texts::tr("%1 is not a picture that can be read.").arg(name)};
     const QString copy = _freePath(QFileInfo(path));
     if (!QFile::copy(path, copy))
@@ -110,7 +95,7 @@ Outcome removeAlphaPicture(const QString &path)
 
 Outcome chooseAlpha(const QString &path)
 {
-    const FloatGrid grid = squareGrid(alphaGrid(_readPicture(path, largestSide)));
+    const FloatGrid grid = squareGrid(alphaGrid(readImageWithin(path, largestSide)));
     if (grid.width == 0)
         return Failure{
             Texts::tr("Open Failed"),
