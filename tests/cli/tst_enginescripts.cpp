@@ -7,6 +7,7 @@
 
 #include <QBuffer>
 #include <QImage>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -62,6 +63,7 @@ class TestEngineScripts : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false")); }
     void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
 
     void mistakes_data();
