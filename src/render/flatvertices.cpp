@@ -3,6 +3,8 @@
 #include "relief/relief.h"
 #include "render/reliefmesh.h"
 
+#include <algorithm>
+
 namespace {
 
 class Leveller
@@ -25,7 +27,10 @@ public:
 private:
     double _levelOf(double height) const
     {
-        const double level = (height - m_minimum) / m_range * m_count;
+        // Heights far off an old range must still fit the conversion.
+        constexpr double farthest = 1e15;
+        const double level =
+            std::clamp((height - m_minimum) / m_range * m_count, -farthest, farthest);
         // Rounded up by hand: without newer instructions ceil() is a call for every vertex.
         const auto whole = static_cast<double>(static_cast<int64_t>(level));
         return level > whole ? whole + 1.0 : whole;

@@ -112,6 +112,18 @@ void FlatWin::verticesChanged()
     // Without vertices, as when the relief is off the screen, there is nothing to outline either.
     if (drawRegion().isEmpty())
         m_outlineDirty = true;
+    m_rangeUnchecked = true;
+}
+
+void FlatWin::_checkRange()
+{
+    // Looking through all heights is left for the end of a stroke.
+    if (!m_rangeUnchecked || relief()->tool())
+        return;
+    m_rangeUnchecked = false;
+    const HeightRange now = changes()->heightRange();
+    if (now.minimum != heightRange().minimum || now.maximum != heightRange().maximum)
+        invalidateVertices();
 }
 
 void FlatWin::configureShader(Shader &shader)
@@ -141,6 +153,7 @@ void FlatWin::drawOverlays(QOpenGLFunctions_2_1 &gl)
 {
     if (!relief())
         return;
+    _checkRange();
     // Its signals have no place in a paint.
     if (!_shapeInSync())
         QTimer::singleShot(0, this, &FlatWin::_syncTool);

@@ -83,6 +83,7 @@ protected:
 
 private:
     QSize _grid() const;
+    void _checkRange();
     bool _shapeInSync() const;
     void _syncTool();
     void _pressEngine(QMouseEvent *event);
@@ -104,7 +105,8 @@ private:
     ShapeGesture m_shape;
     OutlinePainter m_painter;
     bool m_outlineDirty = true;
-    int m_outlineStep = 1; ///< cells that fall on one pixel
+    int m_outlineStep = 1;         ///< cells that fall on one pixel
+    bool m_rangeUnchecked = false; ///< heights changed: the range may have, too
     bool m_cropPresent = false;
     bool m_ownCursor = false;
     int m_antsPhase = 0;

@@ -142,6 +142,7 @@ private slots:
     void heightsShowInLevels();
     void colourOffsetShifts();
     void flatReliefIsBlack();
+    void strokeBeyondTheRangeIsColoured();
     void antsFollowTheSelection();
     void idleViewDoesNotPaint();
     void outlineLiesOnCellEdges();
@@ -452,6 +453,25 @@ void TestFlatWin::flatReliefIsBlack()
     stage.relief->heightsChanged = true;
     stage.changes.notify();
     QCOMPARE(stage.pixel(stage.at(60, 40)), qRgb(0, 0, 0));
+}
+
+// Painting higher than everything else stretches the colours, at the end of the stroke.
+void TestFlatWin::strokeBeyondTheRangeIsColoured()
+{
+    Stage stage(Tool::HeightBrush);
+    std::fill_n(stage.relief->heights().data(), stage.relief->cells(), 3.0F);
+    stage.relief->heightsChanged = true;
+    stage.relief->sampleHeight = 6.0F;
+    stage.changes.notify();
+    stage.settle();
+    stage.drag(stage.at(30, 45), stage.at(50, 45));
+    stage.settle();
+    stage.moveTo(stage.at(110, 5));
+    QVERIFY(close(stage.pixel(stage.at(40, 45)), heightColour(1.0)));
+    QVERIFY(close(stage.pixel(stage.at(80, 45)), heightColour(0.0)));
+    const int rebuilds = stage.view.counters().fullRebuilds;
+    stage.settle();
+    QCOMPARE(stage.view.counters().fullRebuilds, rebuilds);
 }
 
 void TestFlatWin::antsFollowTheSelection()

@@ -1,9 +1,12 @@
+#include "base/datafolder.h"
 #include "base/qevsettings.h"
+#include "base/sessionlog.h"
 #include "gltarget.h"
 #include "render/legacyshader.h"
 #include "render/lightdirection.h"
 #include "render/vboshader.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QVector3D>
@@ -161,6 +164,15 @@ QByteArray writeSource(const QTemporaryDir &dir, const char *name, const char *t
     return file.fileName().toUtf8();
 }
 
+/// Argument that makes this program ask for a shader without a context.
+const QString withoutContext = QStringLiteral("--without-context");
+
+QByteArray sessionLogOf(qint64 pid)
+{
+    QFile file(QStringLiteral("%1/marlowen3_%2.log").arg(dataFolder()).arg(pid, 0, 16));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 QString lastDebugMessage;
 void keepDebugMessage(QtMsgType, const QMessageLogContext &, const QString &text)
 {
@@ -184,6 +196,8 @@ private slots:
     void engineFollowsVersionAndSetting_data();
     void engineFollowsVersionAndSetting();
     void factoryMakesTheFourClasses();
+    void engineChoiceIsLogged();
+    void missingContextEndsTheProcess();
     void litPixelsFollowTheFormula_data() { _engines(); }
     void litPixelsFollowTheFormula();
     void heightPixelsFollowTheFormula_data() { _engines(); }
@@ -248,6 +262,33 @@ void TestShaders::factoryMakesTheFourClasses()
     QVERIFY(dynamic_cast<LegacyShader *>(makeShader(Shader3d, true).get()));
     QVERIFY(dynamic_cast<LegacyShader2d *>(makeShader(Shader2d, true).get()));
     QVERIFY(!ShaderFactory::getShader(static_cast<ShaderType>(2)));
+}
+
+void TestShaders::engineChoiceIsLogged()
+{
+    const qint64 pid = QCoreApplication::applicationPid();
+    logFlush();
+    const qsizetype before = sessionLogOf(pid).size();
+    makeShader(Shader3d, true);
+    makeShader(Shader2d, false);
+    logFlush();
+    QCOMPARE(sessionLogOf(pid).sliced(before),
+             QByteArray("Info: Fallback shader requested in QevSettings\n"
+                        "Info: Using Legacy OpenGL 2.1 drawing engine\n"
+                        "Info: Using VBO based OpenGL 3.3 drawing engine\n"));
+}
+
+void TestShaders::missingContextEndsTheProcess()
+{
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), {withoutContext});
+    const qint64 pid = process.processId();
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QVERIFY(process.readAllStandardError().contains("Null OpenGL Context"));
+    const QByteArray log = sessionLogOf(pid);
+    QVERIFY(log.contains("No Current OpenGL context... Fail\n"));
+    QVERIFY(log.contains("Got Null OpenGL Version string, can't continue\n"));
 }
 
 void TestShaders::litPixelsFollowTheFormula()
@@ -553,5 +594,15 @@ void TestShaders::failedProgramsThrow()
     QVERIFY(near(drawn(*m_target, *shader).pixel(30, 30), litColour({0, 0, 1}), 2));
 }
 
-QTEST_MAIN(TestShaders)
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    if (QCoreApplication::arguments().contains(withoutContext)) {
+        ShaderFactory::getShader(Shader3d);
+        return 0;
+    }
+    TestShaders test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_shaders.moc"
