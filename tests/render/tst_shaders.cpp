@@ -1,13 +1,8 @@
-#include "base/datafolder.h"
 #include "base/qevsettings.h"
-#include "base/sessionlog.h"
 #include "gltarget.h"
-#include "render/legacyshader.h"
 #include "render/lightdirection.h"
-#include "render/vboshader.h"
+#include "render/shader.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QVector3D>
 
@@ -146,39 +141,6 @@ int differingPixels(const QImage &a, const QImage &b)
     return count;
 }
 
-/// Reaches the protected program builder.
-struct BrokenShader : LegacyEngine
-{
-    BrokenShader(const QByteArray &vertexFile, const QByteArray &fragmentFile)
-        : LegacyEngine(Shader3d)
-    {
-        _buildProgram(vertexFile.constData(), fragmentFile.constData(), Shader3d);
-    }
-};
-
-QByteArray writeSource(const QTemporaryDir &dir, const char *name, const char *text)
-{
-    QFile file(dir.filePath(QString::fromLatin1(name)));
-    if (file.open(QIODevice::WriteOnly))
-        file.write(text);
-    return file.fileName().toUtf8();
-}
-
-/// Argument that makes this program ask for a shader without a context.
-const QString withoutContext = QStringLiteral("--without-context");
-
-QByteArray sessionLogOf(qint64 pid)
-{
-    QFile file(QStringLiteral("%1/marlowen3_%2.log").arg(dataFolder()).arg(pid, 0, 16));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QString lastDebugMessage;
-void keepDebugMessage(QtMsgType, const QMessageLogContext &, const QString &text)
-{
-    lastDebugMessage = text;
-}
-
 } // namespace
 
 class TestShaders : public QObject
@@ -193,11 +155,6 @@ private slots:
         m_target.reset();
     }
 
-    void engineFollowsVersionAndSetting_data();
-    void engineFollowsVersionAndSetting();
-    void factoryMakesTheFourClasses();
-    void engineChoiceIsLogged();
-    void missingContextEndsTheProcess();
     void litPixelsFollowTheFormula_data() { _engines(); }
     void litPixelsFollowTheFormula();
     void heightPixelsFollowTheFormula_data() { _engines(); }
@@ -219,8 +176,6 @@ private slots:
     void uploadsFollowWhatChanged();
     void releaseUndoesBind_data() { _engines(); }
     void releaseUndoesBind();
-    void failedProgramsThrow_data();
-    void failedProgramsThrow();
 
 private:
     static void _engines()
@@ -231,65 +186,6 @@ private:
     }
     std::unique_ptr<GlTarget> m_target;
 };
-
-void TestShaders::engineFollowsVersionAndSetting_data()
-{
-    QTest::addColumn<QByteArray>("version");
-    QTest::addColumn<bool>("legacySetting");
-    QTest::addColumn<bool>("buffers");
-    QTest::newRow("2.1") << QByteArray("2.1 Mesa 22.3.6") << false << false;
-    QTest::newRow("3.2") << QByteArray("3.2.0 NVIDIA") << false << false;
-    QTest::newRow("3.3") << QByteArray("3.3.0") << false << true;
-    QTest::newRow("4.5") << QByteArray("4.5 (Compatibility Profile) Mesa 22.3.6") << false << true;
-    QTest::newRow("10.0") << QByteArray("10.0") << false << true;
-    QTest::newRow("asked for") << QByteArray("4.6.0") << true << false;
-    QTest::newRow("embedded") << QByteArray("OpenGL ES 3.2") << false << false;
-    QTest::newRow("empty") << QByteArray("") << false << false;
-}
-
-void TestShaders::engineFollowsVersionAndSetting()
-{
-    QFETCH(QByteArray, version);
-    QFETCH(bool, legacySetting);
-    QFETCH(bool, buffers);
-    QCOMPARE(drawingEngineFor(version.constData(), legacySetting) == DrawingEngine::Vbo, buffers);
-}
-
-void TestShaders::factoryMakesTheFourClasses()
-{
-    QVERIFY(dynamic_cast<VboShader *>(makeShader(Shader3d, false).get()));
-    QVERIFY(dynamic_cast<VboShader2d *>(makeShader(Shader2d, false).get()));
-    QVERIFY(dynamic_cast<LegacyShader *>(makeShader(Shader3d, true).get()));
-    QVERIFY(dynamic_cast<LegacyShader2d *>(makeShader(Shader2d, true).get()));
-    QVERIFY(!ShaderFactory::getShader(static_cast<ShaderType>(2)));
-}
-
-void TestShaders::engineChoiceIsLogged()
-{
-    const qint64 pid = QCoreApplication::applicationPid();
-    logFlush();
-    const qsizetype before = sessionLogOf(pid).size();
-    makeShader(Shader3d, true);
-    makeShader(Shader2d, false);
-    logFlush();
-    QCOMPARE(sessionLogOf(pid).sliced(before),
-             QByteArray("Info: Fallback shader requested in QevSettings\n"
-                        "Info: Using Legacy OpenGL 2.1 drawing engine\n"
-                        "Info: Using VBO based OpenGL 3.3 drawing engine\n"));
-}
-
-void TestShaders::missingContextEndsTheProcess()
-{
-    QProcess process;
-    process.start(QCoreApplication::applicationFilePath(), {withoutContext});
-    const qint64 pid = process.processId();
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
-    QVERIFY(process.readAllStandardError().contains("Null OpenGL Context"));
-    const QByteArray log = sessionLogOf(pid);
-    QVERIFY(log.contains("No Current OpenGL context... Fail\n"));
-    QVERIFY(log.contains("Got Null OpenGL Version string, can't continue\n"));
-}
 
 void TestShaders::litPixelsFollowTheFormula()
 {
@@ -549,60 +445,5 @@ void TestShaders::releaseUndoesBind()
     }
 }
 
-void TestShaders::failedProgramsThrow_data()
-{
-    QTest::addColumn<QByteArray>("vertex");
-    QTest::addColumn<QByteArray>("fragment");
-    QTest::addColumn<QByteArray>("message");
-    QTest::addColumn<bool>("logged");
-    const QByteArray good = "#version 120\nvoid main() { gl_Position = gl_Vertex; }\n";
-    const QByteArray goodFragment = "#version 120\nvoid main() { gl_FragColor = vec4(1.0); }\n";
-    const QByteArray bad = "#version 120\nvoid main() { nonsense }\n";
-    const QByteArray unlinkable = "#version 120\nvoid missing();\nvoid main() { missing(); }\n";
-    const QByteArray compileText = "Shader compile failed...aborting!";
-    QTest::newRow("vertex") << bad << goodFragment << compileText << true;
-    QTest::newRow("fragment") << good << bad << compileText << true;
-    QTest::newRow("link") << good << unlinkable << QByteArray("Shader link failed ... aborting!")
-                          << false;
-}
-
-void TestShaders::failedProgramsThrow()
-{
-    QFETCH(QByteArray, vertex);
-    QFETCH(QByteArray, fragment);
-    QFETCH(QByteArray, message);
-    QFETCH(bool, logged);
-    const QTemporaryDir dir;
-    const QByteArray vertexFile = writeSource(dir, "v.vert", vertex.constData());
-    const QByteArray fragmentFile = writeSource(dir, "f.frag", fragment.constData());
-    lastDebugMessage.clear();
-    const auto previous = qInstallMessageHandler(keepDebugMessage);
-    QByteArray thrown;
-    try {
-        BrokenShader shader(vertexFile, fragmentFile);
-    } catch (const char *text) {
-        thrown = text;
-    }
-    qInstallMessageHandler(previous);
-    QCOMPARE(thrown, message);
-    QCOMPARE(lastDebugMessage.startsWith(QLatin1String("Compile log:: ")), logged);
-
-    // The context still serves the next shader.
-    const auto shader = makeShader(Shader3d, true);
-    const Mesh mesh(plane);
-    mesh.giveTo(*shader);
-    QVERIFY(near(drawn(*m_target, *shader).pixel(30, 30), litColour({0, 0, 1}), 2));
-}
-
-int main(int argc, char **argv)
-{
-    QGuiApplication application(argc, argv);
-    if (QCoreApplication::arguments().contains(withoutContext)) {
-        ShaderFactory::getShader(Shader3d);
-        return 0;
-    }
-    TestShaders test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestShaders)
 #include "tst_shaders.moc"
