@@ -3,6 +3,7 @@
 #include "relief/alphabrush.h"
 #include "relief/toolparams.h"
 #include "render/footprint.h"
+#include "render/overlaylight.h"
 
 #include <QOpenGLFunctions_2_1>
 
@@ -60,15 +61,10 @@ FootprintPainter::Loop FootprintPainter::_draped(const Relief &relief,
 
 void FootprintPainter::_fill(QOpenGLFunctions_2_1 &gl, const Loop &loop, double zoom)
 {
-    constexpr float lightAmbient[] = {0.5F, 0.5F, 0.5F, 1.0F};
-    constexpr float lightDiffuse[] = {1.0F, 1.0F, 1.0F, 1.0F};
     constexpr float ambient[] = {0.5F, 0.5F, 0.5F, 0.15F};
     constexpr float diffuse[] = {1.0F, 0.0F, 0.0F, 0.5F};
 
-    gl.glLightfv(GL_LIGHT1, GL_AMBIENT, lightAmbient);
-    gl.glLightfv(GL_LIGHT1, GL_DIFFUSE, lightDiffuse);
-    gl.glEnable(GL_LIGHT1);
-    gl.glEnable(GL_LIGHTING);
+    const OverlayLight light(gl);
     gl.glMaterialfv(GL_FRONT, GL_AMBIENT, ambient);
     gl.glMaterialfv(GL_FRONT, GL_DIFFUSE, diffuse);
     gl.glPolygonMode(GL_FRONT, GL_FILL);
@@ -77,8 +73,6 @@ void FootprintPainter::_fill(QOpenGLFunctions_2_1 &gl, const Loop &loop, double 
     for (const SurfacePoint &p : loop)
         gl.glVertex3f(p.x, p.y, p.z);
     gl.glEnd();
-    gl.glDisable(GL_LIGHTING);
-    gl.glDisable(GL_LIGHT1);
 }
 
 void FootprintPainter::_line(QOpenGLFunctions_2_1 &gl, const Loop &loop, const float *rgba)

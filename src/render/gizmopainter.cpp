@@ -2,6 +2,7 @@
 
 #include "render/depthimage.h"
 #include "render/gizmo.h"
+#include "render/overlaylight.h"
 #include "render/reliefpicture.h"
 
 #include <QOpenGLFramebufferObject>
@@ -27,14 +28,9 @@ constexpr Axis axes[] = {
 
 void drawCube(QOpenGLFunctions_2_1 &gl)
 {
-    constexpr float lightAmbient[] = {0.5F, 0.5F, 0.5F, 1.0F};
-    constexpr float white[] = {1.0F, 1.0F, 1.0F, 1.0F};
     constexpr float both[] = {0.25F, 0.3F, 1.0F, 0.15F};
     constexpr float diffuse[] = {0.6F, 0.6F, 0.6F, 0.5F};
-    gl.glLightfv(GL_LIGHT1, GL_AMBIENT, lightAmbient);
-    gl.glLightfv(GL_LIGHT1, GL_DIFFUSE, white);
-    gl.glEnable(GL_LIGHT1);
-    gl.glEnable(GL_LIGHTING);
+    const OverlayLight light(gl);
     gl.glDepthMask(GL_FALSE);
     gl.glMaterialfv(GL_FRONT, GL_AMBIENT_AND_DIFFUSE, both);
     gl.glMaterialfv(GL_FRONT, GL_DIFFUSE, diffuse);
@@ -46,8 +42,6 @@ void drawCube(QOpenGLFunctions_2_1 &gl)
         gl.glEnd();
     }
     gl.glDepthMask(GL_TRUE);
-    gl.glDisable(GL_LIGHTING);
-    gl.glDisable(GL_LIGHT1);
 }
 
 void drawAxis(QOpenGLFunctions_2_1 &gl, GLUquadric *quadric, const Axis &axis)

@@ -63,6 +63,8 @@ void ReliefView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint from = m_lastPos;
     m_lastPos = positionOf(*event);
+    // While a button is held no enter or leave comes.
+    m_pointerInside = rect().contains(m_lastPos);
     m_statusPending = true;
     if (m_heldButton == Qt::NoButton)
         event->ignore();
