@@ -1,0 +1,614 @@
+#include "relief/alphabrush.h"
+#include "relief/relief.h"
+#include "relief/sculptengine.h"
+#include "relief/sculptundo.h"
+#include "relief/tooltable.h"
+
+#include <QTest>
+
+#include <cmath>
+#include <functional>
+#include <random>
+
+namespace {
+
+using Layer = std::vector<float>;
+
+Layer copyOf(const GridLayer &layer)
+{
+    return {layer.constData(), layer.constData() + layer.size()};
+}
+
+/// A relief whose diagonal is 500 cells, so that size 0.02 is a radius of 1. That round footprint
+/// is an outline of five cells: the centre, its left, right and upper and its upper left neighbour.
+struct Bench
+{
+    Bench()
+    {
+        engine.attach(&relief, &undo);
+        fill([](int, int) { return 2.0; });
+        params.size = 0.02;
+        params.strength = 0.5;
+        params.falloff = Tool::LinearFalloff;
+        params.hardness = 0.0; // an outline cell of D = 4 then weighs (1 - (2 - 1) / 2) = 0.5
+    }
+
+    void fill(const std::function<double(int, int)> &height)
+    {
+        for (int row = 0; row < relief.height(); ++row)
+            for (int column = 0; column < relief.width(); ++column)
+                at(column, row) = static_cast<float>(height(column, row));
+    }
+    float &at(int column, int row) { return relief.heights().data()[relief.index(column, row)]; }
+
+    Relief relief{300, 400};
+    SculptUndo undo;
+    SculptEngine engine;
+    ToolParams params;
+};
+
+/// New values of a footprint's cells, around the dab's centre cell.
+struct Dabbed
+{
+    double centre;
+    double left;
+    double right;
+    double above;
+    double aboveLeft;
+};
+
+struct HandCase
+{
+    int type;
+    std::function<void(Bench &)> prepare;
+    Dabbed result;
+    QPoint centre{150, 200};
+    std::function<void(Bench &)> further = [](Bench &) {};
+};
+
+const HandCase evenGround(
+    int type, double height, const std::function<void(Bench &)> &prepare = [](Bench &) {})
+{
+    return {type, prepare, {height, height, height, height, height}};
+}
+
+void strengthOne(Bench &b)
+{
+    b.params.strength = 1.0;
+}
+
+void hill(Bench &b)
+{
+    b.params.strength = 1.0;
+    b.at(150, 200) = 12.0F;
+}
+
+void ramp(Bench &b)
+{
+    b.fill([](int column, int) { return column - 140.0; });
+}
+
+void stampImage()
+{
+    const float white[] = {1.0F};
+    AlphaBrush::instance().setImage(white, 1);
+    AlphaBrush::instance().mode = AlphaBrush::Stamp;
+}
+
+ToolParams randomParams(std::mt19937 &random, int type)
+{
+    std::uniform_real_distribution<double> share(0.0, 1.0);
+    ToolParams params;
+    params.type = type;
+    params.mode = static_cast<int>(random() % 3);
+    params.form = static_cast<int>(random() % 2);
+    params.falloff = static_cast<int>(random() % 4);
+    params.size = 0.1 + 0.9 * share(random);
+    params.strength = share(random);
+    params.hardness = share(random);
+    params.aspect = 1.0 + 2.0 * share(random);
+    params.angle = 180.0 * share(random) - 90.0;
+    params.useDecay = random() % 2;
+    params.decayLength = 0.1 * share(random);
+    params.keepTransparency = random() % 2;
+    params.ceilingOrFloor = random() % 2;
+    return params;
+}
+
+/// Rough ground with empty cells, a reference, a mask and a selection, all of them patchy.
+void roughen(Relief &relief, std::mt19937 &random)
+{
+    std::uniform_real_distribution<float> height(0.0F, 5.0F);
+    for (qsizetype i = 0; i < relief.cells(); ++i) {
+        relief.heights().data()[i] = random() % 5 ? height(random) : 0.0F;
+        relief.referenceLayer().data()[i] = height(random);
+        relief.maskLayer().data()[i] = random() % 3 ? 0.0F : height(random) / 5.0F;
+        relief.selectionLayer().data()[i] = random() % 4 ? 1.0F : 0.0F;
+    }
+    relief.sampleHeight = 1.25F;
+}
+
+void wander(SculptEngine &engine, const ToolParams &params, std::mt19937 &random)
+{
+    std::uniform_real_distribution<double> place(-40.0, 40.0);
+    engine.beginStroke(params, {place(random), place(random)});
+    for (int i = 0; i < 2; ++i) {
+        engine.addStrokePoint({place(random), place(random)});
+        engine.flush();
+    }
+    engine.endStroke({place(random), place(random)});
+}
+
+} // namespace
+
+class TestBrushes : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+
+    void tableIsInOrder()
+    {
+        for (int type = Tool::Smooth; type <= Tool::None; ++type)
+            QCOMPARE(int(toolRow(type)->type), type);
+        QVERIFY(!toolRow(-1) && !toolRow(21));
+    }
+
+    void byHand_data();
+    void byHand();
+    void masks();
+    void planeOfNothing();
+    void smoothAtTheEdge();
+    void smudgeAtTheEdge();
+    void moveReadsBeyondItsBox();
+    void stampCutsDownToItsLevel();
+
+    void properties_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<bool>("stamp");
+        for (const ToolRow &row : toolTable()) {
+            if (row.dab)
+                QTest::newRow(row.id) << int(row.type) << false;
+            if (row.stamp)
+                QTest::addRow("%s, stamp", row.id) << int(row.type) << true;
+        }
+    }
+    void properties();
+    void undoRestores_data() { properties_data(); }
+    void undoRestores();
+    void strengthZero_data() { properties_data(); }
+    void strengthZero();
+    void emptyGridStaysEmpty_data() { properties_data(); }
+    void emptyGridStaysEmpty();
+    void mirrorsAreDabs_data() { properties_data(); }
+    void mirrorsAreDabs();
+};
+
+using Cases = std::vector<std::pair<const char *, HandCase>>;
+
+static Cases handCases()
+{
+    const auto invert = [](Bench &b) { b.relief.invert = true; };
+    const auto stepRight = [](Bench &b) { b.engine.applyAt({1.0, 0.0}); };
+    return {
+        // s = 0.5, w = 0.25; a rise or fall of 500 * 0.001 * 0.5 = 0.25 by a quarter.
+        {"Deposit", evenGround(Tool::Deposit, 2.0625)},
+        {"Deposit, inverted", evenGround(Tool::Deposit, 1.9375, invert)},
+        {"Deposit to a ceiling",
+         {Tool::Deposit,
+          [](Bench &b) {
+              b.params.ceilingOrFloor = true;
+              b.at(149, 200) = 2.125F;
+          },
+          {2.03125, 2.125, 2.03125, 2.03125, 2.03125}}},
+        {"Remove", evenGround(Tool::Remove, 1.9375)},
+        {"Remove, inverted", evenGround(Tool::Remove, 2.0625, invert)},
+        {"Remove to a floor",
+         {Tool::Remove,
+          [](Bench &b) {
+              b.params.ceilingOrFloor = true;
+              b.params.keepTransparency = false;
+              b.at(149, 200) = 1.875F;
+              b.at(150, 199) = 0.0F;
+          },
+          {1.96875, 1.875, 1.96875, 0.0, 1.96875}}},
+        {"Remove down to nothing",
+         {Tool::Remove,
+          [](Bench &b) {
+              strengthOne(b);
+              b.params.falloff = Tool::ConstantFalloff;
+              b.fill([](int, int) { return 0.25; });
+          },
+          {0.0, 0.0, 0.0, 0.0, 0.0}}},
+        // Means 6 in the middle, 4 beside it, 3 diagonally; a quarter of the way there.
+        {"Smooth",
+         {Tool::Smooth, [](Bench &b) { b.at(150, 200) = 18.0F; }, {15.0, 2.5, 2.5, 2.5, 2.25}}},
+        {"Smooth, raise",
+         {Tool::Smooth,
+          [](Bench &b) {
+              b.params.mode = Tool::Raise;
+              b.at(150, 200) = 18.0F;
+          },
+          {18.0, 2.5, 2.5, 2.5, 2.25}}},
+        {"Smooth, lower",
+         {Tool::Smooth,
+          [](Bench &b) {
+              b.params.mode = Tool::Lower;
+              b.at(150, 200) = 18.0F;
+          },
+          {15.0, 2.0, 2.0, 2.0, 2.0}}},
+        // Plane at 2 + 500 * 0.02 = 12, half of the way weighs 0.5.
+        {"Clay", evenGround(Tool::Clay, 7.0, strengthOne)},
+        {"Clay, inverted", evenGround(Tool::Clay, 0.0,
+                                      [](Bench &b) {
+                                          strengthOne(b);
+                                          b.relief.invert = true;
+                                      })},
+        // Mean 4 of 12 and four times 2.
+        {"Flatten", {Tool::Flatten, hill, {8.0, 3.0, 3.0, 3.0, 3.0}}},
+        {"Scrape", {Tool::Scrape, hill, {8.0, 2.0, 2.0, 2.0, 2.0}}},
+        {"Scrape, inverted",
+         {Tool::Scrape,
+          [](Bench &b) {
+              hill(b);
+              b.relief.invert = true;
+          },
+          {12.0, 3.0, 3.0, 3.0, 3.0}}},
+        {"Undo", evenGround(Tool::UndoBrush, 3.0,
+                            [](Bench &b) {
+                                float *reference = b.relief.referenceLayer().data();
+                                std::fill_n(reference, b.relief.cells(), 6.0F);
+                            })},
+        {"Undo towards nothing", evenGround(Tool::UndoBrush, 1.5)},
+        {"Erase", evenGround(Tool::Erase, 0.0)},
+        {"Brush",
+         evenGround(Tool::HeightBrush, 3.5, [](Bench &b) { b.relief.sampleHeight = 3.5F; })},
+        {"Brush without a height",
+         evenGround(Tool::HeightBrush, 0.0,
+                    [](Bench &b) { b.relief.sampleHeight = std::nanf(""); })},
+        // The material of one column to the left is a cell lower.
+        {"Smudge", {Tool::Smudge, ramp, {10.75, 9.75, 11.75, 10.75, 9.75}, {151, 200}, stepRight}},
+        {"Smudge, raise",
+         {Tool::Smudge,
+          [](Bench &b) {
+              ramp(b);
+              b.params.mode = Tool::Raise;
+          },
+          {11.0, 10.0, 12.0, 11.0, 10.0},
+          {151, 200},
+          stepRight}},
+        // Half of the two columns that the pointer went.
+        {"Move",
+         {Tool::Move,
+          ramp,
+          {11.0, 10.0, 12.0, 11.0, 10.0},
+          {152, 200},
+          [](Bench &b) {
+              b.engine.applyAt({2.0, 0.0});
+          }}},
+        {"Pinch",
+         {Tool::Pinch,
+          [](Bench &b) {
+              ramp(b);
+              strengthOne(b);
+          },
+          {10.0, 8.875, 11.125, 10.0, 9.0 - 0.125 / std::sqrt(2.0)}}},
+    };
+}
+
+void TestBrushes::byHand_data()
+{
+    QTest::addColumn<int>("index");
+    int index = 0;
+    for (const auto &[name, handCase] : handCases())
+        QTest::newRow(name) << index++;
+}
+
+void TestBrushes::byHand()
+{
+    QFETCH(int, index);
+    const HandCase handCase = handCases()[static_cast<size_t>(index)].second;
+    Bench b;
+    handCase.prepare(b);
+    b.params.type = handCase.type;
+    Layer expected = copyOf(b.relief.heights());
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    handCase.further(b);
+    b.engine.endStroke({}, false);
+
+    const auto set = [&](int dx, int dy, double height) {
+        const QPoint cell = handCase.centre + QPoint(dx, dy);
+        expected[static_cast<size_t>(b.relief.index(cell.x(), cell.y()))] =
+            static_cast<float>(height);
+    };
+    set(0, 0, handCase.result.centre);
+    set(-1, 0, handCase.result.left);
+    set(1, 0, handCase.result.right);
+    set(0, -1, handCase.result.above);
+    set(-1, -1, handCase.result.aboveLeft);
+    for (int row = 0; row < b.relief.height(); ++row)
+        for (int column = 0; column < b.relief.width(); ++column) {
+            const auto cell = static_cast<size_t>(b.relief.index(column, row));
+            QVERIFY2(std::abs(b.at(column, row) - expected[cell]) < 2e-6F,
+                     qPrintable(QString("%1 instead of %2 at %3, %4")
+                                    .arg(b.at(column, row))
+                                    .arg(expected[cell])
+                                    .arg(column)
+                                    .arg(row)));
+        }
+}
+
+void TestBrushes::masks()
+{
+    Bench b;
+    b.params.type = Tool::Mask;
+    b.params.strength = 0.35; // a step of 0.5 * (0.35 + 0.15)
+    b.relief.maskLayer().data()[b.relief.index(151, 200)] = 0.9F;
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    b.engine.endStroke({}, false);
+    const float *mask = b.relief.maskLayer().constData();
+    QCOMPARE(mask[b.relief.index(150, 200)], 0.25F);
+    QCOMPARE(mask[b.relief.index(151, 200)], 1.0F);
+    QCOMPARE(mask[b.relief.index(152, 200)], 0.0F);
+    QVERIFY(b.relief.appearanceChanged);
+    b.params.mode = Tool::Lower;
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    b.engine.endStroke({}, false);
+    QCOMPARE(mask[b.relief.index(150, 200)], 0.0F);
+    QCOMPARE(mask[b.relief.index(151, 200)], 0.75F);
+
+    // Half masked, a deposit raises half as much.
+    std::fill_n(b.relief.maskLayer().data(), b.relief.cells(), 0.5F);
+    b.params.type = Tool::Deposit;
+    b.params.strength = 0.5;
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    QCOMPARE(b.at(150, 200), 2.03125F);
+}
+
+void TestBrushes::planeOfNothing()
+{
+    // Without a selected cell the plane lies at the centre cell's height; nothing may be painted.
+    Bench b;
+    b.params.type = Tool::Flatten;
+    b.relief.selectionActive = true;
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    b.engine.endStroke({}, false);
+    QCOMPARE(b.at(150, 200), 2.0F);
+
+    // The mean leaves out cells that are empty or not selected.
+    b.params.strength = 1.0;
+    b.at(149, 200) = 0.0F;
+    b.at(150, 199) = 30.0F;
+    b.at(151, 200) = 4.0F;
+    std::fill_n(b.relief.selectionLayer().data(), b.relief.cells(), 1.0F);
+    b.relief.selectionLayer().data()[b.relief.index(150, 199)] = 0.0F;
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    const double mean = (2.0 + 2.0 + 4.0) / 3.0;
+    QVERIFY(std::abs(b.at(151, 200) - (4.0 + mean) / 2.0) < 1e-6);
+    QCOMPARE(b.at(150, 199), 30.0F);
+    QCOMPARE(b.at(149, 200), 0.0F);
+}
+
+void TestBrushes::smoothAtTheEdge()
+{
+    // In the corner: the cell weighs 4, its two sides 2, the diagonal 1.
+    Bench b;
+    b.params.type = Tool::Smooth;
+    b.params.strength = 1.0;
+    b.at(0, 0) = 11.0F;
+    b.engine.beginStroke(b.params, {-150.0, -200.0});
+    QCOMPARE(b.at(0, 0), 11.0F + 0.5F * (6.0F - 11.0F));
+    // Beside the corner: 4 + 3 * 2 + 2 = 12, of which the corner weighs 2.
+    QCOMPARE(b.at(1, 0), 2.0F + 0.5F * (3.5F - 2.0F));
+}
+
+void TestBrushes::smudgeAtTheEdge()
+{
+    // Material picked up half off the relief: the cells that had none keep their own height.
+    Bench b;
+    ramp(b);
+    b.params.type = Tool::Smudge;
+    b.fill([](int column, int) { return column + 1.0; });
+    b.engine.beginStroke(b.params, {-150.0, 0.0}); // over columns 0 and 1
+    b.engine.applyAt({-145.0, 0.0});
+    QCOMPARE(b.at(5, 200), 6.0F + 0.25F * (1.0F - 6.0F));
+    QCOMPARE(b.at(6, 200), 7.0F + 0.25F * (2.0F - 7.0F));
+    QCOMPARE(b.at(4, 200), 5.0F);
+}
+
+void TestBrushes::moveReadsBeyondItsBox()
+{
+    Bench b;
+    b.params.type = Tool::Move;
+    ramp(b);
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    b.engine.applyAt({20.0, 0.0}); // ten columns at half weight, from outside the radius
+    QCOMPARE(b.at(170, 200), 20.0F);
+    // Beyond the edge of the relief lies what is at the edge.
+    b.fill([](int column, int) { return column + 1.0; });
+    b.engine.applyAt({-149.0, 0.0});
+    b.engine.applyAt({-144.0, 0.0});
+    QCOMPARE(b.at(6, 200), 4.5F);
+    b.engine.applyAt({-100.0, 0.0});
+    QCOMPARE(b.at(50, 200), 29.0F);
+    b.engine.applyAt({-149.0, 0.0});
+    QVERIFY(b.at(1, 200) > 20.0F);
+}
+
+void TestBrushes::stampCutsDownToItsLevel()
+{
+    Bench b;
+    stampImage();
+    b.params.type = Tool::Deposit; // a depth of 500 * 0.04 * 0.5 = 10
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    QCOMPARE(b.at(150, 200), 6.0F);
+    QCOMPARE(b.at(151, 201), 6.0F); // the whole square is its footprint
+    b.at(150, 200) = 13.0F;
+    b.engine.applyAt({0.0, 0.0});
+    QCOMPARE(b.at(150, 200), 12.0F);
+    QCOMPARE(b.at(149, 200), 8.4F);
+    b.engine.endStroke({}, false);
+    b.params.type = Tool::Clay;
+    b.relief.invert = true;
+    b.engine.beginStroke(b.params, {0.0, 0.0});
+    QCOMPARE(b.at(150, 200), 12.0F - 4.0F);
+}
+
+void TestBrushes::properties()
+{
+    QFETCH(int, type);
+    QFETCH(bool, stamp);
+    std::mt19937 random(static_cast<unsigned>(type) + 7U);
+    const ToolRow &row = *toolRow(type);
+    for (int round = 0; round < 12; ++round) {
+        Relief relief(73, 58);
+        SculptEngine engine;
+        engine.attach(&relief, nullptr);
+        roughen(relief, random);
+        relief.selectionActive = round % 2;
+        if (stamp)
+            stampImage();
+        const ToolParams params = randomParams(random, type);
+        const Layer before = copyOf(relief.heights());
+        const Layer maskBefore = copyOf(relief.maskLayer());
+        engine.beginStroke(params, {5.3, -4.0});
+        engine.applyAt({7.0, -2.5});
+        const double radius = relief.tool()->radius();
+        engine.endStroke({}, false);
+        for (qsizetype i = 0; i < relief.cells(); ++i) {
+            const float height = relief.heightAt(i);
+            const auto k = static_cast<size_t>(i);
+            QVERIFY(std::isfinite(height) && height >= 0.0F);
+            if (height == before[k] && relief.maskLayer().constData()[i] == maskBefore[k])
+                continue;
+            const QPoint cell(static_cast<int>(i % 73), static_cast<int>(i / 73));
+            const QPointF offset = cell - QPointF(36.5 + 6.15, 29.0 - 3.25);
+            QVERIFY(std::abs(offset.x()) <= radius + 2.0 && std::abs(offset.y()) <= radius + 2.0);
+            QVERIFY((type == Tool::Mask) == (height == before[k]));
+            if (row.has(KeepsUnselected) && relief.selectionActive)
+                QVERIFY(relief.selectionLayer().constData()[i] != 0.0F);
+            if (row.has(KeepsEmpty) && params.keepTransparency)
+                QVERIFY(before[k] != 0.0F);
+            if (row.has(HeedsMask))
+                QVERIFY(maskBefore[k] < 1.0F);
+            QVERIFY(relief.strokeRegion.contains(cell));
+        }
+    }
+}
+
+void TestBrushes::undoRestores()
+{
+    QFETCH(int, type);
+    QFETCH(bool, stamp);
+    std::mt19937 random(static_cast<unsigned>(type) + 99U);
+    Relief relief(80, 61);
+    SculptUndo undo;
+    SculptEngine engine;
+    engine.attach(&relief, &undo);
+    roughen(relief, random);
+    if (stamp)
+        stampImage();
+    std::vector<std::pair<Layer, Layer>> states{
+        {copyOf(relief.heights()), copyOf(relief.maskLayer())}};
+    const auto is = [&](const std::pair<Layer, Layer> &state) {
+        return copyOf(relief.heights()) == state.first &&
+               copyOf(relief.maskLayer()) == state.second;
+    };
+    for (int i = 0; i < 8; ++i) {
+        relief.symmetryX = i % 2;
+        relief.symmetryY = i % 3 == 0;
+        const int count = undo.count();
+        wander(engine, randomParams(random, type), random);
+        if (undo.count() == count)
+            QVERIFY(is(states.back()));
+        else
+            states.push_back({copyOf(relief.heights()), copyOf(relief.maskLayer())});
+    }
+    QCOMPARE(size_t(undo.count()) + 1, states.size());
+    QVERIFY(states.size() > 2);
+    for (size_t i = states.size() - 1; i-- > 0;) {
+        undo.undo();
+        QVERIFY(is(states[i]));
+    }
+    for (size_t i = 1; i < states.size(); ++i) {
+        undo.redo();
+        QVERIFY(is(states[i]));
+    }
+}
+
+void TestBrushes::strengthZero()
+{
+    QFETCH(int, type);
+    QFETCH(bool, stamp);
+    if (!toolRow(type)->has(UsesStrength) || type == Tool::Mask)
+        return; // these do not scale with the strength
+    std::mt19937 random(5);
+    Relief relief(70, 70);
+    SculptUndo undo;
+    SculptEngine engine;
+    engine.attach(&relief, &undo);
+    roughen(relief, random);
+    if (stamp)
+        stampImage();
+    ToolParams params = randomParams(random, type);
+    params.strength = 0.0;
+    const Layer before = copyOf(relief.heights());
+    wander(engine, params, random);
+    QVERIFY(copyOf(relief.heights()) == before);
+    QCOMPARE(undo.count(), 0);
+}
+
+void TestBrushes::emptyGridStaysEmpty()
+{
+    QFETCH(int, type);
+    QFETCH(bool, stamp);
+    std::mt19937 random(6);
+    Relief relief(70, 70);
+    SculptEngine engine;
+    engine.attach(&relief, nullptr);
+    relief.sampleHeight = 2.0F;
+    if (stamp)
+        stampImage();
+    ToolParams params = randomParams(random, type);
+    params.keepTransparency = true;
+    wander(engine, params, random);
+    QVERIFY(copyOf(relief.heights()) == Layer(70 * 70, 0.0F));
+}
+
+/// With symmetry one dab is that dab and its mirror images, each a dab like any other.
+void TestBrushes::mirrorsAreDabs()
+{
+    QFETCH(int, type);
+    QFETCH(bool, stamp);
+    std::mt19937 random(8);
+    Relief mirrored(90, 91);
+    Relief plain(90, 91);
+    roughen(mirrored, random);
+    plain.heights().copyFrom(mirrored.heights());
+    plain.referenceLayer().copyFrom(mirrored.referenceLayer());
+    plain.maskLayer().copyFrom(mirrored.maskLayer());
+    plain.sampleHeight = mirrored.sampleHeight;
+    if (stamp)
+        stampImage();
+    ToolParams params = randomParams(random, type);
+    params.size = 0.6;
+    params.useDecay = false;
+    mirrored.symmetryX = mirrored.symmetryY = true;
+    SculptEngine engine;
+    engine.attach(&mirrored, nullptr);
+    engine.beginStroke(params, {20.0, 21.0});
+    engine.applyAt({22.0, 20.0});
+    engine.attach(&plain, nullptr);
+    for (const QPointF sign : {QPointF(1, 1), QPointF(-1, 1), QPointF(1, -1), QPointF(-1, -1)}) {
+        engine.beginStroke(params, {20.0 * sign.x(), 21.0 * sign.y()});
+        engine.applyAt({22.0 * sign.x(), 20.0 * sign.y()});
+    }
+    engine.endStroke({}, false);
+    QVERIFY(copyOf(mirrored.heights()) == copyOf(plain.heights()));
+    QVERIFY(copyOf(mirrored.maskLayer()) == copyOf(plain.maskLayer()));
+}
+
+QTEST_APPLESS_MAIN(TestBrushes)
+#include "tst_brushes.moc"
