@@ -1,0 +1,555 @@
+#include "base/datafolder.h"
+#include "base/sessionlog.h"
+#include "relief/alphabrush.h"
+#include "relief/operations.h"
+#include "relief/relief.h"
+#include "relief/sculptengine.h"
+#include "relief/sculptundo.h"
+#include "relief/strokepath.h"
+#include "relief/tooltable.h"
+
+#include <QDir>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+constexpr double broken = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+/// 300 x 400 cells at height 2; its diagonal is 500 cells, so that size 0.02 is a radius of 1.
+struct Bench
+{
+    Bench()
+    {
+        engine.attach(&relief, &undo);
+        std::fill_n(relief.heights().data(), relief.cells(), 2.0F);
+        params.size = 0.02;
+        params.strength = 1.0;
+        params.falloff = Tool::ConstantFalloff;
+    }
+    /// Height above the ground, in dabs of a Deposit at full strength; each raises by 0.5.
+    double dabs(int column, int row) const { return (relief.heightAt(column, row) - 2.0F) / 0.5; }
+
+    Relief relief{300, 400};
+    SculptUndo undo;
+    SculptEngine engine;
+    ToolParams params;
+};
+
+using Points = QList<QPointF>;
+
+Points fromVector(const std::vector<QPointF> &points)
+{
+    return Points(points.begin(), points.end());
+}
+
+bool near(QPointF a, QPointF b, double tolerance = 1e-9)
+{
+    return std::abs(a.x() - b.x()) <= tolerance && std::abs(a.y() - b.y()) <= tolerance;
+}
+
+std::vector<float> copyOf(const GridLayer &layer)
+{
+    return {layer.constData(), layer.constData() + layer.size()};
+}
+
+QString sessionLog()
+{
+    logFlush();
+    QString text;
+    for (const QFileInfo &file : QDir(dataFolder()).entryInfoList({"*.log"})) {
+        QFile log(file.filePath());
+        if (log.open(QIODevice::ReadOnly))
+            text += QString::fromUtf8(log.readAll());
+    }
+    return text;
+}
+
+} // namespace
+
+class TestStrokes : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+
+    void resampling_data()
+    {
+        QTest::addColumn<QPointF>("to");
+        QTest::addColumn<double>("spacing");
+        QTest::addColumn<bool>("finalPoint");
+        QTest::addColumn<Points>("expected");
+        const QPointF from(1.0, 2.0);
+        QTest::newRow("a cell is too short") << QPointF(2.0, 2.0) << 1.0 << true << Points{};
+        QTest::newRow("shorter than the spacing") << QPointF(4.0, 2.0) << 3.0 << false << Points{};
+        QTest::newRow("shorter, but final") << QPointF(3.5, 2.0) << 3.0 << true << Points{from};
+        QTest::newRow("just over a spacing")
+            << QPointF(1.0, 5.5) << 3.0 << false << Points{from, {1.0, 5.0}};
+        QTest::newRow("aslant") << QPointF(7.5, -6.5) << 5.0 << false
+                                << Points{from,
+                                          {1.0 + 3.0371, 2.0 - 3.9716},
+                                          {1.0 + 6.0742, 2.0 - 7.9432}};
+        QTest::newRow("backward") << QPointF(-1.2, 2.0) << 1.0 << false
+                                  << Points{from, {0.0, 2.0}, {-1.0, 2.0}};
+    }
+    void resampling()
+    {
+        QFETCH(QPointF, to);
+        QFETCH(double, spacing);
+        QFETCH(bool, finalPoint);
+        QFETCH(Points, expected);
+        std::vector<QPointF> points;
+        const QPointF last = resample({{1.0, 2.0}, to, spacing, finalPoint, {150, 200}}, points);
+        QCOMPARE(points.size(), size_t(expected.size()));
+        for (size_t i = 0; i < points.size(); ++i)
+            QVERIFY(near(points[i], expected[static_cast<int>(i)], 1e-3));
+        QVERIFY(near(last, expected.isEmpty() ? QPointF(1.0, 2.0) : expected.last(), 1e-3));
+    }
+
+    void spacing_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<double>("size");
+        QTest::addColumn<int>("points");
+        QTest::newRow("small") << int(Tool::Deposit) << 0.5 << 37; // radius 25: every cell
+        QTest::newRow("large") << int(Tool::Deposit) << 2.0 << 10; // radius 100: every 4 cells
+        QTest::newRow("large smudge") << int(Tool::Smudge) << 2.0 << 37;
+    }
+    void spacing()
+    {
+        QFETCH(int, type);
+        QFETCH(double, size);
+        QFETCH(int, points);
+        ToolParams params;
+        params.type = type;
+        params.size = size;
+        Tool tool(params, {0.0, 0.0}, 500.0);
+        tool.addPoint({36.5, 0.0}, false, {500.0, 500.0});
+        QCOMPARE(int(tool.pending.size()), points);
+        QVERIFY(near(tool.lastPoint(), {36.0, 0.0}));
+        tool.addPoint({broken, 0.0}, true, {500.0, 500.0});
+        tool.addPoint({0.0, -infinite}, true, {500.0, 500.0});
+        tool.addPoint({1e300, 0.0}, true, {500.0, 500.0});
+        QCOMPARE(int(tool.pending.size()), points);
+    }
+
+    void longMovesStayShort()
+    {
+        std::vector<QPointF> points;
+        const QPointF last = resample({{-5e8, 10.0}, {5e8, 30.0}, 1.0, false, {100, 50}}, points);
+        QVERIFY(points.size() < 300);
+        QVERIFY(near(last, points.back()) && last.x() > 4.99e8);
+        QVERIFY(points.front().x() < -100.0); // the last point before the relief is kept
+        int within = 0;
+        for (const QPointF &point : points)
+            within += std::abs(point.x()) <= 100.0;
+        QVERIFY(within >= 200);
+        points.clear();
+        resample({{-5e8, 60.0}, {5e8, 60.0}, 1.0, false, {100, 50}}, points); // passes by
+        QVERIFY(points.size() <= 2);
+    }
+
+    void batchesShareTheirPoint()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.addStrokePoint({4.0, 0.0});
+        b.engine.flush();
+        // The footprint covers the centre and one column to either side: the first point is dabbed
+        // twice, as the stroke's beginning and as that of the batch.
+        QCOMPARE(b.dabs(149, 200), 2.0);
+        QCOMPARE(b.dabs(150, 200), 3.0);
+        QCOMPARE(b.dabs(152, 200), 3.0);
+        b.engine.addStrokePoint({7.0, 0.0});
+        b.engine.flush();
+        QCOMPARE(b.dabs(154, 200), 4.0); // where the batches meet
+        QCOMPARE(b.dabs(157, 200), 2.0);
+        QCOMPARE(b.dabs(158, 200), 1.0);
+        b.relief.heightsChanged = false;
+        b.engine.flush();
+        QVERIFY(b.relief.heightsChanged);
+        b.engine.endStroke({7.5, 0.0});
+        QCOMPARE(b.undo.count(), 1);
+        QVERIFY(!b.engine.stroking());
+    }
+
+    void curves_data()
+    {
+        QTest::addColumn<Points>("points");
+        QTest::addColumn<Points>("expected");
+        QTest::newRow("nothing") << Points{} << Points{};
+        QTest::newRow("one") << Points{{3, 4}} << Points{{3, 4}};
+        QTest::newRow("two: a straight line") << Points{{0, 0}, {6, 2}} << Points{{0, 0}, {3, 1}};
+        QTest::newRow("three cannot bend it")
+            << Points{{0, 0}, {3, 9}, {6, 0}} << Points{{0, 0}, {2, 0}, {4, 0}};
+        QTest::newRow("all in one place")
+            << Points{{5, 5}, {5, 5}, {5, 5}, {5, 5}} << Points{{5, 5}, {5, 5}, {5, 5}, {5, 5}};
+        QTest::newRow("even steps stay even")
+            << Points{{0, 0}, {1, 2}, {2, 4}, {3, 6}, {4, 8}}
+            << Points{{0, 0}, {0.8, 1.6}, {1.6, 3.2}, {2.4, 4.8}, {3.2, 6.4}};
+    }
+    void curves()
+    {
+        QFETCH(Points, points);
+        QFETCH(Points, expected);
+        const Points path =
+            fromVector(smoothPath(std::vector<QPointF>(points.begin(), points.end())));
+        QCOMPARE(path.size(), expected.size());
+        for (int i = 0; i < path.size(); ++i)
+            QVERIFY2(near(path[i], expected[i]),
+                     qPrintable(QString("%1: %2, %3").arg(i).arg(path[i].x()).arg(path[i].y())));
+    }
+
+    void curvesFollowAnArc()
+    {
+        std::vector<QPointF> arc;
+        for (int i = 0; i <= 40; ++i)
+            arc.push_back({20.0 * std::cos(i * 0.03), 20.0 * std::sin(i * 0.03)});
+        const std::vector<QPointF> path = smoothPath(arc);
+        QCOMPARE(path.size(), arc.size());
+        for (const QPointF &point : path)
+            QVERIFY(std::abs(std::hypot(point.x(), point.y()) - 20.0) < 0.05);
+        QVERIFY(near(path.front(), arc.front()));
+    }
+
+    void smoothedPathsWaitForTheirGroup()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.params.smoothToolPaths = true;
+        b.params.smoothLength = 6;
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.addStrokePoint({4.0, 0.0}); // five points
+        b.engine.flush();
+        QCOMPARE(b.dabs(152, 200), 0.0);
+        QCOMPARE(b.relief.tool()->pending.size(), size_t(5));
+        b.engine.addStrokePoint(
+            {9.0, 0.0}); // six more: eleven, of which six go and five and one wait
+        b.engine.flush();
+        QCOMPARE(b.relief.tool()->pending.size(), size_t(1));
+        QVERIFY(near(b.relief.tool()->pending.front(), {9.0, 0.0}));
+        b.engine.endStroke({9.0, 0.0});
+        QVERIFY(b.dabs(159, 200) > 0.0);
+        QCOMPARE(b.dabs(161, 200), 0.0);
+    }
+
+    void smoothingByOnePointEnds()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.params.smoothToolPaths = true;
+        b.params.smoothLength = 1;
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.endStroke({30.0, 0.0});
+        QVERIFY(b.dabs(175, 200) > 0.0);
+    }
+
+    void symmetry()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.relief.symmetryX = b.relief.symmetryY = true;
+        b.engine.beginStroke(b.params, {50.0, 60.0});
+        for (const QPoint cell :
+             {QPoint(200, 260), QPoint(100, 260), QPoint(200, 140), QPoint(100, 140)})
+            QCOMPARE(b.dabs(cell.x(), cell.y()), 1.0);
+        b.engine.endStroke({50.0, 60.0});
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        QCOMPARE(b.dabs(150, 200), 4.0);
+        QVERIFY(b.relief.frameRegion.boundingRect().contains(QRect(99, 139, 100, 120)));
+    }
+
+    void movesMirrorTheirWay()
+    {
+        Bench b;
+        for (int row = 0; row < 400; ++row)
+            for (int column = 0; column < 300; ++column)
+                b.relief.heights().data()[b.relief.index(column, row)] =
+                    static_cast<float>(column + 1);
+        b.params.type = Tool::Move;
+        b.relief.symmetryX = true;
+        b.engine.beginStroke(b.params, {50.0, 0.0});
+        b.engine.applyAt({53.0, 0.0});
+        QCOMPARE(b.relief.heightAt(203, 200), 201.0F);
+        QCOMPARE(b.relief.heightAt(97, 200), 101.0F);
+    }
+
+    void decay_data()
+    {
+        QTest::addColumn<double>("decayLength");
+        QTest::addColumn<QList<double>>("dabs");
+        // Decay distance 100 * decayLength; the second dab comes after 10 cells, the third
+        // after 20.
+        QTest::newRow("none left after the first") << 0.0 << QList<double>{1.0, 0.0, 0.0};
+        QTest::newRow("run out") << 0.1 << QList<double>{1.0, 1.0, 0.0};
+        QTest::newRow("cubed") << 0.2 << QList<double>{1.0, 1.0, 0.125};
+        QTest::newRow("long") << 1.0 << QList<double>{1.0, 1.0, 0.729};
+    }
+    void decay()
+    {
+        QFETCH(double, decayLength);
+        QFETCH(QList<double>, dabs);
+        for (const bool mirrored : {false, true}) {
+            Bench b;
+            b.params.type = Tool::Deposit;
+            b.params.useDecay = true;
+            b.params.decayLength = decayLength;
+            b.relief.symmetryX = mirrored;
+            b.engine.beginStroke(b.params, {50.0, 0.0});
+            b.engine.applyAt({60.0, 0.0});
+            b.engine.applyAt({70.0, 0.0});
+            for (int i = 0; i < 3; ++i) {
+                QVERIFY(std::abs(b.dabs(200 + 10 * i, 200) - dabs[i]) < 1e-6);
+                if (mirrored)
+                    QVERIFY(std::abs(b.dabs(100 - 10 * i, 200) - dabs[i]) < 1e-6);
+            }
+        }
+    }
+
+    void samples()
+    {
+        Bench b;
+        b.params.type = Tool::Sample;
+        b.relief.heights().data()[b.relief.index(299, 399)] = 7.5F;
+        b.engine.beginStroke(b.params, {149.9, 199.9});
+        QCOMPARE(b.relief.sampleHeight, 7.5F);
+        QVERIFY(!b.engine.stroking());
+        b.engine.beginStroke(b.params, {150.0, 0.0});
+        QCOMPARE(b.relief.sampleHeight, 0.0F);
+        b.engine.endStroke({0.0, 0.0});
+        QCOMPARE(b.undo.count(), 0);
+    }
+
+    void fills()
+    {
+        Bench b;
+        b.params.type = Tool::Fill;
+        b.relief.sampleHeight = 3.0F;
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.endStroke({0.0, 0.0});
+        QCOMPARE(b.undo.count(), 0);
+        selectRectangle(b.relief, {10, 20}, {12, 25}, SelectionModifier::Normal);
+        b.relief.selectionActive = false; // it fills by the layer alone
+        b.relief.heightsChanged = false;
+        b.engine.beginStroke(b.params, {5000.0, 0.0});
+        QVERIFY(b.engine.stroking() && b.relief.heightsChanged);
+        b.engine.addStrokePoint({40.0, 0.0});
+        b.engine.flush();
+        b.engine.endStroke({50.0, 0.0});
+        QCOMPARE(b.undo.count(), 1);
+        QCOMPARE(b.undo.totalSize(), 144U + 8U * 18U);
+        QCOMPARE(b.relief.heightAt(10, 20), 3.0F);
+        QCOMPARE(b.relief.heightAt(12, 25), 3.0F);
+        QCOMPARE(b.relief.heightAt(13, 25), 2.0F);
+        b.undo.undo();
+        QCOMPARE(copyOf(b.relief.heights()), std::vector<float>(120000, 2.0F));
+    }
+
+    void selectionTools()
+    {
+        Bench b;
+        for (const ToolRow &row : toolTable()) {
+            if (row.kind != ToolKind::Shape)
+                continue;
+            b.params.type = row.type;
+            b.engine.beginStroke(b.params, {0.0, 0.0});
+            QVERIFY(!b.engine.stroking());
+        }
+        b.params.type = Tool::Magic;
+        b.engine.setSelectionModifier(SelectionModifier::Normal);
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        QVERIFY(!b.engine.stroking() && b.relief.selectionActive);
+        QCOMPARE(b.relief.selectionLayer().constData()[0], 1.0F);
+        b.engine.setSelectionModifier(SelectionModifier::Subtractive);
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        QCOMPARE(b.relief.selectionLayer().constData()[0], 0.0F);
+    }
+
+    void unknownToolsAreLogged()
+    {
+        Bench b;
+        for (const int type : {int(Tool::None), 33, -4}) {
+            b.params.type = type;
+            b.engine.beginStroke(b.params, {0.0, 0.0});
+            b.engine.endStroke({9.0, 0.0});
+        }
+        QCOMPARE(b.undo.count(), 0);
+        QCOMPARE(copyOf(b.relief.heights()), std::vector<float>(120000, 2.0F));
+        const QString log = sessionLog();
+        QVERIFY(log.contains("Unhandled tool type: 33\n") &&
+                log.contains("Unhandled tool type: -4\n"));
+        QVERIFY(!log.contains("Unhandled tool type: 20"));
+    }
+
+    void strokesEndThemselves()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.engine.endStroke({1.0, 1.0}); // without a beginning
+        b.engine.addStrokePoint({1.0, 1.0});
+        b.engine.flush();
+        b.engine.applyAt({1.0, 1.0});
+        QCOMPARE(b.undo.count(), 0);
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.beginStroke(b.params, {20.0, 0.0}); // twice
+        QCOMPARE(b.undo.count(), 1);
+        QVERIFY(!resize(b.relief, 30, 40, &b.undo));
+        b.engine.addStrokePoint({40.0, 0.0});
+        b.engine.attach(nullptr, nullptr); // in the middle
+        QCOMPARE(b.undo.count(), 2);
+        QVERIFY(!b.relief.tool());
+        QCOMPARE(b.dabs(191, 200), 1.0); // what was pending is applied
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.endStroke({9.0, 0.0});
+        QVERIFY(!b.engine.stroking());
+        b.engine.attach(&b.relief, &b.undo);
+        b.engine.beginStroke(b.params, {1000.0, 0.0}); // beside the relief
+        b.engine.endStroke({2000.0, 0.0});
+        QCOMPARE(b.undo.count(), 2);
+    }
+
+    void missedReleaseEndsWhereItWas()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.endStroke({20.0, 0.0}, false);
+        QCOMPARE(b.dabs(150, 200), 1.0);
+        QCOMPARE(b.dabs(160, 200), 0.0);
+    }
+
+    void toolsChangedInTheMiddle()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.params.type = Tool::Erase;
+        b.params.size = 1.0;
+        const float white[] = {1.0F};
+        AlphaBrush::instance().setImage(white, 1);
+        AlphaBrush::instance().mode = AlphaBrush::Stamp;
+        b.engine.applyAt({30.0, 0.0});
+        QCOMPARE(b.dabs(180, 200), 1.0);
+        QCOMPARE(b.dabs(181, 201), 0.0);
+    }
+
+    void gridReplacedInTheMiddle()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        QVERIFY(resize(b.relief, 200, 100, &b.undo));
+        for (int i = 0; i < 2; ++i) {
+            b.engine.beginStroke(b.params, {0.0, 0.0});
+            i == 0 ? b.undo.undo() : b.undo.redo();
+            b.engine.applyAt({5.0, 5.0});
+            b.engine.endStroke({90.0, 45.0});
+            QCOMPARE(b.undo.count(), 1);
+            QVERIFY(!b.engine.stroking());
+        }
+    }
+
+    void brokenPoints_data()
+    {
+        QTest::addColumn<QPointF>("point");
+        QTest::newRow("no number") << QPointF(broken, 0.0);
+        QTest::newRow("infinite") << QPointF(0.0, -infinite);
+        QTest::newRow("as far as numbers go") << QPointF(1e308, -1e308);
+        QTest::newRow("far") << QPointF(9e8, -9e8);
+    }
+    void brokenPoints()
+    {
+        QFETCH(QPointF, point);
+        for (const ToolRow &row : toolTable()) {
+            Bench b;
+            b.params.type = row.type;
+            b.params.size = 0.2;
+            b.params.smoothToolPaths = row.type % 2;
+            b.engine.beginStroke(b.params, point);
+            b.engine.addStrokePoint({3.0, 3.0});
+            b.engine.flush();
+            b.engine.beginStroke(b.params, {1.0, 1.0});
+            b.engine.applyAt(point);
+            b.engine.addStrokePoint(point);
+            b.engine.flush();
+            b.engine.endStroke(point);
+            QVERIFY(!b.engine.stroking());
+            for (const float height : copyOf(b.relief.heights()))
+                QVERIFY(std::isfinite(height) && height >= 0.0F);
+        }
+    }
+
+    void oddReliefsAndParameters_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("one cell") << QSize(1, 1);
+        QTest::newRow("a line") << QSize(2, 3000);
+        QTest::newRow("across") << QSize(500, 1);
+        QTest::newRow("small") << QSize(17, 9);
+    }
+    void oddReliefsAndParameters()
+    {
+        QFETCH(QSize, size);
+        std::mt19937 random(11);
+        const double values[] = {broken, infinite, -infinite, -1.0, 0.0,
+                                 1e-300, 0.3,      1.0,       5.0,  1e300};
+        const auto any = [&] { return values[random() % std::size(values)]; };
+        for (const ToolRow &row : toolTable()) {
+            for (int round = 0; round < 6; ++round) {
+                Relief relief(size.width(), size.height());
+                std::fill_n(relief.heights().data(), relief.cells(), 1.0F);
+                relief.symmetryX = relief.symmetryY = random() % 2;
+                relief.invert = random() % 2;
+                relief.sampleHeight = static_cast<float>(any());
+                SculptUndo undo;
+                SculptEngine engine;
+                engine.attach(&relief, &undo);
+                ToolParams params{row.type,
+                                  int(random() % 9) - 3,
+                                  int(random() % 9) - 3,
+                                  any(),
+                                  any(),
+                                  any(),
+                                  any(),
+                                  any(),
+                                  random() % 2 == 0,
+                                  any(),
+                                  random() % 2 == 0,
+                                  random() % 2 == 0,
+                                  int(random() % 5) - 2,
+                                  random() % 2 == 0,
+                                  any(),
+                                  random() % 2 == 0,
+                                  int(random() % 9) - 3};
+                engine.beginStroke(params, {0.0, 0.0});
+                engine.addStrokePoint({2.5, 3.5});
+                engine.flush();
+                engine.endStroke({-4.0, 8.0});
+                for (const float height : copyOf(relief.heights()))
+                    QVERIFY(std::isfinite(height) && height >= 0.0F);
+                for (const float mask : copyOf(relief.maskLayer()))
+                    QVERIFY(mask >= 0.0F && mask <= 1.0F);
+            }
+        }
+    }
+
+    /// Long strokes keep their regions simple: the views walk the frame region's rectangles.
+    void regionsStaySimple()
+    {
+        Bench b;
+        b.params.type = Tool::Deposit;
+        b.engine.beginStroke(b.params, {-140.0, -190.0});
+        b.engine.addStrokePoint({140.0, 150.0});
+        b.engine.endStroke({-140.0, 190.0});
+        QVERIFY(b.relief.frameRegion.rectCount() <= 32);
+        QVERIFY(b.relief.strokeRegion.boundingRect().contains(QRect(10, 10, 280, 380)));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestStrokes)
+#include "tst_strokes.moc"
