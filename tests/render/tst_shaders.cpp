@@ -221,8 +221,9 @@ void TestShaders::heightPixelsFollowTheFormula()
 // A dome under each of the eight lights: the slope that faces the labelled side is the brightest.
 void TestShaders::chosenSideIsBright()
 {
-    const QPoint slopes[] = {{16, 16}, {32, 10}, {48, 16}, {10, 32},
-                             {54, 32}, {16, 48}, {32, 54}, {48, 48}};
+    // In the order of the light table, whose Left and Right light the opposite slopes.
+    const QPoint slopes[] = {{16, 16}, {32, 10}, {48, 16}, {54, 32},
+                             {10, 32}, {16, 48}, {32, 54}, {48, 48}};
     const auto shader = makeShader(Shader3d, false);
     shader->specular = {0, 0, 0, 0};
     const Mesh mesh(dome);
