@@ -25,12 +25,20 @@ const char *_prefix(QtMsgType type)
     return nullptr;
 }
 
+/// Never destroyed: the toolkit may still have something to say while the process ends.
+QTextStream &_debugStream()
+{
+    static QTextStream *stream = [] {
+        auto *file = new QFile(dataFolder() + QDir::separator() + QStringLiteral("qdebug.txt"));
+        file->open(QIODevice::WriteOnly | QIODevice::Text);
+        return new QTextStream(file);
+    }();
+    return *stream;
+}
+
 void _writeMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    static QFile file(dataFolder() + QDir::separator() + QStringLiteral("qdebug.txt"));
-    static QTextStream stream(&file);
-    if (!file.isOpen())
-        file.open(QIODevice::WriteOnly | QIODevice::Text);
+    QTextStream &stream = _debugStream();
 
     if (const char *prefix = _prefix(type)) {
         stream << prefix << message;

@@ -20,11 +20,25 @@ struct Run
 class Program
 {
 public:
-    explicit Program(const QStringList &arguments, const QStringList &environment = {})
+    struct Circumstances
     {
+        QStringList environment = {};
+        bool dataFolderBlocked = false;
+    };
+
+    explicit Program(const QStringList &arguments)
+        : Program(arguments, Circumstances{})
+    {
+    }
+
+    Program(const QStringList &arguments, const Circumstances &given)
+    {
+        QFile blocker(m_home.filePath("Marlowen3"));
+        if (given.dataFolderBlocked)
+            QVERIFY(blocker.open(QIODevice::WriteOnly));
         QStringList full = QProcess::systemEnvironment();
         full << "HOME=" + m_home.path() << "XDG_CONFIG_HOME=" + m_home.filePath(".config");
-        m_process.setEnvironment(full + environment);
+        m_process.setEnvironment(full + given.environment);
         m_process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen"), arguments);
         m_process.waitForStarted();
         m_log = m_home.filePath(
@@ -47,21 +61,20 @@ public:
 
     bool logs(const QByteArray &text) const { return log().join('\n').contains(text); }
 
-    bool windowUp() const { return _windowNamed("Brindlemark Marlowen 3"); }
+    bool windowUp() const { return _isShown("Brindlemark Marlowen 3"); }
 
-    /// Presses Return in the box until the program has gone; false when it never does.
-    bool answerLastBox(const QString &title)
+    /// Waits for the box and presses Return in it until it has gone.
+    bool answerBox(const QString &title)
     {
-        return QTest::qWaitFor(
-            [&] {
-                // The box may close between press and release, which the tool calls an error.
-                QProcess press;
-                press.start("xdotool",
-                            {"search", "--name", title, "key", "--window", "%1", "Return"});
-                press.waitForFinished();
-                return m_process.waitForFinished(200) || m_process.state() == QProcess::NotRunning;
-            },
-            20000);
+        // The box may close between press and release, which the tool calls an error.
+        const QStringList press{"search", "--name", title, "key", "--window", "%1", "Return"};
+        return QTest::qWaitFor([&] { return _isShown(title); }, 20000) &&
+               QTest::qWaitFor(
+                   [&] {
+                       _xdotool(press);
+                       return !_isShown(title);
+                   },
+                   20000);
     }
 
     Run end()
@@ -79,12 +92,17 @@ public:
     }
 
 private:
-    bool _windowNamed(const QString &title) const
+    static bool _xdotool(const QStringList &arguments)
     {
-        QProcess search;
-        search.start("xdotool", {"search", "--onlyvisible", "--pid",
-                                 QString::number(m_process.processId()), "--name", title});
-        return search.waitForFinished() && search.exitCode() == 0;
+        QProcess tool;
+        tool.start("xdotool", arguments);
+        return tool.waitForFinished() && tool.exitCode() == 0;
+    }
+
+    bool _isShown(const QString &title) const
+    {
+        return _xdotool({"search", "--onlyvisible", "--all", "--pid",
+                         QString::number(m_process.processId()), "--name", title});
     }
 
     QTemporaryDir m_home;
@@ -158,9 +176,17 @@ private slots:
         QVERIFY(_lineAfter(run.log, created, "Warning: Unknown file type") > created);
     }
 
+    void logThatCannotBeWrittenIsNoReasonToStop()
+    {
+        Program program({}, {.dataFolderBlocked = true});
+        QVERIFY(program.answerBox("Error opening Log"));
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp(), 20000);
+        QCOMPARE(program.end().exitCode, 0);
+    }
+
     void machineWithoutOpenGlEndsTheStart()
     {
-        Program program({}, {"QT_XCB_GL_INTEGRATION=none"});
+        Program program({}, {.environment = {"QT_XCB_GL_INTEGRATION=none"}});
         const Run run = program.wait();
         QCOMPARE(run.exitCode, 255);
         QCOMPARE(run.log.value(2),
@@ -170,8 +196,8 @@ private slots:
 
     void machineWithOldOpenGlIsTold()
     {
-        Program program({}, {"MESA_GL_VERSION_OVERRIDE=2.0"});
-        QVERIFY(program.answerLastBox("Missing OpenGL 2.1"));
+        Program program({}, {.environment = {"MESA_GL_VERSION_OVERRIDE=2.0"}});
+        QVERIFY(program.answerBox("Missing OpenGL 2.1"));
         const Run run = program.wait();
         QCOMPARE(run.exitCode, 255);
         QVERIFY(run.log.value(2).startsWith("Info: GL Version String:: 2.0"));
