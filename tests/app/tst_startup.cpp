@@ -61,7 +61,7 @@ public:
 
     bool logs(const QByteArray &text) const { return log().join('\n').contains(text); }
 
-    bool windowUp() const { return _isShown("Brindlemark Marlowen 3"); }
+    bool windowUp(const QString &title = "Brindlemark Marlowen 3") const { return _isShown(title); }
 
     /// Waits for the box and presses Return in it until it has gone.
     bool answerBox(const QString &title)
@@ -136,7 +136,7 @@ private slots:
         QVERIFY(image.save(picture));
 
         Program program({picture});
-        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp(), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp("bump.png"), 20000);
         const Run run = program.end();
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.output, QByteArray("3.000.00019\n"));

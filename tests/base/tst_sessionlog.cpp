@@ -1,13 +1,10 @@
 #include "base/childprocess.h"
 
 #include "base/datafolder.h"
-#include "base/forcedexit.h"
 #include "base/sessionlog.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
@@ -51,26 +48,10 @@ int _logUnwritable()
     return calls == 1 ? 0 : 1;
 }
 
-int _quitPlainly()
-{
-    QTimer::singleShot(0, qApp, quitAfterExport);
-    return QCoreApplication::exec();
-}
-
-int _quitIntoNestedLoop()
-{
-    QTimer::singleShot(0, qApp, [] {
-        quitAfterExport();
-        for (;;)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    });
-    QCoreApplication::exec();
-    return 3;
-}
-
 const Scenario scenarios[] = {
-    {"entries", _writeEntries}, {"nothing", _writeNothing},      {"unwritable", _logUnwritable},
-    {"quit", _quitPlainly},     {"nested", _quitIntoNestedLoop},
+    {"entries", _writeEntries},
+    {"nothing", _writeNothing},
+    {"unwritable", _logUnwritable},
 };
 
 bool _isDatedLine(const QByteArray &line, const QByteArray &prefix)
@@ -114,30 +95,6 @@ private slots:
         const ChildResult child = runScenario(home, "unwritable");
         QCOMPARE(child.exitCode, 0);
         QCOMPARE(child.output, QByteArray("Error opening Log|Could not open log file for writing"));
-    }
-
-    void quitAfterExportEndsAPlainLoopAtOnce()
-    {
-        const QTemporaryDir home;
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(runScenario(home, "quit").exitCode, 0);
-        QVERIFY(timer.elapsed() < 1400);
-        QVERIFY(QDir(home.filePath("Marlowen3")).entryList({"*.log"}).isEmpty());
-    }
-
-    void quitAfterExportForcesItsWayOutOfANestedLoop()
-    {
-        const QTemporaryDir home;
-        QElapsedTimer timer;
-        timer.start();
-        const ChildResult child = runScenario(home, "nested");
-        QCOMPARE(child.exitCode, 0);
-        QVERIFY(timer.elapsed() >= 1400);
-        const auto lines = dataFile(home, logName(child.pid)).split('\n');
-        QCOMPARE(lines.value(1),
-                 QByteArray("Info: Export complete but still running (a modal dialog or nested "
-                            "event loop); exiting so Drafteon can import."));
     }
 };
 

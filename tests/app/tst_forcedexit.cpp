@@ -1,0 +1,76 @@
+#include "base/childprocess.h"
+
+#include "ui/forcedexit.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+void _handOver()
+{
+    armForcedExit(exitAtOnce);
+    QCoreApplication::quit();
+}
+
+int _quitPlainly()
+{
+    QTimer::singleShot(0, qApp, _handOver);
+    return QCoreApplication::exec();
+}
+
+int _quitIntoNestedLoop()
+{
+    QTimer::singleShot(0, qApp, [] {
+        _handOver();
+        for (;;)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    });
+    QCoreApplication::exec();
+    return 3;
+}
+
+const Scenario scenarios[] = {{"plain", _quitPlainly}, {"nested", _quitIntoNestedLoop}};
+
+} // namespace
+
+/// The end of an export that the sister program waits for, in a real process.
+class TestForcedExit : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void plainLoopEndsByItself()
+    {
+        const QTemporaryDir home;
+        const ChildResult child = runScenario(home, "plain");
+        QCOMPARE(child.exitCode, 0);
+        QVERIFY(dataFile(home, logName(child.pid)).isEmpty());
+    }
+
+    void nestedLoopIsEndedWithItsLine()
+    {
+        const QTemporaryDir home;
+        QElapsedTimer timer;
+        timer.start();
+        const ChildResult child = runScenario(home, "nested");
+        QCOMPARE(child.exitCode, 0);
+        QVERIFY(timer.elapsed() >= 1400);
+        const auto lines = dataFile(home, logName(child.pid)).split('\n');
+        QCOMPARE(lines.value(1),
+                 QByteArray("Info: Export complete but still running (a modal dialog or nested "
+                            "event loop); exiting so Drafteon can import."));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (const int code = askedScenario(argc, argv, scenarios); code >= 0)
+        return code;
+    TestForcedExit test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_forcedexit.moc"
