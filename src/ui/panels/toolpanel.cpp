@@ -37,7 +37,7 @@ const std::array<ToolPanel::NumberSpec, ToolPanel::numberCount> &ToolPanel::_num
 {
     using Range = SliderField::Range;
     static const std::array<NumberSpec, numberCount> specs{{
-        {"Tool Size", "Radius of the brush: 100 is a tenth of the relief's diagonal.",
+        {"Tool Size", "Radius of the brush: 100 is a tenth of the relief's diagonal. Keys [ and ].",
          Range{1, 100, 1, 10, 30, 0, {}}, UsesFootprint,
          [](const ToolParams &p) { return p.size * percentSteps; },
          [](ToolParams &p, double v) { p.size = v / percentSteps; },
