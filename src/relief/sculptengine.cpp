@@ -204,20 +204,20 @@ void SculptEngine::applyAt(QPointF point)
     tool->lastApplied = point;
 }
 
-bool SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
+void SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
 {
     Tool &tool = *m_relief->tool();
     const ToolRow *row = effectiveRow(*m_relief, tool.params().type);
     if (!row || (!row->dab && row->kind == ToolKind::Click && row->type != Tool::Magic)) {
         logWarning() << "Unhandled tool type: " << tool.params().type << "\n";
-        return false;
+        return;
     }
     const DabFunction function = tool.stamping() && row->stamp ? row->stamp : row->dab;
     const std::optional<double> decay = row->has(Decays) ? decayCubed(tool) : 1.0;
     const QPointF centre = dabCentre(*m_relief, point);
     const QRect box = dabBox(*m_relief, centre, tool.radius());
     if (!function || !decay || box.isEmpty())
-        return false;
+        return;
 
     Dab dab{*m_relief, tool, centre, shift, box, image, *decay};
     dab.skipEmpty = row->has(KeepsEmpty) && tool.params().keepTransparency;
@@ -225,12 +225,11 @@ bool SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
     dab.maskWeakens = row->has(HeedsMask);
     mapColumns(dab);
     if (!function(dab))
-        return false;
+        return;
     unite(m_relief->frameRegion, box);
     unite(m_relief->strokeRegion, box);
     m_relief->heightsChanged = true;
     m_relief->appearanceChanged |= row->type == Tool::Mask;
-    return true;
 }
 
 void SculptEngine::_fill()

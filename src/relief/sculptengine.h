@@ -29,7 +29,8 @@ public:
 
     /// Ends a stroke still in progress, then begins one; the first dab is applied at once. Sample,
     /// Magic and Fill do all their work here; shape selections and Crop do nothing. The parameters
-    /// and the alpha image are those of this moment until the stroke ends.
+    /// and the alpha image are those of this moment until the stroke ends. `finalPoint` makes no
+    /// difference to a stroke's first point.
     void beginStroke(const ToolParams &params, QPointF point, bool finalPoint = false);
     /// Resamples the way to the point into the Tool's pending points.
     void addStrokePoint(QPointF point, bool finalPoint = false);
@@ -47,7 +48,7 @@ public:
 private:
     Tool *_currentTool();
     void _applyPending(bool all);
-    bool _dabAt(QPointF point, QPointF shift, int image);
+    void _dabAt(QPointF point, QPointF shift, int image);
     void _fill();
     void _pushEvent();
 

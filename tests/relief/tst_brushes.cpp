@@ -402,6 +402,14 @@ void TestBrushes::smoothAtTheEdge()
     QCOMPARE(b.at(0, 0), 11.0F + 0.5F * (6.0F - 11.0F));
     // Beside the corner: 4 + 3 * 2 + 2 = 12, of which the corner weighs 2.
     QCOMPARE(b.at(1, 0), 2.0F + 0.5F * (3.5F - 2.0F));
+    // Level ground stays level, to the last bit, with neighbours missing as well.
+    b.fill([](int, int) { return 0.1; });
+    const Layer level = copyOf(b.relief.heights());
+    b.params.size = 1.0;
+    for (const QPointF edge :
+         {QPointF(0, -200), QPointF(0, 199), QPointF(-150, 0), QPointF(149, 0)})
+        b.engine.beginStroke(b.params, edge);
+    QVERIFY(copyOf(b.relief.heights()) == level);
 }
 
 void TestBrushes::smudgeAtTheEdge()

@@ -17,7 +17,8 @@ struct RowsDown
     float weightBelow;
 };
 
-// Equal heights add up without rounding in this order, so that level ground stays level.
+// In this order equal heights add up to what the division turns back into them: level ground stays
+// level.
 CELL_LOOP void sumDown(const RowsDown &rows, float *sums, int count)
 {
     const RowsDown r = rows;
@@ -26,11 +27,12 @@ CELL_LOOP void sumDown(const RowsDown &rows, float *sums, int count)
         sums[i] = (r.weightAbove * r.above[i] + r.weightBelow * r.below[i]) + 2.0F * r.current[i];
 }
 
-CELL_LOOP void meanAcross(const float *sums, float *means, int count, float share)
+/// Divides, rather than multiply by a share, since only a sixteenth is a float.
+CELL_LOOP void meanAcross(const float *sums, float *means, int count, float weights)
 {
 #pragma omp simd
     for (int i = 0; i < count; ++i)
-        means[i] = ((sums[i - 1] + sums[i + 1]) + 2.0F * sums[i]) * share;
+        means[i] = ((sums[i - 1] + sums[i + 1]) + 2.0F * sums[i]) / weights;
 }
 
 /// One row of the mean of every cell and its eight neighbours, as they were before the dab. The
@@ -81,7 +83,7 @@ private:
         m_sums[-1] = 0.0F;
         m_sums[m_count] = 0.0F;
         const float weightDown = 2.0F + above + below;
-        meanAcross(m_sums, m_means, m_count, 1.0F / (4.0F * weightDown));
+        meanAcross(m_sums, m_means, m_count, 4.0F * weightDown);
         _mendEdge(0, weightDown);
         _mendEdge(m_count - 1, weightDown);
     }
