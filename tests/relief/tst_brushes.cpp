@@ -1,50 +1,23 @@
 #include "relief/alphabrush.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
 #include "relief/tooltable.h"
+#include "sculptbench.h"
 
 #include <QTest>
 
 #include <cmath>
 #include <functional>
-#include <random>
 
 namespace {
 
-using Layer = std::vector<float>;
-
-Layer copyOf(const GridLayer &layer)
-{
-    return {layer.constData(), layer.constData() + layer.size()};
-}
-
-/// A relief whose diagonal is 500 cells, so that size 0.02 is a radius of 1. That round footprint
-/// is an outline of five cells: the centre, its left, right and upper and its upper left neighbour.
-struct Bench
+/// Brushes at half strength and a linear falloff.
+struct Bench : SculptBench
 {
     Bench()
     {
-        engine.attach(&relief, &undo);
-        fill([](int, int) { return 2.0; });
-        params.size = 0.02;
         params.strength = 0.5;
         params.falloff = Tool::LinearFalloff;
         params.hardness = 0.0; // an outline cell of D = 4 then weighs (1 - (2 - 1) / 2) = 0.5
     }
-
-    void fill(const std::function<double(int, int)> &height)
-    {
-        for (int row = 0; row < relief.height(); ++row)
-            for (int column = 0; column < relief.width(); ++column)
-                at(column, row) = static_cast<float>(height(column, row));
-    }
-    float &at(int column, int row) { return relief.heights().data()[relief.index(column, row)]; }
-
-    Relief relief{300, 400};
-    SculptUndo undo;
-    SculptEngine engine;
-    ToolParams params;
 };
 
 /// New values of a footprint's cells, around the dab's centre cell.
@@ -88,57 +61,6 @@ void ramp(Bench &b)
     b.fill([](int column, int) { return column - 140.0; });
 }
 
-void stampImage()
-{
-    const float white[] = {1.0F};
-    AlphaBrush::instance().setImage(white, 1);
-    AlphaBrush::instance().mode = AlphaBrush::Stamp;
-}
-
-ToolParams randomParams(std::mt19937 &random, int type)
-{
-    std::uniform_real_distribution<double> share(0.0, 1.0);
-    ToolParams params;
-    params.type = type;
-    params.mode = static_cast<int>(random() % 3);
-    params.form = static_cast<int>(random() % 2);
-    params.falloff = static_cast<int>(random() % 4);
-    params.size = 0.1 + 0.9 * share(random);
-    params.strength = share(random);
-    params.hardness = share(random);
-    params.aspect = 1.0 + 2.0 * share(random);
-    params.angle = 180.0 * share(random) - 90.0;
-    params.useDecay = random() % 2;
-    params.decayLength = 0.1 * share(random);
-    params.keepTransparency = random() % 2;
-    params.ceilingOrFloor = random() % 2;
-    return params;
-}
-
-/// Rough ground with empty cells, a reference, a mask and a selection, all of them patchy.
-void roughen(Relief &relief, std::mt19937 &random)
-{
-    std::uniform_real_distribution<float> height(0.0F, 5.0F);
-    for (qsizetype i = 0; i < relief.cells(); ++i) {
-        relief.heights().data()[i] = random() % 5 ? height(random) : 0.0F;
-        relief.referenceLayer().data()[i] = height(random);
-        relief.maskLayer().data()[i] = random() % 3 ? 0.0F : height(random) / 5.0F;
-        relief.selectionLayer().data()[i] = random() % 4 ? 1.0F : 0.0F;
-    }
-    relief.sampleHeight = 1.25F;
-}
-
-void wander(SculptEngine &engine, const ToolParams &params, std::mt19937 &random)
-{
-    std::uniform_real_distribution<double> place(-40.0, 40.0);
-    engine.beginStroke(params, {place(random), place(random)});
-    for (int i = 0; i < 2; ++i) {
-        engine.addStrokePoint({place(random), place(random)});
-        engine.flush();
-    }
-    engine.endStroke({place(random), place(random)});
-}
-
 } // namespace
 
 class TestBrushes : public QObject
@@ -163,27 +85,6 @@ private slots:
     void smudgeAtTheEdge();
     void moveReadsBeyondItsBox();
     void stampCutsDownToItsLevel();
-
-    void properties_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<bool>("stamp");
-        for (const ToolRow &row : toolTable()) {
-            if (row.dab)
-                QTest::newRow(row.id) << int(row.type) << false;
-            if (row.stamp)
-                QTest::addRow("%s, stamp", row.id) << int(row.type) << true;
-        }
-    }
-    void properties();
-    void undoRestores_data() { properties_data(); }
-    void undoRestores();
-    void strengthZero_data() { properties_data(); }
-    void strengthZero();
-    void emptyGridStaysEmpty_data() { properties_data(); }
-    void emptyGridStaysEmpty();
-    void mirrorsAreDabs_data() { properties_data(); }
-    void mirrorsAreDabs();
 };
 
 using Cases = std::vector<std::pair<const char *, HandCase>>;
@@ -462,160 +363,6 @@ void TestBrushes::stampCutsDownToItsLevel()
     b.relief.invert = true;
     b.engine.beginStroke(b.params, {0.0, 0.0});
     QCOMPARE(b.at(150, 200), 12.0F - 4.0F);
-}
-
-void TestBrushes::properties()
-{
-    QFETCH(int, type);
-    QFETCH(bool, stamp);
-    std::mt19937 random(static_cast<unsigned>(type) + 7U);
-    const ToolRow &row = *toolRow(type);
-    for (int round = 0; round < 12; ++round) {
-        Relief relief(73, 58);
-        SculptEngine engine;
-        engine.attach(&relief, nullptr);
-        roughen(relief, random);
-        relief.selectionActive = round % 2;
-        if (stamp)
-            stampImage();
-        const ToolParams params = randomParams(random, type);
-        const Layer before = copyOf(relief.heights());
-        const Layer maskBefore = copyOf(relief.maskLayer());
-        engine.beginStroke(params, {5.3, -4.0});
-        engine.applyAt({7.0, -2.5});
-        const double radius = relief.tool()->radius();
-        engine.endStroke({}, false);
-        for (qsizetype i = 0; i < relief.cells(); ++i) {
-            const float height = relief.heightAt(i);
-            const auto k = static_cast<size_t>(i);
-            QVERIFY(std::isfinite(height) && height >= 0.0F);
-            if (height == before[k] && relief.maskLayer().constData()[i] == maskBefore[k])
-                continue;
-            const QPoint cell(static_cast<int>(i % 73), static_cast<int>(i / 73));
-            const QPointF offset = cell - QPointF(36.5 + 6.15, 29.0 - 3.25);
-            QVERIFY(std::abs(offset.x()) <= radius + 2.0 && std::abs(offset.y()) <= radius + 2.0);
-            QVERIFY((type == Tool::Mask) == (height == before[k]));
-            if (row.has(KeepsUnselected) && relief.selectionActive)
-                QVERIFY(relief.selectionLayer().constData()[i] != 0.0F);
-            if (row.has(KeepsEmpty) && params.keepTransparency)
-                QVERIFY(before[k] != 0.0F);
-            if (row.has(HeedsMask))
-                QVERIFY(maskBefore[k] < 1.0F);
-            QVERIFY(relief.strokeRegion.contains(cell));
-        }
-    }
-}
-
-void TestBrushes::undoRestores()
-{
-    QFETCH(int, type);
-    QFETCH(bool, stamp);
-    std::mt19937 random(static_cast<unsigned>(type) + 99U);
-    Relief relief(80, 61);
-    SculptUndo undo;
-    SculptEngine engine;
-    engine.attach(&relief, &undo);
-    roughen(relief, random);
-    if (stamp)
-        stampImage();
-    std::vector<std::pair<Layer, Layer>> states{
-        {copyOf(relief.heights()), copyOf(relief.maskLayer())}};
-    const auto is = [&](const std::pair<Layer, Layer> &state) {
-        return copyOf(relief.heights()) == state.first &&
-               copyOf(relief.maskLayer()) == state.second;
-    };
-    for (int i = 0; i < 8; ++i) {
-        relief.symmetryX = i % 2;
-        relief.symmetryY = i % 3 == 0;
-        const int count = undo.count();
-        wander(engine, randomParams(random, type), random);
-        if (undo.count() == count)
-            QVERIFY(is(states.back()));
-        else
-            states.push_back({copyOf(relief.heights()), copyOf(relief.maskLayer())});
-    }
-    QCOMPARE(size_t(undo.count()) + 1, states.size());
-    QVERIFY(states.size() > 2);
-    for (size_t i = states.size() - 1; i-- > 0;) {
-        undo.undo();
-        QVERIFY(is(states[i]));
-    }
-    for (size_t i = 1; i < states.size(); ++i) {
-        undo.redo();
-        QVERIFY(is(states[i]));
-    }
-}
-
-void TestBrushes::strengthZero()
-{
-    QFETCH(int, type);
-    QFETCH(bool, stamp);
-    if (!toolRow(type)->has(UsesStrength) || type == Tool::Mask)
-        return; // these do not scale with the strength
-    std::mt19937 random(5);
-    Relief relief(70, 70);
-    SculptUndo undo;
-    SculptEngine engine;
-    engine.attach(&relief, &undo);
-    roughen(relief, random);
-    if (stamp)
-        stampImage();
-    ToolParams params = randomParams(random, type);
-    params.strength = 0.0;
-    const Layer before = copyOf(relief.heights());
-    wander(engine, params, random);
-    QVERIFY(copyOf(relief.heights()) == before);
-    QCOMPARE(undo.count(), 0);
-}
-
-void TestBrushes::emptyGridStaysEmpty()
-{
-    QFETCH(int, type);
-    QFETCH(bool, stamp);
-    std::mt19937 random(6);
-    Relief relief(70, 70);
-    SculptEngine engine;
-    engine.attach(&relief, nullptr);
-    relief.sampleHeight = 2.0F;
-    if (stamp)
-        stampImage();
-    ToolParams params = randomParams(random, type);
-    params.keepTransparency = true;
-    wander(engine, params, random);
-    QVERIFY(copyOf(relief.heights()) == Layer(70 * 70, 0.0F));
-}
-
-/// With symmetry one dab is that dab and its mirror images, each a dab like any other.
-void TestBrushes::mirrorsAreDabs()
-{
-    QFETCH(int, type);
-    QFETCH(bool, stamp);
-    std::mt19937 random(8);
-    Relief mirrored(90, 91);
-    Relief plain(90, 91);
-    roughen(mirrored, random);
-    plain.heights().copyFrom(mirrored.heights());
-    plain.referenceLayer().copyFrom(mirrored.referenceLayer());
-    plain.maskLayer().copyFrom(mirrored.maskLayer());
-    plain.sampleHeight = mirrored.sampleHeight;
-    if (stamp)
-        stampImage();
-    ToolParams params = randomParams(random, type);
-    params.size = 0.6;
-    params.useDecay = false;
-    mirrored.symmetryX = mirrored.symmetryY = true;
-    SculptEngine engine;
-    engine.attach(&mirrored, nullptr);
-    engine.beginStroke(params, {20.0, 21.0});
-    engine.applyAt({22.0, 20.0});
-    engine.attach(&plain, nullptr);
-    for (const QPointF sign : {QPointF(1, 1), QPointF(-1, 1), QPointF(1, -1), QPointF(-1, -1)}) {
-        engine.beginStroke(params, {20.0 * sign.x(), 21.0 * sign.y()});
-        engine.applyAt({22.0 * sign.x(), 20.0 * sign.y()});
-    }
-    engine.endStroke({}, false);
-    QVERIFY(copyOf(mirrored.heights()) == copyOf(plain.heights()));
-    QVERIFY(copyOf(mirrored.maskLayer()) == copyOf(plain.maskLayer()));
 }
 
 QTEST_APPLESS_MAIN(TestBrushes)
