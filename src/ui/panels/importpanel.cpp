@@ -22,9 +22,9 @@ int _tenths(double degrees)
 
 } // namespace
 
-const std::array<ImportPanel::CheckSpec, ImportPanel::checkCount> &ImportPanel::_checkSpecs()
+const std::array<ImportPanel::CheckRow, ImportPanel::checkCount> &ImportPanel::_checkRows()
 {
-    static const std::array<CheckSpec, checkCount> specs{{
+    static const std::array<CheckRow, checkCount> rows{{
         {"Flip Y", "Turns the picture upside down.", &ImportSettings::flipY, true},
         {"Preview", "Shows the result of the controls below; off, the picture as it is.",
          &ImportSettings::preview, false},
@@ -33,13 +33,13 @@ const std::array<ImportPanel::CheckSpec, ImportPanel::checkCount> &ImportPanel::
         {"Transparency", "The empty background stays empty when the relief is smoothed.",
          &ImportSettings::transparency, true},
     }};
-    return specs;
+    return rows;
 }
 
-const std::array<ImportPanel::NumberSpec, ImportPanel::numberCount> &ImportPanel::_numberSpecs()
+const std::array<ImportPanel::NumberRow, ImportPanel::numberCount> &ImportPanel::_numberRows()
 {
     using Range = SliderField::Range;
-    static const std::array<NumberSpec, numberCount> specs{{
+    static const std::array<NumberRow, numberCount> rows{{
         {"Smoothing", "Passes of smoothing.", Range{0, 5, 0.1, 0.5, 0, 1, {}},
          [](const ImportSettings &s) { return s.smoothing; },
          [](ImportSettings &s, double v) { s.smoothing = v; }, true},
@@ -59,7 +59,7 @@ const std::array<ImportPanel::NumberSpec, ImportPanel::numberCount> &ImportPanel
          [](const ImportSettings &s) { return s.tiltHorizontal / 10.0; },
          [](ImportSettings &s, double v) { s.tiltHorizontal = _tenths(v); }, true},
     }};
-    return specs;
+    return rows;
 }
 
 ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
@@ -78,19 +78,19 @@ ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
 void ImportPanel::_makeControls()
 {
     for (size_t i = 0; i < checkCount; ++i) {
-        const CheckSpec &spec = _checkSpecs()[i];
-        m_checks[i] = new QCheckBox(tr(spec.label), this);
-        connect(m_checks[i], &QCheckBox::toggled, this, [this, &spec](bool on) {
-            m_wanted.*spec.member = on;
+        const CheckRow &row = _checkRows()[i];
+        m_checks[i] = new QCheckBox(tr(row.label), this);
+        connect(m_checks[i], &QCheckBox::toggled, this, [this, &row](bool on) {
+            m_wanted.*row.member = on;
             _changed();
         });
     }
     for (size_t i = 0; i < numberCount; ++i) {
-        const NumberSpec &spec = _numberSpecs()[i];
-        m_numbers[i] = new SliderField(tr(spec.label), spec.range, this);
-        m_numbers[i]->setObjectName(QLatin1String(spec.label));
-        connect(m_numbers[i], &SliderField::valueChanged, this, [this, &spec](double value) {
-            spec.store(m_wanted, value);
+        const NumberRow &row = _numberRows()[i];
+        m_numbers[i] = new SliderField(tr(row.label), row.range, this);
+        m_numbers[i]->setObjectName(QLatin1String(row.label));
+        connect(m_numbers[i], &SliderField::valueChanged, this, [this, &row](double value) {
+            row.store(m_wanted, value);
             _changed();
         });
     }
@@ -162,10 +162,10 @@ void ImportPanel::refresh()
     m_wanted = m_session->settings();
     for (size_t i = 0; i < checkCount; ++i) {
         const QSignalBlocker quiet(m_checks[i]);
-        m_checks[i]->setChecked(m_wanted.*_checkSpecs()[i].member);
+        m_checks[i]->setChecked(m_wanted.*_checkRows()[i].member);
     }
     for (size_t i = 0; i < numberCount; ++i)
-        m_numbers[i]->showValue(_numberSpecs()[i].shown(m_wanted));
+        m_numbers[i]->showValue(_numberRows()[i].shown(m_wanted));
     _enable();
 }
 
@@ -174,15 +174,15 @@ void ImportPanel::_enable()
     const bool open = m_session->active();
     const QString closed = tr("No import is open.");
     for (size_t i = 0; i < checkCount; ++i) {
-        const CheckSpec &spec = _checkSpecs()[i];
-        showReason(*m_checks[i], tr(spec.hint), open || spec.opening ? QString() : closed);
+        const CheckRow &row = _checkRows()[i];
+        showReason(*m_checks[i], tr(row.hint), open || row.opening ? QString() : closed);
     }
     for (size_t i = 0; i < numberCount; ++i) {
-        const NumberSpec &spec = _numberSpecs()[i];
-        QString reason = open || spec.opening ? QString() : closed;
+        const NumberRow &row = _numberRows()[i];
+        QString reason = open || row.opening ? QString() : closed;
         if (open && !m_wanted.preview)
             reason = tr("Check Preview first.");
-        showReason(*m_numbers[i], tr(spec.hint), reason);
+        showReason(*m_numbers[i], tr(row.hint), reason);
     }
     // Without a generator there is nothing that an update could add.
     m_update->setVisible(bool(m_session->basReliefGenerator));

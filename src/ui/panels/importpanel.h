@@ -44,7 +44,7 @@ private:
     static constexpr size_t numberCount = 5;
 
     /// A check box bound to one truth value of the settings.
-    struct CheckSpec
+    struct CheckRow
     {
         const char *label;
         const char *hint;
@@ -52,7 +52,7 @@ private:
         bool opening; ///< the next opened file starts with it
     };
     /// A slider bound to one number of the settings.
-    struct NumberSpec
+    struct NumberRow
     {
         const char *label;
         const char *hint;
@@ -61,8 +61,8 @@ private:
         void (*store)(ImportSettings &, double);
         bool opening;
     };
-    static const std::array<CheckSpec, checkCount> &_checkSpecs();
-    static const std::array<NumberSpec, numberCount> &_numberSpecs();
+    static const std::array<CheckRow, checkCount> &_checkRows();
+    static const std::array<NumberRow, numberCount> &_numberRows();
 
     void _makeControls();
     void _makeButtons();

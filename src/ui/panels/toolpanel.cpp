@@ -33,10 +33,10 @@ QWidget *_switchedRow(QCheckBox *box, SliderField *field)
 
 } // namespace
 
-const std::array<ToolPanel::NumberSpec, ToolPanel::numberCount> &ToolPanel::_numberSpecs()
+const std::array<ToolPanel::NumberRow, ToolPanel::numberCount> &ToolPanel::_numberRows()
 {
     using Range = SliderField::Range;
-    static const std::array<NumberSpec, numberCount> specs{{
+    static const std::array<NumberRow, numberCount> rows{{
         {"Tool Size", "Radius of the brush: 100 is a tenth of the relief's diagonal. Keys [ and ].",
          Range{1, 100, 1, 10, 30, 0, {}}, UsesFootprint,
          [](const ToolParams &p) { return p.size * percentSteps; },
@@ -75,12 +75,12 @@ const std::array<ToolPanel::NumberSpec, ToolPanel::numberCount> &ToolPanel::_num
          [](ToolParams &p, double v) { p.tolerance = v; },
          [](ToolPanel &t) { emit t.ToolToleranceChanged(t.m_params.tolerance); }},
     }};
-    return specs;
+    return rows;
 }
 
-const std::array<ToolPanel::CheckSpec, ToolPanel::checkCount> &ToolPanel::_checkSpecs()
+const std::array<ToolPanel::CheckRow, ToolPanel::checkCount> &ToolPanel::_checkRows()
 {
-    static const std::array<CheckSpec, checkCount> specs{{
+    static const std::array<CheckRow, checkCount> rows{{
         {"Keep Transparency", "Empty cells, whose height is 0, stay empty.", KeepsEmpty,
          &ToolParams::keepTransparency, &ToolPanel::ToolKeepTransparencyChanged},
         {"Decay Length", "The stroke fades out along its way.", Decays, &ToolParams::useDecay,
@@ -94,12 +94,12 @@ const std::array<ToolPanel::CheckSpec, ToolPanel::checkCount> &ToolPanel::_check
         {"Continuous", "Only what is joined to the place you click.", UsesTolerance,
          &ToolParams::continuous, &ToolPanel::ToolContinuousChanged},
     }};
-    return specs;
+    return rows;
 }
 
-const std::array<ToolPanel::FlagSpec, ToolPanel::flagCount> &ToolPanel::_flagSpecs()
+const std::array<ToolPanel::FlagRow, ToolPanel::flagCount> &ToolPanel::_flagRows()
 {
-    static const std::array<FlagSpec, flagCount> specs{{
+    static const std::array<FlagRow, flagCount> rows{{
         {"X", "Every stroke is mirrored left to right.", "symmetry_x", UsesFootprint,
          &ToolPanel::SymmetryXChanged},
         {"Y", "Every stroke is mirrored top to bottom.", "symmetry_y", UsesFootprint,
@@ -107,7 +107,7 @@ const std::array<ToolPanel::FlagSpec, ToolPanel::flagCount> &ToolPanel::_flagSpe
         {"Invert", "The brush does the opposite: Deposit removes, Remove deposits.", "invert",
          Inverts, &ToolPanel::InvertChanged},
     }};
-    return specs;
+    return rows;
 }
 
 ToolPanel::ToolPanel(QWidget *parent)
@@ -138,14 +138,14 @@ void ToolPanel::_makeControls()
 void ToolPanel::_makeNumbers()
 {
     for (size_t i = 0; i < numberCount; ++i) {
-        const NumberSpec &spec = _numberSpecs()[i];
+        const NumberRow &row = _numberRows()[i];
         const bool switched = i == DecayLength || i == SmoothLength;
-        auto *field = new SliderField(switched ? QString() : tr(spec.label), spec.range, this);
-        field->setObjectName(QLatin1String(spec.label));
-        field->setAccessibleName(tr(spec.label));
-        connect(field, &SliderField::valueChanged, this, [this, &spec](double value) {
-            spec.store(m_params, value);
-            spec.notify(*this);
+        auto *field = new SliderField(switched ? QString() : tr(row.label), row.range, this);
+        field->setObjectName(QLatin1String(row.label));
+        field->setAccessibleName(tr(row.label));
+        connect(field, &SliderField::valueChanged, this, [this, &row](double value) {
+            row.store(m_params, value);
+            row.notify(*this);
         });
         m_numbers[i] = field;
     }
@@ -154,21 +154,21 @@ void ToolPanel::_makeNumbers()
 void ToolPanel::_makeChecks()
 {
     for (size_t i = 0; i < checkCount; ++i) {
-        const CheckSpec &spec = _checkSpecs()[i];
-        m_checks[i] = new QCheckBox(tr(spec.label), this);
-        connect(m_checks[i], &QCheckBox::toggled, this, [this, &spec](bool on) {
-            m_params.*spec.member = on;
+        const CheckRow &row = _checkRows()[i];
+        m_checks[i] = new QCheckBox(tr(row.label), this);
+        connect(m_checks[i], &QCheckBox::toggled, this, [this, &row](bool on) {
+            m_params.*row.member = on;
             _enable();
-            emit(this->*spec.notify)(on);
+            emit(this->*row.notify)(on);
         });
     }
     for (size_t i = 0; i < flagCount; ++i) {
-        const FlagSpec &spec = _flagSpecs()[i];
-        m_flags[i] = new QCheckBox(tr(spec.label), this);
-        m_flags[i]->setIcon(icon(QLatin1String(spec.icon)));
-        connect(m_flags[i], &QCheckBox::toggled, this, [this, &spec](bool on) {
+        const FlagRow &row = _flagRows()[i];
+        m_flags[i] = new QCheckBox(tr(row.label), this);
+        m_flags[i]->setIcon(icon(QLatin1String(row.icon)));
+        connect(m_flags[i], &QCheckBox::toggled, this, [this, &row](bool on) {
             _enable();
-            emit(this->*spec.notify)(on);
+            emit(this->*row.notify)(on);
         });
     }
     m_flags[SymmetryX]->setAccessibleName(tr("Symmetry X"));
@@ -300,10 +300,10 @@ void ToolPanel::_showRecord()
 {
     m_tool->setCurrentIndex(m_tool->findData(int(m_params.type)));
     for (size_t i = 0; i < numberCount; ++i)
-        m_numbers[i]->showValue(_numberSpecs()[i].shown(m_params));
+        m_numbers[i]->showValue(_numberRows()[i].shown(m_params));
     for (size_t i = 0; i < checkCount; ++i) {
         const QSignalBlocker quiet(m_checks[i]);
-        m_checks[i]->setChecked(m_params.*_checkSpecs()[i].member);
+        m_checks[i]->setChecked(m_params.*_checkRows()[i].member);
     }
     m_mode->showChoice(m_params.mode);
     m_form->showChoice(m_params.form);
@@ -353,9 +353,9 @@ void ToolPanel::_enable()
 {
     m_tool->setToolTip(toolEffect(Tool::Type(m_params.type)));
     for (size_t i = 0; i < checkCount; ++i)
-        showReason(*m_checks[i], tr(_checkSpecs()[i].hint), _reason(_checkSpecs()[i].use));
+        showReason(*m_checks[i], tr(_checkRows()[i].hint), _reason(_checkRows()[i].use));
     for (size_t i = 0; i < flagCount; ++i)
-        showReason(*m_flags[i], tr(_flagSpecs()[i].hint), _reason(_flagSpecs()[i].use));
+        showReason(*m_flags[i], tr(_flagRows()[i].hint), _reason(_flagRows()[i].use));
     m_checks[Limit]->setText(_limitLabel());
     m_mode->setReason(_reason(UsesMode));
     _enableNumbers();
@@ -369,7 +369,7 @@ void ToolPanel::_enableNumbers()
     const bool shaped = _alphaActs() && alphaMode != AlphaBrush::Tile;
     std::array<QString, numberCount> reasons;
     for (size_t i = 0; i < numberCount; ++i)
-        reasons[i] = _reason(_numberSpecs()[i].use);
+        reasons[i] = _reason(_numberRows()[i].use);
     reasons[Hardness] = _alphaReason(UsesFalloff, stamped);
     if (reasons[Hardness].isEmpty() && m_params.falloff == Tool::ConstantFalloff)
         reasons[Hardness] = tr("A constant falloff has no hardness.");
@@ -379,7 +379,7 @@ void ToolPanel::_enableNumbers()
     if (reasons[SmoothLength].isEmpty() && !m_params.smoothToolPaths)
         reasons[SmoothLength] = tr("Check Smooth Tool Paths first.");
     for (size_t i = 0; i < numberCount; ++i)
-        showReason(*m_numbers[i], tr(_numberSpecs()[i].hint), reasons[i]);
+        showReason(*m_numbers[i], tr(_numberRows()[i].hint), reasons[i]);
     m_falloff->setReason(_alphaReason(UsesFalloff, stamped));
     m_form->setReason(_alphaReason(UsesFootprint, shaped));
 }

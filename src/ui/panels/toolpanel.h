@@ -67,7 +67,7 @@ private:
     static constexpr size_t flagCount = 3;
 
     /// A slider bound to one number of the record.
-    struct NumberSpec
+    struct NumberRow
     {
         const char *label;
         const char *hint;
@@ -78,7 +78,7 @@ private:
         void (*notify)(ToolPanel &);
     };
     /// A check box bound to one truth value of the record.
-    struct CheckSpec
+    struct CheckRow
     {
         const char *label;
         const char *hint;
@@ -87,7 +87,7 @@ private:
         void (ToolPanel::*notify)(bool);
     };
     /// A check box bound to a flag of the relief.
-    struct FlagSpec
+    struct FlagRow
     {
         const char *label;
         const char *hint;
@@ -95,9 +95,9 @@ private:
         unsigned use;
         void (ToolPanel::*notify)(bool);
     };
-    static const std::array<NumberSpec, numberCount> &_numberSpecs();
-    static const std::array<CheckSpec, checkCount> &_checkSpecs();
-    static const std::array<FlagSpec, flagCount> &_flagSpecs();
+    static const std::array<NumberRow, numberCount> &_numberRows();
+    static const std::array<CheckRow, checkCount> &_checkRows();
+    static const std::array<FlagRow, flagCount> &_flagRows();
 
     void _makeControls();
     void _makeNumbers();
