@@ -24,7 +24,8 @@ public:
 };
 
 /// The linear history of one relief, bounded by the bytes its events account for. Works with or
-/// without actions attached.
+/// without actions attached. A stroke in progress is ended before its history is stepped through:
+/// what it changed is no event yet.
 class SculptUndo
 {
 public:

@@ -74,28 +74,30 @@ Band _bandAround(double h0, double band)
     return result;
 }
 
-/// The lowest bits of eight bytes, the first byte's lowest.
-CELL_INLINE inline uint64_t _gatherBits(const uint8_t *bytes)
+constexpr std::array<uint32_t, 32> _oneBitEach()
 {
-    uint64_t eight = 0;
-    for (size_t i = 0; i < 8; ++i)
-        eight |= uint64_t{bytes[i]} << (8 * i);
-    // The product brings the eight bits together, in order, in its top byte.
-    return (eight * 0x0102040810204080U) >> 56;
+    std::array<uint32_t, 32> bits{};
+    for (size_t i = 0; i < bits.size(); ++i)
+        bits[i] = uint32_t{1} << i;
+    return bits;
+}
+
+/// One bit for each of 32 heights, set within the band. Each lane has its own bit ready, so that a
+/// comparison and an "or" are all it takes.
+CELL_INLINE inline uint32_t _bitsWithin(const float *heights, Band band)
+{
+    static constexpr auto bits = _oneBitEach();
+    uint32_t word = 0;
+    for (size_t i = 0; i < 32; ++i)
+        word |= ((heights[i] >= band.low) & (heights[i] <= band.high)) != 0 ? bits[i] : 0U;
+    return word;
 }
 
 /// Sets one bit for every height of a row within the band.
 CELL_LOOP void _markRow(const float *heights, int count, Band band, uint64_t *words)
 {
-    std::array<uint8_t, 64> within{};
-    for (; count >= 64; count -= 64, heights += 64) {
-        for (size_t i = 0; i < 64; ++i)
-            within[i] = static_cast<uint8_t>((heights[i] >= band.low) & (heights[i] <= band.high));
-        uint64_t bits = 0;
-        for (size_t byte = 0; byte < 8; ++byte)
-            bits |= _gatherBits(within.data() + 8 * byte) << (8 * byte);
-        *words++ = bits;
-    }
+    for (; count >= 64; count -= 64, heights += 64)
+        *words++ = _bitsWithin(heights, band) | uint64_t{_bitsWithin(heights + 32, band)} << 32;
     for (int i = 0; i < count; ++i) {
         if (heights[i] >= band.low && heights[i] <= band.high)
             *words |= uint64_t{1} << i;
