@@ -1,6 +1,7 @@
 #include "files/stlwriter.h"
 
 #include "files/safefile.h"
+#include "relief/physicalsize.h"
 #include "relief/relief.h"
 
 #include <QDataStream>
@@ -97,7 +98,7 @@ __attribute__((target_clones("avx2", "default"))) void _fillZ(const float *heigh
     float *stored = row.stored.data();
     const size_t count = row.exact.size();
     for (size_t i = 0; i < count; ++i) {
-        exact[i] = static_cast<double>(heights[i]) / cellsPerUnit * zFactor;
+        exact[i] = static_cast<double>(heights[i]) / cellsPerInch * zFactor;
         stored[i] = static_cast<float>(exact[i]);
     }
 }
@@ -121,8 +122,8 @@ __attribute__((target_clones("avx2", "default"))) void _fillNormals(const Slopes
     float *z = normals.z.data();
     const size_t count = normals.x.size();
     for (size_t i = 0; i < count; ++i) {
-        const double dx = (s.highX[i] - s.lowX[i]) * cellsPerUnit;
-        const double dy = (s.highY[i] - s.lowY[i]) * cellsPerUnit;
+        const double dx = (s.highX[i] - s.lowX[i]) * cellsPerInch;
+        const double dy = (s.highY[i] - s.lowY[i]) * cellsPerInch;
         const double scale = 1.0 / std::sqrt(1.0 + dx * dx + dy * dy);
         x[i] = static_cast<float>(-dx * scale);
         y[i] = static_cast<float>(-dy * scale);
@@ -176,7 +177,7 @@ public:
         , m_x(columns())
     {
         for (size_t c = 0; c < m_x.size(); ++c)
-            m_x[c] = static_cast<float>(static_cast<double>(c) / cellsPerUnit);
+            m_x[c] = static_cast<float>(static_cast<double>(c) / cellsPerInch);
         _fillZ(grid.heights.row(0), grid.zFactor, m_lower);
     }
 
@@ -199,8 +200,8 @@ private:
     {
         const float *above = m_grid.heights.row(r);
         const float *below = m_grid.heights.row(r + 1);
-        const float y0 = static_cast<float>(r / cellsPerUnit);
-        const float y1 = static_cast<float>((r + 1) / cellsPerUnit);
+        const float y0 = static_cast<float>(r / cellsPerInch);
+        const float y1 = static_cast<float>((r + 1) / cellsPerInch);
         const float *z0 = m_upper.stored.data();
         const float *z1 = m_lower.stored.data();
         const float *x = m_x.data();

@@ -13,9 +13,6 @@
 class QDataStream;
 class Relief;
 
-/// Cells along one unit of length (an inch) in exported meshes.
-inline constexpr double cellsPerUnit = 128.0;
-
 /// A height grid on its way into a binary STL.
 struct StlGrid
 {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <numbers>
 
 namespace {
@@ -145,46 +146,41 @@ struct SmoothRow
     const double *below;
     double rowWeight; ///< 4 inside, 3 in the first and last row, 2 in a single row
     double blend;     ///< share of the new value
-    bool keepZeros;
+    float kept;       ///< cells of this value stay 0; NaN when none do
 };
 
 /// The smoothed value of any cell; inner cells have a column weight of 4.
 float _smoothCell(const SmoothRow &row, float before, int x, double columnWeight)
 {
-    if (row.keepZeros && before == 0.0F)
-        return 0.0F;
     const double mean =
         (row.above[x] + 2.0 * row.here[x] + row.below[x]) / (columnWeight * row.rowWeight);
-    return static_cast<float>(mean * row.blend + static_cast<double>(before) * (1.0 - row.blend));
+    const double after = mean * row.blend + static_cast<double>(before) * (1.0 - row.blend);
+    return before == row.kept ? 0.0F : static_cast<float>(after);
 }
 
-/// The cells that have all their neighbours: their divisor of 16 is a factor without rounding.
-template <bool keepZeros>
-__attribute__((always_inline)) inline void _smoothInner(const SmoothRow &row, float *values,
-                                                        int count)
+// The cells that have all their neighbours: their divisor of 16 is a factor without rounding.
+
+__attribute__((target_clones("avx2", "default"))) void _smoothInner(const SmoothRow &row,
+                                                                    float *values, int count)
 {
-    const double *above = row.above;
-    const double *here = row.here;
-    const double *below = row.below;
-    const double blend = row.blend / 16.0;
-    const double rest = 1.0 - row.blend;
+    const SmoothRow r = row;
     for (int x = 1; x < count - 1; ++x) {
-        const double sum = above[x] + 2.0 * here[x] + below[x];
-        const float after = static_cast<float>(sum * blend + static_cast<double>(values[x]) * rest);
-        values[x] = keepZeros && values[x] == 0.0F ? 0.0F : after;
+        const double sum = r.above[x] + 2.0 * r.here[x] + r.below[x];
+        const float after = static_cast<float>(sum * (1.0 / 16.0));
+        values[x] = values[x] == r.kept ? 0.0F : after;
     }
 }
 
-__attribute__((target_clones("avx2", "default"))) void _smoothKeepingZeros(const SmoothRow &row,
+__attribute__((target_clones("avx2", "default"))) void _smoothInnerBlended(const SmoothRow &row,
                                                                            float *values, int count)
 {
-    _smoothInner<true>(row, values, count);
-}
-
-__attribute__((target_clones("avx2", "default"))) void _smoothAll(const SmoothRow &row,
-                                                                  float *values, int count)
-{
-    _smoothInner<false>(row, values, count);
+    const SmoothRow r = row;
+    for (int x = 1; x < count - 1; ++x) {
+        const double mean = (r.above[x] + 2.0 * r.here[x] + r.below[x]) * (1.0 / 16.0);
+        const double before = values[x];
+        const float after = static_cast<float>(mean * r.blend + before * (1.0 - r.blend));
+        values[x] = values[x] == r.kept ? 0.0F : after;
+    }
 }
 
 void _smoothOneRow(const SmoothRow &row, float *values, int count)
@@ -196,10 +192,10 @@ void _smoothOneRow(const SmoothRow &row, float *values, int count)
     if (row.rowWeight < 4.0) {
         for (int x = 1; x < count - 1; ++x)
             values[x] = _smoothCell(row, values[x], x, 4.0);
-    } else if (row.keepZeros) {
-        _smoothKeepingZeros(row, values, count);
+    } else if (row.blend < 1.0) {
+        _smoothInnerBlended(row, values, count);
     } else {
-        _smoothAll(row, values, count);
+        _smoothInner(row, values, count);
     }
 }
 
@@ -222,7 +218,8 @@ void _smoothPass(const HeightsView &heights, double blend, bool keepZeros)
             _sumRow(rowAt(y + 1), sumsOf(y + 1), heights.width);
         _smoothOneRow({first ? nothing.data() : sumsOf(y - 1), sumsOf(y),
                        last ? nothing.data() : sumsOf(y + 1),
-                       4.0 - (first ? 1 : 0) - (last ? 1 : 0), blend, keepZeros},
+                       4.0 - (first ? 1 : 0) - (last ? 1 : 0), blend,
+                       keepZeros ? 0.0F : std::numeric_limits<float>::quiet_NaN()},
                       rowAt(y), heights.width);
     }
 }
