@@ -45,12 +45,18 @@ static void baseMapping(benchmark::State &state)
 {
     const FloatGrid source = disc(side);
     std::vector<float> heights(source.values.size());
-    const ImportSettings settings{.flipY = true, .invertZ = true, .raiseLower = 10, .depth = 50.0};
+    const ImportSettings settings{
+        .flipY = state.range(0) != 0, .invertZ = true, .raiseLower = 10, .depth = 50.0};
     baseline::measure(state, bytesOf(side), [&] {
         mapBase({source.values.data(), side, side, {0.0, 255.0}}, settings, heights.data());
     });
 }
-BENCHMARK(baseMapping)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
+BENCHMARK(baseMapping)
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(15);
 
 /// Runs a step that works in place on a fresh copy in every iteration.
 template <typename Step>
