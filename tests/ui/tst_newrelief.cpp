@@ -22,6 +22,7 @@ private slots:
         m_dialog = std::make_unique<NewReliefDialog>();
         m_dialog->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get()));
+        QApplication::setActiveWindow(m_dialog.get()); // where no window manager does
     }
 
     void cleanup() { m_dialog.reset(); }
