@@ -109,7 +109,9 @@ void _storeLanes(const std::array<double, lanes> &sums, float *values, qsizetype
         values[static_cast<qsizetype>(lane) * stride] = static_cast<float>(sums[lane]);
 }
 
-CELL_LOOP void _acrossLanes(const Plan &plan, const float *columns, float *out)
+/// One new row of every lane from the interleaved columns; share(weight, cell) is what a cell adds.
+template <typename Share>
+CELL_INLINE inline void _sumLanes(const Plan &plan, const float *columns, float *out, Share share)
 {
     const qsizetype stride = static_cast<qsizetype>(plan.taps.size());
     for (const Taps &taps : plan.taps) {
@@ -118,7 +120,7 @@ CELL_LOOP void _acrossLanes(const Plan &plan, const float *columns, float *out)
         for (int k = 0; k < taps.count; ++k, from += lanes) {
             const double weight = plan.weights[taps.weight + static_cast<size_t>(k)];
             for (size_t lane = 0; lane < lanes; ++lane)
-                sums[lane] += weight * static_cast<double>(from[lane]);
+                sums[lane] += share(weight, from[lane]);
         }
         if (plan.averages) {
             for (double &sum : sums)
@@ -128,24 +130,17 @@ CELL_LOOP void _acrossLanes(const Plan &plan, const float *columns, float *out)
     }
 }
 
+CELL_LOOP void _acrossLanes(const Plan &plan, const float *columns, float *out)
+{
+    _sumLanes(plan, columns, out,
+              [](double weight, float cell) { return weight * static_cast<double>(cell); });
+}
+
 /// As _acrossLanes for the occupancy of the cells: 1 where they are not empty.
 CELL_LOOP void _coverLanes(const Plan &plan, const float *columns, float *out)
 {
-    const qsizetype stride = static_cast<qsizetype>(plan.taps.size());
-    for (const Taps &taps : plan.taps) {
-        const float *from = columns + static_cast<qsizetype>(taps.first) * lanes;
-        std::array<double, lanes> sums{};
-        for (int k = 0; k < taps.count; ++k, from += lanes) {
-            const double weight = plan.weights[taps.weight + static_cast<size_t>(k)];
-            for (size_t lane = 0; lane < lanes; ++lane)
-                sums[lane] += from[lane] != 0.0F ? weight : 0.0;
-        }
-        if (plan.averages) {
-            for (double &sum : sums)
-                sum /= taps.total;
-        }
-        _storeLanes(sums, out++, stride);
-    }
+    _sumLanes(plan, columns, out,
+              [](double weight, float cell) { return cell != 0.0F ? weight : 0.0; });
 }
 
 CELL_LOOP void _addRow(double *sums, const float *row, double weight, qsizetype count)
