@@ -37,6 +37,9 @@ ReliefView::ReliefView(QWidget *parent)
 
 ReliefView::~ReliefView()
 {
+    // The context goes after this object has stopped being a ReliefView.
+    if (context())
+        context()->disconnect(this);
     if (m_changes)
         m_changes->removeView(m_changesView);
 }
