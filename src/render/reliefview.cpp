@@ -112,6 +112,7 @@ void ReliefView::setCamera(const Camera &camera)
     m_camera = camera;
     m_statusPending = true;
     update();
+    emit cameraChanged();
 }
 
 void ReliefView::zoomAll()

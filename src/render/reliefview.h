@@ -103,6 +103,7 @@ public slots:
 
 signals:
     void statusChanged(const QString &text);
+    void cameraChanged();
     void toolSizeUpdated(double size);
     void toolStrengthUpdated(double strength);
     /// A stroke (or click) of the pointer changed the relief.

@@ -20,6 +20,7 @@
 #include "ui/recentfilesmenu.h"
 #include "ui/ribbon/ribbonbar.h"
 #include "ui/ribbon/ribboncolors.h"
+#include "ui/startpage.h"
 #include "ui/themeswitcher.h"
 
 #include <QAction>
@@ -27,6 +28,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -36,15 +38,11 @@ namespace {
 
 enum View { View3d, View2d };
 
+/// First size of the window; smaller screens are filled.
+constexpr QSize roomySize(1400, 900);
+
 constexpr char noRelief[] = "Open or make a relief first.";
 constexpr char importFirst[] = "Accept the import first.";
-
-QString reasonAgainstEditing(const Document &document)
-{
-    if (!document.relief())
-        return MainWindow::tr(noRelief);
-    return document.importOpen() ? MainWindow::tr(importFirst) : QString();
-}
 
 } // namespace
 
@@ -59,7 +57,6 @@ MainWindow::MainWindow(QWidget *parent)
           this))
 {
     setAcceptDrops(true);
-    resize(1280, 800);
     _addCommands();
     m_tools = new ToolActions(*m_commands, this);
     _buildViews();
@@ -102,7 +99,11 @@ void MainWindow::_buildViews()
     m_splitter->setSizes({600, 400});
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 2);
+    m_startPage = new StartPage(m_center);
     m_center->addWidget(m_splitter);
+    m_center->addWidget(m_startPage);
+    if (StartPage::shownAtStartup())
+        m_center->setCurrentWidget(m_startPage);
     setCentralWidget(m_center);
     for (ReliefView *view :
          {static_cast<ReliefView *>(m_sculptWin), static_cast<ReliefView *>(m_flatWin)}) {
@@ -127,6 +128,10 @@ void MainWindow::_buildStatusBar()
 void MainWindow::_restoreLayout()
 {
     const QevSettings settings;
+    const QSize room = screen()->availableSize();
+    if (room.width() < roomySize.width() || room.height() < roomySize.height())
+        setWindowState(Qt::WindowMaximized);
+    resize(roomySize.boundedTo(room * 0.9));
     restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
     restoreState(settings.value(QStringLiteral("windowState")).toByteArray());
     m_splitter->restoreState(settings.value(QStringLiteral("splitterState")).toByteArray());
@@ -203,17 +208,27 @@ void MainWindow::_documentReplaced()
     QTimer::singleShot(0, this, &MainWindow::zoomAll);
 }
 
+/// Why the relief cannot be edited now; empty when it can.
+QString MainWindow::_reasonAgainstEditing() const
+{
+    if (!m_document.relief())
+        return tr(noRelief);
+    return m_document.importOpen() ? tr(importFirst) : QString();
+}
+
 /// Enables what can act now; the rest says why it cannot.
 void MainWindow::setupControls()
 {
     const Relief *relief = m_document.relief();
     const QString needsRelief = relief ? QString() : tr(noRelief);
-    const QString needsEditing = reasonAgainstEditing(m_document);
+    const QString needsEditing = _reasonAgainstEditing();
     for (const char *id : {"save", "saveAs", "zoomAll", "exportStl", "sendToDrafteon"})
         m_commands->setReason(id, needsRelief);
     for (const char *id : {"maskClear", "maskInvert"})
         m_commands->setReason(id, needsEditing);
     m_tools->setReason(needsEditing);
+    m_toolsPage->showLimit(static_cast<Tool::Type>(m_params.type), m_params.ceilingOrFloor,
+                           needsEditing);
     const bool cropReady = needsEditing.isEmpty() && m_params.type == Tool::Crop &&
                            !m_flatWin->cropOutline().isEmpty();
     (*m_commands)["cropApply"]->setEnabled(cropReady);

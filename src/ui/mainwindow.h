@@ -17,13 +17,16 @@ class CollapsibleDock;
 class CommandSet;
 class EditPage;
 class FlatWin;
+class LibraryPanel;
 class MaterialEditor;
+class NewReliefDialog;
 class QLabel;
 class QSplitter;
 class QStackedWidget;
 class RecentFilesMenu;
 class SculptPanels;
 class SculptWin;
+class StartPage;
 class ToolActions;
 class ToolsPage;
 class ViewSettingsPage;
@@ -70,6 +73,7 @@ public slots:
     void loadImportFile();
 
     void toggleBackStage();
+    void newRelief();
     void chooseFileToOpen();
     void openLastFile();
     void openRecentFile();
@@ -78,6 +82,7 @@ public slots:
     bool saveWorkSpaceAs();
     void exportStlFile();
     void exportToDrafteon();
+    void showAbout();
 
     void undo();
     void redo();
@@ -157,10 +162,12 @@ private:
 
     bool _mayLoseWork();
     bool _load(const QString &path);
+    void _make(const NewReliefDialog &wish);
     void _install(std::unique_ptr<Relief> relief, const QString &path);
     void _show(const Failure &failure);
     bool _saveTo(const QString &path);
     bool _busy() const;
+    QString _reasonAgainstEditing() const;
 
     void _documentReplaced();
     void _importChanged();
@@ -182,11 +189,14 @@ private:
     MaterialEditor *m_materials;
 
     QStackedWidget *m_center = nullptr;
+    StartPage *m_startPage = nullptr;
     QSplitter *m_splitter = nullptr;
     SculptWin *m_sculptWin = nullptr;
     FlatWin *m_flatWin = nullptr;
     SculptPanels *m_panels = nullptr;
+    LibraryPanel *m_library = nullptr;
     CollapsibleDock *m_toolDock = nullptr;
+    CollapsibleDock *m_libraryDock = nullptr;
     RecentFilesMenu *m_recentFiles = nullptr;
     QLabel *m_position = nullptr;
     QLabel *m_extent = nullptr;

@@ -5,6 +5,7 @@
 #include "render/sculptwin.h"
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
+#include "ui/library/librarypanel.h"
 #include "ui/materialeditor.h"
 #include "ui/pages/editpage.h"
 #include "ui/pages/exportpage.h"
@@ -16,14 +17,11 @@
 #include "ui/recentfilesmenu.h"
 #include "ui/ribbon/ribbonbackstage.h"
 #include "ui/ribbon/ribbonbar.h"
-#include "ui/ribbon/ribbonbutton.h"
 #include "ui/ribbon/ribbonpage.h"
 #include "ui/ribbon/ribbonquickaccessbar.h"
+#include "ui/startpage.h"
 
 #include <QAction>
-#include <QFrame>
-#include <QLabel>
-#include <QVBoxLayout>
 
 // How the window is put together: commands, docks, ribbon, file page, and who calls whom.
 
@@ -31,10 +29,12 @@ namespace {
 
 constexpr CommandRow commandRows[] = {
     {"file", "File", "", "Opens the page with the files.", "", ""},
+    {"new", "New", "new_32", "Makes a flat relief.", "Ctrl+N", ""},
     {"open", "Open", "open_32", "Opens a workspace or a picture.", "Ctrl+O", ""},
     {"save", "Save", "save_32", "Saves the workspace.", "Ctrl+S", ""},
     {"saveAs", "Save As", "save_as_32", "Saves the workspace under another name.", "Ctrl+Shift+S",
      ""},
+    {"about", "About", "about", "Version and makers.", "", ""},
     {"exit", "Exit", "exit", "Closes Marlowen.", "Ctrl+Q", ""},
     {"undo", "Undo", "undo_32", "Takes the last change back.", "Ctrl+Z",
      "There is nothing to take back."},
@@ -68,10 +68,15 @@ void MainWindow::_addCommands()
 void MainWindow::_buildDocks()
 {
     m_panels = new SculptPanels(&m_document.session(), this);
-    m_toolDock = new CollapsibleDock(tr("Tool"), QStringLiteral("ToolDock"), this);
+    m_toolDock = new CollapsibleDock(tr("Tool Panel"), QStringLiteral("ToolDock"), this);
     m_toolDock->setContent(m_panels, toolDockWidth);
     addDockWidget(Qt::LeftDockWidgetArea, m_toolDock);
-    resizeDocks({m_toolDock}, {toolDockWidth}, Qt::Horizontal);
+    m_library = new LibraryPanel(this);
+    m_libraryDock =
+        new CollapsibleDock(tr("Patterns & Alphas"), QStringLiteral("LibraryDock"), this);
+    m_libraryDock->setContent(m_library, libraryDockWidth);
+    addDockWidget(Qt::RightDockWidgetArea, m_libraryDock);
+    resizeDocks({m_toolDock, m_libraryDock}, {toolDockWidth, libraryDockWidth}, Qt::Horizontal);
 }
 
 void MainWindow::_buildRibbon()
@@ -99,32 +104,18 @@ void MainWindow::_buildRibbon()
 void MainWindow::_buildFilePage()
 {
     RibbonBackstage *page = backstage();
-    for (const char *id : {"open", "save", "saveAs"})
+    for (const char *id : {"new", "open", "save", "saveAs"})
         page->addCommand((*m_commands)[id]);
     page->addStretch();
-    page->addCommand((*m_commands)["exit"]);
+    for (const char *id : {"about", "exit"})
+        page->addCommand((*m_commands)[id]);
 
     m_recentFiles = new RecentFilesMenu(this);
-    auto *content = new QWidget;
-    auto *column = new QVBoxLayout(content);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(4);
-    auto *heading = new QLabel(tr("Recent files"));
-    heading->setContentsMargins(4, 0, 0, 8);
-    column->addWidget(heading);
+    page->setContent(m_recentFiles->makeList());
     for (QAction *action : m_recentFiles->actions()) {
-        auto *button = new RibbonButton(action, RibbonButton::Small, content);
-        button->setFixedHeight(32);
-        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        button->setVisible(false);
-        connect(action, &QAction::changed, button,
-                [button, action] { button->setVisible(action->isVisible()); });
         connect(action, &QAction::triggered, page, [page] { page->setOpen(false); });
         connect(action, &QAction::triggered, this, &MainWindow::openRecentFile);
-        column->addWidget(button);
     }
-    column->addStretch(1);
-    page->setContent(content);
 }
 
 void MainWindow::_connectCommands()
@@ -133,9 +124,11 @@ void MainWindow::_connectCommands()
         connect((*m_commands)[id], &QAction::triggered, this, slot);
     };
     on("file", &MainWindow::toggleBackStage);
+    on("new", &MainWindow::newRelief);
     on("open", &MainWindow::chooseFileToOpen);
     on("save", &MainWindow::saveWorkSpace);
     on("saveAs", &MainWindow::saveWorkSpaceAs);
+    on("about", &MainWindow::showAbout);
     on("exit", &MainWindow::close);
     on("undo", &MainWindow::undo);
     on("redo", &MainWindow::redo);
@@ -217,6 +210,7 @@ void MainWindow::_connectPanels()
     connect(panel, &ToolPanel::InvertChanged, this, &MainWindow::invertChanged);
     connect(panel, &ToolPanel::AlphaModeChanged, this, &MainWindow::alphaChanged);
     connect(panel, &ToolPanel::AlphaRepeatChanged, this, &MainWindow::alphaChanged);
+    connect(m_library, &LibraryPanel::AlphaChanged, this, &MainWindow::alphaChanged);
     connect(m_panels->importPanel(), &ImportPanel::AcceptClicked, this, &MainWindow::acceptClicked);
     connect(m_panels->importPanel(), &ImportPanel::UpdateClicked, this, &MainWindow::updateClicked);
     m_document.session().changed = [this] { _importChanged(); };
@@ -232,6 +226,7 @@ void MainWindow::_connectViews()
         connect(view, &ReliefView::sampleChanged, this, &MainWindow::sampleChanged);
         connect(view, &ReliefView::reliefEdited, &m_document, &Document::edited);
     }
+    connect(m_sculptWin, &ReliefView::cameraChanged, this, &MainWindow::_showZoom);
     connect(m_flatWin, &FlatWin::selectionChanged, this, &MainWindow::setupControls);
     connect(m_flatWin, &FlatWin::cropChanged, this, &MainWindow::setupControls);
     connect(m_flatWin, &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
@@ -239,6 +234,10 @@ void MainWindow::_connectViews()
 
 void MainWindow::_connectDocument()
 {
+    connect(m_startPage, &StartPage::NewClicked, this, &MainWindow::newRelief);
+    connect(m_startPage, &StartPage::OpenClicked, this, &MainWindow::chooseFileToOpen);
+    connect(m_startPage, &StartPage::RecentClicked, this,
+            [this](const QString &path) { openFile(path, 0); });
     connect(&m_document, &Document::replaced, this, &MainWindow::_documentReplaced);
     connect(&m_document, &Document::modifiedChanged, this, &MainWindow::reliefDirtyChanged);
     connect(&m_document, &Document::changed, this, &MainWindow::_showRelief);
@@ -246,6 +245,7 @@ void MainWindow::_connectDocument()
         m_openedSize = {};
         m_panels->importPanel()->refresh();
         m_panels->showToolTab();
+        m_sculptWin->setFocus();
         _showRelief();
     });
 }

@@ -48,7 +48,7 @@ void MainWindow::_showTool()
     const auto type = static_cast<Tool::Type>(m_params.type);
     m_panels->toolPanel()->showParams(m_params);
     m_tools->showTool(type);
-    m_toolsPage->showLimit(type, m_params.ceilingOrFloor);
+    m_toolsPage->showLimit(type, m_params.ceilingOrFloor, _reasonAgainstEditing());
     m_editPage->showParams(m_params);
     m_sculptWin->refresh();
     m_flatWin->refresh();
@@ -192,8 +192,7 @@ void MainWindow::_showSize()
                                        highest * relief->zScale / cellsPerInch};
     if (m_openedSize[0] <= 0.0 || m_document.importOpen())
         m_openedSize = now;
-    m_sizePage->showSize({now, m_openedSize},
-                         m_document.importOpen() ? tr("Accept the import first.") : QString());
+    m_sizePage->showSize({now, m_openedSize}, _reasonAgainstEditing());
     _showZoom();
 }
 

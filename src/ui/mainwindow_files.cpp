@@ -8,8 +8,10 @@
 #include "files/workspacefile.h"
 #include "import/imageimport.h"
 #include "relief/relief.h"
+#include "ui/aboutbox.h"
 #include "ui/commandset.h"
 #include "ui/forcedexit.h"
+#include "ui/newreliefdialog.h"
 #include "ui/progressbox.h"
 #include "ui/recentfilesmenu.h"
 #include "ui/ribbon/ribbonbackstage.h"
@@ -25,6 +27,7 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include <algorithm>
 #include <new>
 
 // What the window does with files: open, save, export, hand over, and the guard of unsaved work.
@@ -135,6 +138,31 @@ bool MainWindow::openFile(const QString &path, int)
         return false;
     m_document.endStroke();
     return _load(path);
+}
+
+void MainWindow::newRelief()
+{
+    if (_busy())
+        return;
+    m_document.endStroke();
+    NewReliefDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted && _mayLoseWork())
+        _make(dialog);
+}
+
+void MainWindow::_make(const NewReliefDialog &wish)
+{
+    try {
+        auto relief = std::make_unique<Relief>(wish.widthCells(), wish.heightCells());
+        const auto level = static_cast<float>(wish.level());
+        if (level > 0.0F) {
+            std::fill_n(relief->heights().data(), relief->cells(), level);
+            relief->referenceLayer().copyFrom(relief->heights());
+        }
+        _install(std::move(relief), QString());
+    } catch (const std::bad_alloc &) {
+        _show({tr("New Failed"), tr("There is not enough memory for a relief of this size.")});
+    }
 }
 
 /// Reads the file before asking about unsaved work, so that a damaged one costs one box and no
@@ -317,6 +345,11 @@ void MainWindow::exportToDrafteon()
     _saveLayout();
     armForcedExit(forcedExit);
     QCoreApplication::quit();
+}
+
+void MainWindow::showAbout()
+{
+    AboutBox(this).exec();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)

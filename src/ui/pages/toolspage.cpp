@@ -101,10 +101,8 @@ void ToolsPage::addCommands(CommandSet &commands)
 ToolsPage::ToolsPage(RibbonPage &page, CommandSet &commands, const ToolActions &tools,
                      QObject *parent)
     : QObject(parent)
-    , m_ceiling(_limitBox(tr("Ceiling"), QStringLiteral("ceiling"),
-                          tr("Deposit stops at the highest height under the brush.")))
-    , m_floor(_limitBox(tr("Floor"), QStringLiteral("floor"),
-                        tr("Remove stops at the lowest height under the brush.")))
+    , m_ceiling(_limitBox(tr("Ceiling"), QStringLiteral("ceiling")))
+    , m_floor(_limitBox(tr("Floor"), QStringLiteral("floor")))
 {
     RibbonGroup *group = page.addGroup(tr("Sculpting Tools"));
     const auto add = [&](Tool::Type type) { group->addLargeButton(tools.action(type)); };
@@ -125,25 +123,34 @@ ToolsPage::ToolsPage(RibbonPage &page, CommandSet &commands, const ToolActions &
     add(Tool::Erase);
 }
 
-QCheckBox *ToolsPage::_limitBox(const QString &label, const QString &name, const QString &toolTip)
+QCheckBox *ToolsPage::_limitBox(const QString &label, const QString &name)
 {
     auto *box = new QCheckBox(label);
     box->setObjectName(name);
-    box->setToolTip(toolTip);
     connect(box, &QCheckBox::clicked, this, &ToolsPage::limitChanged);
     return box;
 }
 
-void ToolsPage::showLimit(Tool::Type type, bool on)
+void ToolsPage::showLimit(Tool::Type type, bool on, const QString &reason)
 {
-    m_ceiling->setEnabled(type == Tool::Deposit);
-    m_floor->setEnabled(type == Tool::Remove);
-    m_ceiling->setChecked(type == Tool::Deposit && on);
-    m_floor->setChecked(type == Tool::Remove && on);
-    m_ceiling->setToolTip(type == Tool::Deposit
-                              ? tr("Deposit stops at the highest height under the brush.")
-                              : tr("Choose the Deposit tool first."));
-    m_floor->setToolTip(type == Tool::Remove ? tr("Remove stops at the lowest height under the "
-                                                  "brush.")
-                                             : tr("Choose the Remove tool first."));
+    struct Limit
+    {
+        QCheckBox *box;
+        Tool::Type tool;
+        QString effect;
+        QString otherTool;
+    };
+    const Limit limits[] = {
+        {m_ceiling, Tool::Deposit, tr("Deposit stops at the highest height under the brush."),
+         tr("Choose the Deposit tool first.")},
+        {m_floor, Tool::Remove, tr("Remove stops at the lowest height under the brush."),
+         tr("Choose the Remove tool first.")},
+    };
+    for (const Limit &limit : limits) {
+        const bool own = type == limit.tool;
+        const QString why = reason.isEmpty() && !own ? limit.otherTool : reason;
+        limit.box->setEnabled(why.isEmpty());
+        limit.box->setChecked(own && on);
+        limit.box->setToolTip(why.isEmpty() ? limit.effect : why);
+    }
 }

@@ -45,14 +45,15 @@ public:
 
     static void addCommands(CommandSet &commands);
 
-    /// Shows the tool's "Ceiling" or "Floor"; the other one belongs to the other tool.
-    void showLimit(Tool::Type type, bool on);
+    /// Shows the tool's "Ceiling" or "Floor"; the other one belongs to the other tool. A reason
+    /// says why neither can be used now.
+    void showLimit(Tool::Type type, bool on, const QString &reason);
 
 signals:
     void limitChanged(bool on);
 
 private:
-    QCheckBox *_limitBox(const QString &label, const QString &name, const QString &toolTip);
+    QCheckBox *_limitBox(const QString &label, const QString &name);
 
     QCheckBox *m_ceiling;
     QCheckBox *m_floor;

@@ -1,12 +1,13 @@
 #include "ui/ribbon/ribbonbackstage.h"
 
+#include "ui/ribbon/ribbonarrow.h"
 #include "ui/ribbon/ribbonbutton.h"
+#include "ui/ribbon/ribboncolors.h"
 
 #include <QAction>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QStyle>
 #include <QVBoxLayout>
 
 RibbonBackstage::RibbonBackstage(const QString &title, QWidget *parent)
@@ -26,7 +27,7 @@ RibbonBackstage::RibbonBackstage(const QString &title, QWidget *parent)
     m_commands->setContentsMargins(12, 12, 12, 12);
     m_commands->setSpacing(4);
     m_back->setText(tr("Back"));
-    m_back->setIcon(style()->standardIcon(QStyle::SP_ArrowLeft));
+    _drawArrow();
     m_back->setToolTip(tr("Back to the work (Esc)"));
     m_back->setFixedHeight(36);
     m_back->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -41,6 +42,18 @@ RibbonBackstage::RibbonBackstage(const QString &title, QWidget *parent)
     row->addLayout(m_contentPlace, 1);
     parent->installEventFilter(this);
     hide();
+}
+
+void RibbonBackstage::_drawArrow()
+{
+    m_back->setIcon(ribbonArrow(Qt::LeftArrow, RibbonColors::of(palette()).text));
+}
+
+void RibbonBackstage::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        _drawArrow();
 }
 
 RibbonButton *RibbonBackstage::addCommand(QAction *action)

@@ -30,8 +30,11 @@ signals:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    void _drawArrow();
+
     QWidget *m_side;
     QVBoxLayout *m_commands;
     QVBoxLayout *m_contentPlace;

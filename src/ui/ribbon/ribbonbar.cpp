@@ -1,5 +1,6 @@
 #include "ui/ribbon/ribbonbar.h"
 
+#include "ui/ribbon/ribbonarrow.h"
 #include "ui/ribbon/ribbonbutton.h"
 #include "ui/ribbon/ribboncolors.h"
 #include "ui/ribbon/ribbonfocus.h"
@@ -14,30 +15,6 @@
 #include <QVBoxLayout>
 
 #include <utility>
-
-namespace {
-
-/// An arrow that folds the ribbon up or lets it down.
-QIcon foldIcon(const QColor &color, bool up)
-{
-    QIcon icon;
-    for (const int ratio : {1, 2, 3}) {
-        QPixmap picture(20 * ratio, 20 * ratio);
-        picture.setDevicePixelRatio(ratio);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(color, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        const double tip = up ? 8 : 12;
-        const double foot = up ? 12 : 8;
-        painter.drawPolyline(
-            QPolygonF({QPointF(5.5, foot), QPointF(10, tip), QPointF(14.5, foot)}));
-        icon.addPixmap(picture);
-    }
-    return icon;
-}
-
-} // namespace
 
 RibbonBar::RibbonBar(QWidget *parent)
     : QWidget(parent)
@@ -130,7 +107,9 @@ void RibbonBar::setPageVisible(int number, bool visible)
             }
         }
     }
-    m_tabs->setTabVisible(_tabOf(number), visible);
+    // Told twice before it lays its tabs out, a tab bar forgets to do so.
+    if (m_tabs->isTabVisible(_tabOf(number)) != visible)
+        m_tabs->setTabVisible(_tabOf(number), visible);
 }
 
 void RibbonBar::setCurrentPage(int number)
@@ -153,12 +132,25 @@ void RibbonBar::setMinimized(bool on)
     _floatPage(false);
     m_minimized = on;
     m_stack->setVisible(!on);
-    m_minimize->setIcon(foldIcon(RibbonColors::of(palette()).text, !on));
+    _drawArrow();
     m_minimize->setText(on ? tr("Keep the ribbon open") : tr("Minimise the ribbon"));
     m_minimize->setToolTip(on ? tr("Keep the ribbon open (Ctrl+F1)")
                               : tr("Show only the tabs (Ctrl+F1)"));
     if (changed)
         emit minimizedChanged(on);
+}
+
+void RibbonBar::_drawArrow()
+{
+    m_minimize->setIcon(
+        ribbonArrow(m_minimized ? Qt::DownArrow : Qt::UpArrow, RibbonColors::of(palette()).text));
+}
+
+void RibbonBar::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        _drawArrow();
 }
 
 /// Lays the page over the window, or takes it away again. Only while minimised.

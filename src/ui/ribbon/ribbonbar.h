@@ -52,9 +52,11 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void _tabChanged(int tab);
+    void _drawArrow();
     void _floatPage(bool on);
     bool _tabKey(int key);
     int _tabOf(int number) const;

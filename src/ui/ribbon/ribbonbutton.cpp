@@ -13,7 +13,7 @@ constexpr int largeIcon = 32;
 constexpr int smallIcon = 20;
 constexpr int gap = 4;
 constexpr int arrowWidth = 12;
-constexpr int oneLineWidth = 52;
+constexpr int oneLineWidth = 76;
 
 } // namespace
 
@@ -140,10 +140,11 @@ void RibbonButton::_paintIcon(QPainter &painter, const QRect &place) const
 void RibbonButton::_paintLarge(QPainter &painter, const QColor &ink) const
 {
     const int line = fontMetrics().height();
-    const int top = (height() - (largeIcon + gap + 2 * line)) / 2;
+    const QStringList lines = _lines();
+    const int lineCount = static_cast<int>(lines.size()) + (_hasArrow() && lines.size() == 1);
+    const int top = (height() - (largeIcon + gap + lineCount * line)) / 2;
     _paintIcon(painter, QRect((width() - largeIcon) / 2, top, largeIcon, largeIcon));
     painter.setPen(ink);
-    const QStringList lines = _lines();
     int y = top + largeIcon + gap;
     for (const QString &text : lines) {
         painter.drawText(QRect(0, y, width(), line), Qt::AlignCenter, text);

@@ -173,11 +173,29 @@ std::vector<RibbonGroup::Column> RibbonGroup::_columns(State state)
                            separator ||
                            columns.back().items.size() == static_cast<size_t>(rowsPerColumn);
         if (fresh)
-            columns.push_back({{}, tall, separator && !columns.empty()});
+            columns.push_back({{}, tall, separator && !columns.empty(), 0});
         separator = false;
         columns.back().items.push_back(&item);
     }
+    _levelRows(columns);
     return columns;
+}
+
+/// Neighbouring columns of rows share the height of the longest, so that their rows align and stand
+/// in the middle beside what is tall.
+void RibbonGroup::_levelRows(std::vector<Column> &columns)
+{
+    const auto breaks = [](const Column &column) { return column.tall || column.separatorBefore; };
+    for (size_t first = 0; first < columns.size();) {
+        size_t end = first + 1;
+        while (end < columns.size() && !breaks(columns[end]) && !columns[first].tall)
+            ++end;
+        size_t rows = 0;
+        for (size_t at = first; at < end; ++at)
+            rows = qMax(rows, columns[at].items.size());
+        for (; first < end; ++first)
+            columns[first].rows = rows;
+    }
 }
 
 void RibbonGroup::_setForms(State state)
@@ -235,7 +253,7 @@ int RibbonGroup::_placeRows(const Column &column, int left, bool place)
     if (!place)
         return width;
     const int row = rowHeight(this);
-    int top = 0;
+    int top = (rowsPerColumn - static_cast<int>(column.rows)) * (row + rowGap) / 2;
     for (const Item *item : column.items) {
         const int indent = item->label ? labelWidth : 0;
         const int height = qMin(row, qMax(item->control->sizeHint().height(), row - 2));

@@ -78,11 +78,13 @@ private:
         std::vector<Item *> items;
         bool tall = false;
         bool separatorBefore = false;
+        size_t rows = 0; ///< of the longest of the columns side by side with it
     };
 
     Item &_add(QWidget *control);
     RibbonButton *_addButton(QAction *action, bool large);
     std::vector<Column> _columns(State state);
+    static void _levelRows(std::vector<Column> &columns);
     void _setForms(State state);
     int _layOutContent(State state, bool place);
     int _placeColumn(const Column &column, int left, bool place);
