@@ -51,6 +51,9 @@ class ViewMathTest : public QObject
     Q_OBJECT
 
 private slots:
+    // Before the pointers' size is read for the first time.
+    void initTestCase() { QevSettings().remove("/state/view/cursorScale"); }
+
     void arcballFollowsThePointer()
     {
         Arcball ball;
