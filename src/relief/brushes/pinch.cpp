@@ -40,7 +40,8 @@ bool dabPinch(const Dab &dab)
 {
     const double cells = 0.25 * dab.tool.radius();
     const Pull pull{dab.centre, cells, dab.params().strength * dab.decayCubed};
-    const BoxCopy before = copyAround(dab, cells, cells);
+    const double reach = cells * std::min(1.0, pull.factor);
+    const BoxCopy before = copyAround(dab, reach, reach);
     return paintSamples(
         dab, [&](const CellSpan &span, float *samples) { gatherRow(before, span, pull, samples); });
 }
