@@ -15,12 +15,18 @@ struct Step
 constexpr std::array<Step, 8> steps{
     {{-1, 0}, {1, 0}, {0, -1}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}}};
 
+/// Says where, which a release build's messages do not do by themselves.
+[[noreturn]] void _badNeighbor(const char *function)
+{
+    QMessageLogger("indexer", 0, function).fatal("Bad Neighbor!");
+}
+
 } // namespace
 
 int Indexer::neighborOf(int index, Neighbors direction) const
 {
     if (static_cast<uint32_t>(direction) >= steps.size())
-        qFatal("Bad Neighbor!");
+        _badNeighbor("int Indexer::neighborOf(int, Neighbors) const");
     const int64_t width = m_width;
     const int64_t height = m_height;
     if (index < 0 || index >= width * height)
@@ -37,7 +43,7 @@ Indexer::Neighbors Indexer::oppositeNeighborOf(Neighbors direction) const
     static constexpr std::array<Neighbors, 8> opposites{
         Right, Left, Below, Above, BelowRight, BelowLeft, AboveRight, AboveLeft};
     if (static_cast<uint32_t>(direction) >= opposites.size())
-        qFatal("Bad Neighbor!");
+        _badNeighbor("Neighbors Indexer::oppositeNeighborOf(Neighbors) const");
     return opposites[direction];
 }
 

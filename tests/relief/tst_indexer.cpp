@@ -7,9 +7,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Runs `call` in a child process; true when it aborts with "Bad Neighbor!" as its last words.
+/// Runs `call` in a child process; true when it aborts and its last words are "Bad Neighbor!" and
+/// the function.
 template <typename Call>
-static bool diesOfBadNeighbor(Call call)
+static bool diesOfBadNeighbor(Call call, const QByteArray &function)
 {
     int ends[2];
     if (pipe(ends) != 0)
@@ -18,6 +19,7 @@ static bool diesOfBadNeighbor(Call call)
     if (child == 0) {
         dup2(ends[1], STDERR_FILENO);
         qInstallMessageHandler(nullptr);
+        qSetMessagePattern(QStringLiteral("%{message} %{file} %{function}"));
         call();
         _exit(0);
     }
@@ -29,7 +31,8 @@ static bool diesOfBadNeighbor(Call call)
     close(ends[0]);
     int status = 0;
     waitpid(child, &status, 0);
-    return WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT && words.contains("Bad Neighbor!");
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT &&
+           words.contains("Bad Neighbor! indexer " + function);
 }
 
 class TestIndexer : public QObject
@@ -108,9 +111,10 @@ private slots:
     {
         const Indexer indexer(3, 3);
         const auto wrong = static_cast<Indexer::Neighbors>(8);
-        QVERIFY(diesOfBadNeighbor([&] { indexer.neighborOf(4, wrong); }));
-        QVERIFY(diesOfBadNeighbor([&] { indexer.neighborOf(99, wrong); }));
-        QVERIFY(diesOfBadNeighbor([&] { indexer.oppositeNeighborOf(wrong); }));
+        QVERIFY(diesOfBadNeighbor([&] { indexer.neighborOf(4, wrong); }, "Indexer::neighborOf"));
+        QVERIFY(diesOfBadNeighbor([&] { indexer.neighborOf(99, wrong); }, "Indexer::neighborOf"));
+        QVERIFY(diesOfBadNeighbor([&] { indexer.oppositeNeighborOf(wrong); },
+                                  "Indexer::oppositeNeighborOf"));
     }
 };
 
