@@ -122,11 +122,12 @@ __attribute__((target_clones("avx2", "default"))) void _fillNormals(const Slopes
     float *z = normals.z.data();
     const size_t count = normals.x.size();
     for (size_t i = 0; i < count; ++i) {
-        const double dx = (s.highX[i] - s.lowX[i]) * cellsPerInch;
-        const double dy = (s.highY[i] - s.lowY[i]) * cellsPerInch;
+        // Falls instead of rises: the negative of a level rise would be a negative zero.
+        const double dx = (s.lowX[i] - s.highX[i]) * cellsPerInch;
+        const double dy = (s.lowY[i] - s.highY[i]) * cellsPerInch;
         const double scale = 1.0 / std::sqrt(1.0 + dx * dx + dy * dy);
-        x[i] = static_cast<float>(-dx * scale);
-        y[i] = static_cast<float>(-dy * scale);
+        x[i] = static_cast<float>(dx * scale);
+        y[i] = static_cast<float>(dy * scale);
         z[i] = static_cast<float>(scale);
     }
 }

@@ -159,6 +159,15 @@ private slots:
         }
     }
 
+    void levelGroundFacesStraightUp()
+    {
+        // No negative zeros: other programs compare and print normals.
+        const QByteArray stl = gridStl({3, 2, std::vector<float>(6, 4.0F), 2.0});
+        QCOMPARE(countOf(stl), 4U);
+        for (qsizetype at = 84; at < stl.size(); at += 50)
+            QCOMPARE(stl.mid(at, 12), QByteArray::fromHex("00000000000000000000803f"));
+    }
+
     void rowsLongerThanAWriteBlock()
     {
         // Both a wide and a tall grid cross the writer's block size many times.
