@@ -138,7 +138,7 @@ const std::vector<ScriptAction> &reliefActions()
         {"resize",
          {{"width", KeyType::Integer, true, 2.0}, {"height", KeyType::Integer, true, 2.0}},
          _resize},
-        {"zscale", {{"value", KeyType::Number, true, 1e-6, 1e6}}, _zScale},
+        {"zscale", {{"value", KeyType::Number, true, smallestZScale, largestZScale}}, _zScale},
         {"crop", {{"points", KeyType::Points, true}}, _crop},
     };
     return actions;

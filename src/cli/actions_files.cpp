@@ -149,7 +149,8 @@ Outcome _info(ScriptState &state, const QJsonObject &)
                     {QLatin1String("bytes"), static_cast<qint64>(state.undo().totalSize())}});
     description.insert(QLatin1String("sampleHeight"),
                        static_cast<double>(state.relief()->sampleHeight));
-    state.print(QJsonDocument(description).toJson(QJsonDocument::Compact));
+    if (!state.print(QJsonDocument(description).toJson(QJsonDocument::Compact)))
+        return scriptFailure(QStringLiteral("standard output cannot be written"));
     return {};
 }
 

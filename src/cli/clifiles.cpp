@@ -79,8 +79,11 @@ constexpr ExportRow exportRows[] = {
                 Progress &progress) { return exportGridStl(relief, path, &progress); }},
     {".pfm", [](const Relief &relief, const QString &path,
                 Progress &) { return savePfm(_heightsOf(relief), path); }},
-    {".png", [](const Relief &relief, const QString &path,
-                Progress &) { return saveHeightPng(_heightsOf(relief), path); }},
+    {".png",
+     [](const Relief &relief, const QString &path, Progress &) {
+         const QuietDecoders quiet;
+         return saveHeightPng(_heightsOf(relief), path);
+     }},
 };
 
 const ExportRow *_exportRowOf(const QString &path)

@@ -79,6 +79,14 @@ int _convert(const QStringList &arguments)
     return done ? Done : _workFailed(done.failure());
 }
 
+/// A result that did not reach standard output was not delivered.
+int _delivered(int status)
+{
+    if (status != Done || (std::fflush(stdout) == 0 && !std::ferror(stdout)))
+        return status;
+    return _fail(QStringLiteral("marlowen-cli: standard output cannot be written"), WorkFailed);
+}
+
 void _printDescription(const QJsonObject &description, bool json)
 {
     if (json) {
@@ -145,7 +153,7 @@ int runCommandLine(const QStringList &arguments)
         if (arguments[0] != QLatin1String(command.name))
             continue;
         try {
-            return command.run(arguments.mid(1));
+            return _delivered(command.run(arguments.mid(1)));
         } catch (const std::bad_alloc &) {
             return _fail(QStringLiteral("marlowen-cli: not enough memory"), WorkFailed);
         }

@@ -1,6 +1,7 @@
 #include "cli/convertjob.h"
 
 #include "cli/clifiles.h"
+#include "cli/scriptkeys.h"
 #include "cli/scriptstate.h"
 #include "files/filetypes.h"
 #include "relief/operations.h"
@@ -65,7 +66,7 @@ bool _parseSize(const QString &text, ConvertJob &job)
 bool _parseZScale(const QString &text, ConvertJob &job)
 {
     double value = 0.0;
-    if (!_parseReal(text, -1e6, 1e6, value))
+    if (!_parseReal(text, smallestZScale, largestZScale, value))
         return false;
     job.zScale = value;
     return true;
@@ -113,7 +114,7 @@ constexpr Option options[] = {
      }},
     {"--bas-relief", "G,C,S", "grid size, contrast factor and smoothness", _parseBasRelief},
     {"--size", "WxH", "resample to this many cells", _parseSize},
-    {"--z-scale", "Z", "factor on all heights", _parseZScale},
+    {"--z-scale", "Z", "factor on all heights, above 0", _parseZScale},
     {"--quality", "high|medium|low", "reduce the exported mesh", _parseQuality},
 };
 
@@ -136,7 +137,8 @@ QString _applyOption(const QStringList &arguments, qsizetype &position, ConvertJ
                 attached ? arguments[position].section(QLatin1Char('='), 1) : arguments[++position];
         if (option.apply(value, job))
             return {};
-        return QStringLiteral("%1: \"%2\" is not %3").arg(name, value, QLatin1String(option.value));
+        return QStringLiteral("%1: \"%2\" is not %3 (%4)")
+            .arg(name, value, QLatin1String(option.value), QLatin1String(option.help));
     }
     return QStringLiteral("unknown option %1").arg(name);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// While it lives, what libraries print on standard error goes nowhere: a failure is one line, and
-/// image decoders have much to say about a damaged file.
+/// image decoders and encoders have much to say about damaged files and full disks.
 class QuietDecoders
 {
 public:

@@ -6,6 +6,10 @@
 #include <limits>
 #include <vector>
 
+/// A Z scale, in a script as on the command line.
+inline constexpr double smallestZScale = 1e-6;
+inline constexpr double largestZScale = 1e6;
+
 /// What the value of a key may be.
 enum class KeyType {
     Boolean,

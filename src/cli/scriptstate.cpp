@@ -14,17 +14,16 @@ void ScriptState::install(std::unique_ptr<Relief> relief)
 {
     m_engine.attach(nullptr, nullptr);
     m_undo.clear();
-    m_engine.attach(relief.get(), &m_undo);
     m_import.attach(relief.get());
     m_relief = std::move(relief);
     m_engine.attach(m_relief.get(), &m_undo);
 }
 
-void ScriptState::print(const QByteArray &line)
+bool ScriptState::print(const QByteArray &line)
 {
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
     std::fputc('\n', stdout);
-    std::fflush(stdout);
+    return std::fflush(stdout) == 0 && !std::ferror(stdout);
 }
 
 Failure scriptFailure(const QString &sentence)

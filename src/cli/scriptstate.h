@@ -35,8 +35,8 @@ public:
 
     ToolParams tool;
 
-    /// One line on standard output, at once.
-    void print(const QByteArray &line);
+    /// One line on standard output, at once. False when it could not be written.
+    bool print(const QByteArray &line);
 
 private:
     std::unique_ptr<Relief> m_relief;

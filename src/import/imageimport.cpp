@@ -41,8 +41,11 @@ QImage _strip(const QImage &image, int first, int count)
 Result<QImage> _readImage(const QString &path)
 {
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
-        return openFailed(file.error() ? file.errorString() : QStringLiteral("not a file"));
+    const QFileInfo found(path);
+    if (found.exists() && !found.isFile())
+        return openFailed(QStringLiteral("not a file"));
+    if (!file.open(QIODevice::ReadOnly))
+        return openFailed(file.errorString());
     if (imageCutShort(file))
         return openFailed(QStringLiteral("the image has no end"));
     QImageReader::setAllocationLimit(decodedLimitMegabytes);

@@ -78,6 +78,9 @@ private slots:
         QVERIFY(disc().scaled(30, 20).save(_path("small.bmp")));
         _write("broken.png", _contents("disc.png").left(200));
         _write("precious.scp", "precious");
+        QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("folder.png")));
+        for (const char *name : {"full.scp", "full.stl", "full.pfm", "full.png"})
+            QVERIFY(QFile::link(QStringLiteral("/dev/full"), _path(name)));
     }
 
     void aPictureTakesEveryForm()
@@ -171,6 +174,9 @@ private slots:
         QTest::newRow("half a tilt") << QStringList{"convert", "disc.png", "a.scp", "--tilt", "5"};
         QTest::newRow("size of one column")
             << QStringList{"convert", "disc.png", "a.scp", "--size", "1x9"};
+        for (const char *scale : {"0", "-2", "1e7", "inf"})
+            QTest::addRow("a Z scale of %s", scale)
+                << QStringList{"convert", "disc.png", "a.scp", "--z-scale", scale};
         QTest::newRow("info without file") << QStringList{"info", "--json"};
         QTest::newRow("run without script") << QStringList{"run"};
     }
@@ -201,6 +207,14 @@ private slots:
         QTest::newRow("a folder") << convert(".", "x.scp") << QByteArray(".: ");
         QTest::newRow("missing folder")
             << convert("disc.png", "no/x.scp") << QByteArray("no/x.scp: ");
+        // Here the reason is the system's own.
+        QTest::newRow("missing, and why")
+            << convert("none.png", "x.scp") << QByteArray("No such file or directory");
+        QTest::newRow("a folder called picture")
+            << convert("folder.png", "x.scp") << QByteArray("folder.png: ");
+        for (const char *name : {"full.scp", "full.stl", "full.pfm", "full.png"})
+            QTest::addRow("full disk, %s", name)
+                << convert("disc.png", name) << QByteArray(name) + ": ";
         QTest::newRow("info") << QStringList{"info", "none.scp"} << QByteArray("none.scp: ");
         QTest::newRow("script") << QStringList{"run", "none.txt"} << QByteArray("none.txt: ");
     }
@@ -215,6 +229,31 @@ private slots:
         QVERIFY2(ran.errors.contains(named), ran.errors);
         QCOMPARE(_contents("precious.scp"), QByteArray("precious"));
         QVERIFY(!QFile::exists(_path("x.scp")));
+    }
+
+    void outputThatCannotBeWrittenIsAFailure_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("info") << QStringList{"info", "disc.png"};
+        QTest::newRow("help") << QStringList{"--help"};
+        QTest::newRow("script") << QStringList{"run", "-"};
+    }
+
+    void outputThatCannotBeWrittenIsAFailure()
+    {
+        QFETCH(QStringList, arguments);
+        QProcess process;
+        process.setWorkingDirectory(m_folder.path());
+        process.setStandardOutputFile(QStringLiteral("/dev/full"));
+        process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen-cli"), arguments);
+        process.write("{\"do\":\"new\",\"width\":3,\"height\":3}\n{\"do\":\"info\"}\n");
+        process.closeWriteChannel();
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 1);
+        const QByteArray errors = process.readAllStandardError();
+        QCOMPARE(errors.count('\n'), 1);
+        QVERIFY2(errors.contains("standard output"), errors);
+        QCOMPARE(errors.startsWith("-:2: "), arguments[0] == QLatin1String("run"));
     }
 
     void scriptsStopAtTheFirstError_data()
