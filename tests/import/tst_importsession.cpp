@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+#include <cmath>
+
 namespace {
 
 std::unique_ptr<Relief> importedPicture(const ImportSettings &settings = {})
@@ -62,6 +64,39 @@ private slots:
         session.setSmoothing(0.0);
         QVERIFY(heightsOf(*relief) == original);
         QCOMPARE(changes, 10);
+    }
+
+    /// Every step at once; the numbers come from a separate calculation, cell by cell.
+    void allStepsTogether()
+    {
+        FloatGrid source(8, 7);
+        for (int y = 1; y < 7; ++y) {
+            for (int x = 1; x < 8; ++x)
+                source.row(y)[x] = static_cast<float>(20 + (x * 37 + y * 53) % 90);
+        }
+        const ImportSettings settings{.flipY = true,
+                                      .invertZ = true,
+                                      .smoothing = 1.5,
+                                      .raiseLower = -20,
+                                      .trim = 1,
+                                      .tiltHorizontal = 40,
+                                      .tiltVertical = -70,
+                                      .depth = 30.0};
+        // Columns 2 to 6 of rows 1 to 4; everything around them is empty.
+        constexpr float expected[4][5] = {
+            {8.7976284F, 13.5919533F, 15.2001734F, 14.7002401F, 9.48400688F},
+            {13.5134096F, 20.0631809F, 21.001276F, 18.5833645F, 11.8055496F},
+            {14.6925735F, 20.3610649F, 19.053196F, 16.5634727F, 11.5235071F},
+            {11.2364731F, 13.914115F, 12.0715714F, 11.4449635F, 8.39580059F}};
+        const Relief relief(std::make_unique<ImportSource>(source, settings));
+        for (int y = 0; y < 7; ++y) {
+            for (int x = 0; x < 8; ++x) {
+                const bool figure = x >= 2 && x <= 6 && y >= 1 && y <= 4;
+                const float wanted = figure ? expected[y - 1][x - 2] : 0.0F;
+                QVERIFY2(std::abs(relief.heightAt(x, y) - wanted) < 1e-5F,
+                         qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
+            }
+        }
     }
 
     void theOrderOfSettingsDoesNotMatter()
