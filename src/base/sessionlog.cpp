@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 
 #include <memory>
 
@@ -34,7 +35,12 @@ public:
     {
         if (m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
             m_stream << "Starting Marlowen 3 log: " << _now() << "\n";
-        } else if (_failureHandler()) {
+            return;
+        }
+        // What follows is lost, without a complaint of the toolkit about every entry.
+        m_file.setFileName(QProcess::nullDevice());
+        m_file.open(QIODevice::WriteOnly);
+        if (_failureHandler()) {
             _failureHandler()(QStringLiteral("Error opening Log"),
                               QStringLiteral("Could not open log file for writing"));
         }

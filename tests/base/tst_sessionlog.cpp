@@ -33,6 +33,9 @@ int _writeNothing()
 int _logUnwritable()
 {
     QDir().mkpath(dataFolder() + '/' + logName(QCoreApplication::applicationPid()));
+    static int complaints = 0;
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &) { ++complaints; });
     int calls = 0;
     setLogFailureHandler([&calls](const QString &title, const QString &sentence) {
         ++calls;
@@ -45,7 +48,7 @@ int _logUnwritable()
     logWarning() << "lost too\n";
     logFlush();
     logClose();
-    return calls == 1 ? 0 : 1;
+    return calls == 1 && complaints == 0 ? 0 : 1;
 }
 
 const Scenario scenarios[] = {
