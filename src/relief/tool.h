@@ -98,7 +98,7 @@ public:
     bool dabbed = false;          ///< the first dab is over
     bool pickedUp[4] = {};        ///< Smudge: the mirror images that have their material
 
-    /// Radius in cells, at least 1.
+    /// Radius in cells, kept within 1 .. 2048, so that the footprint takes no more than 300 MB.
     static double radiusCells(const ToolParams &params, double scale);
     /// Distance of every cell of a dimension x dimension footprint from its outline: side steps
     /// count 1, diagonal steps sqrt(2), none leads through the outside.

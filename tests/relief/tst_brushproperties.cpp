@@ -4,7 +4,9 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <random>
 
 namespace {
@@ -81,6 +83,8 @@ private slots:
     void strengthZero();
     void emptyGridStaysEmpty_data() { properties_data(); }
     void emptyGridStaysEmpty();
+    void largestHeightsStayNumbers_data() { properties_data(); }
+    void largestHeightsStayNumbers();
     void mirrorsAreDabs_data() { properties_data(); }
     void mirrorsAreDabs();
 };
@@ -204,6 +208,30 @@ void TestBrushProperties::emptyGridStaysEmpty()
     params.keepTransparency = true;
     wander(engine, params, random);
     QVERIFY(copyOf(relief.heights()) == Layer(70 * 70, 0.0F));
+}
+
+/// Nothing on the way to a new height leaves the range of floats.
+void TestBrushProperties::largestHeightsStayNumbers()
+{
+    QFETCH(int, type);
+    QFETCH(bool, stamp);
+    constexpr float largest = std::numeric_limits<float>::max();
+    std::mt19937 random(9);
+    Relief relief(70, 70);
+    SculptEngine engine;
+    engine.attach(&relief, nullptr);
+    std::generate_n(relief.heights().data(), relief.cells(),
+                    [&] { return random() % 4 ? largest : 1.0F; });
+    relief.referenceLayer().copyFrom(relief.heights());
+    relief.sampleHeight = largest;
+    if (stamp)
+        stampImage();
+    for (int round = 0; round < 4; ++round) {
+        relief.invert = round % 2;
+        wander(engine, randomParams(random, type), random);
+    }
+    const Layer heights = copyOf(relief.heights());
+    QVERIFY(std::ranges::all_of(heights, [](float h) { return h >= 0.0F && h <= largest; }));
 }
 
 /// With symmetry one dab is that dab and its mirror images, each a dab like any other.

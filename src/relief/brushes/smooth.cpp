@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Three rows of heights, weighed 1, 2, 1; rows off the relief weigh nothing.
+/// Three rows of heights, weighed 1, 2, 1 sixteenths; rows off the relief weigh nothing.
 struct RowsDown
 {
     const float *above;
@@ -17,14 +17,14 @@ struct RowsDown
     float weightBelow;
 };
 
-// In this order equal heights add up to what the division turns back into them: level ground stays
-// level.
+// Shares of the whole, since multiples of the largest heights are no floats. In this order equal
+// heights add up to what the division turns back into them: level ground stays level.
 CELL_LOOP void sumDown(const RowsDown &rows, float *sums, int count)
 {
     const RowsDown r = rows;
 #pragma omp simd
     for (int i = 0; i < count; ++i)
-        sums[i] = (r.weightAbove * r.above[i] + r.weightBelow * r.below[i]) + 2.0F * r.current[i];
+        sums[i] = (r.weightAbove * r.above[i] + r.weightBelow * r.below[i]) + 0.125F * r.current[i];
 }
 
 /// Divides, rather than multiply by a share, since only a sixteenth is a float.
@@ -75,14 +75,14 @@ private:
         _copy(m_current, row);
         const bool hasAbove = row > 0;
         const bool hasBelow = row + 1 < m_relief.height();
-        const float above = hasAbove ? 1.0F : 0.0F;
-        const float below = hasBelow ? 1.0F : 0.0F;
+        const float above = hasAbove ? 0.0625F : 0.0F;
+        const float below = hasBelow ? 0.0625F : 0.0F;
         sumDown({hasAbove ? m_above : m_current, m_current,
                  hasBelow ? _heights(row + 1) : m_current, above, below},
                 m_sums, m_count);
         m_sums[-1] = 0.0F;
         m_sums[m_count] = 0.0F;
-        const float weightDown = 2.0F + above + below;
+        const float weightDown = 0.125F + above + below;
         meanAcross(m_sums, m_means, m_count, 4.0F * weightDown);
         _mendEdge(0, weightDown);
         _mendEdge(m_count - 1, weightDown);
