@@ -1,13 +1,13 @@
 #include "cli/clifiles.h"
+#include "cli/quietdecoders.h"
 #include "cli/scriptaction.h"
 #include "cli/scriptpoints.h"
 #include "cli/scriptstate.h"
 #include "cli/toolrecord.h"
 #include "files/alphaimage.h"
+#include "import/imageimport.h"
 #include "relief/alphabrush.h"
 #include "relief/tool.h"
-
-#include <QImageReader>
 
 namespace {
 
@@ -36,12 +36,11 @@ Outcome _invert(ScriptState &state, const QJsonObject &arguments)
 /// The grey values of a picture file, which must be square.
 Result<FloatGrid> _squarePicture(const QString &path)
 {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
-    const QImage image = reader.read();
-    if (image.isNull())
-        return aboutFile(path, scriptFailure(reader.errorString()));
+    const QuietDecoders quiet;
+    const Result<QImage> read = readWholeImage(path);
+    if (!read)
+        return aboutFile(path, read.failure());
+    const QImage &image = read.value();
     if (image.width() != image.height())
         return aboutFile(path,
                          scriptFailure(QStringLiteral("an alpha image must be square, not %1 x %2")

@@ -38,7 +38,18 @@ QImage _strip(const QImage &image, int first, int count)
     return strip;
 }
 
-Result<QImage> _readImage(const QString &path)
+std::unique_ptr<Relief> _reliefOf(QImage image, const ImportSettings &settings)
+{
+    FloatGrid grey = greyGrid(image);
+    image = {};
+    const Padding padding = paddingFor(grey);
+    return std::make_unique<Relief>(
+        std::make_unique<ImportSource>(padded(std::move(grey), padding), settings));
+}
+
+} // namespace
+
+Result<QImage> readWholeImage(const QString &path)
 {
     QFile file(path);
     const QFileInfo found(path);
@@ -60,17 +71,6 @@ Result<QImage> _readImage(const QString &path)
     return image;
 }
 
-std::unique_ptr<Relief> _reliefOf(QImage image, const ImportSettings &settings)
-{
-    FloatGrid grey = greyGrid(image);
-    image = {};
-    const Padding padding = paddingFor(grey);
-    return std::make_unique<Relief>(
-        std::make_unique<ImportSource>(padded(std::move(grey), padding), settings));
-}
-
-} // namespace
-
 FloatGrid greyGrid(const QImage &image)
 {
     // Whatever the format, Qt turns it into 8-bit colours; strip by strip, so that the whole image
@@ -90,7 +90,7 @@ FloatGrid greyGrid(const QImage &image)
 Result<std::unique_ptr<Relief>> importImage(const QString &path, const ImportSettings &settings)
 {
     try {
-        Result<QImage> image = _readImage(path);
+        Result<QImage> image = readWholeImage(path);
         if (!image)
             return image.failure();
         return _reliefOf(image.take(), settings);

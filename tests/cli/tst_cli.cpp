@@ -277,6 +277,7 @@ private slots:
         row("no import", R"({"do":"accept"})", "import");
         row("import key", R"({"do":"open","file":"disc.png","import":{"trim":99}})", "trim");
         row("missing file", R"({"do":"open","file":"none.png"})", "none.png");
+        row("damaged alpha", R"({"do":"alpha","file":"broken.png"})", "broken.png");
         row("size mismatch", R"({"do":"load","layer":"mask","file":"two.pfm"})", "two.pfm");
         row("output folder", R"({"do":"save","file":"no/a.scp"})", "no/a.scp");
         row("output ending", R"({"do":"export","file":"a.xyz"})", "a.xyz");

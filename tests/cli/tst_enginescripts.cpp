@@ -348,6 +348,12 @@ void TestEngineScripts::alphaImage()
     const QString said = script.run({line.arg(oblong)});
     QVERIFY2(said.contains(u"oblong.png: an alpha image must be square, not 2 x 3"),
              qPrintable(said));
+    // A JPEG that lacks its end would be grey there.
+    const QString half = folder.filePath(QStringLiteral("half.jpg"));
+    QVERIFY(image.scaled(64, 64).save(half));
+    QFile file(half);
+    QVERIFY(file.resize(file.size() - 20));
+    QVERIFY(script.run({line.arg(half)}).contains(u"half.jpg: "));
     QCOMPARE(brush.side(), 2);
     QCOMPARE(brush.mode, static_cast<int>(AlphaBrush::Stamp));
     QCOMPARE(script.run({R"({"do":"alpha","file":null})"}), "");
