@@ -41,8 +41,8 @@ public:
         m_process.setEnvironment(full + given.environment);
         m_process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen"), arguments);
         m_process.waitForStarted();
-        m_log = m_home.filePath(
-            QStringLiteral("Marlowen3/marlowen3_%1.log").arg(m_process.processId(), 0, 16));
+        m_pid = m_process.processId(); // the process object forgets it when the process has gone
+        m_log = m_home.filePath(QStringLiteral("Marlowen3/marlowen3_%1.log").arg(m_pid, 0, 16));
     }
 
     ~Program()
@@ -63,24 +63,26 @@ public:
 
     bool windowUp(const QString &title = "Brindlemark Marlowen 3") const { return _isShown(title); }
 
-    /// Waits for the box and presses Return in it until it has gone.
+    /// Waits for the box and presses Return until it has gone.
     bool answerBox(const QString &title)
     {
-        // The box may close between press and release, which the tool calls an error.
-        const QStringList press{"search", "--name", title, "key", "--window", "%1", "Return"};
-        return QTest::qWaitFor([&] { return _isShown(title); }, 20000) &&
-               QTest::qWaitFor(
-                   [&] {
-                       _xdotool(press);
-                       return !_isShown(title);
-                   },
-                   20000);
+        if (!QTest::qWaitFor([&] { return _isShown(title); }, 20000))
+            return false;
+        // The key goes to the focus, not to the window: the tool dies with a window that closes
+        // between press and release, and the key would stay down.
+        const auto gone = [&] { return !_isShown(title); };
+        for (int presses = 0; presses < 20; ++presses) {
+            _xdotool({"key", "Return"});
+            if (QTest::qWaitFor(gone, 1000))
+                return true;
+        }
+        return false;
     }
 
     Run end()
     {
         if (m_process.state() == QProcess::Running)
-            ::kill(static_cast<pid_t>(m_process.processId()), SIGTERM);
+            ::kill(static_cast<pid_t>(m_pid), SIGTERM);
         return wait();
     }
 
@@ -101,12 +103,13 @@ private:
 
     bool _isShown(const QString &title) const
     {
-        return _xdotool({"search", "--onlyvisible", "--all", "--pid",
-                         QString::number(m_process.processId()), "--name", title});
+        return _xdotool(
+            {"search", "--onlyvisible", "--all", "--pid", QString::number(m_pid), "--name", title});
     }
 
     QTemporaryDir m_home;
     QProcess m_process;
+    qint64 m_pid = 0;
     QString m_log;
 };
 
