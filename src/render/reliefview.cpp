@@ -166,12 +166,13 @@ void ReliefView::initializeGL()
     m_gl->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
     m_gl->glDepthFunc(GL_LEQUAL);
     m_gl->glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
-    m_gl->glEnable(GL_MULTISAMPLE);
     m_gl->glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
     for (const GLenum feature : {GL_TEXTURE_2D, GL_LIGHTING, GL_LINE_STIPPLE, GL_DEPTH_TEST})
         m_gl->glDisable(feature);
     m_gl->glEnable(GL_LINE_SMOOTH);
     m_gl->glLineWidth(1.0F);
+    _logErrors();
+    prepareGL(*m_gl);
 }
 
 void ReliefView::_makeShader()

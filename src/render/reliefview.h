@@ -117,6 +117,8 @@ protected:
     /// A new shader of the view's kind, of the legacy engine when asked. The context is current;
     /// throws a C string when it cannot be made.
     virtual std::unique_ptr<Shader> createShader(bool legacy) = 0;
+    /// Sets what OpenGL state a view wants beyond that of both; called once for a context.
+    virtual void prepareGL(QOpenGLFunctions_2_1 &gl) { (void)gl; }
     /// Vertices carry normals.
     virtual bool hasNormals() const { return true; }
     /// Computes these vertices (rectangle of vertex columns and rows) of the mesh from the relief.

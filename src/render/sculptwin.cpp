@@ -6,6 +6,7 @@
 #include "render/lightdirection.h"
 
 #include <QMouseEvent>
+#include <QOpenGLFunctions_2_1>
 
 SculptWin::SculptWin(QWidget *parent)
     : ReliefView(parent)
@@ -47,6 +48,15 @@ std::unique_ptr<Shader> SculptWin::createShader(bool legacy)
     if (legacy)
         return std::make_unique<LegacyShader>();
     return std::unique_ptr<Shader>(ShaderFactory::getShader(Shader3d));
+}
+
+void SculptWin::prepareGL(QOpenGLFunctions_2_1 &gl)
+{
+    constexpr GLenum wantedSamples = 4;
+    gl.glHint(GL_SAMPLES, wantedSamples);
+    // Drivers refuse the hint, which is none of the errors worth a line in the log.
+    gl.glGetError();
+    gl.glEnable(GL_MULTISAMPLE);
 }
 
 void SculptWin::fillVertices(ReliefMesh &mesh, const QRect &vertices)

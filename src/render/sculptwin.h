@@ -39,6 +39,7 @@ public slots:
 
 protected:
     std::unique_ptr<Shader> createShader(bool legacy) override;
+    void prepareGL(QOpenGLFunctions_2_1 &gl) override;
     void fillVertices(ReliefMesh &mesh, const QRect &vertices) override;
     void configureShader(Shader &shader) override;
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;

@@ -189,7 +189,9 @@ Shader *ShaderFactory::getShader(ShaderType type)
     if (!version) {
         logCritical() << "Got Null OpenGL Version string, can't continue\n";
         logFlush();
-        qFatal("Null OpenGL Context");
+        // Release builds keep no place of a message, and this one should tell its own.
+        QMessageLogger("shader", __LINE__, "static Shader *ShaderFactory::getShader(ShaderType)")
+            .fatal("Null OpenGL Context");
     }
     if (drawingEngineFor(version, useLegacyShader) == DrawingEngine::Vbo) {
         logInfo() << "Using VBO based OpenGL 3.3 drawing engine\n";

@@ -1,9 +1,12 @@
+#include "base/datafolder.h"
 #include "base/qevsettings.h"
+#include "base/sessionlog.h"
 #include "relief/alphabrush.h"
 #include "relief/operations.h"
 #include "render/shader.h"
 #include "sculptbench.h"
 
+#include <QFile>
 #include <QProcess>
 
 #include <limits>
@@ -36,6 +39,26 @@ double difference(const QImage &a, const QImage &b)
     return differing / double(a.width() * a.height());
 }
 
+struct Greys
+{
+    int lowest = 255;
+    int highest = 0;
+};
+
+/// Of a painted image between two logical positions.
+Greys greysIn(const SculptBench &bench, const QImage &image, const QRect &area)
+{
+    Greys greys;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            const int grey = qGray(bench.colorAt(image, {x, y}).rgb());
+            greys.lowest = std::min(greys.lowest, grey);
+            greys.highest = std::max(greys.highest, grey);
+        }
+    }
+    return greys;
+}
+
 /// A view whose first drawing engines fail.
 class FailingWin : public SculptWin
 {
@@ -65,6 +88,48 @@ class SculptWinTest : public QObject
     Q_OBJECT
 
 private slots:
+    void drawingLogsNoErrors()
+    {
+        SculptBench b(medal(60, 40));
+        b.moveTo(b.centre());
+        b.paint();
+        logFlush();
+        QFile log(QStringLiteral("%1/marlowen3_%2.log")
+                      .arg(dataFolder())
+                      .arg(QCoreApplication::applicationPid(), 0, 16));
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QByteArray text = log.readAll();
+        QVERIFY(text.contains("drawing engine\n"));
+        QVERIFY2(!text.contains("OpenGL error"), text.constData());
+    }
+
+    void floorIsQuieterThanTheRelief_data()
+    {
+        QTest::addColumn<QColor>("backdrop");
+        QTest::newRow("dark theme") << QColor(24, 24, 24);
+        QTest::newRow("light theme") << QColor(167, 170, 177);
+    }
+
+    void floorIsQuieterThanTheRelief()
+    {
+        QFETCH(QColor, backdrop);
+        SculptBench b(medal(200, 150)); // 200 x 150 pixels in the middle
+        b.view.setBackdrop(backdrop);
+        const QImage image = b.paint();
+        const QPoint c = b.centre();
+        const Greys floor = greysIn(b, image, {c + QPoint(-96, -72), c + QPoint(-74, -60)});
+        const Greys egg = greysIn(b, image, {c + QPoint(-70, -50), c + QPoint(70, 50)});
+        QVERIFY(floor.highest > floor.lowest);
+        QVERIFY2(4 * (floor.highest - floor.lowest) < egg.highest - egg.lowest,
+                 qPrintable(QStringLiteral("floor %1 to %2, relief %3 to %4")
+                                .arg(floor.lowest)
+                                .arg(floor.highest)
+                                .arg(egg.lowest)
+                                .arg(egg.highest)));
+        const bool dark = backdrop.lightness() < 128;
+        QVERIFY(!dark || floor.highest < egg.highest);
+    }
+
     void unchangedPaintsCostNothing()
     {
         SculptBench b(medal(200, 150));
@@ -322,7 +387,7 @@ private slots:
             return qGray(b.colorAt(image, at).rgb());
         };
         const QPoint c = b.centre();
-        b.view.setLightPos(3);
+        b.view.setLightPos(0);
         const QImage left = b.paint();
         QVERIFY(brightness(left, c - QPoint(50, 0)) > brightness(left, c + QPoint(50, 0)) + 20);
         b.view.setLightPos(1);
