@@ -41,6 +41,7 @@ void CollapsibleDock::setContent(QWidget *content, int width)
 {
     m_content = content;
     m_openWidth = width;
+    content->setMinimumWidth(qMin(width, content->sizeHint().width()));
     setWidget(content);
 }
 
@@ -55,9 +56,15 @@ void CollapsibleDock::setCollapsed(bool on)
     m_title->setVisible(!on);
     setMinimumWidth(on ? stripWidth : 0);
     setMaximumWidth(on ? stripWidth : QWIDGETSIZE_MAX);
-    if (auto *window = qobject_cast<QMainWindow *>(parentWidget()); window && !on)
-        window->resizeDocks({this}, {m_openWidth}, Qt::Horizontal);
+    if (!on)
+        takeOpenWidth();
     _showState();
+}
+
+void CollapsibleDock::takeOpenWidth()
+{
+    if (auto *window = qobject_cast<QMainWindow *>(parentWidget()); window && !m_collapsed)
+        window->resizeDocks({this}, {m_openWidth}, Qt::Horizontal);
 }
 
 /// The arrow points where the panel goes.

@@ -21,6 +21,8 @@ public:
 public slots:
     void setCollapsed(bool on);
     void toggleCollapsed() { setCollapsed(!m_collapsed); }
+    /// Back to the width it started with, or had before it was folded.
+    void takeOpenWidth();
 
 private:
     void _showState();
@@ -29,6 +31,5 @@ private:
     QToolButton *m_button;
     QWidget *m_content = nullptr;
     int m_openWidth = 0;
-    int m_contentMinimum = 0;
     bool m_collapsed = false;
 };

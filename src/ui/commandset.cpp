@@ -37,7 +37,8 @@ QAction *CommandSet::add(const CommandRow &row)
     action->setProperty(longNameProperty, tr(row.longName));
     action->setProperty(hintProperty, tr(row.hint));
     action->setProperty(idleProperty, tr(row.idle));
-    action->setShortcuts(QKeySequence::listFromString(QLatin1String(row.keys)));
+    if (*row.keys)
+        action->setShortcuts(QKeySequence::listFromString(QLatin1String(row.keys)));
     m_window->addAction(action);
     m_actions.insert(action->objectName(), action);
     m_order.append(action);

@@ -133,11 +133,28 @@ void MainWindow::_restoreLayout()
         setWindowState(Qt::WindowMaximized);
     resize(roomySize.boundedTo(room * 0.9));
     restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
-    restoreState(settings.value(QStringLiteral("windowState")).toByteArray());
+    _fitOnScreen();
+    if (!restoreState(settings.value(QStringLiteral("windowState")).toByteArray())) {
+        // Docks have widths only once the window is laid out.
+        QTimer::singleShot(0, m_toolDock, &CollapsibleDock::takeOpenWidth);
+        QTimer::singleShot(0, m_libraryDock, &CollapsibleDock::takeOpenWidth);
+    }
     m_splitter->restoreState(settings.value(QStringLiteral("splitterState")).toByteArray());
     const int light = settings.value(QStringLiteral("lightPosition"), 0).toInt();
     m_viewSettings->showLightPosition(qBound(0, light, 7));
     setLightPos(m_viewSettings->lightPosition());
+}
+
+/// A layout kept from a larger or another screen must not leave the window out of reach.
+void MainWindow::_fitOnScreen()
+{
+    const QRect room = screen()->availableGeometry();
+    QRect place = geometry();
+    place.setSize(place.size().boundedTo(room.size()));
+    place.moveLeft(qBound(room.left(), place.left(), room.right() + 1 - place.width()));
+    place.moveTop(qBound(room.top(), place.top(), room.bottom() + 1 - place.height()));
+    if (place != geometry())
+        setGeometry(place);
 }
 
 void MainWindow::_saveLayout()

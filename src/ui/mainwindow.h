@@ -159,6 +159,7 @@ private:
     void _connectDocument();
     void _restoreLayout();
     void _saveLayout();
+    void _fitOnScreen();
 
     bool _mayLoseWork();
     bool _load(const QString &path);

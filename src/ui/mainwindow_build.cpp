@@ -76,7 +76,6 @@ void MainWindow::_buildDocks()
         new CollapsibleDock(tr("Patterns & Alphas"), QStringLiteral("LibraryDock"), this);
     m_libraryDock->setContent(m_library, libraryDockWidth);
     addDockWidget(Qt::RightDockWidgetArea, m_libraryDock);
-    resizeDocks({m_toolDock, m_libraryDock}, {toolDockWidth, libraryDockWidth}, Qt::Horizontal);
 }
 
 void MainWindow::_buildRibbon()
