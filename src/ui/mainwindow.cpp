@@ -41,6 +41,9 @@ enum View { View3d, View2d };
 /// First size of the window; smaller screens are filled.
 constexpr QSize roomySize(1400, 900);
 
+/// Until the window manager and the docks have given the views their size.
+constexpr int settleMs = 150;
+
 constexpr char noRelief[] = "Open or make a relief first.";
 constexpr char importFirst[] = "Accept the import first.";
 
@@ -166,6 +169,14 @@ void MainWindow::_saveLayout()
     settings.setValue(QStringLiteral("material"), m_materials->current().name);
     settings.setValue(QStringLiteral("lightPosition"), m_viewSettings->lightPosition());
     settings.sync();
+}
+
+/// A relief opened before the window was on screen was fitted to views that had no size yet.
+void MainWindow::showEvent(QShowEvent *event)
+{
+    RibbonMainWindow::showEvent(event);
+    if (m_document.relief() && !event->spontaneous())
+        QTimer::singleShot(settleMs, this, &MainWindow::zoomAll);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
