@@ -8,7 +8,7 @@ namespace {
 /// blocks back to the system at once and every new one is faulted in page by page.
 void _keepFreedMemory()
 {
-    constexpr int largestHeapBlock = 32 << 20; // the C library takes no more
+    constexpr int largestHeapBlock = 256 << 20; // the frame of the largest screens, with room
     constexpr int keptAtTop = 512 << 20;
     mallopt(M_MMAP_THRESHOLD, largestHeapBlock);
     mallopt(M_TRIM_THRESHOLD, keptAtTop);

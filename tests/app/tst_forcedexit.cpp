@@ -66,11 +66,7 @@ private slots:
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    if (const int code = askedScenario(argc, argv, scenarios); code >= 0)
-        return code;
-    TestForcedExit test;
-    return QTest::qExec(&test, argc, argv);
+    return runScenarioOrTest<TestForcedExit>(argc, argv, scenarios);
 }
 
 #include "tst_forcedexit.moc"

@@ -5,10 +5,10 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <cstring>
 #include <functional>
-#include <iterator>
 
 /// Tests of what one process does once (logs, forced exit): the test program starts itself again
 /// with the name of a scenario, in a home folder of its own, and reads what is left there.
@@ -40,17 +40,21 @@ inline ChildResult runScenario(const QTemporaryDir &home, const char *name)
     return {child.exitCode(), pid, child.readAllStandardOutput()};
 }
 
-/// Runs the scenario that the command line asks for; -1 when it asks for none.
-template <size_t N>
-int askedScenario(int argc, char **argv, const Scenario (&scenarios)[N])
+/// The main function of such a test program: runs the scenario that the command line asks for, else
+/// the test.
+template <typename Test, size_t N>
+int runScenarioOrTest(int argc, char **argv, const Scenario (&scenarios)[N])
 {
-    if (argc != 3 || std::strcmp(argv[1], "--scenario") != 0)
-        return -1;
-    for (const Scenario &scenario : scenarios) {
-        if (std::strcmp(scenario.name, argv[2]) == 0)
-            return scenario.run();
+    QCoreApplication app(argc, argv);
+    if (argc == 3 && std::strcmp(argv[1], "--scenario") == 0) {
+        for (const Scenario &scenario : scenarios) {
+            if (std::strcmp(scenario.name, argv[2]) == 0)
+                return scenario.run();
+        }
+        return 99;
     }
-    return 99;
+    Test test;
+    return QTest::qExec(&test, argc, argv);
 }
 
 inline QByteArray dataFile(const QTemporaryDir &home, const QString &name)

@@ -81,11 +81,7 @@ private slots:
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    if (const int code = askedScenario(argc, argv, scenarios); code >= 0)
-        return code;
-    TestMessageHandler test;
-    return QTest::qExec(&test, argc, argv);
+    return runScenarioOrTest<TestMessageHandler>(argc, argv, scenarios);
 }
 
 #include "tst_messagehandler.moc"

@@ -103,11 +103,7 @@ private slots:
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    if (const int code = askedScenario(argc, argv, scenarios); code >= 0)
-        return code;
-    TestSessionLog test;
-    return QTest::qExec(&test, argc, argv);
+    return runScenarioOrTest<TestSessionLog>(argc, argv, scenarios);
 }
 
 #include "tst_sessionlog.moc"
