@@ -462,24 +462,6 @@ private slots:
         QVERIFY(process.waitForFinished(60000));
         QVERIFY2(process.exitCode() == 0, process.readAllStandardOutput());
     }
-
-    void pictures()
-    {
-        if (qEnvironmentVariableIsEmpty("MARLOWEN_TEST_PICTURES"))
-            QSKIP("MARLOWEN_TEST_PICTURES names no folder");
-        SculptBench b(medal(800, 600), {1200, 800});
-        b.tool.size = 0.8;
-        b.moveTo({700, 400});
-        keepPicture(b.paint(), "front");
-        b.drag({{600, 400}, {660, 300}}, Qt::MiddleButton);
-        b.moveTo({700, 400});
-        keepPicture(b.paint(), "turned");
-        b.view.setMaterial(materialNamed(presetMaterials(), "gold"));
-        for (int i = 0; i < 8; ++i) {
-            b.view.setLightPos(i);
-            keepPicture(b.paint(), QString("light-%1").arg(i));
-        }
-    }
 };
 
 QTEST_MAIN(SculptWinTest)
