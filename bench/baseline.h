@@ -28,12 +28,17 @@ inline double median(std::vector<double> values)
 class Copier
 {
 public:
-    explicit Copier(size_t bytes) : m_from(bytes, 1), m_to(bytes, 2) {}
+    explicit Copier(size_t bytes)
+        : m_from(bytes, 1)
+        , m_to(bytes, 2)
+    {
+    }
 
     double seconds()
     {
         // Small copies are repeated so that the clock's own cost does not show.
-        const size_t repeats = std::max<size_t>(1, (size_t{1} << 20) / std::max<size_t>(1, m_from.size()));
+        const size_t repeats =
+            std::max<size_t>(1, (size_t{1} << 20) / std::max<size_t>(1, m_from.size()));
         const double start = now();
         for (size_t i = 0; i < repeats; ++i) {
             std::memcpy(m_to.data(), m_from.data(), m_from.size());
@@ -74,7 +79,8 @@ void measure(benchmark::State &state, size_t bytes, Prepare prepare, Work work)
 template <typename Work>
 void measure(benchmark::State &state, size_t bytes, Work work)
 {
-    measure(state, bytes, [] {}, work);
+    measure(
+        state, bytes, [] {}, work);
 }
 
 } // namespace baseline

@@ -6,6 +6,7 @@ begins with "x_" (a ratio to a baseline measured beside it), then the rate in by
 
 import json
 import pathlib
+import re
 import sys
 
 MILLISECONDS = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
@@ -34,7 +35,7 @@ def cells(room, run):
     rate = run.get("bytes_per_second")
     return (
         room,
-        run["name"].removesuffix("/manual_time"),
+        re.sub(r"/(manual_time|real_time|(iterations|min_time):[^/]*)", "", run["name"]),
         f"{milliseconds:.3f} ms",
         ratios(run),
         f"{rate / 1e9:.2f} GB/s" if rate else "",

@@ -19,7 +19,11 @@ public:
         BelowRight
     };
 
-    Indexer(uint32_t width, uint32_t height) : m_width(width), m_height(height) {}
+    Indexer(uint32_t width, uint32_t height)
+        : m_width(width)
+        , m_height(height)
+    {
+    }
 
     /// Index of the neighbour, or -1 when it is off the grid or `index` itself is past its end. A
     /// direction above 7 is a programming error and stops the program.
@@ -32,7 +36,10 @@ public:
     int down(int index) const { return neighborOf(index, Below); }
 
     bool isNeighbor(int a, int b) const;
-    bool isHorizontalNeighbor(int a, int b) const { return b >= 0 && (b == left(a) || b == right(a)); }
+    bool isHorizontalNeighbor(int a, int b) const
+    {
+        return b >= 0 && (b == left(a) || b == right(a));
+    }
     bool isVerticalNeighbor(int a, int b) const { return b >= 0 && (b == up(a) || b == down(a)); }
 
     /// Columns and rows from a to its neighbour b; (0, 0) when b is no neighbour of a.

@@ -17,7 +17,8 @@ Relief::Relief(int width, int height)
 {
 }
 
-Relief::Relief(std::unique_ptr<ReliefSource> source) : Relief(source->width(), source->height())
+Relief::Relief(std::unique_ptr<ReliefSource> source)
+    : Relief(source->width(), source->height())
 {
     m_source = std::move(source);
     m_source->computeHeights(m_heights.data());

@@ -95,7 +95,7 @@ private slots:
     {
         Receiver receiver([] { throw std::runtime_error("other"); });
         QEvent user(QEvent::User);
-        QVERIFY_EXCEPTION_THROWN(QCoreApplication::sendEvent(&receiver, &user), std::runtime_error);
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, QCoreApplication::sendEvent(&receiver, &user));
     }
 
     // Closes the session log: the last one.
