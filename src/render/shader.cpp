@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QImage>
 #include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QOpenGLFunctions_2_1>
 #include <QOpenGLVersionFunctionsFactory>
 
