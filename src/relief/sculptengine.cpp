@@ -146,7 +146,8 @@ void SculptEngine::beginStroke(const ToolParams &params, QPointF point, bool)
 
 void SculptEngine::addStrokePoint(QPointF point, bool finalPoint)
 {
-    if (Tool *tool = _currentTool())
+    Tool *tool = _currentTool();
+    if (tool && tool->params().type != Tool::Fill) // the press has filled already
         tool->addPoint(point, finalPoint, reachOf(*m_relief, *tool));
 }
 

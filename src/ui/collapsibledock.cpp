@@ -41,7 +41,8 @@ void CollapsibleDock::setContent(QWidget *content, int width)
 {
     m_content = content;
     m_openWidth = width;
-    content->setMinimumWidth(qMin(width, content->sizeHint().width()));
+    const int narrowest = content->minimumSizeHint().width(); // below it controls are cut off
+    content->setMinimumWidth(qMax(narrowest, qMin(width, content->sizeHint().width())));
     setWidget(content);
 }
 

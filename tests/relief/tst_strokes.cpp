@@ -209,6 +209,8 @@ private slots:
         b.engine.addStrokePoint({40.0, 0.0});
         b.engine.flush();
         b.engine.endStroke({50.0, 0.0});
+        QVERIFY(
+            !sessionLog().contains(QStringLiteral("Unhandled tool type: %1").arg(b.params.type)));
         QCOMPARE(b.undo.count(), 1);
         QCOMPARE(b.undo.totalSize(), 144U + 8U * 18U);
         QCOMPARE(b.relief.heightAt(10, 20), 3.0F);
