@@ -77,7 +77,8 @@ struct SaveQuestion
 {
     QString title;
     QString filter;
-    QString suffix; ///< without its dot
+    QString ending; ///< a name that ends so, in any case, stays as it is
+    QString suffix; ///< what any other name gets, with its dot
     QString folder;
     QString name;
 };
@@ -89,15 +90,16 @@ QString askForTarget(QWidget *window, const SaveQuestion &question)
     QFileDialog dialog(window, question.title, question.folder, question.filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setDefaultSuffix(question.suffix);
+    if (question.ending == question.suffix)
+        dialog.setDefaultSuffix(question.suffix);
     if (!question.name.isEmpty())
         dialog.selectFile(question.name);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return {};
     QString path = dialog.selectedFiles().constFirst();
-    if (path.endsWith(QLatin1Char('.') + question.suffix, Qt::CaseInsensitive))
+    if (path.endsWith(question.ending, Qt::CaseInsensitive))
         return path;
-    path += QLatin1Char('.') + question.suffix;
+    path += question.suffix;
     const auto yes = QMessageBox::Yes;
     if (QFileInfo::exists(path) &&
         QMessageBox::question(window, question.title,
@@ -264,9 +266,9 @@ bool MainWindow::saveWorkSpaceAs()
     if (!m_document.relief())
         return false;
     const QString name = QFileInfo(m_document.name()).completeBaseName();
-    const QString path =
-        askForTarget(this, {tr("Save WorkSpace"), tr("Sculpt Work Space (*.scp);;"),
-                            QStringLiteral("scp"), QevSettings().lastFolder(), name});
+    const QString path = askForTarget(
+        this, {tr("Save WorkSpace"), tr("Sculpt Work Space (*.scp);;"), QStringLiteral(".scp"),
+               QStringLiteral(".scp"), QevSettings().lastFolder(), name});
     return !path.isEmpty() && _saveTo(path);
 }
 
@@ -293,7 +295,7 @@ void MainWindow::exportStlFile()
     const QString name = QFileInfo(m_document.name()).completeBaseName();
     const QString path =
         askForTarget(this, {tr("Export"), tr("Export (*.stl);;"), QStringLiteral("stl"),
-                            QevSettings().lastExportFolder(), name});
+                            QStringLiteral(".stl"), QevSettings().lastExportFolder(), name});
     if (path.isEmpty())
         return;
     ProgressBox progress(tr("Exporting"), this);

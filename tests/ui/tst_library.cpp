@@ -5,6 +5,7 @@
 #include "relief/alphabrush.h"
 #include "ui/library/alphastore.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QDropEvent>
 #include <QLabel>
@@ -174,12 +175,31 @@ private slots:
         QCOMPARE(QDir(alphaFolder()).entryList(QDir::Files), QStringList{"good.png"});
     }
 
+    void aBrokenPictureInTheFolderCannotBeChosen_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");
+        QByteArray jpeg;
+        QBuffer buffer(&jpeg);
+        QImage noise(64, 64, QImage::Format_Grayscale8);
+        for (int pixel = 0; pixel < 64 * 64; ++pixel)
+            noise.bits()[pixel] = uchar(pixel * 97 % 251);
+        QVERIFY(noise.save(&buffer, "JPG"));
+        QTest::newRow("no picture") << "bad.png" << QByteArray("nothing");
+        QTest::newRow("half a picture") << "bad.jpg" << jpeg.first(jpeg.size() / 2);
+        QTest::newRow("without its last bytes") << "bad.jpeg" << jpeg.chopped(3);
+    }
+
     void aBrokenPictureInTheFolderCannotBeChosen()
     {
-        QFile file(QDir(alphaFolder()).filePath(QStringLiteral("bad.png")));
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFile file(QDir(alphaFolder()).filePath(name));
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("nothing");
+        file.write(bytes);
         file.close();
+        QVERIFY(!chooseAlpha(file.fileName()));
+        QVERIFY(!addAlphaPicture(file.fileName()));
         QTRY_VERIFY(_item(QStringLiteral("bad")));
         QTRY_VERIFY(!_item(QStringLiteral("bad"))->flags().testFlag(Qt::ItemIsEnabled));
         _click(QStringLiteral("bad"));

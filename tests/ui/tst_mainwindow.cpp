@@ -81,6 +81,8 @@ private slots:
     void recentFileThatIsGone();
     void sizesFollowTheLock_data();
     void sizesFollowTheLock();
+    void exportedNameGetsItsEnding_data();
+    void exportedNameGetsItsEnding();
     void typedSizeResamplesAndComesBack();
     void tooLargeASizeIsRefused();
     void closingDuringAStrokeKeepsItAndAsks();
@@ -88,6 +90,8 @@ private slots:
     void pagesBringTheirViewForward();
     void layoutOfALargerScreenFits();
     void layoutComesBack();
+    void noControlOfTheToolDockIsCutOff();
+    void anotherWindowsSettingsAreKept();
     void idleWindowDrawsNothing();
     void importFileComesAfterTheLoopRuns();
     void handOverWritesTheMapAndEndsTheProcess();
@@ -578,6 +582,35 @@ void TestMainWindow::sizesFollowTheLock()
     QCOMPARE(QList<double>(wish.begin(), wish.end()), sizes);
 }
 
+void TestMainWindow::exportedNameGetsItsEnding_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("written");
+    QTest::newRow("bare") << "bare"
+                          << "bare.stl";
+    QTest::newRow("whole") << "whole.stl"
+                           << "whole.stl";
+    QTest::newRow("capitals") << "whole.STL"
+                              << "whole.STL";
+    QTest::newRow("ends so without a dot") << "mystl"
+                                           << "mystl";
+    QTest::newRow("another suffix") << "part.v2"
+                                    << "part.v2.stl";
+}
+
+void TestMainWindow::exportedNameGetsItsEnding()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, written);
+    _openDome();
+    PersonAtHand person;
+    person.path = _path(typed);
+    m_window->exportStlFile();
+    const QStringList files = QDir(m_folder->path()).entryList(QDir::Files);
+    QCOMPARE(files.size(), 3); // with dome and plate
+    QVERIFY2(files.contains(written), qPrintable(files.join(QLatin1Char(' '))));
+}
+
 void TestMainWindow::typedSizeResamplesAndComesBack()
 {
     _openDome();
@@ -726,6 +759,55 @@ void TestMainWindow::layoutComesBack()
     splitter = _child<QSplitter>("CentralSplitter");
     QVERIFY(std::abs(double(splitter->sizes()[0]) / splitter->sizes()[1] - share) < 0.1);
     QCOMPARE(_child<QComboBox>("materials")->currentText(), QStringLiteral("gold"));
+}
+
+void TestMainWindow::noControlOfTheToolDockIsCutOff()
+{
+    m_window->resize(1100, 640);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QTest::qWait(60);
+    auto *panels = m_window->findChild<SculptPanels *>();
+    for (int tab = 0; tab < panels->count(); ++tab) {
+        panels->setCurrentIndex(tab);
+        QTest::qWait(20);
+        auto *area = qobject_cast<QScrollArea *>(panels->currentWidget());
+        QVERIFY(area && area->widget()->width() <= area->viewport()->width());
+        const QRect seen(panels->mapToGlobal(QPoint()), panels->size());
+        const QRect dock(_child<QDockWidget>("ToolDock")->mapToGlobal(QPoint()),
+                         _child<QDockWidget>("ToolDock")->size());
+        QVERIFY(dock.left() <= seen.left() && seen.right() <= dock.right());
+    }
+    auto *library = _child<QDockWidget>("LibraryDock");
+    auto *title = library->titleBarWidget()->findChild<QLabel *>();
+    QCOMPARE(title->text(), QStringLiteral("Patterns & Alphas"));
+    QVERIFY(title->width() >= title->fontMetrics().horizontalAdvance(title->text()));
+}
+
+/// A window that closes writes its own layout over another's, and nothing else.
+void TestMainWindow::anotherWindowsSettingsAreKept()
+{
+    _openDome();
+    MainWindow other;
+    other.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    QVERIFY(other.openFile(_path(QStringLiteral("plate.PNG")), 0));
+    other.switchTheme();
+    other.cloneOkClicked();
+    const QString cloned = QevSettings().allKeys().filter(QStringLiteral("materials/")).value(0);
+    QVERIFY(!cloned.isEmpty());
+    const QStringList recent = QevSettings().recentFiles();
+    m_window->chooseMaterial(QStringLiteral("gold"));
+    QVERIFY(m_window->close());
+    QCOMPARE(QevSettings().recentFiles(), recent);
+    QCOMPARE(recent.size(), 2);
+    QVERIFY(QevSettings().darkTheme());
+    QVERIFY(QevSettings().contains(cloned));
+    QVERIFY(other.close());
+    QCOMPARE(QevSettings().recentFiles(), recent);
+    for (const char *key : {"geometry", "windowState", "splitterState"})
+        QVERIFY2(!QevSettings().value(QLatin1String(key)).toByteArray().isEmpty(), key);
+    other.switchTheme();
 }
 
 void TestMainWindow::idleWindowDrawsNothing()

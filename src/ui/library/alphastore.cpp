@@ -3,6 +3,7 @@
 #include "base/datafolder.h"
 #include "files/alphaimage.h"
 #include "files/boundedimage.h"
+#include "import/wholeimage.h"
 #include "relief/alphabrush.h"
 
 #include <QCoreApplication>
@@ -30,6 +31,15 @@ struct Texts
 QStringList _pictureFilters()
 {
     return {"*.png", "*.jpg", "*.jpeg", "*.bmp"};
+}
+
+/// Null when the file cannot be read or lacks its end; decoders fill missing rows without a word.
+QImage _readWhole(const QString &path, int side)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || imageCutShort(file))
+        return {};
+    return readImageWithin(path, side);
 }
 
 QString _freePath(const QFileInfo &source)
@@ -69,14 +79,14 @@ QList<AlphaEntry> alphaEntries()
 
 QImage alphaThumbnail(const QString &path, int side)
 {
-    return readImageWithin(path, side).convertToFormat(QImage::Format_Grayscale8);
+    return _readWhole(path, side).convertToFormat(QImage::Format_Grayscale8);
 }
 
 Result<QString> addAlphaPicture(const QString &path)
 {
     const QString title = Texts::tr("Add Picture Failed");
     const QString name = QFileInfo(path).fileName();
-    if (!QDir::match(_pictureFilters(), name) || readImageWithin(path, 16).isNull())
+    if (!QDir::match(_pictureFilters(), name) || _readWhole(path, 16).isNull())
         return Failure{title, Texts::tr("%1 is not a picture that can be read.").arg(name)};
     const QString copy = _freePath(QFileInfo(path));
     if (!QFile::copy(path, copy))
@@ -95,7 +105,7 @@ Outcome removeAlphaPicture(const QString &path)
 
 Outcome chooseAlpha(const QString &path)
 {
-    const FloatGrid grid = squareGrid(alphaGrid(readImageWithin(path, largestSide)));
+    const FloatGrid grid = squareGrid(alphaGrid(_readWhole(path, largestSide)));
     if (grid.width == 0)
         return Failure{
             Texts::tr("Open Failed"),

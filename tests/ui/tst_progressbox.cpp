@@ -1,0 +1,152 @@
+#include "ui/progressbox.h"
+
+#include "files/stlwriter.h"
+#include "relief/relief.h"
+#include "ui/mainwindow.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+namespace {
+
+/// Does `act` once, when the dialog of the work has come up.
+class WhenShown : public QObject
+{
+public:
+    explicit WhenShown(std::function<void(QProgressDialog &)> act)
+        : m_act(std::move(act))
+    {
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            auto *dialog = qobject_cast<QProgressDialog *>(QApplication::activeModalWidget());
+            if (!dialog || !dialog->isVisible())
+                return;
+            m_timer.stop();
+            m_act(*dialog);
+        });
+        m_timer.start(10);
+    }
+
+private:
+    std::function<void(QProgressDialog &)> m_act;
+    QTimer m_timer;
+};
+
+/// Works for that long in small steps or until it is cancelled; true when it came to its end.
+bool workFor(ProgressBox &progress, int milliseconds)
+{
+    QElapsedTimer since;
+    since.start();
+    while (since.elapsed() < milliseconds && !progress.cancelled()) {
+        QTest::qSleep(5);
+        progress.advance(double(since.elapsed()) / milliseconds);
+    }
+    return !progress.cancelled();
+}
+
+/// A progress whose every step takes a while, so that a small file is long work.
+class Slowly : public Progress
+{
+public:
+    explicit Slowly(Progress &progress)
+        : m_progress(progress)
+    {
+    }
+    void advance(double fraction) override
+    {
+        QTest::qSleep(150);
+        m_progress.advance(fraction);
+    }
+    bool cancelled() const override { return m_progress.cancelled(); }
+
+private:
+    Progress &m_progress;
+};
+
+} // namespace
+
+class TestProgressBox : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_window = std::make_unique<MainWindow>();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    }
+
+    void cleanup() { m_window.reset(); }
+
+    void shortWorkShowsNothing()
+    {
+        bool shown = false;
+        const WhenShown person([&](QProgressDialog &) { shown = true; });
+        ProgressBox progress(QStringLiteral("Exporting"), m_window.get());
+        QVERIFY(workFor(progress, 300));
+        QVERIFY(!shown && !m_window->findChild<QProgressDialog *>());
+    }
+
+    void longWorkShowsHowFarItIs()
+    {
+        QString label;
+        int value = 0;
+        const WhenShown person([&](QProgressDialog &dialog) {
+            label = dialog.labelText();
+            value = dialog.value();
+        });
+        {
+            ProgressBox progress(QStringLiteral("Exporting"), m_window.get());
+            QVERIFY(workFor(progress, 900));
+        }
+        QCOMPARE(label, QStringLiteral("Exporting"));
+        QVERIFY2(value >= 500 && value < 1000, qPrintable(QString::number(value)));
+        QVERIFY(!ProgressBox::anyAtWork());
+        QVERIFY(!QApplication::activeModalWidget());
+    }
+
+    void cancelStopsAnExportAndKeepsTheOldFile()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("old.stl"));
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
+        old.close();
+        Relief relief(16, 700);
+        std::fill_n(relief.heights().data(), relief.cells(), 1.0F);
+        const WhenShown person([](QProgressDialog &dialog) {
+            QTest::mouseClick(dialog.findChild<QPushButton *>(), Qt::LeftButton);
+        });
+        ProgressBox progress(QStringLiteral("Exporting"), m_window.get());
+        Slowly slow(progress);
+        QVERIFY(!exportGridStl(relief, path, &slow));
+        QVERIFY(progress.cancelled());
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("old"));
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+    }
+
+    /// The work goes on with the window it belongs to; nothing is asked under it.
+    void closingTheWindowWaitsForTheWork()
+    {
+        bool closed = true;
+        bool opened = true;
+        const WhenShown person([&](QProgressDialog &) {
+            closed = m_window->close();
+            opened = m_window->openFile(QStringLiteral("/tmp/any.png"), 1);
+        });
+        {
+            ProgressBox progress(QStringLiteral("Exporting"), m_window.get());
+            QVERIFY(workFor(progress, 800));
+        }
+        QVERIFY(!closed && !opened);
+        QVERIFY(m_window->isVisible());
+        QVERIFY(m_window->close());
+    }
+
+private:
+    std::unique_ptr<MainWindow> m_window;
+};
+
+QTEST_MAIN(TestProgressBox)
+#include "tst_progressbox.moc"
