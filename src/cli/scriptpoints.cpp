@@ -10,7 +10,7 @@ QPointF pointOf(const QJsonValue &pair)
 QList<QPointF> pointsOf(const QJsonValue &list)
 {
     QList<QPointF> points;
-    for (const QJsonValue &pair : list.toArray())
+    for (const QJsonValue pair : list.toArray())
         points << pointOf(pair);
     return points;
 }
@@ -18,7 +18,7 @@ QList<QPointF> pointsOf(const QJsonValue &list)
 QList<QPoint> cellsOf(const QJsonValue &list)
 {
     QList<QPoint> cells;
-    for (const QJsonValue &pair : list.toArray())
+    for (const QJsonValue pair : list.toArray())
         cells << QPoint(pair.toArray().at(0).toInt(), pair.toArray().at(1).toInt());
     return cells;
 }

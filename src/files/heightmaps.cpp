@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <limits>
 #include <new>
 #include <optional>
@@ -72,7 +73,7 @@ std::optional<PfmHeader> _parseHeader(const QByteArray &text)
 
 bool _readRows(QFile &file, const PfmHeader &header, FloatGrid &grid)
 {
-    const qint64 bytes = static_cast<qint64>(grid.columns() * sizeof(float));
+    const qint64 bytes = static_cast<qint64>(grid.columns()) * static_cast<qint64>(sizeof(float));
     for (int y = header.height - 1; y >= 0; --y) {
         float *row = grid.row(y);
         if (file.read(reinterpret_cast<char *>(row), bytes) != bytes)
@@ -94,7 +95,8 @@ QImage _greyImage(const GridView &grid)
         quint16 *line = reinterpret_cast<quint16 *>(image.scanLine(y));
         const float *row = grid.row(y);
         for (int x = 0; x < grid.width; ++x)
-            line[x] = static_cast<quint16>((static_cast<double>(row[x]) - low) * scale + 0.5);
+            line[x] =
+                static_cast<quint16>(std::lround((static_cast<double>(row[x]) - low) * scale));
     }
     return image;
 }

@@ -25,7 +25,8 @@ void _greyRow(const QRgb *pixels, float *values, int count)
         const QRgb pixel = pixels[x];
         const int weighted = static_cast<int>(11 * ((pixel >> 16) & 0xFFU) +
                                               16 * ((pixel >> 8) & 0xFFU) + 5 * (pixel & 0xFFU));
-        values[x] = static_cast<float>(weighted / 32);
+        const int grey = weighted / 32;
+        values[x] = static_cast<float>(grey);
     }
 }
 

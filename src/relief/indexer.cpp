@@ -63,5 +63,7 @@ QPointF Indexer::offset(int a, int b) const
     if (!isNeighbor(a, b))
         return {0.0, 0.0};
     const int width = static_cast<int>(m_width);
-    return {static_cast<double>(b % width - a % width), static_cast<double>(b / width - a / width)};
+    const int columns = b % width - a % width;
+    const int rows = b / width - a / width;
+    return {static_cast<double>(columns), static_cast<double>(rows)};
 }

@@ -44,16 +44,13 @@ bool isSound(const GridLayer &layer, float limit)
                        [limit](float value) { return value >= 0.0F && value <= limit; });
 }
 
+/// What this process has logged; logs of earlier runs may lie beside it.
 QString sessionLog()
 {
     logFlush();
-    QString text;
-    for (const QFileInfo &file : QDir(dataFolder()).entryInfoList({"*.log"})) {
-        QFile log(file.filePath());
-        if (log.open(QIODevice::ReadOnly))
-            text += QString::fromUtf8(log.readAll());
-    }
-    return text;
+    const QString pid = QString::number(QCoreApplication::applicationPid(), 16);
+    QFile log(dataFolder() + QStringLiteral("/marlowen3_%1.log").arg(pid));
+    return log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll()) : QString();
 }
 
 } // namespace
