@@ -25,7 +25,10 @@ int _tenths(double degrees)
 const std::array<ImportPanel::CheckRow, ImportPanel::checkCount> &ImportPanel::_checkRows()
 {
     static const std::array<CheckRow, checkCount> rows{{
-        {"Flip Y", "Turns the picture upside down.", &ImportSettings::flipY, true},
+        {"Flip Y",
+         "Turns the picture top to bottom: reliefs count their rows from the bottom, so this sets "
+         "lettering right.",
+         &ImportSettings::flipY, true},
         {"Preview", "Shows the result of the controls below; off, the picture as it is.",
          &ImportSettings::preview, false},
         {"Invert Z", "Dark becomes high and bright becomes low; the background stays empty.",
