@@ -14,6 +14,8 @@
 
 #include <unistd.h>
 
+using namespace marlowen;
+
 /// The largest relief the program works with: 1000 square inches at 128 cells an inch.
 constexpr int side = 4047;
 constexpr int stlSide = 2000;

@@ -1,11 +1,13 @@
 #include "baseline.h"
-#include "relief/alphabrush.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/tooltable.h"
+#include "relief/grid/relief.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tooltable.h"
 
 #include <cmath>
 #include <string>
+
+using namespace marlowen;
 
 namespace {
 

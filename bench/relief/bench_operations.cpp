@@ -1,13 +1,15 @@
 #include "baseline.h"
-#include "relief/operations.h"
-#include "relief/relief.h"
-#include "relief/sculptundo.h"
-#include "relief/selections.h"
-#include "relief/undoevents.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+#include "relief/history/undoevents.h"
+#include "relief/operations/operations.h"
+#include "relief/selection/selections.h"
 
 #include <cmath>
 #include <functional>
 #include <random>
+
+using namespace marlowen;
 
 namespace {
 

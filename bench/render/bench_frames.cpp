@@ -1,7 +1,7 @@
 #include "baseline.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "render/sculptwin.h"
+#include "relief/grid/relief.h"
+#include "relief/strokes/sculptengine.h"
+#include "render/views/sculptwin.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -9,6 +9,8 @@
 #include <malloc.h>
 
 #include <cmath>
+
+using namespace marlowen;
 
 // Frames of the real window, 1200 x 800 over the largest relief, as the graphics driver at hand
 // draws them. "event_ms" is the handling of the pointer event before the frame. Skipped without a

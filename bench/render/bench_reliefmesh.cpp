@@ -1,16 +1,18 @@
 #include "baseline.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/tooltable.h"
-#include "render/levelofdetail.h"
-#include "render/reliefchanges.h"
-#include "render/reliefmesh.h"
+#include "relief/grid/relief.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/tooltable.h"
+#include "render/camera/levelofdetail.h"
+#include "render/views/reliefchanges.h"
+#include "render/views/reliefmesh.h"
 
 #include <algorithm>
 #include <cmath>
 #include <ctime>
 #include <memory>
 #include <string>
+
+using namespace marlowen;
 
 // The view's work outside of OpenGL on the largest relief, in a view of 1200 x 800.
 

@@ -1,7 +1,9 @@
-#include "render/flatvertices.h"
+#include "render/views/flatvertices.h"
 #include "baseline.h"
-#include "relief/relief.h"
-#include "render/reliefmesh.h"
+#include "relief/grid/relief.h"
+#include "render/views/reliefmesh.h"
+
+using namespace marlowen;
 
 namespace {
 

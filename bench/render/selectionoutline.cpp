@@ -1,8 +1,10 @@
-#include "render/selectionoutline.h"
+#include "render/overlays/selectionoutline.h"
 #include "baseline.h"
-#include "relief/gridlayer.h"
+#include "relief/grid/gridlayer.h"
 
 #include <cmath>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,5 +1,7 @@
 #include "app/brindlemarkstyle.h"
 
+namespace marlowen {
+
 namespace {
 
 constexpr QColor brindlemarkBlue(46, 117, 182);
@@ -13,3 +15,5 @@ BrindlemarkStyle::BrindlemarkStyle(int mode)
     setTheme(mode == darkMode ? Dark : Light);
     setAccentColor(brindlemarkBlue);
 }
+
+} // namespace marlowen

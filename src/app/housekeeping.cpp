@@ -4,11 +4,13 @@
 #include <QFile>
 #include <QFileInfo>
 
+namespace marlowen {
+
 namespace {
 
 constexpr qint64 secondsOfDay = 24 * 60 * 60;
 
-bool _isOld(const QFileInfo &entry, const QDateTime &now)
+bool isOld(const QFileInfo &entry, const QDateTime &now)
 {
     const QDateTime born = entry.birthTime();
     return born.isValid() && born.addSecs(secondsOfDay) < now;
@@ -19,7 +21,7 @@ bool _isOld(const QFileInfo &entry, const QDateTime &now)
 void scrubOldLogs(const QString &folder, const QDateTime &now)
 {
     for (const QFileInfo &log : QDir(folder).entryInfoList({QStringLiteral("*.log")})) {
-        if (_isOld(log, now))
+        if (isOld(log, now))
             QFile::remove(log.filePath());
     }
 }
@@ -28,7 +30,7 @@ void cleanTemporaryFolders(const QString &folder, const QDateTime &now)
 {
     const auto kinds = QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks;
     for (const QFileInfo &found : QDir(folder).entryInfoList({QStringLiteral("tmp_*")}, kinds)) {
-        if (!_isOld(found, now))
+        if (!isOld(found, now))
             continue;
         QDir temporary(found.filePath());
         for (const QString &mesh : temporary.entryList({QStringLiteral("stltmp*")}))
@@ -36,3 +38,5 @@ void cleanTemporaryFolders(const QString &folder, const QDateTime &now)
         QDir().rmdir(found.filePath());
     }
 }
+
+} // namespace marlowen

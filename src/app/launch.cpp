@@ -7,11 +7,13 @@
 #include <functional>
 #include <utility>
 
+namespace marlowen {
+
 namespace {
 
 using Kind = LaunchStep::Kind;
 
-QList<LaunchStep> _fileSteps(const QStringList &arguments)
+QList<LaunchStep> fileSteps(const QStringList &arguments)
 {
     QList<LaunchStep> steps;
     if (arguments.size() >= 4)
@@ -23,7 +25,7 @@ QList<LaunchStep> _fileSteps(const QStringList &arguments)
     return steps;
 }
 
-QList<LaunchStep> _integrationSteps(const QStringList &arguments)
+QList<LaunchStep> integrationSteps(const QStringList &arguments)
 {
     return {
         {Kind::IntegrationString, arguments[1]},
@@ -34,7 +36,7 @@ QList<LaunchStep> _integrationSteps(const QStringList &arguments)
     };
 }
 
-void _applyStep(const LaunchStep &step, MainWindow &window)
+void applyStep(const LaunchStep &step, MainWindow &window)
 {
     static const std::pair<Kind, std::function<void(MainWindow &, const QString &)>> actions[] = {
         {Kind::IntegrationString, &MainWindow::setIntegrationString},
@@ -55,14 +57,16 @@ void _applyStep(const LaunchStep &step, MainWindow &window)
 QList<LaunchStep> launchSteps(const QStringList &arguments)
 {
     if (arguments.size() >= 5)
-        return _integrationSteps(arguments);
+        return integrationSteps(arguments);
     if (arguments.size() >= 2)
-        return _fileSteps(arguments);
+        return fileSteps(arguments);
     return {};
 }
 
 void applyLaunchSteps(const QList<LaunchStep> &steps, MainWindow &window)
 {
     for (const LaunchStep &step : steps)
-        _applyStep(step, window);
+        applyStep(step, window);
 }
+
+} // namespace marlowen

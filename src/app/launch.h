@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace marlowen {
+
 class MainWindow;
 
 /// One thing that the command line asks of the main window.
@@ -31,3 +33,5 @@ struct LaunchStep
 QList<LaunchStep> launchSteps(const QStringList &arguments);
 
 void applyLaunchSteps(const QList<LaunchStep> &steps, MainWindow &window);
+
+} // namespace marlowen

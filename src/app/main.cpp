@@ -2,11 +2,13 @@
 
 #include <malloc.h>
 
+using namespace marlowen;
+
 namespace {
 
 /// Keeps what a frame or a stroke frees for the next one: without this the C library hands large
 /// blocks back to the system at once and every new one is faulted in page by page.
-void _keepFreedMemory()
+void keepFreedMemory()
 {
     constexpr int largestHeapBlock = 256 << 20; // the frame of the largest screens, with room
     constexpr int keptAtTop = 512 << 20;
@@ -18,6 +20,6 @@ void _keepFreedMemory()
 
 int main(int argc, char **argv)
 {
-    _keepFreedMemory();
+    keepFreedMemory();
     return runMarlowen(argc, argv);
 }

@@ -9,6 +9,8 @@
 
 #include <charconv>
 
+namespace marlowen {
+
 namespace {
 
 constexpr double leastVersion = 2.1;
@@ -59,3 +61,5 @@ bool acceptGlVersion(const QByteArray &version)
                           QStringLiteral("OpenGL 2.1 is required. Can't continue"));
     return false;
 }
+
+} // namespace marlowen

@@ -4,6 +4,8 @@
 #include <QEvent>
 #include <QMetaEnum>
 
+namespace marlowen {
+
 bool QEF::eventFilter(QObject *receiver, QEvent *event)
 {
     if (event->type() != QEvent::Timer) {
@@ -12,3 +14,5 @@ bool QEF::eventFilter(QObject *receiver, QEvent *event)
     }
     return false;
 }
+
+} // namespace marlowen

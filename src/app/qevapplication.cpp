@@ -6,6 +6,8 @@
 #include <QFileOpenEvent>
 #include <QMessageBox>
 
+namespace marlowen {
+
 QevApplication::QevApplication(int &argc, char **argv)
     : QApplication(argc, argv)
 {
@@ -49,3 +51,5 @@ void reportFatalError(const char *text)
     QApplication::closeAllWindows();
     logClose();
 }
+
+} // namespace marlowen

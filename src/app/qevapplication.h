@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QPointer>
 
+namespace marlowen {
+
 class MainWindow;
 
 /// The application object of the desktop program. A C-string thrown by an event handler ends the
@@ -35,3 +37,5 @@ private:
 /// Writes the text to the session log, shows it in the box "Fatal Error", closes all windows and
 /// then the log.
 void reportFatalError(const char *text);
+
+} // namespace marlowen

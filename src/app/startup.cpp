@@ -22,9 +22,11 @@
 
 #include <cstdio>
 
+namespace marlowen {
+
 namespace {
 
-void _chooseSurfaceFormat()
+void chooseSurfaceFormat()
 {
     QSurfaceFormat format;
     format.setRenderableType(QSurfaceFormat::OpenGL);
@@ -33,7 +35,7 @@ void _chooseSurfaceFormat()
     QSurfaceFormat::setDefaultFormat(format);
 }
 
-void _setAttributes()
+void setAttributes()
 {
     QCoreApplication::setAttribute(Qt::AA_UseDesktopOpenGL);
     // Always on in this toolkit version, which calls the two names deprecated.
@@ -45,13 +47,13 @@ void _setAttributes()
     QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
 }
 
-void _logStep(const char *text)
+void logStep(const char *text)
 {
     logInfo() << text << "\n";
     logFlush();
 }
 
-void _openSessionLog()
+void openSessionLog()
 {
     setLogFailureHandler([](const QString &title, const QString &sentence) {
         QMessageBox::critical(nullptr, title, sentence);
@@ -60,16 +62,16 @@ void _openSessionLog()
     logFlush();
 }
 
-void _tidyDataFolder()
+void tidyDataFolder()
 {
     const QDateTime now = QDateTime::currentDateTime();
-    _logStep("Scrubbing old logs");
+    logStep("Scrubbing old logs");
     scrubOldLogs(dataFolder(), now);
-    _logStep("Cleaning temporary folders");
+    logStep("Cleaning temporary folders");
     cleanTemporaryFolders(dataFolder(), now);
 }
 
-int _savedThemeMode()
+int savedThemeMode()
 {
     return QevSettings().darkTheme() ? 1 : 0;
 }
@@ -77,34 +79,34 @@ int _savedThemeMode()
 void _installStyle()
 {
     themeSwitcher::setStyleFactory([](int mode) -> QStyle * { return new BrindlemarkStyle(mode); });
-    themeSwitcher::installStyle(_savedThemeMode());
+    themeSwitcher::installStyle(savedThemeMode());
 }
 
-void _printVersion()
+void printVersion()
 {
     std::printf("%s\n", versionText);
     std::fflush(stdout);
 }
 
-void _showWindow(MainWindow &window)
+void showWindow(MainWindow &window)
 {
     window.show();
     if (window.isMaximized())
         window.showMaximized();
-    QTimer::singleShot(0, &window, [] { themeSwitcher::applyTheme(_savedThemeMode()); });
+    QTimer::singleShot(0, &window, [] { themeSwitcher::applyTheme(savedThemeMode()); });
 }
 
-int _runWindow(QevApplication &application)
+int runWindow(QevApplication &application)
 {
-    _tidyDataFolder();
-    _logStep("About to create main window");
+    tidyDataFolder();
+    logStep("About to create main window");
     _installStyle();
     MainWindow window;
     application.setMainWindow(&window);
-    _logStep("Created main window");
-    _printVersion();
+    logStep("Created main window");
+    printVersion();
     applyLaunchSteps(launchSteps(QCoreApplication::arguments()), window);
-    _showWindow(window);
+    showWindow(window);
     return QCoreApplication::exec();
 }
 
@@ -113,21 +115,23 @@ int _runWindow(QevApplication &application)
 int runMarlowen(int argc, char **argv)
 {
     installMessageHandler();
-    _chooseSurfaceFormat();
-    _setAttributes();
+    chooseSurfaceFormat();
+    setAttributes();
     QevApplication application(argc, argv);
     if (qEnvironmentVariableIsSet("MARLOWEN_TRACE_EVENTS"))
         application.installEventFilter(new QEF(&application));
     quitOnTerminationSignals();
     QApplication::setWindowIcon(icon(QStringLiteral("logo")));
     migrateSettings();
-    _openSessionLog();
+    openSessionLog();
     if (!acceptGlVersion(readGlVersion()))
         return -1;
     try {
-        return _runWindow(application);
+        return runWindow(application);
     } catch (const char *text) {
         reportFatalError(text);
         return 1;
     }
 }
+
+} // namespace marlowen

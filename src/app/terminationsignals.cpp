@@ -9,11 +9,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace marlowen {
+
 namespace {
 
 std::array<int, 2> pipeEnds{-1, -1};
 
-extern "C" void _noteSignal(int)
+extern "C" void noteSignal(int)
 {
     const char byte = 0;
     // A full pipe already holds the request.
@@ -35,5 +37,7 @@ void quitOnTerminationSignals()
         QCoreApplication::quit();
     });
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
-        std::signal(signal, _noteSignal);
+        std::signal(signal, noteSignal);
 }
+
+} // namespace marlowen

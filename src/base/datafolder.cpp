@@ -2,9 +2,11 @@
 
 #include <QDir>
 
+namespace marlowen {
+
 namespace {
 
-QString _madeFolder(const QString &path)
+QString madeFolder(const QString &path)
 {
     QDir().mkpath(path);
     return path;
@@ -14,10 +16,12 @@ QString _madeFolder(const QString &path)
 
 QString dataFolder()
 {
-    return _madeFolder(QDir::homePath() + QDir::separator() + QStringLiteral("Marlowen3"));
+    return madeFolder(QDir::homePath() + QDir::separator() + QStringLiteral("Marlowen3"));
 }
 
 QString downloadFolder()
 {
-    return _madeFolder(dataFolder() + QDir::separator() + QStringLiteral("download"));
+    return madeFolder(dataFolder() + QDir::separator() + QStringLiteral("download"));
 }
+
+} // namespace marlowen

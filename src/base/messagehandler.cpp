@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QTextStream>
 
+namespace marlowen {
+
 namespace {
 
 const char *_prefix(QtMsgType type)
@@ -26,7 +28,7 @@ const char *_prefix(QtMsgType type)
 }
 
 /// Never destroyed: the toolkit may still have something to say while the process ends.
-QTextStream &_debugStream()
+QTextStream &debugStream()
 {
     static QTextStream *stream = [] {
         auto *file = new QFile(dataFolder() + QDir::separator() + QStringLiteral("qdebug.txt"));
@@ -36,9 +38,9 @@ QTextStream &_debugStream()
     return *stream;
 }
 
-void _writeMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
+void writeMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    QTextStream &stream = _debugStream();
+    QTextStream &stream = debugStream();
 
     if (const char *prefix = _prefix(type)) {
         stream << prefix << message;
@@ -55,5 +57,7 @@ void _writeMessage(QtMsgType type, const QMessageLogContext &context, const QStr
 
 void installMessageHandler()
 {
-    qInstallMessageHandler(_writeMessage);
+    qInstallMessageHandler(writeMessage);
 }
+
+} // namespace marlowen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace marlowen {
+
 /// Long work reports here; whoever started it decides how that is shown. The default shows nothing
 /// and never cancels.
 class Progress
@@ -11,3 +13,5 @@ public:
     /// True once the user asked to stop; the work then returns without an effect.
     virtual bool cancelled() const { return false; }
 };
+
+} // namespace marlowen

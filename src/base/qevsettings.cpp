@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 
+namespace marlowen {
+
 namespace {
 
 constexpr char organisation[] = "Brindlemark";
@@ -96,3 +98,5 @@ void migrateSettings()
     current.setValue(QString::fromLatin1(migratedKey), true);
     current.sync();
 }
+
+} // namespace marlowen

@@ -3,6 +3,8 @@
 #include <QSettings>
 #include <QStringList>
 
+namespace marlowen {
+
 /// The per-user settings store. Adds no state: construct one on the stack where it is needed, every
 /// construction sees the current content.
 class QevSettings : public QSettings
@@ -41,3 +43,5 @@ public:
 /// Copies what the previous major version's store holds and the current one lacks; at most once a
 /// user.
 void migrateSettings();
+
+} // namespace marlowen

@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+namespace marlowen {
+
 /// What went wrong: a short dialog title ("Open Failed") and one sentence a person can read. The
 /// detail is the reason behind it ("No space left on device"), for logs and the command line; it
 /// may be empty.
@@ -56,3 +58,5 @@ private:
     std::optional<T> m_value;
     std::optional<Failure> m_failure;
 };
+
+} // namespace marlowen

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+namespace marlowen {
+
 namespace {
 
 using FailureHandler = std::function<void(const QString &, const QString &)>;
@@ -113,3 +115,5 @@ void setLogFailureHandler(FailureHandler handler)
 {
     _failureHandler() = std::move(handler);
 }
+
+} // namespace marlowen

@@ -5,6 +5,8 @@
 
 #include <functional>
 
+namespace marlowen {
+
 /// The process-wide session log "marlowen3_<pid in hexadecimal>.log" in the data folder. The file
 /// is created, truncated, by the first entry written; a process that writes none has no file. When
 /// it cannot be opened the failure handler is called once and later entries are lost.
@@ -24,3 +26,5 @@ void logClose();
 /// windows cannot show it themselves. Set before the first entry.
 void setLogFailureHandler(
     std::function<void(const QString &title, const QString &sentence)> handler);
+
+} // namespace marlowen

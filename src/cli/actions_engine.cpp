@@ -6,8 +6,10 @@
 #include "cli/toolrecord.h"
 #include "files/alphaimage.h"
 #include "import/imageimport.h"
-#include "relief/alphabrush.h"
-#include "relief/tool.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tool.h"
+
+namespace marlowen {
 
 namespace {
 
@@ -19,7 +21,7 @@ Outcome _tool(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome _symmetry(ScriptState &state, const QJsonObject &arguments)
+Outcome symmetry(ScriptState &state, const QJsonObject &arguments)
 {
     Relief &relief = *state.relief();
     relief.symmetryX = arguments.value(QLatin1String("x")).toBool(relief.symmetryX);
@@ -34,7 +36,7 @@ Outcome _invert(ScriptState &state, const QJsonObject &arguments)
 }
 
 /// The grey values of a picture file, which must be square.
-Result<FloatGrid> _squarePicture(const QString &path)
+Result<FloatGrid> squarePicture(const QString &path)
 {
     const QuietDecoders quiet;
     const Result<QImage> read = readWholeImage(path);
@@ -49,14 +51,14 @@ Result<FloatGrid> _squarePicture(const QString &path)
     return alphaGrid(image);
 }
 
-Outcome _alpha(ScriptState &, const QJsonObject &arguments)
+Outcome alpha(ScriptState &, const QJsonObject &arguments)
 {
     AlphaBrush &brush = AlphaBrush::instance();
     const QJsonValue file = arguments.value(QLatin1String("file"));
     if (file.isNull())
         brush.setImage(nullptr, 0);
     if (file.isString()) {
-        const Result<FloatGrid> grid = _squarePicture(file.toString());
+        const Result<FloatGrid> grid = squarePicture(file.toString());
         if (!grid)
             return grid.failure();
         brush.setImage(grid.value().values.data(), grid.value().width);
@@ -69,7 +71,7 @@ Outcome _alpha(ScriptState &, const QJsonObject &arguments)
 }
 
 /// A press and release at one point.
-void _click(ScriptState &state, Tool::Type type, QPointF point)
+void click(ScriptState &state, Tool::Type type, QPointF point)
 {
     ToolParams params = state.tool;
     params.type = type;
@@ -77,7 +79,7 @@ void _click(ScriptState &state, Tool::Type type, QPointF point)
     state.engine().endStroke(point);
 }
 
-Outcome _stroke(ScriptState &state, const QJsonObject &arguments)
+Outcome stroke(ScriptState &state, const QJsonObject &arguments)
 {
     const QList<QPointF> points = pointsOf(arguments.value(QLatin1String("points")));
     SculptEngine &engine = state.engine();
@@ -90,22 +92,22 @@ Outcome _stroke(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome _sample(ScriptState &state, const QJsonObject &arguments)
+Outcome sample(ScriptState &state, const QJsonObject &arguments)
 {
-    _click(state, Tool::Sample, pointOf(arguments.value(QLatin1String("point"))));
+    click(state, Tool::Sample, pointOf(arguments.value(QLatin1String("point"))));
     return {};
 }
 
-Outcome _setSample(ScriptState &state, const QJsonObject &arguments)
+Outcome setSample(ScriptState &state, const QJsonObject &arguments)
 {
     const double height = arguments.value(QLatin1String("height")).toDouble();
     state.relief()->sampleHeight = static_cast<float>(height);
     return {};
 }
 
-Outcome _fill(ScriptState &state, const QJsonObject &)
+Outcome fill(ScriptState &state, const QJsonObject &)
 {
-    _click(state, Tool::Fill, {});
+    click(state, Tool::Fill, {});
     return {};
 }
 
@@ -135,22 +137,24 @@ const std::vector<ScriptAction> &strokeActions()
     static const ScriptKey steps{"steps", KeyType::Integer, false, 1.0};
     static const std::vector<ScriptAction> actions{
         {"tool", toolKeys(), _tool, false},
-        {"symmetry", {{"x", KeyType::Boolean}, {"y", KeyType::Boolean}}, _symmetry},
+        {"symmetry", {{"x", KeyType::Boolean}, {"y", KeyType::Boolean}}, symmetry},
         {"invert", {{"on", KeyType::Boolean, true}}, _invert},
         {"alpha",
          {{"file", KeyType::TextOrNull},
           {.name = "mode", .type = KeyType::Choice, .choices = alphaModeNames},
           {"repeat", KeyType::Integer, false, 1.0, 1000.0}},
-         _alpha,
+         alpha,
          false},
-        {"stroke", {{"points", KeyType::Points, true}}, _stroke},
-        {"sample", {{"point", KeyType::Point, true}}, _sample},
+        {"stroke", {{"points", KeyType::Points, true}}, stroke},
+        {"sample", {{"point", KeyType::Point, true}}, sample},
         {"setSample",
          {{"height", KeyType::Number, true, 0.0, std::numeric_limits<float>::max()}},
-         _setSample},
-        {"fill", {}, _fill},
+         setSample},
+        {"fill", {}, fill},
         {"undo", {steps}, _undo},
         {"redo", {steps}, _redo},
     };
     return actions;
 }
+
+} // namespace marlowen

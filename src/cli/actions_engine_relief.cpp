@@ -1,10 +1,12 @@
 #include "cli/scriptaction.h"
 #include "cli/scriptpoints.h"
 #include "cli/scriptstate.h"
-#include "relief/operations.h"
-#include "relief/selections.h"
+#include "relief/operations/operations.h"
+#include "relief/selection/selections.h"
 
 #include <algorithm>
+
+namespace marlowen {
 
 namespace {
 
@@ -51,7 +53,7 @@ const Shape shapes[] = {
 };
 
 /// Which of the keys that say where a shape is do not fit it; empty when all is well.
-QString _wrongPlace(const QString &name, const Shape &shape, const QJsonObject &arguments)
+QString wrongPlace(const QString &name, const Shape &shape, const QJsonObject &arguments)
 {
     for (const char *key : {"cells", "point"}) {
         const bool given = arguments.contains(QLatin1String(key));
@@ -67,7 +69,7 @@ QString _wrongPlace(const QString &name, const Shape &shape, const QJsonObject &
     return {};
 }
 
-QList<QPoint> _clipped(QList<QPoint> cells, const Relief &relief)
+QList<QPoint> clipped(QList<QPoint> cells, const Relief &relief)
 {
     for (QPoint &cell : cells)
         cell = {std::clamp(cell.x(), 0, relief.width() - 1),
@@ -79,18 +81,17 @@ Outcome _select(ScriptState &state, const QJsonObject &arguments)
 {
     const QString name = arguments.value(QLatin1String("shape")).toString();
     const Shape &shape = shapes[choiceIndex(shapeNames, name)];
-    if (const QString wrong = _wrongPlace(name, shape, arguments); !wrong.isEmpty())
+    if (const QString wrong = wrongPlace(name, shape, arguments); !wrong.isEmpty())
         return scriptFailure(wrong);
     const QString modifier =
         arguments.value(QLatin1String("modifier")).toString(QStringLiteral("Normal"));
-    shape.select(state,
-                 {pointOf(arguments.value(QLatin1String("point"))),
-                  _clipped(cellsOf(arguments.value(QLatin1String("cells"))), *state.relief()),
-                  static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier))});
+    shape.select(state, {pointOf(arguments.value(QLatin1String("point"))),
+                         clipped(cellsOf(arguments.value(QLatin1String("cells"))), *state.relief()),
+                         static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier))});
     return {};
 }
 
-Outcome _mask(ScriptState &state, const QJsonObject &arguments)
+Outcome mask(ScriptState &state, const QJsonObject &arguments)
 {
     constexpr void (*operations[])(Relief &, SculptUndo *) = {clearMask, invertMask};
     const QString name = arguments.value(QLatin1String("op")).toString();
@@ -109,13 +110,13 @@ Outcome _resize(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome _zScale(ScriptState &state, const QJsonObject &arguments)
+Outcome zScale(ScriptState &state, const QJsonObject &arguments)
 {
     setZScale(*state.relief(), arguments.value(QLatin1String("value")).toDouble(), &state.undo());
     return {};
 }
 
-Outcome _crop(ScriptState &state, const QJsonObject &arguments)
+Outcome crop(ScriptState &state, const QJsonObject &arguments)
 {
     cropApply(*state.relief(), pointsOf(arguments.value(QLatin1String("points"))), &state.undo());
     return {};
@@ -134,12 +135,14 @@ const std::vector<ScriptAction> &reliefActions()
          _select},
         {"mask",
          {{.name = "op", .type = KeyType::Choice, .required = true, .choices = maskNames}},
-         _mask},
+         mask},
         {"resize",
          {{"width", KeyType::Integer, true, 2.0}, {"height", KeyType::Integer, true, 2.0}},
          _resize},
-        {"zscale", {{"value", KeyType::Number, true, smallestZScale, largestZScale}}, _zScale},
-        {"crop", {{"points", KeyType::Points, true}}, _crop},
+        {"zscale", {{"value", KeyType::Number, true, smallestZScale, largestZScale}}, zScale},
+        {"crop", {{"points", KeyType::Points, true}}, crop},
     };
     return actions;
 }
+
+} // namespace marlowen

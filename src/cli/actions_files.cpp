@@ -4,12 +4,14 @@
 #include "cli/scriptstate.h"
 #include "files/heightmaps.h"
 #include "files/workspacefile.h"
-#include "relief/reliefstream.h"
+#include "relief/grid/reliefstream.h"
 
 #include <QJsonDocument>
 
 #include <algorithm>
 #include <cmath>
+
+namespace marlowen {
 
 namespace {
 
@@ -19,18 +21,18 @@ constexpr char layerNames[] = "heights|reference|mask|selection";
 
 enum class Layer { Heights, Reference, Mask, Selection };
 
-Layer _layerOf(const QJsonObject &arguments)
+Layer layerOf(const QJsonObject &arguments)
 {
     return static_cast<Layer>(
         choiceIndex(layerNames, arguments.value(QLatin1String("layer")).toString()));
 }
 
-QString _fileOf(const QJsonObject &arguments)
+QString fileOf(const QJsonObject &arguments)
 {
     return arguments.value(QLatin1String("file")).toString();
 }
 
-GridLayer &_gridLayer(Relief &relief, Layer layer)
+GridLayer &gridLayer(Relief &relief, Layer layer)
 {
     switch (layer) {
     case Layer::Reference:
@@ -44,7 +46,7 @@ GridLayer &_gridLayer(Relief &relief, Layer layer)
     }
 }
 
-Outcome _new(ScriptState &state, const QJsonObject &arguments)
+Outcome makeRelief(ScriptState &state, const QJsonObject &arguments)
 {
     const int width = arguments.value(QLatin1String("width")).toInt();
     const int height = arguments.value(QLatin1String("height")).toInt();
@@ -58,10 +60,10 @@ Outcome _new(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome _open(ScriptState &state, const QJsonObject &arguments)
+Outcome open(ScriptState &state, const QJsonObject &arguments)
 {
     const QJsonObject settings = arguments.value(QLatin1String("import")).toObject();
-    Result<std::unique_ptr<Relief>> opened = openFile(_fileOf(arguments), withValues({}, settings));
+    Result<std::unique_ptr<Relief>> opened = openFile(fileOf(arguments), withValues({}, settings));
     if (!opened)
         return opened.failure();
     state.install(opened.take());
@@ -69,7 +71,7 @@ Outcome _open(ScriptState &state, const QJsonObject &arguments)
 }
 
 /// Values that the layer may not hold become the nearest that it may.
-void _fit(std::vector<float> &values, Layer layer)
+void fit(std::vector<float> &values, Layer layer)
 {
     if (layer == Layer::Selection)
         std::replace_if(
@@ -81,7 +83,7 @@ void _fit(std::vector<float> &values, Layer layer)
             values.begin(), values.end(), [](float v) { return v > 1.0F; }, 1.0F);
 }
 
-void _markLoaded(Relief &relief, Layer layer)
+void markLoaded(Relief &relief, Layer layer)
 {
     relief.heightsChanged = relief.heightsChanged || layer == Layer::Heights;
     relief.appearanceChanged = relief.appearanceChanged || layer == Layer::Mask;
@@ -89,12 +91,12 @@ void _markLoaded(Relief &relief, Layer layer)
     relief.frameRegion = relief.rect();
 }
 
-Outcome _load(ScriptState &state, const QJsonObject &arguments)
+Outcome load(ScriptState &state, const QJsonObject &arguments)
 {
-    const Layer layer = _layerOf(arguments);
-    Result<FloatGrid> loaded = loadPfm(_fileOf(arguments));
+    const Layer layer = layerOf(arguments);
+    Result<FloatGrid> loaded = loadPfm(fileOf(arguments));
     if (!loaded)
-        return aboutFile(_fileOf(arguments), loaded.failure());
+        return aboutFile(fileOf(arguments), loaded.failure());
     FloatGrid grid = loaded.take();
     if (!state.relief() && layer == Layer::Heights)
         state.install(std::make_unique<Relief>(grid.width, grid.height));
@@ -103,43 +105,43 @@ Outcome _load(ScriptState &state, const QJsonObject &arguments)
     Relief &relief = *state.relief();
     if (relief.width() != grid.width || relief.height() != grid.height)
         return scriptFailure(QStringLiteral("%1: %2 x %3 cells do not fit a relief of %4 x %5")
-                                 .arg(_fileOf(arguments))
+                                 .arg(fileOf(arguments))
                                  .arg(grid.width)
                                  .arg(grid.height)
                                  .arg(relief.width())
                                  .arg(relief.height()));
-    _fit(grid.values, layer);
-    std::copy(grid.values.begin(), grid.values.end(), _gridLayer(relief, layer).data());
-    _markLoaded(relief, layer);
+    fit(grid.values, layer);
+    std::copy(grid.values.begin(), grid.values.end(), gridLayer(relief, layer).data());
+    markLoaded(relief, layer);
     return {};
 }
 
-Outcome _save(ScriptState &state, const QJsonObject &arguments)
+Outcome save(ScriptState &state, const QJsonObject &arguments)
 {
-    const QString path = _fileOf(arguments);
+    const QString path = fileOf(arguments);
     if (const Outcome done = saveWorkspace(*state.relief(), path); !done)
         return aboutFile(path, done.failure());
     return {};
 }
 
-Outcome _export(ScriptState &state, const QJsonObject &arguments)
+Outcome exportRelief(ScriptState &state, const QJsonObject &arguments)
 {
-    return exportFile(*state.relief(), _fileOf(arguments),
+    return exportFile(*state.relief(), fileOf(arguments),
                       arguments.value(QLatin1String("quality")).toString(), state.progress());
 }
 
-Outcome _dump(ScriptState &state, const QJsonObject &arguments)
+Outcome dump(ScriptState &state, const QJsonObject &arguments)
 {
     const Relief &relief = *state.relief();
-    const GridLayer &layer = _gridLayer(*state.relief(), _layerOf(arguments));
+    const GridLayer &layer = gridLayer(*state.relief(), layerOf(arguments));
     const Outcome done =
-        savePfm({layer.constData(), relief.width(), relief.height()}, _fileOf(arguments));
+        savePfm({layer.constData(), relief.width(), relief.height()}, fileOf(arguments));
     if (!done)
-        return aboutFile(_fileOf(arguments), done.failure());
+        return aboutFile(fileOf(arguments), done.failure());
     return {};
 }
 
-Outcome _info(ScriptState &state, const QJsonObject &)
+Outcome info(ScriptState &state, const QJsonObject &)
 {
     QJsonObject description = describe(*state.relief());
     description.insert(
@@ -166,22 +168,24 @@ const std::vector<ScriptAction> &fileActions()
          {{"width", KeyType::Integer, true, 1.0, largestSide},
           {"height", KeyType::Integer, true, 1.0, largestSide},
           {"level", KeyType::Number, false, 0.0, largestHeight}},
-         _new,
+         makeRelief,
          false},
         {"open",
          {file, {.name = "import", .type = KeyType::Object, .nested = &importKeys()}},
-         _open,
+         open,
          false},
-        {"load", {layer, file}, _load, false},
-        {"save", {file}, _save},
+        {"load", {layer, file}, load, false},
+        {"save", {file}, save},
         {"export",
          {file,
           {.name = "quality",
            .type = KeyType::Choice,
            .choices = "High|Medium|Low|high|medium|low"}},
-         _export},
-        {"dump", {layer, file}, _dump},
-        {"info", {}, _info},
+         exportRelief},
+        {"dump", {layer, file}, dump},
+        {"info", {}, info},
     };
     return actions;
 }
+
+} // namespace marlowen

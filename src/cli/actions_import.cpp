@@ -5,6 +5,8 @@
 
 #include <variant>
 
+namespace marlowen {
+
 namespace {
 
 /// One row an import setting: its key and where its value goes.
@@ -25,7 +27,7 @@ ScriptKey _whole(const char *name, int minimum, int maximum)
             static_cast<double>(maximum)};
 }
 
-ScriptKey _real(const char *name, double minimum, double maximum)
+ScriptKey real(const char *name, double minimum, double maximum)
 {
     return {name, KeyType::Number, false, minimum, maximum};
 }
@@ -33,7 +35,7 @@ ScriptKey _real(const char *name, double minimum, double maximum)
 /// Beyond it heights would leave the range of their type.
 constexpr double largestDepth = 1e30;
 
-const std::vector<SettingRow> &_settingRows()
+const std::vector<SettingRow> &settingRows()
 {
     using S = ImportSettings;
     static const std::vector<SettingRow> rows{
@@ -41,12 +43,12 @@ const std::vector<SettingRow> &_settingRows()
         {_flag("invertZ"), &S::invertZ},
         {_flag("transparency"), &S::transparency},
         {_flag("preview"), &S::preview},
-        {_real("smoothing", 0.0, 5.0), &S::smoothing},
+        {real("smoothing", 0.0, 5.0), &S::smoothing},
         {_whole("raiseLower", -100, 100), &S::raiseLower},
         {_whole("trim", 0, 20), &S::trim},
         {_whole("tiltHorizontal", -100, 100), &S::tiltHorizontal},
         {_whole("tiltVertical", -100, 100), &S::tiltVertical},
-        {_real("depth", 0.0, largestDepth), &S::depth},
+        {real("depth", 0.0, largestDepth), &S::depth},
         {_flag("basRelief"), &S::basRelief},
         {_whole("gridSize", 1, 1024), &S::gridSize},
         {_whole("contrastFactor", 1, 65536), &S::contrastFactor},
@@ -55,7 +57,7 @@ const std::vector<SettingRow> &_settingRows()
     return rows;
 }
 
-void _store(ImportSettings &settings, const SettingRow &row, const QJsonValue &value)
+void store(ImportSettings &settings, const SettingRow &row, const QJsonValue &value)
 {
     if (const auto *flag = std::get_if<bool ImportSettings::*>(&row.member))
         settings.*(*flag) = value.toBool();
@@ -65,7 +67,7 @@ void _store(ImportSettings &settings, const SettingRow &row, const QJsonValue &v
         settings.*std::get<double ImportSettings::*>(row.member) = value.toDouble();
 }
 
-Outcome _needImport(ScriptState &state)
+Outcome needImport(ScriptState &state)
 {
     if (!state.import().active())
         return scriptFailure(QStringLiteral("no import is open"));
@@ -74,7 +76,7 @@ Outcome _needImport(ScriptState &state)
 
 Outcome _import(ScriptState &state, const QJsonObject &arguments)
 {
-    if (const Outcome open = _needImport(state); !open)
+    if (const Outcome open = needImport(state); !open)
         return open;
     state.import().setSettings(withValues(state.import().settings(), arguments));
     return {};
@@ -82,7 +84,7 @@ Outcome _import(ScriptState &state, const QJsonObject &arguments)
 
 Outcome _update(ScriptState &state, const QJsonObject &)
 {
-    if (const Outcome open = _needImport(state); !open)
+    if (const Outcome open = needImport(state); !open)
         return open;
     if (state.import().settings().basRelief && !state.import().basReliefGenerator)
         return scriptFailure(QStringLiteral("a bas-relief cannot be made by this version"));
@@ -92,7 +94,7 @@ Outcome _update(ScriptState &state, const QJsonObject &)
 
 Outcome _accept(ScriptState &state, const QJsonObject &)
 {
-    if (const Outcome open = _needImport(state); !open)
+    if (const Outcome open = needImport(state); !open)
         return open;
     state.import().accept();
     return {};
@@ -104,7 +106,7 @@ const std::vector<ScriptKey> &importKeys()
 {
     static const std::vector<ScriptKey> keys = [] {
         std::vector<ScriptKey> list;
-        for (const SettingRow &row : _settingRows())
+        for (const SettingRow &row : settingRows())
             list.push_back(row.key);
         return list;
     }();
@@ -113,10 +115,10 @@ const std::vector<ScriptKey> &importKeys()
 
 ImportSettings withValues(ImportSettings settings, const QJsonObject &values)
 {
-    for (const SettingRow &row : _settingRows()) {
+    for (const SettingRow &row : settingRows()) {
         const auto value = values.find(QLatin1String(row.key.name));
         if (value != values.end())
-            _store(settings, row, *value);
+            store(settings, row, *value);
     }
     return settings;
 }
@@ -130,3 +132,5 @@ const std::vector<ScriptAction> &importActions()
     };
     return actions;
 }
+
+} // namespace marlowen

@@ -6,24 +6,26 @@
 #include "files/stlwriter.h"
 #include "files/workspacefile.h"
 #include "import/imageimport.h"
-#include "relief/reliefstream.h"
+#include "relief/grid/reliefstream.h"
 
 #include <algorithm>
 
+namespace marlowen {
+
 namespace {
 
-Failure _notBuilt(const QString &what)
+Failure notBuilt(const QString &what)
 {
     return {QStringLiteral("Not Built"),
             QStringLiteral("%1 cannot be handled by this version").arg(what)};
 }
 
-Failure _unknownEnding()
+Failure unknownEnding()
 {
     return {QStringLiteral("Invalid File"), QStringLiteral("the file name has no known ending")};
 }
 
-Result<std::unique_ptr<Relief>> _openHeightMap(const QString &path)
+Result<std::unique_ptr<Relief>> openHeightMap(const QString &path)
 {
     Result<FloatGrid> loaded = loadPfm(path);
     if (!loaded)
@@ -38,11 +40,11 @@ Result<std::unique_ptr<Relief>> _openHeightMap(const QString &path)
     return relief;
 }
 
-Result<std::unique_ptr<Relief>> _open(const QString &path, const ImportSettings &settings)
+Result<std::unique_ptr<Relief>> open(const QString &path, const ImportSettings &settings)
 {
     const FileType *type = fileTypeOf(path);
     if (!type)
-        return _unknownEnding();
+        return unknownEnding();
     switch (type->kind) {
     case FileKind::Workspace:
         return loadWorkspace(path);
@@ -51,16 +53,16 @@ Result<std::unique_ptr<Relief>> _open(const QString &path, const ImportSettings 
         return importImage(path, settings);
     }
     case FileKind::HeightMap:
-        return _openHeightMap(path);
+        return openHeightMap(path);
     default:
-        return _notBuilt(
+        return notBuilt(
             QStringLiteral("an input of this kind (%1)").arg(QLatin1String(type->description)));
     }
 }
 
 using Exporter = Outcome (*)(const Relief &relief, const QString &path, Progress &progress);
 
-GridView _heightsOf(const Relief &relief)
+GridView heightsOf(const Relief &relief)
 {
     return {relief.heights().constData(), relief.width(), relief.height()};
 }
@@ -78,15 +80,15 @@ constexpr ExportRow exportRows[] = {
     {".stl", [](const Relief &relief, const QString &path,
                 Progress &progress) { return exportGridStl(relief, path, &progress); }},
     {".pfm", [](const Relief &relief, const QString &path,
-                Progress &) { return savePfm(_heightsOf(relief), path); }},
+                Progress &) { return savePfm(heightsOf(relief), path); }},
     {".png",
      [](const Relief &relief, const QString &path, Progress &) {
          const QuietDecoders quiet;
-         return saveHeightPng(_heightsOf(relief), path);
+         return saveHeightPng(heightsOf(relief), path);
      }},
 };
 
-const ExportRow *_exportRowOf(const QString &path)
+const ExportRow *exportRowOf(const QString &path)
 {
     for (const ExportRow &row : exportRows) {
         if (path.endsWith(QLatin1String(row.ending), Qt::CaseInsensitive))
@@ -114,7 +116,7 @@ Failure aboutFile(const QString &path, const Failure &failure)
 
 Result<std::unique_ptr<Relief>> openFile(const QString &path, const ImportSettings &settings)
 {
-    Result<std::unique_ptr<Relief>> opened = _open(path, settings);
+    Result<std::unique_ptr<Relief>> opened = open(path, settings);
     if (!opened)
         return aboutFile(path, opened.failure());
     return opened.take();
@@ -122,14 +124,14 @@ Result<std::unique_ptr<Relief>> openFile(const QString &path, const ImportSettin
 
 Outcome checkExport(const QString &path)
 {
-    if (_exportRowOf(path))
+    if (exportRowOf(path))
         return {};
     const FileType *type = fileTypeOf(path);
     if (!type || !type->exports)
-        return aboutFile(path, _unknownEnding());
+        return aboutFile(path, unknownEnding());
     return aboutFile(
         path,
-        _notBuilt(
+        notBuilt(
             QStringLiteral("an output of this kind (%1)").arg(QLatin1String(type->description))));
 }
 
@@ -140,8 +142,8 @@ Outcome exportFile(const Relief &relief, const QString &path, const QString &qua
         return known;
     if (!quality.isEmpty())
         return aboutFile(path,
-                         _notBuilt(QStringLiteral("a reduced mesh (quality %1)").arg(quality)));
-    if (const Outcome done = _exportRowOf(path)->write(relief, path, progress); !done)
+                         notBuilt(QStringLiteral("a reduced mesh (quality %1)").arg(quality)));
+    if (const Outcome done = exportRowOf(path)->write(relief, path, progress); !done)
         return aboutFile(path, done.failure());
     return {};
 }
@@ -159,3 +161,5 @@ QJsonObject describe(const Relief &relief)
             {QStringLiteral("max"), static_cast<double>(*highest)},
             {QStringLiteral("selection"), relief.selectionActive}};
 }
+
+} // namespace marlowen

@@ -3,12 +3,14 @@
 #include "base/progress.h"
 #include "base/result.h"
 #include "import/importsettings.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 
 #include <QJsonObject>
 #include <QString>
 
 #include <memory>
+
+namespace marlowen {
 
 /// A failure as one line: the sentence and, in brackets, the reason behind it.
 QString oneLine(const Failure &failure);
@@ -31,3 +33,5 @@ Outcome checkExport(const QString &path);
 /// What a relief is, as one JSON object: size, Z scale, range, lowest and highest height, selection
 /// flag.
 QJsonObject describe(const Relief &relief);
+
+} // namespace marlowen

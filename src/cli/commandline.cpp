@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <new>
 
+namespace marlowen {
+
 namespace {
 
 enum ExitStatus { Done = 0, WorkFailed = 1, WrongUsage = 2 };
@@ -31,88 +33,87 @@ constexpr char usageText[] =
     "\n"
     "Options of convert:\n";
 
-void _printOut(const QString &text)
+void printOut(const QString &text)
 {
     std::fputs(text.toLocal8Bit().constData(), stdout);
 }
 
 /// One line on standard error.
-int _fail(const QString &line, ExitStatus status)
+int fail(const QString &line, ExitStatus status)
 {
     std::fprintf(stderr, "%s\n", line.toLocal8Bit().constData());
     return status;
 }
 
-int _wrongUsage(const QString &sentence)
+int wrongUsage(const QString &sentence)
 {
-    return _fail(QStringLiteral("marlowen-cli: %1 (see marlowen-cli --help)").arg(sentence),
-                 WrongUsage);
+    return fail(QStringLiteral("marlowen-cli: %1 (see marlowen-cli --help)").arg(sentence),
+                WrongUsage);
 }
 
-int _workFailed(const Failure &failure)
+int workFailed(const Failure &failure)
 {
-    return _fail(QStringLiteral("marlowen-cli: %1").arg(oneLine(failure)), WorkFailed);
+    return fail(QStringLiteral("marlowen-cli: %1").arg(oneLine(failure)), WorkFailed);
 }
 
-int _help(const QStringList &)
+int help(const QStringList &)
 {
-    _printOut(QLatin1String(usageText) + convertOptionsHelp() + QLatin1Char('\n') +
-              toolRecordHelp());
+    printOut(QLatin1String(usageText) + convertOptionsHelp() + QLatin1Char('\n') +
+             toolRecordHelp());
     return Done;
 }
 
-int _version(const QStringList &)
+int version(const QStringList &)
 {
-    _printOut(QStringLiteral("%1 (marlowen-cli) %2\n")
-                  .arg(QLatin1String(productName), QLatin1String(versionText)));
+    printOut(QStringLiteral("%1 (marlowen-cli) %2\n")
+                 .arg(QLatin1String(productName), QLatin1String(versionText)));
     return Done;
 }
 
-int _convert(const QStringList &arguments)
+int convert(const QStringList &arguments)
 {
     const Result<ConvertJob> job = parseConvert(arguments);
     if (!job)
-        return _wrongUsage(oneLine(job.failure()));
+        return wrongUsage(oneLine(job.failure()));
     TerminalProgress progress;
     const Outcome done = runConvert(job.value(), progress);
     progress.clear();
-    return done ? Done : _workFailed(done.failure());
+    return done ? Done : workFailed(done.failure());
 }
 
 /// A result that did not reach standard output was not delivered.
-int _delivered(int status)
+int delivered(int status)
 {
     if (status != Done || (std::fflush(stdout) == 0 && !std::ferror(stdout)))
         return status;
-    return _fail(QStringLiteral("marlowen-cli: standard output cannot be written"), WorkFailed);
+    return fail(QStringLiteral("marlowen-cli: standard output cannot be written"), WorkFailed);
 }
 
-void _printDescription(const QJsonObject &description, bool json)
+void printDescription(const QJsonObject &description, bool json)
 {
     if (json) {
-        _printOut(QString::fromUtf8(QJsonDocument(description).toJson(QJsonDocument::Compact)) +
-                  QLatin1Char('\n'));
+        printOut(QString::fromUtf8(QJsonDocument(description).toJson(QJsonDocument::Compact)) +
+                 QLatin1Char('\n'));
         return;
     }
     for (auto entry = description.begin(); entry != description.end(); ++entry)
-        _printOut(
-            QStringLiteral("%1: %2\n").arg(entry.key(), entry.value().toVariant().toString()));
+        printOut(QStringLiteral("%1: %2\n").arg(entry.key(), entry.value().toVariant().toString()));
 }
 
-int _info(const QStringList &arguments)
+int info(const QStringList &arguments)
 {
     QStringList files = arguments;
     const bool json = files.removeAll(QStringLiteral("--json")) > 0;
     if (files.size() != 1 || files[0].startsWith(QLatin1String("--")))
-        return _wrongUsage(QStringLiteral("info needs one FILE"));
+        return wrongUsage(QStringLiteral("info needs one FILE"));
     const Result<std::unique_ptr<Relief>> opened = openFile(files[0], {});
     if (!opened)
-        return _workFailed(opened.failure());
-    _printDescription(describe(*opened.value()), json);
+        return workFailed(opened.failure());
+    printDescription(describe(*opened.value()), json);
     return Done;
 }
 
-bool _openScript(QFile &file)
+bool openScript(QFile &file)
 {
     if (file.fileName() == QLatin1String("-"))
         return file.open(stdin, QIODevice::ReadOnly);
@@ -122,15 +123,15 @@ bool _openScript(QFile &file)
 int _run(const QStringList &arguments)
 {
     if (arguments.size() != 1)
-        return _wrongUsage(QStringLiteral("run needs one SCRIPT"));
+        return wrongUsage(QStringLiteral("run needs one SCRIPT"));
     QFile file(arguments[0]);
-    if (!_openScript(file))
-        return _workFailed(aboutFile(arguments[0], {{}, file.errorString()}));
+    if (!openScript(file))
+        return workFailed(aboutFile(arguments[0], {{}, file.errorString()}));
     TerminalProgress progress;
     ScriptState state(progress);
     const Outcome done = runScript(state, file, arguments[0]);
     progress.clear();
-    return done ? Done : _fail(oneLine(done.failure()), WorkFailed);
+    return done ? Done : fail(oneLine(done.failure()), WorkFailed);
 }
 
 /// One row a command.
@@ -140,23 +141,25 @@ struct Command
     int (*run)(const QStringList &arguments);
 };
 
-constexpr Command commands[] = {{"convert", _convert}, {"info", _info}, {"run", _run},
-                                {"--help", _help},     {"-h", _help},   {"--version", _version}};
+constexpr Command commands[] = {{"convert", convert}, {"info", info}, {"run", _run},
+                                {"--help", help},     {"-h", help},   {"--version", version}};
 
 } // namespace
 
 int runCommandLine(const QStringList &arguments)
 {
     if (arguments.isEmpty())
-        return _wrongUsage(QStringLiteral("a command is missing"));
+        return wrongUsage(QStringLiteral("a command is missing"));
     for (const Command &command : commands) {
         if (arguments[0] != QLatin1String(command.name))
             continue;
         try {
-            return _delivered(command.run(arguments.mid(1)));
+            return delivered(command.run(arguments.mid(1)));
         } catch (const std::bad_alloc &) {
-            return _fail(QStringLiteral("marlowen-cli: not enough memory"), WorkFailed);
+            return fail(QStringLiteral("marlowen-cli: not enough memory"), WorkFailed);
         }
     }
-    return _wrongUsage(QStringLiteral("unknown command %1").arg(arguments[0]));
+    return wrongUsage(QStringLiteral("unknown command %1").arg(arguments[0]));
 }
+
+} // namespace marlowen

@@ -4,9 +4,11 @@
 #include "cli/scriptkeys.h"
 #include "cli/scriptstate.h"
 #include "files/filetypes.h"
-#include "relief/operations.h"
+#include "relief/operations/operations.h"
 
 #include <limits>
+
+namespace marlowen {
 
 namespace {
 
@@ -15,7 +17,7 @@ Failure _usage(const QString &sentence)
     return {QStringLiteral("Usage"), sentence};
 }
 
-bool _parseWhole(const QString &text, int minimum, int maximum, int &value)
+bool parseWhole(const QString &text, int minimum, int maximum, int &value)
 {
     bool ok = false;
     const int number = text.toInt(&ok);
@@ -25,7 +27,7 @@ bool _parseWhole(const QString &text, int minimum, int maximum, int &value)
     return true;
 }
 
-bool _parseReal(const QString &text, double minimum, double maximum, double &value)
+bool parseReal(const QString &text, double minimum, double maximum, double &value)
 {
     bool ok = false;
     const double number = text.toDouble(&ok);
@@ -35,44 +37,44 @@ bool _parseReal(const QString &text, double minimum, double maximum, double &val
     return true;
 }
 
-bool _parseTilt(const QString &text, ConvertJob &job)
+bool parseTilt(const QString &text, ConvertJob &job)
 {
     const QStringList parts = text.split(QLatin1Char(','));
-    return parts.size() == 2 && _parseWhole(parts[0], -100, 100, job.settings.tiltHorizontal) &&
-           _parseWhole(parts[1], -100, 100, job.settings.tiltVertical);
+    return parts.size() == 2 && parseWhole(parts[0], -100, 100, job.settings.tiltHorizontal) &&
+           parseWhole(parts[1], -100, 100, job.settings.tiltVertical);
 }
 
-bool _parseBasRelief(const QString &text, ConvertJob &job)
+bool parseBasRelief(const QString &text, ConvertJob &job)
 {
     const QStringList parts = text.split(QLatin1Char(','));
     job.settings.basRelief = true;
-    return parts.size() == 3 && _parseWhole(parts[0], 1, 1024, job.settings.gridSize) &&
-           _parseWhole(parts[1], 1, 65536, job.settings.contrastFactor) &&
-           _parseWhole(parts[2], 1, 1000000000, job.settings.smoothness);
+    return parts.size() == 3 && parseWhole(parts[0], 1, 1024, job.settings.gridSize) &&
+           parseWhole(parts[1], 1, 65536, job.settings.contrastFactor) &&
+           parseWhole(parts[2], 1, 1000000000, job.settings.smoothness);
 }
 
-bool _parseSize(const QString &text, ConvertJob &job)
+bool parseSize(const QString &text, ConvertJob &job)
 {
     const QStringList parts = text.split(QLatin1Char('x'));
     int width = 0;
     int height = 0;
-    if (parts.size() != 2 || !_parseWhole(parts[0], 2, 1000000, width) ||
-        !_parseWhole(parts[1], 2, 1000000, height))
+    if (parts.size() != 2 || !parseWhole(parts[0], 2, 1000000, width) ||
+        !parseWhole(parts[1], 2, 1000000, height))
         return false;
     job.size = QSize(width, height);
     return static_cast<qint64>(width) * height <= std::numeric_limits<int>::max();
 }
 
-bool _parseZScale(const QString &text, ConvertJob &job)
+bool parseZScale(const QString &text, ConvertJob &job)
 {
     double value = 0.0;
-    if (!_parseReal(text, smallestZScale, largestZScale, value))
+    if (!parseReal(text, smallestZScale, largestZScale, value))
         return false;
     job.zScale = value;
     return true;
 }
 
-bool _parseQuality(const QString &text, ConvertJob &job)
+bool parseQuality(const QString &text, ConvertJob &job)
 {
     job.quality = text.toLower();
     return QStringList{QStringLiteral("high"), QStringLiteral("medium"), QStringLiteral("low")}
@@ -97,30 +99,30 @@ constexpr Option options[] = {
      [](const QString &, ConvertJob &job) { return !(job.settings.transparency = false); }},
     {"--smoothing", "0..5", "smoothing passes",
      [](const QString &text, ConvertJob &job) {
-         return _parseReal(text, 0.0, 5.0, job.settings.smoothing);
+         return parseReal(text, 0.0, 5.0, job.settings.smoothing);
      }},
     {"--raise-lower", "-100..100", "percent of the range to lower by",
      [](const QString &text, ConvertJob &job) {
-         return _parseWhole(text, -100, 100, job.settings.raiseLower);
+         return parseWhole(text, -100, 100, job.settings.raiseLower);
      }},
     {"--trim", "0..20", "cells to eat from the outline",
      [](const QString &text, ConvertJob &job) {
-         return _parseWhole(text, 0, 20, job.settings.trim);
+         return parseWhole(text, 0, 20, job.settings.trim);
      }},
-    {"--tilt", "H,V", "slope in tenths of a degree, -100..100 each", _parseTilt},
+    {"--tilt", "H,V", "slope in tenths of a degree, -100..100 each", parseTilt},
     {"--depth", "D", "height of the whole range, in cells",
      [](const QString &text, ConvertJob &job) {
-         return _parseReal(text, 0.0, 1e30, job.settings.depth);
+         return parseReal(text, 0.0, 1e30, job.settings.depth);
      }},
-    {"--bas-relief", "G,C,S", "grid size, contrast factor and smoothness", _parseBasRelief},
-    {"--size", "WxH", "resample to this many cells", _parseSize},
-    {"--z-scale", "Z", "factor on all heights, above 0", _parseZScale},
-    {"--quality", "high|medium|low", "reduce the exported mesh", _parseQuality},
+    {"--bas-relief", "G,C,S", "grid size, contrast factor and smoothness", parseBasRelief},
+    {"--size", "WxH", "resample to this many cells", parseSize},
+    {"--z-scale", "Z", "factor on all heights, above 0", parseZScale},
+    {"--quality", "high|medium|low", "reduce the exported mesh", parseQuality},
 };
 
 /// Applies the option at `position` and moves it to the last argument that the option used. Returns
 /// what is wrong, or nothing.
-QString _applyOption(const QStringList &arguments, qsizetype &position, ConvertJob &job)
+QString applyOption(const QStringList &arguments, qsizetype &position, ConvertJob &job)
 {
     const QString name = arguments[position].section(QLatin1Char('='), 0, 0);
     const bool attached = arguments[position].contains(QLatin1Char('='));
@@ -143,7 +145,7 @@ QString _applyOption(const QStringList &arguments, qsizetype &position, ConvertJ
     return QStringLiteral("unknown option %1").arg(name);
 }
 
-Outcome _checkFiles(const QStringList &files)
+Outcome checkFiles(const QStringList &files)
 {
     if (files.size() != 2)
         return _usage(QStringLiteral("convert needs an INPUT and an OUTPUT"));
@@ -156,7 +158,7 @@ Outcome _checkFiles(const QStringList &files)
     return {};
 }
 
-Outcome _shape(ScriptState &state, const ConvertJob &job)
+Outcome shape(ScriptState &state, const ConvertJob &job)
 {
     if (state.import().active()) {
         if (job.settings.basRelief && !state.import().basReliefGenerator)
@@ -186,10 +188,10 @@ Result<ConvertJob> parseConvert(const QStringList &arguments)
             files << arguments[i];
             continue;
         }
-        if (const QString wrong = _applyOption(arguments, i, job); !wrong.isEmpty())
+        if (const QString wrong = applyOption(arguments, i, job); !wrong.isEmpty())
             return _usage(wrong);
     }
-    if (const Outcome usable = _checkFiles(files); !usable)
+    if (const Outcome usable = checkFiles(files); !usable)
         return usable.failure();
     job.input = files[0];
     job.output = files[1];
@@ -205,7 +207,7 @@ Outcome runConvert(const ConvertJob &job, Progress &progress)
         return opened.failure();
     ScriptState state(progress);
     state.install(opened.take());
-    if (const Outcome shaped = _shape(state, job); !shaped)
+    if (const Outcome shaped = shape(state, job); !shaped)
         return shaped;
     if (progress.cancelled())
         return aboutFile(job.output, scriptFailure(QStringLiteral("interrupted")));
@@ -222,3 +224,5 @@ QString convertOptionsHelp()
     }
     return help;
 }
+
+} // namespace marlowen

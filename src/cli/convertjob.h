@@ -9,6 +9,8 @@
 
 #include <optional>
 
+namespace marlowen {
+
 class Progress;
 
 /// One conversion: open, import, resize, scale, write.
@@ -29,3 +31,5 @@ Outcome runConvert(const ConvertJob &job, Progress &progress);
 
 /// One line an option, for the help.
 QString convertOptionsHelp();
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 
 #include <csignal>
 
+using namespace marlowen;
+
 int main(int argc, char **argv)
 {
     // A file that outgrows its limit is a failed write, not the end of the program.

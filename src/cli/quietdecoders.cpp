@@ -5,6 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace marlowen {
+
 QuietDecoders::QuietDecoders()
     : m_standardError(dup(STDERR_FILENO))
 {
@@ -24,3 +26,5 @@ QuietDecoders::~QuietDecoders()
     dup2(m_standardError, STDERR_FILENO);
     close(m_standardError);
 }
+
+} // namespace marlowen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace marlowen {
+
 /// While it lives, what libraries print on standard error goes nowhere: a failure is one line, and
 /// image decoders and encoders have much to say about damaged files and full disks.
 class QuietDecoders
@@ -13,3 +15,5 @@ public:
 private:
     int m_standardError;
 };
+
+} // namespace marlowen

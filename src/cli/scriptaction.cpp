@@ -1,5 +1,7 @@
 #include "cli/scriptaction.h"
 
+namespace marlowen {
+
 const ScriptAction *findAction(const QString &name)
 {
     for (const auto *group :
@@ -11,3 +13,5 @@ const ScriptAction *findAction(const QString &name)
     }
     return nullptr;
 }
+
+} // namespace marlowen

@@ -5,6 +5,8 @@
 
 #include <vector>
 
+namespace marlowen {
+
 class ScriptState;
 
 /// One row a "do": its keys and what it runs. The keys are checked before `run` is called, so that
@@ -26,3 +28,5 @@ const std::vector<ScriptAction> &reliefActions(); ///< select, mask, resize, zsc
 
 /// The row of a name; null when there is none.
 const ScriptAction *findAction(const QString &name);
+
+} // namespace marlowen

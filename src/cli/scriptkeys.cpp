@@ -6,37 +6,39 @@
 #include <algorithm>
 #include <cmath>
 
+namespace marlowen {
+
 namespace {
 
-bool _isWhole(const QJsonValue &value)
+bool isWhole(const QJsonValue &value)
 {
     constexpr double limit = 2147483647.0;
     const double number = value.toDouble();
     return value.isDouble() && number == std::floor(number) && std::abs(number) <= limit;
 }
 
-bool _isPair(const QJsonValue &value, bool whole)
+bool isPair(const QJsonValue &value, bool whole)
 {
     const QJsonArray pair = value.toArray();
     return pair.size() == 2 && std::all_of(pair.begin(), pair.end(), [whole](const QJsonValue &v) {
-               return whole ? _isWhole(v) : v.isDouble();
+               return whole ? isWhole(v) : v.isDouble();
            });
 }
 
-bool _isList(const QJsonValue &value, bool whole)
+bool isList(const QJsonValue &value, bool whole)
 {
     const QJsonArray list = value.toArray();
     return !list.isEmpty() && std::all_of(list.begin(), list.end(), [whole](const QJsonValue &v) {
-        return _isPair(v, whole);
+        return isPair(v, whole);
     });
 }
 
-bool _inRange(const QJsonValue &value, const ScriptKey &key)
+bool inRange(const QJsonValue &value, const ScriptKey &key)
 {
     return value.toDouble() >= key.minimum && value.toDouble() <= key.maximum;
 }
 
-QString _rangeText(const ScriptKey &key)
+QString rangeText(const ScriptKey &key)
 {
     constexpr double unbounded = std::numeric_limits<double>::max();
     const auto text = [](double bound) { return QString::number(bound, 'g', 10); };
@@ -59,10 +61,10 @@ const TypeRow typeRows[] = {
     {KeyType::Boolean, [](const QJsonValue &v, const ScriptKey &) { return v.isBool(); },
      "true or false"},
     {KeyType::Integer,
-     [](const QJsonValue &v, const ScriptKey &key) { return _isWhole(v) && _inRange(v, key); },
+     [](const QJsonValue &v, const ScriptKey &key) { return isWhole(v) && inRange(v, key); },
      "a whole number"},
     {KeyType::Number,
-     [](const QJsonValue &v, const ScriptKey &key) { return v.isDouble() && _inRange(v, key); },
+     [](const QJsonValue &v, const ScriptKey &key) { return v.isDouble() && inRange(v, key); },
      "a number"},
     {KeyType::Text, [](const QJsonValue &v, const ScriptKey &) { return v.isString(); }, "a text"},
     {KeyType::TextOrNull,
@@ -73,17 +75,17 @@ const TypeRow typeRows[] = {
          return v.isString() && choiceIndex(key.choices, v.toString()) >= 0;
      },
      "one of "},
-    {KeyType::Point, [](const QJsonValue &v, const ScriptKey &) { return _isPair(v, false); },
+    {KeyType::Point, [](const QJsonValue &v, const ScriptKey &) { return isPair(v, false); },
      "a pair of numbers"},
-    {KeyType::Points, [](const QJsonValue &v, const ScriptKey &) { return _isList(v, false); },
+    {KeyType::Points, [](const QJsonValue &v, const ScriptKey &) { return isList(v, false); },
      "a list of one or more pairs of numbers"},
-    {KeyType::Cells, [](const QJsonValue &v, const ScriptKey &) { return _isList(v, true); },
+    {KeyType::Cells, [](const QJsonValue &v, const ScriptKey &) { return isList(v, true); },
      "a list of one or more pairs of whole numbers"},
     {KeyType::Object, [](const QJsonValue &v, const ScriptKey &) { return v.isObject(); },
      "an object"},
 };
 
-QString _checkValue(const QJsonValue &value, const ScriptKey &key)
+QString checkValue(const QJsonValue &value, const ScriptKey &key)
 {
     const TypeRow &row = *std::find_if(std::begin(typeRows), std::end(typeRows),
                                        [&key](const TypeRow &r) { return r.type == key.type; });
@@ -92,7 +94,7 @@ QString _checkValue(const QJsonValue &value, const ScriptKey &key)
     const QString words =
         QString::fromLatin1(key.choices).replace(QLatin1Char('|'), QLatin1String(", "));
     return QStringLiteral("\"%1\" must be %2%3%4")
-        .arg(QLatin1String(key.name), QLatin1String(row.description), words, _rangeText(key));
+        .arg(QLatin1String(key.name), QLatin1String(row.description), words, rangeText(key));
 }
 
 } // namespace
@@ -108,7 +110,7 @@ QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
         });
         if (known == keys.end())
             return QStringLiteral("unknown key \"%1\"").arg(entry.key());
-        if (const QString wrong = _checkValue(entry.value(), *known); !wrong.isEmpty())
+        if (const QString wrong = checkValue(entry.value(), *known); !wrong.isEmpty())
             return wrong;
     }
     for (const ScriptKey &key : keys) {
@@ -122,3 +124,5 @@ int choiceIndex(const char *choices, const QString &word)
 {
     return static_cast<int>(QString::fromLatin1(choices).split(QLatin1Char('|')).indexOf(word));
 }
+
+} // namespace marlowen

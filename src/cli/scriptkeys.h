@@ -6,6 +6,8 @@
 #include <limits>
 #include <vector>
 
+namespace marlowen {
+
 /// A Z scale, in a script as on the command line.
 inline constexpr double smallestZScale = 1e-6;
 inline constexpr double largestZScale = 1e6;
@@ -44,3 +46,5 @@ QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
 
 /// Position of a word in "Normal|Raise|Lower"; -1 when it is not there. Case counts.
 int choiceIndex(const char *choices, const QString &word);
+
+} // namespace marlowen

@@ -2,6 +2,8 @@
 
 #include <QJsonArray>
 
+namespace marlowen {
+
 QPointF pointOf(const QJsonValue &pair)
 {
     return {pair.toArray().at(0).toDouble(), pair.toArray().at(1).toDouble()};
@@ -22,3 +24,5 @@ QList<QPoint> cellsOf(const QJsonValue &list)
         cells << QPoint(pair.toArray().at(0).toInt(), pair.toArray().at(1).toInt());
     return cells;
 }
+
+} // namespace marlowen

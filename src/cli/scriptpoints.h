@@ -5,7 +5,11 @@
 #include <QPoint>
 #include <QPointF>
 
+namespace marlowen {
+
 /// Values of checked keys (cli/scriptkeys.h) as points.
 QPointF pointOf(const QJsonValue &pair);
 QList<QPointF> pointsOf(const QJsonValue &list);
 QList<QPoint> cellsOf(const QJsonValue &list);
+
+} // namespace marlowen

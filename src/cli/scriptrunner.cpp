@@ -9,9 +9,11 @@
 
 #include <new>
 
+namespace marlowen {
+
 namespace {
 
-Outcome _runAction(ScriptState &state, const QJsonObject &object)
+Outcome runAction(ScriptState &state, const QJsonObject &object)
 {
     const QString doKey = QStringLiteral("do");
     const QJsonValue name = object.value(doKey);
@@ -44,7 +46,7 @@ Outcome runScriptLine(ScriptState &state, const QByteArray &line)
         return scriptFailure(QStringLiteral("not JSON: %1").arg(error.errorString()));
     if (!document.isObject())
         return scriptFailure(QStringLiteral("a line must be one JSON object"));
-    return _runAction(state, document.object());
+    return runAction(state, document.object());
 }
 
 Outcome runScript(ScriptState &state, QIODevice &script, const QString &name)
@@ -62,3 +64,5 @@ Outcome runScript(ScriptState &state, QIODevice &script, const QString &name)
                                      .arg(name, QString::number(number), oneLine(done.failure())));
     }
 }
+
+} // namespace marlowen

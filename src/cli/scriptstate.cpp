@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <utility>
 
+namespace marlowen {
+
 ScriptState::~ScriptState()
 {
     m_engine.attach(nullptr, nullptr);
@@ -30,3 +32,5 @@ Failure scriptFailure(const QString &sentence)
 {
     return {QStringLiteral("Script Failed"), sentence};
 }
+
+} // namespace marlowen

@@ -3,14 +3,16 @@
 #include "base/progress.h"
 #include "base/result.h"
 #include "import/importsession.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
-#include "relief/toolparams.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/toolparams.h"
 
 #include <QByteArray>
 
 #include <memory>
+
+namespace marlowen {
 
 /// What one script works on: one relief, one tool record, one history, as the window has them.
 class ScriptState
@@ -48,3 +50,5 @@ private:
 
 /// What went wrong in an action, in one sentence.
 Failure scriptFailure(const QString &sentence);
+
+} // namespace marlowen

@@ -5,11 +5,13 @@
 
 #include <unistd.h>
 
+namespace marlowen {
+
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-void _interrupt(int signal)
+void interrupt(int signal)
 {
     interrupted = 1;
     std::signal(signal, SIG_DFL);
@@ -20,8 +22,8 @@ void _interrupt(int signal)
 TerminalProgress::TerminalProgress()
     : m_terminal(isatty(STDERR_FILENO) != 0)
 {
-    std::signal(SIGINT, _interrupt);
-    std::signal(SIGTERM, _interrupt);
+    std::signal(SIGINT, interrupt);
+    std::signal(SIGTERM, interrupt);
 }
 
 TerminalProgress::~TerminalProgress()
@@ -52,3 +54,5 @@ void TerminalProgress::clear()
     std::fputs("\r\033[K", stderr);
     std::fflush(stderr);
 }
+
+} // namespace marlowen

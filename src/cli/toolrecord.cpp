@@ -1,8 +1,10 @@
 #include "cli/toolrecord.h"
 
-#include "relief/tooltable.h"
+#include "relief/tools/tooltable.h"
 
 #include <string>
+
+namespace marlowen {
 
 namespace {
 
@@ -16,7 +18,7 @@ struct Field
 };
 
 /// The names of all tools in the order of Tool::Type.
-const char *_typeNames()
+const char *typeNames()
 {
     static const std::string names = [] {
         std::string list;
@@ -28,7 +30,7 @@ const char *_typeNames()
 }
 
 template <int32_t ToolParams::*field>
-Field _choice(const char *name, const char *choices)
+Field choice(const char *name, const char *choices)
 {
     return {{.name = name, .type = KeyType::Choice, .choices = choices},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &key) {
@@ -50,7 +52,7 @@ Field _number(const char *name, double minimum, double maximum)
 }
 
 template <int32_t ToolParams::*field>
-Field _count(const char *name, double minimum, double maximum)
+Field count(const char *name, double minimum, double maximum)
 {
     return {{.name = name, .type = KeyType::Integer, .minimum = minimum, .maximum = maximum},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &) {
@@ -60,7 +62,7 @@ Field _count(const char *name, double minimum, double maximum)
 }
 
 template <bool ToolParams::*field>
-Field _flag(const char *name)
+Field flag(const char *name)
 {
     return {{.name = name, .type = KeyType::Boolean},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &) {
@@ -74,23 +76,23 @@ Field _flag(const char *name)
 const std::vector<Field> &_fields()
 {
     static const std::vector<Field> fields{
-        _choice<&ToolParams::type>("type", _typeNames()),
-        _choice<&ToolParams::mode>("mode", "Normal|Raise|Lower"),
-        _choice<&ToolParams::form>("form", "Round|Square"),
-        _choice<&ToolParams::falloff>("falloff", "Smooth|Linear|Sphere|Constant"),
+        choice<&ToolParams::type>("type", typeNames()),
+        choice<&ToolParams::mode>("mode", "Normal|Raise|Lower"),
+        choice<&ToolParams::form>("form", "Round|Square"),
+        choice<&ToolParams::falloff>("falloff", "Smooth|Linear|Sphere|Constant"),
         _number<&ToolParams::size>("size", 0.01, 1.0),
         _number<&ToolParams::strength>("strength", 0.0, 1.0),
         _number<&ToolParams::hardness>("hardness", 0.0, 1.0),
         _number<&ToolParams::aspect>("aspect", 0.01, 1000.0),
         _number<&ToolParams::angle>("angle", -360.0, 360.0),
-        _flag<&ToolParams::useDecay>("useDecay"),
+        flag<&ToolParams::useDecay>("useDecay"),
         _number<&ToolParams::decayLength>("decayLength", 0.0, 1.0),
-        _flag<&ToolParams::keepTransparency>("keepTransparency"),
-        _flag<&ToolParams::smoothToolPaths>("smoothToolPaths"),
-        _count<&ToolParams::smoothLength>("smoothLength", 1.0, 1e6),
-        _flag<&ToolParams::ceilingOrFloor>("ceilingOrFloor"),
+        flag<&ToolParams::keepTransparency>("keepTransparency"),
+        flag<&ToolParams::smoothToolPaths>("smoothToolPaths"),
+        count<&ToolParams::smoothLength>("smoothLength", 1.0, 1e6),
+        flag<&ToolParams::ceilingOrFloor>("ceilingOrFloor"),
         _number<&ToolParams::tolerance>("tolerance", 0.01, 0.99),
-        _flag<&ToolParams::continuous>("continuous"),
+        flag<&ToolParams::continuous>("continuous"),
     };
     return fields;
 }
@@ -126,3 +128,5 @@ QString toolRecordHelp()
                     .arg(field.text({}, field.key));
     return text;
 }
+
+} // namespace marlowen

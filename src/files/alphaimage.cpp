@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace marlowen {
+
 FloatGrid alphaGrid(const QImage &image)
 {
     const QImage pixels = image.convertToFormat(QImage::Format_RGB32);
@@ -30,3 +32,5 @@ FloatGrid squareGrid(FloatGrid grid)
         std::copy_n(grid.row(y), grid.width, square.row(y + top) + left);
     return square;
 }
+
+} // namespace marlowen

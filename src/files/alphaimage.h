@@ -1,8 +1,10 @@
 #pragma once
 
-#include "relief/floatgrid.h"
+#include "relief/grid/floatgrid.h"
 
 class QImage;
+
+namespace marlowen {
 
 /// What a picture means to the alpha brush.
 
@@ -13,3 +15,5 @@ FloatGrid alphaGrid(const QImage &image);
 /// The grid in the middle of a black square as wide as its longer side. Where the black cannot be
 /// shared evenly, the right or lower band is one wider.
 FloatGrid squareGrid(FloatGrid grid);
+
+} // namespace marlowen

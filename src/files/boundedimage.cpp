@@ -2,6 +2,8 @@
 
 #include <QImageReader>
 
+namespace marlowen {
+
 QImage readImageWithin(const QString &path, int side)
 {
     QImageReader reader(path);
@@ -15,3 +17,5 @@ QImage readImageWithin(const QString &path, int side)
         return image;
     return image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
+
+} // namespace marlowen

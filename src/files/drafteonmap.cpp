@@ -1,7 +1,7 @@
 #include "files/drafteonmap.h"
 
 #include "files/safefile.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 
 #include <QDataStream>
 
@@ -9,6 +9,8 @@
 #include <bit>
 #include <limits>
 #include <vector>
+
+namespace marlowen {
 
 namespace {
 
@@ -19,7 +21,7 @@ constexpr double fullScale = 1048576.0;
 constexpr double smallestKept = 0.1;
 constexpr qsizetype blockCells = 64 * 1024;
 
-void _scaleBlock(const float *heights, float *scaled, qsizetype count, double lowest, double range)
+void scaleBlock(const float *heights, float *scaled, qsizetype count, double lowest, double range)
 {
     for (qsizetype i = 0; i < count; ++i) {
         const double value = (static_cast<double>(heights[i]) - lowest) * fullScale / range;
@@ -42,7 +44,7 @@ bool writeDrafteonMap(QDataStream &stream, const Relief &relief)
     std::vector<float> block(static_cast<size_t>(std::min(blockCells, relief.cells())));
     for (qsizetype first = 0; first < relief.cells(); first += blockCells) {
         const qsizetype count = std::min(blockCells, relief.cells() - first);
-        _scaleBlock(heights + first, block.data(), count, low, range);
+        scaleBlock(heights + first, block.data(), count, low, range);
         stream.writeRawData(reinterpret_cast<const char *>(block.data()),
                             static_cast<int>(count) * static_cast<int>(sizeof(float)));
         if (stream.status() != QDataStream::Ok)
@@ -59,3 +61,5 @@ Outcome exportDrafteonMap(const Relief &relief, const QString &path)
     };
     return writeSafely(path, write, openFailed());
 }
+
+} // namespace marlowen

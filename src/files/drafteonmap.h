@@ -5,6 +5,9 @@
 #include <QString>
 
 class QDataStream;
+
+namespace marlowen {
+
 class Relief;
 
 /// The height map that the sister program imports: four big-endian 32-bit integers (format 2,
@@ -15,3 +18,5 @@ bool writeDrafteonMap(QDataStream &stream, const Relief &relief);
 
 /// Fails with "Open Failed" / "Error! File Open Failed" or "Save Failed" / "Error! File I/O Error".
 Outcome exportDrafteonMap(const Relief &relief, const QString &path);
+
+} // namespace marlowen

@@ -1,5 +1,7 @@
 #include "files/filetypes.h"
 
+namespace marlowen {
+
 const FileType *fileTypeOf(const QString &path)
 {
     for (const FileType &type : fileTypes) {
@@ -14,3 +16,5 @@ FileKind fileKindOf(const QString &path)
     const FileType *type = fileTypeOf(path);
     return type ? type->kind : FileKind::Unknown;
 }
+
+} // namespace marlowen

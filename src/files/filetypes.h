@@ -4,6 +4,8 @@
 
 #include <array>
 
+namespace marlowen {
+
 /// What a file is, told by the end of its name in any case.
 enum class FileKind { Workspace, Pattern, ObjMesh, StlMesh, Image, HeightMap, Unknown };
 
@@ -32,3 +34,5 @@ inline constexpr std::array<FileType, 9> fileTypes{{
 /// The row of a file name; null when its ending is none of the table's.
 const FileType *fileTypeOf(const QString &path);
 FileKind fileKindOf(const QString &path);
+
+} // namespace marlowen

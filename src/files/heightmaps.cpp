@@ -14,6 +14,8 @@
 #include <new>
 #include <optional>
 
+namespace marlowen {
+
 namespace {
 
 static_assert(std::endian::native == std::endian::little, "rows are written as they lie in memory");
@@ -28,23 +30,23 @@ struct PfmHeader
     qint64 bytes = 0; ///< of the header itself
 };
 
-Failure _invalid(const QString &detail)
+Failure invalid(const QString &detail)
 {
     return {QStringLiteral("Invalid File"), QStringLiteral("Error! Not a PFM Height Map"), detail};
 }
 
-bool _isSpace(char character)
+bool isSpace(char character)
 {
     return character == ' ' || character == '\t' || character == '\n' || character == '\r';
 }
 
 /// The next word of the text and, behind it, one separator.
-QByteArray _nextWord(const QByteArray &text, qint64 &position)
+QByteArray nextWord(const QByteArray &text, qint64 &position)
 {
-    while (position < text.size() && _isSpace(text[position]))
+    while (position < text.size() && isSpace(text[position]))
         ++position;
     const qint64 start = position;
-    while (position < text.size() && !_isSpace(text[position]))
+    while (position < text.size() && !isSpace(text[position]))
         ++position;
     const QByteArray word = text.mid(start, position - start);
     // Without the separator the word may be cut.
@@ -54,24 +56,24 @@ QByteArray _nextWord(const QByteArray &text, qint64 &position)
     return word;
 }
 
-std::optional<PfmHeader> _parseHeader(const QByteArray &text)
+std::optional<PfmHeader> parseHeader(const QByteArray &text)
 {
     PfmHeader header;
     bool widthOk = false;
     bool heightOk = false;
     bool scaleOk = false;
-    if (_nextWord(text, header.bytes) != "Pf")
+    if (nextWord(text, header.bytes) != "Pf")
         return {};
-    header.width = _nextWord(text, header.bytes).toInt(&widthOk);
-    header.height = _nextWord(text, header.bytes).toInt(&heightOk);
-    const double scale = _nextWord(text, header.bytes).toDouble(&scaleOk);
+    header.width = nextWord(text, header.bytes).toInt(&widthOk);
+    header.height = nextWord(text, header.bytes).toInt(&heightOk);
+    const double scale = nextWord(text, header.bytes).toDouble(&scaleOk);
     if (!widthOk || !heightOk || !scaleOk || header.width < 1 || header.height < 1)
         return {};
     header.littleEndian = scale < 0.0;
     return header;
 }
 
-bool _readRows(QFile &file, const PfmHeader &header, FloatGrid &grid)
+bool readRows(QFile &file, const PfmHeader &header, FloatGrid &grid)
 {
     const qint64 bytes = static_cast<qint64>(grid.columns()) * static_cast<qint64>(sizeof(float));
     for (int y = header.height - 1; y >= 0; --y) {
@@ -84,7 +86,7 @@ bool _readRows(QFile &file, const PfmHeader &header, FloatGrid &grid)
     return true;
 }
 
-QImage _greyImage(const GridView &grid)
+QImage greyImage(const GridView &grid)
 {
     const auto [lowest, highest] = std::minmax_element(grid.values, grid.values + grid.cells());
     const double low = *lowest;
@@ -121,16 +123,16 @@ Result<FloatGrid> loadPfm(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return openFailed(file.errorString());
-    const std::optional<PfmHeader> header = _parseHeader(file.peek(longestHeader));
+    const std::optional<PfmHeader> header = parseHeader(file.peek(longestHeader));
     if (!header)
-        return _invalid(QStringLiteral("the header is not that of a grey PFM"));
+        return invalid(QStringLiteral("the header is not that of a grey PFM"));
     const qint64 cells = static_cast<qint64>(header->width) * header->height;
     const bool held = cells <= (file.size() - header->bytes) / static_cast<qint64>(sizeof(float));
     if (cells > std::numeric_limits<int>::max() || !held || !file.seek(header->bytes))
         return loadFailed(QStringLiteral("the file is shorter than its header says"));
     try {
         FloatGrid grid(header->width, header->height);
-        if (!_readRows(file, *header, grid))
+        if (!readRows(file, *header, grid))
             return loadFailed(file.errorString());
         return grid;
     } catch (const std::bad_alloc &) {
@@ -140,10 +142,12 @@ Result<FloatGrid> loadPfm(const QString &path)
 
 Outcome saveHeightPng(const GridView &grid, const QString &path)
 {
-    const QImage image = _greyImage(grid);
+    const QImage image = greyImage(grid);
     if (image.isNull())
         return saveFailed(QStringLiteral("the relief is too large for a PNG"));
     return writeSafely(path, [&image](QIODevice &device) {
         return QImageWriter(&device, QByteArrayLiteral("png")).write(image);
     });
 }
+
+} // namespace marlowen

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "base/result.h"
-#include "relief/floatgrid.h"
+#include "relief/grid/floatgrid.h"
 
 #include <QString>
+
+namespace marlowen {
 
 /// Height maps that other programs read.
 
@@ -17,3 +19,5 @@ Result<FloatGrid> loadPfm(const QString &path);
 
 /// 16-bit grey PNG: the lowest height black, the highest white; a flat relief is black.
 Outcome saveHeightPng(const GridView &grid, const QString &path);
+
+} // namespace marlowen

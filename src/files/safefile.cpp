@@ -4,27 +4,29 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+namespace marlowen {
+
 namespace {
 
-bool _openFor(QFileDevice &file)
+bool openFor(QFileDevice &file)
 {
     return file.open(QIODevice::WriteOnly);
 }
 
-Failure _because(Failure failure, const QFileDevice &file)
+Failure because(Failure failure, const QFileDevice &file)
 {
     failure.detail = file.error() == QFileDevice::NoError ? QString() : file.errorString();
     return failure;
 }
 
-Outcome _writeDirectly(const QString &path, const std::function<bool(QIODevice &)> &write,
-                       const Failure &unopened)
+Outcome writeDirectly(const QString &path, const std::function<bool(QIODevice &)> &write,
+                      const Failure &unopened)
 {
     QFile file(path);
-    if (!_openFor(file))
-        return _because(unopened, file);
+    if (!openFor(file))
+        return because(unopened, file);
     if (!write(file) || !file.flush())
-        return _because(saveFailed(), file);
+        return because(saveFailed(), file);
     return {};
 }
 
@@ -51,11 +53,13 @@ Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> 
     // A rename would put an ordinary file in the place of a device.
     const QFileInfo target(path);
     if (target.exists() && !target.isFile() && !target.isDir())
-        return _writeDirectly(path, write, unopened);
+        return writeDirectly(path, write, unopened);
     QSaveFile file(path);
-    if (!_openFor(file))
-        return _because(unopened, file);
+    if (!openFor(file))
+        return because(unopened, file);
     if (!write(file) || !file.commit())
-        return _because(saveFailed(), file);
+        return because(saveFailed(), file);
     return {};
 }
+
+} // namespace marlowen

@@ -8,6 +8,8 @@
 
 class QIODevice;
 
+namespace marlowen {
+
 /// The failures that file commands show.
 Failure openFailed(const QString &detail = {}); ///< "Open Failed" / "Error! File Open Failed"
 Failure loadFailed(const QString &detail = {}); ///< "Load Failed" / "Error! File I/O Error"
@@ -20,3 +22,5 @@ Failure saveFailed(const QString &detail = {}); ///< "Save Failed" / "Error! Fil
 /// later.
 Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> &write,
                     const Failure &unopened = saveFailed());
+
+} // namespace marlowen

@@ -1,14 +1,17 @@
 #include "files/stlwriter.h"
+#include "relief/grid/cellcode.h"
 
 #include "files/safefile.h"
-#include "relief/physicalsize.h"
-#include "relief/relief.h"
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
 
 #include <QDataStream>
 
 #include <bit>
 #include <cmath>
 #include <cstring>
+
+namespace marlowen {
 
 namespace {
 
@@ -91,8 +94,7 @@ struct RowZ
     std::vector<float> stored;
 };
 
-__attribute__((target_clones("avx2", "default"))) void _fillZ(const float *heights, double zFactor,
-                                                              RowZ &row)
+CELL_LOOP void _fillZ(const float *heights, double zFactor, RowZ &row)
 {
     double *exact = row.exact.data();
     float *stored = row.stored.data();
@@ -113,8 +115,7 @@ struct Slopes
     const double *highY;
 };
 
-__attribute__((target_clones("avx2", "default"))) void _fillNormals(const Slopes &slopes,
-                                                                    Normals &normals)
+CELL_LOOP void fillNormals(const Slopes &slopes, Normals &normals)
 {
     const Slopes s = slopes;
     float *x = normals.x.data();
@@ -132,7 +133,7 @@ __attribute__((target_clones("avx2", "default"))) void _fillNormals(const Slopes
     }
 }
 
-bool _empty(float a, float b, float c)
+bool empty(float a, float b, float c)
 {
     return a == 0.0F && b == 0.0F && c == 0.0F;
 }
@@ -143,8 +144,7 @@ struct SquareCounts
     const float *lower;
 };
 
-__attribute__((target_clones("avx2", "default"))) uint32_t _countRow(const SquareCounts &rows,
-                                                                     int width)
+CELL_LOOP uint32_t countRow(const SquareCounts &rows, int width)
 {
     const float *upper = rows.upper;
     const float *lower = rows.lower;
@@ -161,7 +161,7 @@ uint32_t _countFacets(const GridView &grid)
 {
     uint32_t count = 0;
     for (int r = 0; r + 1 < grid.height; ++r)
-        count += _countRow({grid.row(r), grid.row(r + 1)}, grid.width);
+        count += countRow({grid.row(r), grid.row(r + 1)}, grid.width);
     return count;
 }
 
@@ -191,8 +191,8 @@ public:
         _fillZ(m_grid.heights.row(r + 1), m_grid.zFactor, m_lower);
         const double *upper = m_upper.exact.data();
         const double *lower = m_lower.exact.data();
-        _fillNormals({upper, upper + 1, upper, lower}, m_first);
-        _fillNormals({lower, lower + 1, upper + 1, lower + 1}, m_second);
+        fillNormals({upper, upper + 1, upper, lower}, m_first);
+        fillNormals({lower, lower + 1, upper + 1, lower + 1}, m_second);
         _pack(r, buffer);
     }
 
@@ -211,10 +211,10 @@ private:
             buffer.take();
         };
         for (size_t c = 0; c + 1 < columns(); ++c) {
-            if (!_empty(above[c], above[c + 1], below[c]))
+            if (!empty(above[c], above[c + 1], below[c]))
                 put({m_first.x[c], m_first.y[c], m_first.z[c], x[c], y0, z0[c], x[c + 1], y0,
                      z0[c + 1], x[c], y1, z1[c]});
-            if (!_empty(below[c], above[c + 1], below[c + 1]))
+            if (!empty(below[c], above[c + 1], below[c + 1]))
                 put({m_second.x[c], m_second.y[c], m_second.z[c], x[c], y1, z1[c], x[c + 1], y0,
                      z0[c + 1], x[c + 1], y1, z1[c + 1]});
         }
@@ -298,3 +298,5 @@ Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progr
                              progress});
     });
 }
+
+} // namespace marlowen

@@ -2,7 +2,7 @@
 
 #include "base/progress.h"
 #include "base/result.h"
-#include "relief/floatgrid.h"
+#include "relief/grid/floatgrid.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,6 +11,9 @@
 #include <vector>
 
 class QDataStream;
+
+namespace marlowen {
+
 class Relief;
 
 /// A height grid on its way into a binary STL.
@@ -43,3 +46,5 @@ bool writeMeshStl(QDataStream &stream, const std::vector<StlFacet> &facets,
 /// The relief at full resolution, its Z scale applied. Fails with "Save Failed"; the file that was
 /// there stays. `progress` may be null.
 Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progress = nullptr);
+
+} // namespace marlowen

@@ -2,19 +2,21 @@
 
 #include "base/sessionlog.h"
 #include "files/safefile.h"
-#include "relief/reliefstream.h"
+#include "relief/grid/reliefstream.h"
 
 #include <QDataStream>
 #include <QFile>
 
 #include <new>
 
+namespace marlowen {
+
 namespace {
 
 constexpr quint32 magic = 0x50744D77; // "PtMw"
 constexpr quint32 newestVersion = 1;
 
-Result<std::unique_ptr<Relief>> _readReliefOf(QDataStream &stream, const QString &path)
+Result<std::unique_ptr<Relief>> readReliefOf(QDataStream &stream, const QString &path)
 {
     ReliefRead read = readRelief(stream);
     if (!read.relief)
@@ -50,8 +52,10 @@ Result<std::unique_ptr<Relief>> loadWorkspace(const QString &path)
         return Failure{QStringLiteral("Invalid File"),
                        QStringLiteral("Error! File has invalid Magic Number or Version")};
     try {
-        return _readReliefOf(stream, path);
+        return readReliefOf(stream, path);
     } catch (const std::bad_alloc &) {
         return loadFailed(QStringLiteral("not enough memory"));
     }
 }
+
+} // namespace marlowen

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "base/result.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 
 #include <QString>
 
 #include <memory>
+
+namespace marlowen {
 
 /// The workspace file (".scp"): magic 0x50744D77, version 1, then the relief as reliefstream.h
 /// writes it; 40 + 16 * width * height bytes, big-endian.
@@ -18,3 +20,5 @@ Outcome saveWorkspace(const Relief &relief, const QString &path);
 /// Magic Number or Version" (versions 0 and 1 are read) or "Load Failed" / "Error! File I/O Error".
 /// Values that no relief may hold become 0 and the session log says how many.
 Result<std::unique_ptr<Relief>> loadWorkspace(const QString &path);
+
+} // namespace marlowen

@@ -1,6 +1,6 @@
 #include "files/workspacethumbnail.h"
 
-#include "relief/floatgrid.h"
+#include "relief/grid/floatgrid.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -9,6 +9,8 @@
 #include <cmath>
 #include <cstring>
 #include <optional>
+
+namespace marlowen {
 
 namespace {
 
@@ -32,7 +34,7 @@ struct SampledHeights
     double zScale = 1.0;
 };
 
-double _realAt(const char *bytes)
+double realAt(const char *bytes)
 {
     const auto bits = qFromBigEndian<quint64>(bytes);
     double value = 0.0;
@@ -40,13 +42,13 @@ double _realAt(const char *bytes)
     return value;
 }
 
-std::optional<Header> _readHeader(QFile &file)
+std::optional<Header> readHeader(QFile &file)
 {
     char bytes[headerBytes];
     if (file.read(bytes, headerBytes) != headerBytes || qFromBigEndian<quint32>(bytes) != magic)
         return {};
     const Header header{qFromBigEndian<qint32>(bytes + 8), qFromBigEndian<qint32>(bytes + 12),
-                        _realAt(bytes + 16)};
+                        realAt(bytes + 16)};
     if (header.width < 1 || header.height < 1 || !std::isfinite(header.zScale))
         return {};
     const qint64 rowBytes = header.width * cellBytes * layers;
@@ -55,9 +57,9 @@ std::optional<Header> _readHeader(QFile &file)
     return header;
 }
 
-std::optional<SampledHeights> _sample(QFile &file, int side)
+std::optional<SampledHeights> sample(QFile &file, int side)
 {
-    const std::optional<Header> header = _readHeader(file);
+    const std::optional<Header> header = readHeader(file);
     if (!header)
         return {};
     SampledHeights sampled;
@@ -74,7 +76,7 @@ std::optional<SampledHeights> _sample(QFile &file, int side)
             return {};
         for (int x = 0; x < grid.width; ++x) {
             const auto column = qint64((x + 0.5) * sampled.stride);
-            const double height = _realAt(row.constData() + column * cellBytes);
+            const double height = realAt(row.constData() + column * cellBytes);
             grid.row(y)[x] = std::isfinite(height) && height > 0.0 ? float(height) : 0.0F;
         }
     }
@@ -82,7 +84,7 @@ std::optional<SampledHeights> _sample(QFile &file, int side)
 }
 
 /// Diffuse light from the top left on a warm material.
-QImage _lit(const SampledHeights &sampled)
+QImage lit(const SampledHeights &sampled)
 {
     const FloatGrid &grid = sampled.heights;
     const double slope = sampled.zScale / (2.0 * sampled.stride);
@@ -113,6 +115,8 @@ QImage workspaceThumbnail(const QString &path, int side)
     QFile file(path);
     if (side < 1 || !file.open(QIODevice::ReadOnly))
         return {};
-    const std::optional<SampledHeights> sampled = _sample(file, side);
-    return sampled ? _lit(*sampled) : QImage();
+    const std::optional<SampledHeights> sampled = sample(file, side);
+    return sampled ? lit(*sampled) : QImage();
 }
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+namespace marlowen {
+
 /// What a bas-relief is made of: width x height heights, row-major, none negative.
 struct BasReliefInput
 {
@@ -21,3 +23,5 @@ struct BasReliefInput
 /// negative, or nothing when the user cancelled.
 using BasReliefGenerator =
     std::function<std::optional<std::vector<float>>(const BasReliefInput &, Progress &)>;
+
+} // namespace marlowen

@@ -14,12 +14,14 @@
 #include <limits>
 #include <new>
 
+namespace marlowen {
+
 namespace {
 
 /// Decoded images up to this size are read; a header that promises more is taken for damage.
 constexpr int decodedLimitMegabytes = 8192;
 
-void _greyRow(const QRgb *pixels, float *values, int count)
+void greyRow(const QRgb *pixels, float *values, int count)
 {
     for (int x = 0; x < count; ++x) {
         const QRgb pixel = pixels[x];
@@ -39,7 +41,7 @@ QImage _strip(const QImage &image, int first, int count)
     return strip;
 }
 
-std::unique_ptr<Relief> _reliefOf(QImage image, const ImportSettings &settings)
+std::unique_ptr<Relief> reliefOf(QImage image, const ImportSettings &settings)
 {
     FloatGrid grey = greyGrid(image);
     image = {};
@@ -82,8 +84,8 @@ FloatGrid greyGrid(const QImage &image)
         const int rows = std::min(stripRows, image.height() - first);
         const QImage colours = _strip(image, first, rows).convertToFormat(QImage::Format_ARGB32);
         for (int row = 0; row < rows; ++row)
-            _greyRow(reinterpret_cast<const QRgb *>(colours.constScanLine(row)),
-                     grey.row(first + row), image.width());
+            greyRow(reinterpret_cast<const QRgb *>(colours.constScanLine(row)),
+                    grey.row(first + row), image.width());
     }
     return grey;
 }
@@ -94,8 +96,10 @@ Result<std::unique_ptr<Relief>> importImage(const QString &path, const ImportSet
         Result<QImage> image = readWholeImage(path);
         if (!image)
             return image.failure();
-        return _reliefOf(image.take(), settings);
+        return reliefOf(image.take(), settings);
     } catch (const std::bad_alloc &) {
         return openFailed(QStringLiteral("the image is too large for the memory"));
     }
 }
+
+} // namespace marlowen

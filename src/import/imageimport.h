@@ -2,13 +2,15 @@
 
 #include "base/result.h"
 #include "import/importsettings.h"
-#include "relief/floatgrid.h"
-#include "relief/relief.h"
+#include "relief/grid/floatgrid.h"
+#include "relief/grid/relief.h"
 
 #include <QImage>
 #include <QString>
 
 #include <memory>
+
+namespace marlowen {
 
 /// Opens an image (".jpg", ".jpeg", ".png", ".bmp", told by its contents) as a relief whose import
 /// is open: its source is an ImportSource with these settings. Fails with "Open Failed" / "Error!
@@ -22,3 +24,5 @@ Result<QImage> readWholeImage(const QString &path);
 /// Grey level 0..255 of every pixel, (11 red + 16 green + 5 blue) / 32 in integers, row 0 at the
 /// top. Alpha is not looked at.
 FloatGrid greyGrid(const QImage &image);
+
+} // namespace marlowen

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+namespace marlowen {
+
 ImportSettings ImportSession::openingSettings() const
 {
     ImportSettings opening;
@@ -165,3 +167,5 @@ int smoothnessOfSlider(int position)
                                               1000000, 2000000, 5000000, 10000000};
     return position >= 1 && position <= 9 ? steps[static_cast<size_t>(position - 1)] : 100000;
 }
+
+} // namespace marlowen

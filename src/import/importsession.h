@@ -4,6 +4,8 @@
 
 #include <functional>
 
+namespace marlowen {
+
 /// The open import of one relief, driven by the import controls: every setter stores its value and,
 /// where the control asks for it, recomputes the heights at once (without the bas-relief step) and
 /// marks the relief changed for the views. A setter whose value is the stored one does nothing;
@@ -76,3 +78,5 @@ private:
 int gridSizeOfSlider(int position);       ///< 2, 4, 8, 16, 32 for 1..5, else 4
 int contrastFactorOfSlider(int position); ///< 2 to the power of 1..16
 int smoothnessOfSlider(int position);     ///< 20000 .. 10000000 for 1..9, else 100000
+
+} // namespace marlowen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace marlowen {
+
 /// What the import controls ask for. Values are the stored ones, not slider positions.
 struct ImportSettings
 {
@@ -21,3 +23,5 @@ struct ImportSettings
     bool tilted() const { return tiltHorizontal != 0 || tiltVertical != 0; }
     bool operator==(const ImportSettings &) const = default;
 };
+
+} // namespace marlowen

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace marlowen {
+
 ImportSource::ImportSource(FloatGrid values, const ImportSettings &settings)
     : m_values(std::move(values))
     , m_range(rangeOf(m_values.values.data(), m_values.cells()))
@@ -49,7 +51,7 @@ void ImportSource::_rebuildTilt()
 
 namespace {
 
-void _makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRun &run)
+void makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRun &run)
 {
     if (!run.generator || !*run.generator)
         return;
@@ -66,10 +68,10 @@ void _makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeR
     source.dirty = false;
 }
 
-void _applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &run)
+void applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &run)
 {
     if (source.dirty && run.allowBasRelief)
-        _makeBasRelief(relief, source, run);
+        makeBasRelief(relief, source, run);
     if (!source.dirty && !source.lastBasRelief.empty())
         std::copy(source.lastBasRelief.begin(), source.lastBasRelief.end(),
                   relief.heights().data());
@@ -83,9 +85,11 @@ void recompute(Relief &relief, ImportSource &source, const RecomputeRun &run)
     source.computeHeights(relief.heights().data());
     if (source.settings().preview) {
         if (source.settings().basRelief)
-            _applyBasRelief(relief, source, run);
+            applyBasRelief(relief, source, run);
         relief.referenceLayer().copyFrom(relief.heights());
     }
     relief.heightsChanged = true;
     relief.frameRegion = relief.rect();
 }
+
+} // namespace marlowen

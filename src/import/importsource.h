@@ -2,10 +2,12 @@
 
 #include "import/basrelief.h"
 #include "import/importsettings.h"
-#include "relief/floatgrid.h"
-#include "relief/relief.h"
+#include "relief/grid/floatgrid.h"
+#include "relief/grid/relief.h"
 
 #include <vector>
+
+namespace marlowen {
 
 /// Lowest and highest of a set of values.
 struct ValueRange
@@ -67,3 +69,5 @@ struct RecomputeRun
 /// Rebuilds the relief's heights from the source, which must have the relief's size, copies them to
 /// the reference layer (unless preview is off) and marks the relief changed for the views.
 void recompute(Relief &relief, ImportSource &source, const RecomputeRun &run);
+
+} // namespace marlowen

@@ -1,4 +1,5 @@
 #include "import/pipeline.h"
+#include "relief/grid/cellcode.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +8,8 @@
 #include <cstring>
 #include <limits>
 #include <numbers>
+
+namespace marlowen {
 
 namespace {
 
@@ -19,7 +22,7 @@ struct FigureBox
     int bottom;
 };
 
-FigureBox _figureBox(const FloatGrid &grid)
+FigureBox figureBox(const FloatGrid &grid)
 {
     FigureBox box{grid.width, -1, grid.height, -1};
     for (int y = 0; y < grid.height; ++y) {
@@ -40,7 +43,7 @@ FigureBox _figureBox(const FloatGrid &grid)
 }
 
 /// Cells missing between the gap that is there and a margin of 5 % of `extent` cells.
-int _missing(int extent, int gap)
+int missing(int extent, int gap)
 {
     const double margin = 0.05 * extent;
     return gap < margin ? static_cast<int>(margin - gap) : 0;
@@ -54,7 +57,7 @@ struct Mapping
     double scale;
 };
 
-Mapping _mappingOf(const ValueRange &range, const ImportSettings &settings)
+Mapping mappingOf(const ValueRange &range, const ImportSettings &settings)
 {
     const double span = range.span();
     return {settings.invertZ ? range.highest : range.lowest,
@@ -63,8 +66,8 @@ Mapping _mappingOf(const ValueRange &range, const ImportSettings &settings)
 }
 
 template <bool invert>
-__attribute__((always_inline)) inline void _mapCells(const float *values, float *heights, int count,
-                                                     const Mapping &mapping)
+__attribute__((always_inline)) inline void mapCells(const float *values, float *heights, int count,
+                                                    const Mapping &mapping)
 {
     const Mapping m = mapping;
     for (int i = 0; i < count; ++i) {
@@ -75,21 +78,20 @@ __attribute__((always_inline)) inline void _mapCells(const float *values, float 
     }
 }
 
-__attribute__((target_clones("avx2", "default"))) void _mapRow(const float *values, float *heights,
-                                                               int count, const Mapping &mapping)
+CELL_LOOP void _mapRow(const float *values, float *heights, int count, const Mapping &mapping)
 {
-    _mapCells<false>(values, heights, count, mapping);
+    mapCells<false>(values, heights, count, mapping);
 }
 
-__attribute__((target_clones("avx2", "default"))) void
-_mapRowInverted(const float *values, float *heights, int count, const Mapping &mapping)
+CELL_LOOP void mapRowInverted(const float *values, float *heights, int count,
+                              const Mapping &mapping)
 {
-    _mapCells<true>(values, heights, count, mapping);
+    mapCells<true>(values, heights, count, mapping);
 }
 
 /// Makes flags[x] tell whether all of flags[x .. x + window - 1] were set, for every x where the
 /// window fits, by joining runs of doubling length.
-void _joinRuns(uint8_t *flags, int count, int window)
+void joinRuns(uint8_t *flags, int count, int window)
 {
     const auto join = [flags, count](int length, int step) {
         for (int x = 0; x + length <= count; ++x)
@@ -102,16 +104,14 @@ void _joinRuns(uint8_t *flags, int count, int window)
         join(window, window - run);
 }
 
-__attribute__((target_clones("avx2", "default"))) void _markSolid(const float *values,
-                                                                  uint8_t *flags, int count)
+CELL_LOOP void markSolid(const float *values, uint8_t *flags, int count)
 {
     for (int x = 0; x < count; ++x)
         flags[x] = values[x] != 0.0F ? 1 : 0;
 }
 
 /// Counts, up to `window`, the rows in a sequence whose flag is set.
-__attribute__((target_clones("avx2", "default"))) void
-_countRows(uint8_t *rows, const uint8_t *flags, int count, uint8_t window)
+CELL_LOOP void countRows(uint8_t *rows, const uint8_t *flags, int count, uint8_t window)
 {
     for (int x = 0; x < count; ++x) {
         const uint8_t more = static_cast<uint8_t>(rows[x] + (rows[x] < window ? 1 : 0));
@@ -119,16 +119,14 @@ _countRows(uint8_t *rows, const uint8_t *flags, int count, uint8_t window)
     }
 }
 
-__attribute__((target_clones("avx2", "default"))) void
-_keepWhere(float *values, const uint8_t *rows, int count, uint8_t window)
+CELL_LOOP void keepWhere(float *values, const uint8_t *rows, int count, uint8_t window)
 {
     for (int x = 0; x < count; ++x)
         values[x] = rows[x] == window ? values[x] : 0.0F;
 }
 
 /// Sums weighted 1-2-1 along a row; a neighbour off the grid is left out.
-__attribute__((target_clones("avx2", "default"))) void _sumRow(const float *values, double *sums,
-                                                               int count)
+CELL_LOOP void sumRow(const float *values, double *sums, int count)
 {
     const auto at = [values](int x) { return static_cast<double>(values[x]); };
     for (int x = 1; x + 1 < count; ++x)
@@ -150,7 +148,7 @@ struct SmoothRow
 };
 
 /// The smoothed value of any cell; inner cells have a column weight of 4.
-float _smoothCell(const SmoothRow &row, float before, int x, double columnWeight)
+float smoothCell(const SmoothRow &row, float before, int x, double columnWeight)
 {
     const double mean =
         (row.above[x] + 2.0 * row.here[x] + row.below[x]) / (columnWeight * row.rowWeight);
@@ -160,8 +158,7 @@ float _smoothCell(const SmoothRow &row, float before, int x, double columnWeight
 
 // The cells that have all their neighbours: their divisor of 16 is a factor without rounding.
 
-__attribute__((target_clones("avx2", "default"))) void _smoothInner(const SmoothRow &row,
-                                                                    float *values, int count)
+CELL_LOOP void smoothInner(const SmoothRow &row, float *values, int count)
 {
     const SmoothRow r = row;
     for (int x = 1; x < count - 1; ++x) {
@@ -171,8 +168,7 @@ __attribute__((target_clones("avx2", "default"))) void _smoothInner(const Smooth
     }
 }
 
-__attribute__((target_clones("avx2", "default"))) void _smoothInnerBlended(const SmoothRow &row,
-                                                                           float *values, int count)
+CELL_LOOP void smoothInnerBlended(const SmoothRow &row, float *values, int count)
 {
     const SmoothRow r = row;
     for (int x = 1; x < count - 1; ++x) {
@@ -183,24 +179,24 @@ __attribute__((target_clones("avx2", "default"))) void _smoothInnerBlended(const
     }
 }
 
-void _smoothOneRow(const SmoothRow &row, float *values, int count)
+void smoothOneRow(const SmoothRow &row, float *values, int count)
 {
     const double edgeWeight = count > 1 ? 3.0 : 2.0;
-    values[0] = _smoothCell(row, values[0], 0, edgeWeight);
+    values[0] = smoothCell(row, values[0], 0, edgeWeight);
     if (count > 1)
-        values[count - 1] = _smoothCell(row, values[count - 1], count - 1, edgeWeight);
+        values[count - 1] = smoothCell(row, values[count - 1], count - 1, edgeWeight);
     if (row.rowWeight < 4.0) {
         for (int x = 1; x < count - 1; ++x)
-            values[x] = _smoothCell(row, values[x], x, 4.0);
+            values[x] = smoothCell(row, values[x], x, 4.0);
     } else if (row.blend < 1.0) {
-        _smoothInnerBlended(row, values, count);
+        smoothInnerBlended(row, values, count);
     } else {
-        _smoothInner(row, values, count);
+        smoothInner(row, values, count);
     }
 }
 
 /// One pass in place: a row is overwritten only after the sums of the next one are taken.
-void _smoothPass(const HeightsView &heights, double blend, bool keepZeros)
+void smoothPass(const HeightsView &heights, double blend, bool keepZeros)
 {
     const size_t columns = static_cast<size_t>(heights.width);
     const std::vector<double> nothing(columns, 0.0);
@@ -210,23 +206,21 @@ void _smoothPass(const HeightsView &heights, double blend, bool keepZeros)
         return heights.values + static_cast<size_t>(y) * columns;
     };
     const auto sumsOf = [&sums](int y) { return sums[static_cast<size_t>(y) % 3].data(); };
-    _sumRow(rowAt(0), sumsOf(0), heights.width);
+    sumRow(rowAt(0), sumsOf(0), heights.width);
     for (int y = 0; y < heights.height; ++y) {
         const bool first = y == 0;
         const bool last = y + 1 == heights.height;
         if (!last)
-            _sumRow(rowAt(y + 1), sumsOf(y + 1), heights.width);
-        _smoothOneRow({first ? nothing.data() : sumsOf(y - 1), sumsOf(y),
-                       last ? nothing.data() : sumsOf(y + 1),
-                       4.0 - (first ? 1 : 0) - (last ? 1 : 0), blend,
-                       keepZeros ? 0.0F : std::numeric_limits<float>::quiet_NaN()},
-                      rowAt(y), heights.width);
+            sumRow(rowAt(y + 1), sumsOf(y + 1), heights.width);
+        smoothOneRow({first ? nothing.data() : sumsOf(y - 1), sumsOf(y),
+                      last ? nothing.data() : sumsOf(y + 1), 4.0 - (first ? 1 : 0) - (last ? 1 : 0),
+                      blend, keepZeros ? 0.0F : std::numeric_limits<float>::quiet_NaN()},
+                     rowAt(y), heights.width);
     }
 }
 
 /// Adds the plane to one row: `rowLevel` is its height where the column level is 0.
-__attribute__((target_clones("avx2", "default"))) void
-_tiltRow(float *values, int count, const TiltSlope &slope, double rowLevel)
+CELL_LOOP void tiltRow(float *values, int count, const TiltSlope &slope, double rowLevel)
 {
     const TiltSlope s = slope;
     const double centre = count / 2.0;
@@ -242,13 +236,13 @@ _tiltRow(float *values, int count, const TiltSlope &slope, double rowLevel)
 
 Padding paddingFor(const FloatGrid &grid)
 {
-    FigureBox box = _figureBox(grid);
+    FigureBox box = figureBox(grid);
     if (box.right <= box.left || box.bottom <= box.top)
         box = {0, grid.width - 1, 0, grid.height - 1};
     const int extentX = box.right - box.left + 1;
     const int extentY = box.bottom - box.top + 1;
-    return {_missing(extentX, box.left), _missing(extentX, grid.width - 1 - box.right),
-            _missing(extentY, box.top), _missing(extentY, grid.height - 1 - box.bottom)};
+    return {missing(extentX, box.left), missing(extentX, grid.width - 1 - box.right),
+            missing(extentY, box.top), missing(extentY, grid.height - 1 - box.bottom)};
 }
 
 FloatGrid padded(FloatGrid grid, const Padding &padding)
@@ -263,8 +257,7 @@ FloatGrid padded(FloatGrid grid, const Padding &padding)
     return result;
 }
 
-__attribute__((target_clones("avx2", "default"))) ValueRange rangeOf(const float *values,
-                                                                     qsizetype count)
+CELL_LOOP ValueRange rangeOf(const float *values, qsizetype count)
 {
     // Sixteen independent lanes, because a single running minimum cannot be vectorised.
     constexpr qsizetype lanes = 16;
@@ -294,10 +287,10 @@ void mapBase(const MappingSource &source, const ImportSettings &settings, float 
         std::fill_n(heights, columns * static_cast<size_t>(source.height), 0.0F);
         return;
     }
-    const Mapping mapping = _mappingOf(source.range, settings);
+    const Mapping mapping = mappingOf(source.range, settings);
     for (int y = 0; y < source.height; ++y) {
         const int from = settings.flipY ? source.height - 1 - y : y;
-        const auto mapRow = settings.invertZ ? _mapRowInverted : _mapRow;
+        const auto mapRow = settings.invertZ ? mapRowInverted : _mapRow;
         mapRow(source.values + static_cast<size_t>(from) * columns,
                heights + static_cast<size_t>(y) * columns, source.width, mapping);
     }
@@ -322,14 +315,14 @@ void trim(const HeightsView &heights, int passes)
     std::vector<uint8_t> flags(columns);
     std::vector<uint8_t> rows(static_cast<size_t>(centres), 0);
     for (int y = 0; y < heights.height; ++y) {
-        _markSolid(rowAt(y), flags.data(), heights.width);
-        _joinRuns(flags.data(), heights.width, window);
-        _countRows(rows.data(), flags.data(), centres, static_cast<uint8_t>(window));
+        markSolid(rowAt(y), flags.data(), heights.width);
+        joinRuns(flags.data(), heights.width, window);
+        countRows(rows.data(), flags.data(), centres, static_cast<uint8_t>(window));
         if (y < passes)
             continue;
         float *centre = rowAt(y - passes);
         std::fill_n(centre, passes, 0.0F);
-        _keepWhere(centre + passes, rows.data(), centres, static_cast<uint8_t>(window));
+        keepWhere(centre + passes, rows.data(), centres, static_cast<uint8_t>(window));
         std::fill_n(centre + passes + centres, passes, 0.0F);
     }
     std::fill_n(rowAt(heights.height - passes), columns * static_cast<size_t>(passes), 0.0F);
@@ -340,7 +333,7 @@ void smooth(const HeightsView &heights, double amount, bool keepZeros)
     const int passes = static_cast<int>(std::ceil(amount));
     const double fraction = amount - std::floor(amount);
     for (int pass = 1; pass <= passes; ++pass)
-        _smoothPass(heights, pass == passes && fraction != 0.0 ? fraction : 1.0, keepZeros);
+        smoothPass(heights, pass == passes && fraction != 0.0 ? fraction : 1.0, keepZeros);
 }
 
 TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan)
@@ -356,7 +349,9 @@ std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope)
     std::vector<float> result = grid.values;
     const double centre = grid.height / 2.0;
     for (int y = 0; y < grid.height; ++y)
-        _tiltRow(result.data() + static_cast<size_t>(y) * grid.columns(), grid.width, slope,
-                 (y - centre) * slope.perRow);
+        tiltRow(result.data() + static_cast<size_t>(y) * grid.columns(), grid.width, slope,
+                (y - centre) * slope.perRow);
     return result;
 }
+
+} // namespace marlowen

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "import/importsource.h"
-#include "relief/floatgrid.h"
+#include "relief/grid/floatgrid.h"
+
+namespace marlowen {
 
 /// The steps between source values and heights: pure functions over row-major grids.
 
@@ -59,3 +61,5 @@ struct TiltSlope
 TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan);
 /// The source values with the plane added. Only values above 0 move, and none falls below 0.
 std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope);
+
+} // namespace marlowen

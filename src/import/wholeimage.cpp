@@ -6,19 +6,21 @@
 
 #include <cstdlib>
 
+namespace marlowen {
+
 namespace {
 
 constexpr uchar endOfImage = 0xD9;
 constexpr uchar startOfScan = 0xDA;
 
-bool _hasNoLength(uchar marker)
+bool hasNoLength(uchar marker)
 {
     // Restart and start-of-image markers, TEM, and the zero that stuffs a data byte of FF.
     return (marker >= 0xD0 && marker <= 0xD8) || marker <= 0x01;
 }
 
 /// Position behind the next FF byte run and its marker, which goes to `marker`; -1 at the end.
-qsizetype _nextMarker(const QByteArray &bytes, qsizetype from, uchar &marker)
+qsizetype nextMarker(const QByteArray &bytes, qsizetype from, uchar &marker)
 {
     qsizetype at = bytes.indexOf('\xFF', from);
     while (at >= 0 && at < bytes.size() && bytes[at] == '\xFF')
@@ -30,14 +32,14 @@ qsizetype _nextMarker(const QByteArray &bytes, qsizetype from, uchar &marker)
 }
 
 /// Walks the segments, whose contents may hold thumbnails with ends of their own.
-bool _jpegCutShort(const QByteArray &bytes)
+bool jpegCutShort(const QByteArray &bytes)
 {
     qsizetype at = 2;
     uchar marker = 0;
-    while ((at = _nextMarker(bytes, at, marker)) >= 0) {
+    while ((at = nextMarker(bytes, at, marker)) >= 0) {
         if (marker == endOfImage)
             return false;
-        if (_hasNoLength(marker))
+        if (hasNoLength(marker))
             continue;
         if (at + 2 > bytes.size())
             return true;
@@ -49,7 +51,7 @@ bool _jpegCutShort(const QByteArray &bytes)
 }
 
 /// Only the plain row formats tell their length beforehand.
-bool _bmpCutShort(const QByteArray &header, qint64 size)
+bool bmpCutShort(const QByteArray &header, qint64 size)
 {
     constexpr qsizetype plainHeader = 34;
     if (header.size() < plainHeader)
@@ -77,10 +79,12 @@ bool imageCutShort(QIODevice &device)
     const QByteArray header = device.peek(headerBytes);
     bool cut = false;
     if (header.startsWith("BM")) {
-        cut = _bmpCutShort(header, device.size());
+        cut = bmpCutShort(header, device.size());
     } else if (header.startsWith("\xFF\xD8")) {
-        cut = _jpegCutShort(device.readAll());
+        cut = jpegCutShort(device.readAll());
         device.seek(0);
     }
     return cut;
 }
+
+} // namespace marlowen

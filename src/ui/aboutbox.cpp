@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+namespace marlowen {
+
 AboutBox::AboutBox(QWidget *parent)
     : QDialog(parent)
 {
@@ -37,3 +39,5 @@ AboutBox::AboutBox(QWidget *parent)
     grid->addWidget(details, 1, 1);
     grid->addWidget(buttons, 2, 0, 1, 2);
 }
+
+} // namespace marlowen

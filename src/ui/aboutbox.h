@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+namespace marlowen {
+
 /// Name, version and what the program is built with.
 class AboutBox : public QDialog
 {
@@ -10,3 +12,5 @@ class AboutBox : public QDialog
 public:
     explicit AboutBox(QWidget *parent = nullptr);
 };
+
+} // namespace marlowen

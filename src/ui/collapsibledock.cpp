@@ -6,6 +6,8 @@
 #include <QMainWindow>
 #include <QToolButton>
 
+namespace marlowen {
+
 namespace {
 
 constexpr int stripWidth = 30;
@@ -76,3 +78,5 @@ void CollapsibleDock::_showState()
                                     Qt::LeftDockWidgetArea;
     m_button->setArrowType(left != m_collapsed ? Qt::LeftArrow : Qt::RightArrow);
 }
+
+} // namespace marlowen

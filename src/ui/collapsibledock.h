@@ -5,6 +5,8 @@
 class QLabel;
 class QToolButton;
 
+namespace marlowen {
+
 /// A dock at the side of the window whose title carries a button that folds it to a narrow strip
 /// and back. Floating docks do not fold.
 class CollapsibleDock : public QDockWidget
@@ -33,3 +35,5 @@ private:
     int m_openWidth = 0;
     bool m_collapsed = false;
 };
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 #include <QKeySequence>
 #include <QWidget>
 
+namespace marlowen {
+
 namespace {
 
 constexpr char longNameProperty[] = "longName";
@@ -84,3 +86,5 @@ void CommandSet::_describe(QAction *action)
     lines.removeAll(QString());
     action->setToolTip(lines.join(QLatin1Char('\n')));
 }
+
+} // namespace marlowen

@@ -8,6 +8,8 @@
 class QAction;
 class QWidget;
 
+namespace marlowen {
+
 /// One command of the window.
 struct CommandRow
 {
@@ -48,3 +50,5 @@ private:
     QHash<QString, QAction *> m_actions;
     QList<QAction *> m_order;
 };
+
+} // namespace marlowen

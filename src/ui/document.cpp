@@ -1,11 +1,13 @@
 #include "ui/document.h"
 
 #include "files/filetypes.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 
 #include <QFileInfo>
 
 #include <utility>
+
+namespace marlowen {
 
 Document::Document(QObject *parent)
     : QObject(parent)
@@ -99,3 +101,5 @@ void Document::acceptImport()
     edited();
     emit importAccepted();
 }
+
+} // namespace marlowen

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "import/importsession.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
-#include "render/reliefchanges.h"
+#include "relief/history/sculptundo.h"
+#include "relief/strokes/sculptengine.h"
+#include "render/views/reliefchanges.h"
 
 #include <QObject>
 #include <QString>
 
 #include <memory>
+
+namespace marlowen {
 
 /// The one relief being worked on with everything that belongs to it: history, stroke engine,
 /// changes for the views, open import, the workspace it is saved in and whether it differs from it.
@@ -70,3 +72,5 @@ private:
     QString m_file;
     bool m_modified = false;
 };
+
+} // namespace marlowen

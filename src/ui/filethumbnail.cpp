@@ -4,6 +4,8 @@
 #include "files/filetypes.h"
 #include "files/workspacethumbnail.h"
 
+namespace marlowen {
+
 QImage fileThumbnail(const QString &path, int side)
 {
     switch (fileKindOf(path)) {
@@ -15,3 +17,5 @@ QImage fileThumbnail(const QString &path, int side)
         return {};
     }
 }
+
+} // namespace marlowen

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <utility>
 
+namespace marlowen {
+
 void armForcedExit(std::function<void()> end)
 {
     QTimer::singleShot(1500, qApp, [end = std::move(end)] {
@@ -22,3 +24,5 @@ void exitAtOnce()
 {
     std::_Exit(0);
 }
+
+} // namespace marlowen

@@ -11,10 +11,12 @@
 #include <QSvgRenderer>
 
 // Outside any namespace, as the macro demands; without it the linker drops the resources.
-static void _initResources()
+static void initResources()
 {
     Q_INIT_RESOURCE(marlowen);
 }
+
+namespace marlowen {
 
 namespace {
 
@@ -31,7 +33,7 @@ struct IconColours
     QColor accent;
 };
 
-IconColours _themeColours()
+IconColours themeColours()
 {
     const QPalette palette = QGuiApplication::palette();
     const bool dark = palette.color(QPalette::Button).lightness() < 128;
@@ -65,7 +67,7 @@ public:
         Q_UNUSED(state)
         if (size.isEmpty())
             return {};
-        const IconColours colours = _themeColours();
+        const IconColours colours = themeColours();
         const QString key = QStringLiteral("marlowen_icon_%1_%2x%3_%4_%5")
                                 .arg(m_name)
                                 .arg(size.width())
@@ -105,7 +107,7 @@ private:
 
 QIcon icon(const QString &name)
 {
-    _initResources();
+    ::initResources();
     QFile file(QLatin1String{prefix} + name);
     if (!file.open(QIODevice::ReadOnly)) {
         qDebug() << "no icon" << name;
@@ -116,6 +118,8 @@ QIcon icon(const QString &name)
 
 QStringList iconNames()
 {
-    _initResources();
+    ::initResources();
     return QDir(QLatin1String{prefix}).entryList(QDir::Files);
 }
+
+} // namespace marlowen

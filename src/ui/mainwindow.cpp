@@ -2,10 +2,10 @@
 
 #include "base/qevsettings.h"
 #include "base/version.h"
-#include "relief/physicalsize.h"
-#include "relief/relief.h"
-#include "render/flatwin.h"
-#include "render/sculptwin.h"
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/forcedexit.h"
@@ -33,6 +33,8 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTimer>
+
+namespace marlowen {
 
 namespace {
 
@@ -374,3 +376,5 @@ void MainWindow::switchTheme()
     themeSwitcher::applyTheme(mode);
     m_viewSettings->showTheme(mode == 1);
 }
+
+} // namespace marlowen

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/result.h"
-#include "relief/tool.h"
-#include "relief/toolparams.h"
+#include "relief/tools/tool.h"
+#include "relief/tools/toolparams.h"
 #include "ui/document.h"
 #include "ui/pages/sizepage.h"
 #include "ui/ribbon/ribbonmainwindow.h"
@@ -13,6 +13,12 @@
 #include <functional>
 #include <memory>
 
+class QLabel;
+class QSplitter;
+class QStackedWidget;
+
+namespace marlowen {
+
 class CollapsibleDock;
 class CommandSet;
 class EditPage;
@@ -20,9 +26,6 @@ class FlatWin;
 class LibraryPanel;
 class MaterialEditor;
 class NewReliefDialog;
-class QLabel;
-class QSplitter;
-class QStackedWidget;
 class RecentFilesMenu;
 class SculptPanels;
 class SculptWin;
@@ -218,3 +221,5 @@ private:
     QString m_secondIntegrationString;
     QString m_exportPath;
 };
+
+} // namespace marlowen

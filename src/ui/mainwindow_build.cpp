@@ -1,8 +1,8 @@
 #include "ui/mainwindow.h"
 
 #include "base/qevsettings.h"
-#include "render/flatwin.h"
-#include "render/sculptwin.h"
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/library/librarypanel.h"
@@ -22,6 +22,8 @@
 #include "ui/startpage.h"
 
 #include <QAction>
+
+namespace marlowen {
 
 // How the window is put together: commands, docks, ribbon, file page, and who calls whom.
 
@@ -248,3 +250,5 @@ void MainWindow::_connectDocument()
         _showRelief();
     });
 }
+
+} // namespace marlowen

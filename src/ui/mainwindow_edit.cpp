@@ -1,13 +1,13 @@
 #include "ui/mainwindow.h"
 
 #include "base/qevsettings.h"
-#include "relief/alphabrush.h"
-#include "relief/operations.h"
-#include "relief/physicalsize.h"
-#include "relief/relief.h"
-#include "relief/selections.h"
-#include "render/flatwin.h"
-#include "render/sculptwin.h"
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
+#include "relief/operations/operations.h"
+#include "relief/selection/selections.h"
+#include "relief/tools/alphabrush.h"
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
 #include "ui/commandset.h"
 #include "ui/materialeditor.h"
 #include "ui/pages/editpage.h"
@@ -21,6 +21,8 @@
 
 #include <cmath>
 #include <utility>
+
+namespace marlowen {
 
 // Commands that work on the relief, the tool and the look of the views.
 
@@ -215,9 +217,9 @@ void MainWindow::sizeWanted(const SizeWish &inches)
     const int height = cellsOf(inches[1]);
     const bool resized = width != relief->width() || height != relief->height();
     if (resized)
-        ::resize(*relief, width, height, &m_document.history(), !zAsked);
+        marlowen::resize(*relief, width, height, &m_document.history(), !zAsked);
     if (zAsked)
-        ::setZScale(*relief, inches[2] * cellsPerInch / highest, &m_document.history());
+        marlowen::setZScale(*relief, inches[2] * cellsPerInch / highest, &m_document.history());
     if (resized || zAsked)
         m_document.edited();
 }
@@ -239,7 +241,7 @@ void MainWindow::clearMaskClicked()
     if (!m_document.relief())
         return;
     m_document.endStroke();
-    ::clearMask(*m_document.relief(), &m_document.history());
+    marlowen::clearMask(*m_document.relief(), &m_document.history());
     m_document.edited();
 }
 
@@ -248,7 +250,7 @@ void MainWindow::invertMaskClicked()
     if (!m_document.relief())
         return;
     m_document.endStroke();
-    ::invertMask(*m_document.relief(), &m_document.history());
+    marlowen::invertMask(*m_document.relief(), &m_document.history());
     m_document.edited();
 }
 
@@ -357,3 +359,5 @@ void MainWindow::cursorSizeChanged(int index)
     const auto choice = static_cast<size_t>(qBound(0, index, int(pointerSizes.size()) - 1));
     m_sculptWin->setCursorScale(pointerSizes[choice].percent);
 }
+
+} // namespace marlowen

@@ -7,7 +7,7 @@
 #include "files/stlwriter.h"
 #include "files/workspacefile.h"
 #include "import/imageimport.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 #include "ui/aboutbox.h"
 #include "ui/commandset.h"
 #include "ui/forcedexit.h"
@@ -29,6 +29,8 @@
 
 #include <algorithm>
 #include <new>
+
+namespace marlowen {
 
 // What the window does with files: open, save, export, hand over, and the guard of unsaved work.
 
@@ -369,3 +371,5 @@ void MainWindow::dropEvent(QDropEvent *event)
     // The source of the drag waits for the drop to end; a question must not keep it.
     QTimer::singleShot(0, this, [this, path] { openFile(path, 0); });
 }
+
+} // namespace marlowen

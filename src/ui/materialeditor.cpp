@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace marlowen {
+
 MaterialEditor::MaterialEditor(const QString &name, QObject *parent)
     : QObject(parent)
     , m_materials(loadMaterials())
@@ -90,3 +92,5 @@ Outcome MaterialEditor::remove()
     emit currentChanged();
     return {};
 }
+
+} // namespace marlowen

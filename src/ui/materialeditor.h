@@ -1,9 +1,11 @@
 #pragma once
 
 #include "base/result.h"
-#include "render/materials.h"
+#include "render/light/materials.h"
 
 #include <QObject>
+
+namespace marlowen {
 
 /// The list of materials and the current one, with the edits a user can make to their own. Every
 /// edit is stored at once.
@@ -47,3 +49,5 @@ private:
     QList<Material> m_materials;
     Material m_current;
 };
+
+} // namespace marlowen

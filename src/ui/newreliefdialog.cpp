@@ -1,6 +1,6 @@
 #include "ui/newreliefdialog.h"
 
-#include "relief/physicalsize.h"
+#include "relief/grid/physicalsize.h"
 #include "ui/ribbon/numberfield.h"
 
 #include <QComboBox>
@@ -12,6 +12,8 @@
 #include <QSignalBlocker>
 
 #include <cmath>
+
+namespace marlowen {
 
 namespace {
 
@@ -46,7 +48,7 @@ struct Amount
     int decimals;
 };
 
-void _showAmount(NumberField &field, const Unit &unit, const Amount &amount)
+void showAmount(NumberField &field, const Unit &unit, const Amount &amount)
 {
     const QSignalBlocker quiet(field);
     field.setDecimals(amount.decimals);
@@ -137,9 +139,9 @@ void NewReliefDialog::_showIn(int unitIndex, QSize cells, double levelCells)
 {
     const Unit unit = _unit(unitIndex);
     m_cellsPerUnit = unit.cells;
-    _showAmount(*m_width, unit, {double(cells.width()), largestSide, unit.sizeDecimals});
-    _showAmount(*m_height, unit, {double(cells.height()), largestSide, unit.sizeDecimals});
-    _showAmount(*m_level, unit, {levelCells, largestLevel, unit.levelDecimals});
+    showAmount(*m_width, unit, {double(cells.width()), largestSide, unit.sizeDecimals});
+    showAmount(*m_height, unit, {double(cells.height()), largestSide, unit.sizeDecimals});
+    showAmount(*m_level, unit, {levelCells, largestLevel, unit.levelDecimals});
 }
 
 QString NewReliefDialog::_objection() const
@@ -166,3 +168,5 @@ void NewReliefDialog::_check()
     m_ok->setToolTip(objection);
     m_summary->setText(objection.isEmpty() ? _extent() : objection);
 }
+
+} // namespace marlowen

@@ -2,10 +2,13 @@
 
 #include <QDialog>
 
-class NumberField;
 class QComboBox;
 class QLabel;
 class QPushButton;
+
+namespace marlowen {
+
+class NumberField;
 
 /// Asks for the size and the start height of a new relief, in cells or in a unit of length. "OK"
 /// can be pressed only for sizes that can be made: at least 2 x 2 cells and less than 1000 square
@@ -38,3 +41,5 @@ private:
     QPushButton *m_ok = nullptr;
     double m_cellsPerUnit = 1.0;
 };
+
+} // namespace marlowen

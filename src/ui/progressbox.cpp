@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QProgressDialog>
 
+namespace marlowen {
+
 namespace {
 
 constexpr qint64 patienceMs = 500;
@@ -54,3 +56,5 @@ bool ProgressBox::cancelled() const
 {
     return m_dialog && m_dialog->wasCanceled();
 }
+
+} // namespace marlowen

@@ -10,6 +10,8 @@
 class QProgressDialog;
 class QWidget;
 
+namespace marlowen {
+
 /// Shows long work as a dialog over a window, with Cancel, once it has taken half a second. Until
 /// then nothing is shown and no events are handled.
 class ProgressBox : public Progress
@@ -34,3 +36,5 @@ private:
     std::unique_ptr<QProgressDialog> m_dialog;
     static int s_atWork;
 };
+
+} // namespace marlowen

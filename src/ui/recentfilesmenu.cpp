@@ -10,6 +10,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
+namespace marlowen {
+
 RecentFilesMenu::RecentFilesMenu(QObject *parent)
     : QObject(parent)
 {
@@ -69,3 +71,5 @@ QWidget *RecentFilesMenu::makeList()
     grid->setRowStretch(entryCount + 1, 1);
     return list;
 }
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 class QAction;
 class QWidget;
 
+namespace marlowen {
+
 /// The five actions of the recent files. An action shows the name of its file and carries the whole
 /// path as its data; actions without a file are hidden.
 class RecentFilesMenu : public QObject
@@ -26,3 +28,5 @@ public:
 private:
     QList<QAction *> m_actions;
 };
+
+} // namespace marlowen

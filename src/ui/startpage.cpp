@@ -18,6 +18,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+namespace marlowen {
+
 namespace {
 
 constexpr char startupKey[] = "/startwizard/startup";
@@ -29,7 +31,7 @@ constexpr int margin = 32;
 
 /// The picture on a square, so that the names below stand in one line; twice as fine as it is
 /// shown, for dense screens.
-QIcon _squareIcon(const QImage &picture)
+QIcon squareIcon(const QImage &picture)
 {
     QPixmap square(thumbnailSide * 2, thumbnailSide * 2);
     square.fill(Qt::transparent);
@@ -44,7 +46,7 @@ QIcon _squareIcon(const QImage &picture)
     return QIcon(square);
 }
 
-QLabel *_heading(const QString &text)
+QLabel *heading(const QString &text)
 {
     auto *label = new QLabel(text);
     QFont font = label->font();
@@ -83,7 +85,7 @@ void StartPage::_arrange()
     column->setSpacing(gap);
     column->addWidget(_head());
     column->addSpacing(gap);
-    column->addWidget(_heading(tr("Recent files")));
+    column->addWidget(heading(tr("Recent files")));
     column->addWidget(m_nothing);
     column->addLayout(m_grid);
     column->addStretch(1);
@@ -199,7 +201,7 @@ void StartPage::_makeThumbnails()
     const QImage picture =
         fileThumbnail(card->property(pathProperty).toString(), thumbnailSide * 2);
     if (!picture.isNull())
-        card->setIcon(_squareIcon(picture));
+        card->setIcon(squareIcon(picture));
     QTimer::singleShot(0, this, &StartPage::_makeThumbnails);
 }
 
@@ -215,3 +217,5 @@ void StartPage::resizeEvent(QResizeEvent *event)
     QWidget::resizeEvent(event);
     _placeCards();
 }
+
+} // namespace marlowen

@@ -9,6 +9,8 @@ class QGridLayout;
 class QLabel;
 class QToolButton;
 
+namespace marlowen {
+
 /// The first thing a person sees: new, open, and the recent files with pictures of what is in them.
 /// Pictures are read one a turn of the event loop once the page is shown. Files that are gone are
 /// disabled and say so.
@@ -47,3 +49,5 @@ private:
     QList<QToolButton *> m_cards;   ///< in the order of the recent files
     QList<QToolButton *> m_waiting; ///< for their pictures
 };
+
+} // namespace marlowen

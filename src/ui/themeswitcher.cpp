@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+namespace marlowen {
+
 namespace themeSwitcher {
 
 namespace {
@@ -44,3 +46,5 @@ void applyTheme(int mode)
 }
 
 } // namespace themeSwitcher
+
+} // namespace marlowen

@@ -4,6 +4,8 @@
 
 #include <functional>
 
+namespace marlowen {
+
 /// Gives the application its style and palette in the light or the dark theme. The style itself
 /// belongs to the program and is registered by start-up, so that the window can switch themes
 /// without knowing which style it wears.
@@ -22,3 +24,5 @@ void installStyle(int mode);
 void applyTheme(int mode);
 
 } // namespace themeSwitcher
+
+} // namespace marlowen

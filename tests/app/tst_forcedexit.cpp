@@ -6,6 +6,8 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace marlowen;
+
 namespace {
 
 void _handOver()
@@ -14,13 +16,13 @@ void _handOver()
     QCoreApplication::quit();
 }
 
-int _quitPlainly()
+int quitPlainly()
 {
     QTimer::singleShot(0, qApp, _handOver);
     return QCoreApplication::exec();
 }
 
-int _quitIntoNestedLoop()
+int quitIntoNestedLoop()
 {
     QTimer::singleShot(0, qApp, [] {
         _handOver();
@@ -31,7 +33,7 @@ int _quitIntoNestedLoop()
     return 3;
 }
 
-const Scenario scenarios[] = {{"plain", _quitPlainly}, {"nested", _quitIntoNestedLoop}};
+const Scenario scenarios[] = {{"plain", quitPlainly}, {"nested", quitIntoNestedLoop}};
 
 } // namespace
 

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace marlowen;
+
 namespace {
 
 constexpr qint64 hour = 60 * 60;
@@ -28,7 +30,7 @@ void _tidy(const QDir &folder, qint64 hours)
     cleanTemporaryFolders(folder.path(), now);
 }
 
-QStringList _listing(const QDir &folder)
+QStringList listing(const QDir &folder)
 {
     return folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System, QDir::Name);
 }
@@ -71,7 +73,7 @@ private slots:
             _make(folder, name);
         _tidy(folder, hours);
         left.sort();
-        QCOMPARE(_listing(folder), left);
+        QCOMPARE(listing(folder), left);
     }
 
     void folderWithForeignFilesLosesOnlyItsMeshes()
@@ -81,7 +83,7 @@ private slots:
         for (const QString name : {"tmp_1/stltmp1", "tmp_1/stltmp2", "tmp_1/notes.txt"})
             _make(folder, name);
         _tidy(folder, 25);
-        QCOMPARE(_listing(QDir(folder.filePath("tmp_1"))), QStringList{"notes.txt"});
+        QCOMPARE(listing(QDir(folder.filePath("tmp_1"))), QStringList{"notes.txt"});
     }
 
     void linkedFolderIsNotEntered()

@@ -14,9 +14,11 @@
 #include <functional>
 #include <stdexcept>
 
+using namespace marlowen;
+
 namespace {
 
-QByteArray _sessionLog()
+QByteArray sessionLog()
 {
     logFlush();
     QFile file(dataFolder() +
@@ -57,7 +59,7 @@ private slots:
     {
         QFileOpenEvent request(QStringLiteral("/tmp/early.xyz"));
         QVERIFY(!QCoreApplication::sendEvent(qApp, &request));
-        QVERIFY(!_sessionLog().contains("early.xyz"));
+        QVERIFY(!sessionLog().contains("early.xyz"));
     }
 
     void fileOpenReachesTheWindow()
@@ -67,12 +69,12 @@ private slots:
             _application()->setMainWindow(&window);
             QFileOpenEvent request(QStringLiteral("/tmp/while.xyz"));
             QVERIFY(!QCoreApplication::sendEvent(qApp, &request));
-            QVERIFY(_sessionLog().contains("Warning: Unknown file type"));
-            QVERIFY(_sessionLog().contains("/tmp/while.xyz"));
+            QVERIFY(sessionLog().contains("Warning: Unknown file type"));
+            QVERIFY(sessionLog().contains("/tmp/while.xyz"));
         }
         QFileOpenEvent request(QStringLiteral("/tmp/after.xyz"));
         QVERIFY(!QCoreApplication::sendEvent(qApp, &request));
-        QVERIFY(!_sessionLog().contains("after.xyz"));
+        QVERIFY(!sessionLog().contains("after.xyz"));
     }
 
     void traceNamesClassAndEventButNoTimers()
@@ -120,7 +122,7 @@ private slots:
         QCOMPARE(title, QStringLiteral("Fatal Error"));
         QCOMPARE(text, QStringLiteral("Out of wax"));
         QVERIFY(!window.isVisible());
-        const auto lines = _sessionLog().trimmed().split('\n');
+        const auto lines = sessionLog().trimmed().split('\n');
         QCOMPARE(lines.value(lines.size() - 2), QByteArray("Critical: Out of wax"));
         QVERIFY(lines.last().startsWith("Closing Marlowen 3 log: "));
     }

@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QTest>
 
+using namespace marlowen;
+
 using Kind = LaunchStep::Kind;
 
 class TestStartPieces : public QObject

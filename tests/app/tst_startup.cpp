@@ -114,7 +114,7 @@ private:
 };
 
 /// Index of the first line from `from` on that begins with the text; -1 without one.
-qsizetype _lineAfter(const QList<QByteArray> &lines, qsizetype from, const QByteArray &text)
+qsizetype lineAfter(const QList<QByteArray> &lines, qsizetype from, const QByteArray &text)
 {
     for (qsizetype i = from; i < lines.size(); ++i) {
         if (lines[i].startsWith(text))
@@ -150,7 +150,7 @@ private slots:
              {"Info: GL Version String:: ", "Info: Scrubbing old logs",
               "Info: Cleaning temporary folders", "Info: About to create main window",
               "Info: Created main window", "Closing Marlowen 3 log: "}) {
-            at = _lineAfter(run.log, at + 1, line);
+            at = lineAfter(run.log, at + 1, line);
             QVERIFY2(at > 0, line);
         }
         QCOMPARE(at, run.log.size() - 2);
@@ -174,9 +174,9 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(program.logs("model.xyz"), 20000);
         const Run run = program.end();
         QCOMPARE(run.exitCode, 0);
-        const qsizetype created = _lineAfter(run.log, 0, "Info: Created main window");
+        const qsizetype created = lineAfter(run.log, 0, "Info: Created main window");
         QVERIFY(created > 0);
-        QVERIFY(_lineAfter(run.log, created, "Warning: Unknown file type") > created);
+        QVERIFY(lineAfter(run.log, created, "Warning: Unknown file type") > created);
     }
 
     void logThatCannotBeWrittenIsNoReasonToStop()

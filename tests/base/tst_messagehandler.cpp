@@ -4,11 +4,13 @@
 
 #include <QTest>
 
+using namespace marlowen;
+
 namespace {
 
 /// One message of every kind, and one of a kind that does not exist, given to the handler itself:
 /// the toolkit would end the process after a fatal one.
-int _writeEveryKind()
+int writeEveryKind()
 {
     installMessageHandler();
     const QtMessageHandler handler = qInstallMessageHandler(nullptr);
@@ -23,23 +25,23 @@ int _writeEveryKind()
     return 0;
 }
 
-int _writeThroughToolkit()
+int writeThroughToolkit()
 {
     installMessageHandler();
     qDebug("later");
     return 0;
 }
 
-int _sayNothing()
+int sayNothing()
 {
     installMessageHandler();
     return 0;
 }
 
 const Scenario scenarios[] = {
-    {"kinds", _writeEveryKind},
-    {"toolkit", _writeThroughToolkit},
-    {"silent", _sayNothing},
+    {"kinds", writeEveryKind},
+    {"toolkit", writeThroughToolkit},
+    {"silent", sayNothing},
 };
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace marlowen;
+
 namespace {
 
 QSettings _previousStore()
@@ -13,7 +15,7 @@ QSettings _previousStore()
     return QSettings(QSettings::UserScope, current.organizationName(), QStringLiteral("Marlowen2"));
 }
 
-QString _madeFile(const QTemporaryDir &folder, const QString &name)
+QString madeFile(const QTemporaryDir &folder, const QString &name)
 {
     QFile file(folder.filePath(name));
     (void)file.open(QIODevice::WriteOnly);
@@ -75,7 +77,7 @@ private slots:
     void lastFileIsCanonicalAndHeadsTheRecentFiles()
     {
         const QTemporaryDir folder;
-        const QString file = _madeFile(folder, "medal.scp");
+        const QString file = madeFile(folder, "medal.scp");
         QevSettings().setLastFile(folder.path() + "/./medal.scp");
         const QevSettings settings;
         QCOMPARE(settings.lastFile(), file);
@@ -100,7 +102,7 @@ private slots:
     void lastExportIsAFolder()
     {
         const QTemporaryDir folder;
-        const QString file = _madeFile(folder, "medal.stl");
+        const QString file = madeFile(folder, "medal.stl");
         QevSettings().setLastExportFile(folder.path() + "/./medal.stl");
         QCOMPARE(QevSettings().lastExportFolder(), QFileInfo(file).path());
     }

@@ -6,9 +6,11 @@
 #include <QDateTime>
 #include <QTest>
 
+using namespace marlowen;
+
 namespace {
 
-int _writeEntries()
+int writeEntries()
 {
     logInfo() << "Created main window\n";
     logWarning() << "Unknown file type"
@@ -22,7 +24,7 @@ int _writeEntries()
     return 0;
 }
 
-int _writeNothing()
+int writeNothing()
 {
     logFlush();
     logClose();
@@ -30,7 +32,7 @@ int _writeNothing()
 }
 
 /// A folder stands where the log should be written, so that even root cannot open it.
-int _logUnwritable()
+int logUnwritable()
 {
     QDir().mkpath(dataFolder() + '/' + logName(QCoreApplication::applicationPid()));
     static int complaints = 0;
@@ -52,12 +54,12 @@ int _logUnwritable()
 }
 
 const Scenario scenarios[] = {
-    {"entries", _writeEntries},
-    {"nothing", _writeNothing},
-    {"unwritable", _logUnwritable},
+    {"entries", writeEntries},
+    {"nothing", writeNothing},
+    {"unwritable", logUnwritable},
 };
 
-bool _isDatedLine(const QByteArray &line, const QByteArray &prefix)
+bool isDatedLine(const QByteArray &line, const QByteArray &prefix)
 {
     const QString date = QString::fromUtf8(line.mid(prefix.size()));
     return line.startsWith(prefix) && QDateTime::fromString(date, Qt::TextDate).isValid();
@@ -77,11 +79,11 @@ private slots:
         QCOMPARE(child.exitCode, 0);
         const auto lines = dataFile(home, logName(child.pid)).split('\n');
         QCOMPARE(lines.size(), 6);
-        QVERIFY(_isDatedLine(lines[0], "Starting Marlowen 3 log: "));
+        QVERIFY(isDatedLine(lines[0], "Starting Marlowen 3 log: "));
         QCOMPARE(lines[1], QByteArray("Info: Created main window"));
         QCOMPARE(lines[2], QByteArray("Warning: Unknown file type/tmp/a.xyz"));
         QCOMPARE(lines[3], QByteArray("Critical: text"));
-        QVERIFY(_isDatedLine(lines[4], "Closing Marlowen 3 log: "));
+        QVERIFY(isDatedLine(lines[4], "Closing Marlowen 3 log: "));
         QVERIFY(lines[5].isEmpty());
     }
 

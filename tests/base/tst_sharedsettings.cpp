@@ -3,6 +3,8 @@
 
 #include <array>
 
+using namespace marlowen;
+
 // Two windows of the program are two processes that write one store.
 
 namespace {

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+using namespace marlowen;
+
 namespace {
 
 struct Ran

@@ -1,15 +1,17 @@
 #include "cli/scriptrunner.h"
 #include "cli/scriptstate.h"
 #include "cli/toolrecord.h"
-#include "relief/alphabrush.h"
-#include "relief/selections.h"
-#include "relief/tool.h"
+#include "relief/selection/selections.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tool.h"
 
 #include <QBuffer>
 #include <QImage>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace marlowen;
 
 namespace {
 

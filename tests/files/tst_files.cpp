@@ -17,6 +17,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace marlowen;
+
 namespace {
 
 std::unique_ptr<Relief> ramp(int width, int height)

@@ -1,5 +1,5 @@
 #include "files/stlwriter.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 
 #include <QDataStream>
 #include <QFile>
@@ -10,6 +10,8 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+
+using namespace marlowen;
 
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include <QImage>
 
+using namespace marlowen;
+
 /// A dark frame around a ramp, so that nothing is padded.
 inline QImage picture()
 {

@@ -14,6 +14,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using namespace marlowen;
+
 namespace {
 
 template <typename Done>

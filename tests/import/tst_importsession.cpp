@@ -7,6 +7,8 @@
 
 #include <cmath>
 
+using namespace marlowen;
+
 namespace {
 
 std::unique_ptr<Relief> importedPicture(const ImportSettings &settings = {})

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <random>
 
+using namespace marlowen;
+
 namespace {
 
 using Values = std::vector<float>;

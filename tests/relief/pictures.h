@@ -1,8 +1,10 @@
 #pragma once
 
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 
 #include <QStringList>
+
+using namespace marlowen;
 
 /// Small layers written down as pictures: one string a row, one character a cell.
 namespace pictures {

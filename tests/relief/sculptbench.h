@@ -1,12 +1,14 @@
 #pragma once
 
-#include "relief/alphabrush.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/alphabrush.h"
 
 #include <functional>
 #include <vector>
+
+using namespace marlowen;
 
 using Layer = std::vector<float>;
 

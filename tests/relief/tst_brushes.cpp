@@ -1,11 +1,13 @@
-#include "relief/alphabrush.h"
-#include "relief/tooltable.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tooltable.h"
 #include "sculptbench.h"
 
 #include <QTest>
 
 #include <cmath>
 #include <functional>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,5 +1,5 @@
-#include "relief/alphabrush.h"
-#include "relief/tooltable.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tooltable.h"
 #include "sculptbench.h"
 
 #include <QTest>
@@ -8,6 +8,8 @@
 #include <cmath>
 #include <limits>
 #include <random>
+
+using namespace marlowen;
 
 namespace {
 

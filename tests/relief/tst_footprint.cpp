@@ -1,6 +1,6 @@
-#include "relief/alphabrush.h"
-#include "relief/falloff.h"
-#include "relief/tool.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/falloff.h"
+#include "relief/tools/tool.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -9,6 +9,8 @@
 #include <limits>
 #include <numbers>
 #include <queue>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "relief/alphabrush.h"
-#include "relief/operations.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
-#include "relief/tooltable.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+#include "relief/operations/operations.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tooltable.h"
 
 #include <QLoggingCategory>
 #include <QTest>
@@ -13,6 +13,8 @@
 #include <functional>
 #include <random>
 #include <set>
+
+using namespace marlowen;
 
 namespace {
 

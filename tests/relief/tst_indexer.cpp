@@ -1,4 +1,4 @@
-#include "relief/indexer.h"
+#include "relief/grid/indexer.h"
 
 #include <QtTest>
 
@@ -6,6 +6,8 @@
 
 #include <sys/wait.h>
 #include <unistd.h>
+
+using namespace marlowen;
 
 /// Runs `call` in a child process; true when it aborts and its last words are "Bad Neighbor!" and
 /// the function.

@@ -1,14 +1,16 @@
 #include "pictures.h"
-#include "relief/operations.h"
-#include "relief/resample.h"
-#include "relief/sculptundo.h"
-#include "relief/tool.h"
+#include "relief/history/sculptundo.h"
+#include "relief/operations/operations.h"
+#include "relief/operations/resample.h"
+#include "relief/tools/tool.h"
 
 #include <QTest>
 
 #include <cmath>
 #include <limits>
 #include <random>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "relief/relief.h"
-#include "relief/reliefstream.h"
-#include "relief/tool.h"
+#include "relief/grid/relief.h"
+#include "relief/grid/reliefstream.h"
+#include "relief/tools/tool.h"
 
 #include <QBuffer>
 #include <QDataStream>
@@ -12,6 +12,8 @@
 #include <limits>
 
 #include <unistd.h>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "pictures.h"
-#include "relief/cellbits.h"
-#include "relief/selections.h"
+#include "relief/grid/cellbits.h"
+#include "relief/selection/selections.h"
 
 #include <QSet>
 #include <QTest>
@@ -9,6 +9,8 @@
 #include <limits>
 #include <numbers>
 #include <random>
+
+using namespace marlowen;
 
 using Modifier = SelectionModifier;
 

@@ -1,10 +1,12 @@
-#include "relief/strokepath.h"
-#include "relief/tool.h"
+#include "relief/strokes/strokepath.h"
+#include "relief/tools/tool.h"
 
 #include <QTest>
 
 #include <cmath>
 #include <limits>
+
+using namespace marlowen;
 
 namespace {
 

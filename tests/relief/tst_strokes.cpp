@@ -1,8 +1,8 @@
 #include "base/datafolder.h"
 #include "base/sessionlog.h"
-#include "relief/alphabrush.h"
-#include "relief/operations.h"
-#include "relief/tooltable.h"
+#include "relief/operations/operations.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tooltable.h"
 #include "sculptbench.h"
 
 #include <QDir>
@@ -12,6 +12,8 @@
 #include <cmath>
 #include <limits>
 #include <random>
+
+using namespace marlowen;
 
 namespace {
 

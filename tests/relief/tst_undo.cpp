@@ -1,11 +1,13 @@
 #include "pictures.h"
-#include "relief/tool.h"
-#include "relief/undoevents.h"
+#include "relief/history/undoevents.h"
+#include "relief/tools/tool.h"
 
 #include <QAction>
 #include <QDir>
 #include <QFile>
 #include <QTest>
+
+using namespace marlowen;
 
 namespace {
 

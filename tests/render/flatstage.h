@@ -1,15 +1,17 @@
 #pragma once
 
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
-#include "relief/tool.h"
-#include "render/flatwin.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/tool.h"
+#include "render/views/flatwin.h"
 
 #include <QTest>
 
 #include <algorithm>
 #include <cmath>
+
+using namespace marlowen;
 
 /// A smooth hill with an empty border of five cells.
 inline std::unique_ptr<Relief> hill(QSize size)

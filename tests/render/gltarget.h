@@ -9,6 +9,8 @@
 
 #include <memory>
 
+using namespace marlowen;
+
 /// A current compatibility context drawing into a framebuffer object of its own, for tests that
 /// look at pixels. One unit of model space is one pixel, the origin in the middle, y up.
 class GlTarget

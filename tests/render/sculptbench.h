@@ -1,9 +1,9 @@
 #pragma once
 
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/sculptundo.h"
-#include "render/sculptwin.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+#include "relief/strokes/sculptengine.h"
+#include "render/views/sculptwin.h"
 
 #include <QApplication>
 #include <QDir>
@@ -14,6 +14,8 @@
 
 #include <cmath>
 #include <memory>
+
+using namespace marlowen;
 
 /// A relief of an egg-shaped bump on a plate, with an empty margin that shows the floor.
 inline std::unique_ptr<Relief> medal(int width, int height)

@@ -1,8 +1,10 @@
 #include "flatstage.h"
-#include "relief/operations.h"
+#include "relief/operations/operations.h"
 
 #include <QKeyEvent>
 #include <QSignalSpy>
+
+using namespace marlowen;
 
 class TestFlatShapes : public QObject
 {

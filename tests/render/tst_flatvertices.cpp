@@ -1,10 +1,12 @@
-#include "relief/relief.h"
-#include "render/flatvertices.h"
-#include "render/reliefmesh.h"
+#include "relief/grid/relief.h"
+#include "render/views/flatvertices.h"
+#include "render/views/reliefmesh.h"
 
 #include <QTest>
 
 #include <cmath>
+
+using namespace marlowen;
 
 class TestFlatVertices : public QObject
 {

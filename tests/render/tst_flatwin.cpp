@@ -1,8 +1,10 @@
 #include "base/qevsettings.h"
 #include "flatstage.h"
-#include "render/shader.h"
+#include "render/engines/shader.h"
 
 #include <QSignalSpy>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,9 +1,11 @@
 #include "base/qevsettings.h"
-#include "render/lightdirection.h"
-#include "render/materials.h"
+#include "render/light/lightdirection.h"
+#include "render/light/materials.h"
 
 #include <QFile>
 #include <QTest>
+
+using namespace marlowen;
 
 class TestMaterials : public QObject
 {

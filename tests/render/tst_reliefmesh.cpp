@@ -1,17 +1,19 @@
-#include "relief/operations.h"
-#include "relief/relief.h"
-#include "relief/sculptengine.h"
-#include "relief/selections.h"
-#include "relief/tool.h"
-#include "render/heightscan.h"
-#include "render/reliefchanges.h"
-#include "render/reliefmesh.h"
+#include "relief/grid/relief.h"
+#include "relief/operations/operations.h"
+#include "relief/selection/selections.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/tool.h"
+#include "render/views/heightscan.h"
+#include "render/views/reliefchanges.h"
+#include "render/views/reliefmesh.h"
 
 #include <QTest>
 
 #include <cmath>
 #include <limits>
 #include <random>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,9 +1,11 @@
-#include "relief/tool.h"
-#include "relief/tooltable.h"
-#include "render/gizmo.h"
+#include "relief/tools/tool.h"
+#include "relief/tools/tooltable.h"
+#include "render/overlays/gizmo.h"
 #include "sculptbench.h"
 
 #include <QSignalSpy>
+
+using namespace marlowen;
 
 namespace {
 

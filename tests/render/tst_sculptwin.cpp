@@ -1,15 +1,17 @@
 #include "base/datafolder.h"
 #include "base/qevsettings.h"
 #include "base/sessionlog.h"
-#include "relief/alphabrush.h"
-#include "relief/operations.h"
-#include "render/shader.h"
+#include "relief/operations/operations.h"
+#include "relief/tools/alphabrush.h"
+#include "render/engines/shader.h"
 #include "sculptbench.h"
 
 #include <QFile>
 #include <QProcess>
 
 #include <limits>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,9 +1,11 @@
-#include "relief/gridlayer.h"
-#include "render/selectionoutline.h"
+#include "relief/grid/gridlayer.h"
+#include "render/overlays/selectionoutline.h"
 
 #include <QRandomGenerator>
 #include <QSet>
 #include <QTest>
+
+using namespace marlowen;
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include "base/qevsettings.h"
 #include "base/sessionlog.h"
 #include "gltarget.h"
-#include "render/legacyshader.h"
-#include "render/vboshader.h"
+#include "render/engines/legacyshader.h"
+#include "render/engines/vboshader.h"
 
 #include <QFile>
 #include <QProcess>
@@ -11,6 +11,8 @@
 #include <QTest>
 
 #include <cstdio>
+
+using namespace marlowen;
 
 namespace {
 

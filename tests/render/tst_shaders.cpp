@@ -1,12 +1,14 @@
 #include "base/qevsettings.h"
 #include "gltarget.h"
-#include "render/lightdirection.h"
-#include "render/shader.h"
+#include "render/engines/shader.h"
+#include "render/light/lightdirection.h"
 
 #include <QTest>
 #include <QVector3D>
 
 #include <cmath>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,10 +1,12 @@
-#include "relief/tool.h"
-#include "render/shapegesture.h"
+#include "relief/tools/tool.h"
+#include "render/views/shapegesture.h"
 
 #include <QTest>
 
 #include <cmath>
 #include <limits>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "files/heightmaps.h"
-#include "relief/tool.h"
-#include "relief/tooltable.h"
+#include "relief/tools/tool.h"
+#include "relief/tools/tooltable.h"
 #include "sculptbench.h"
 
 #include <QJsonArray>
@@ -8,6 +8,8 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
+
+using namespace marlowen;
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "relief/alphabrush.h"
-#include "relief/relief.h"
-#include "relief/tool.h"
-#include "relief/toolparams.h"
-#include "render/arcball.h"
-#include "render/axislock.h"
-#include "render/cursors.h"
-#include "render/depthimage.h"
-#include "render/footprint.h"
-#include "render/gizmo.h"
-#include "render/levelofdetail.h"
-#include "render/statustext.h"
+#include "relief/grid/relief.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tool.h"
+#include "relief/tools/toolparams.h"
+#include "render/camera/arcball.h"
+#include "render/camera/axislock.h"
+#include "render/camera/depthimage.h"
+#include "render/camera/levelofdetail.h"
+#include "render/overlays/cursors.h"
+#include "render/overlays/footprint.h"
+#include "render/overlays/gizmo.h"
+#include "render/views/statustext.h"
 
 #include "base/qevsettings.h"
 
@@ -17,6 +17,8 @@
 
 #include <cmath>
 #include <limits>
+
+using namespace marlowen;
 
 namespace {
 

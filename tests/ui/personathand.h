@@ -3,6 +3,8 @@
 #include <QtTest>
 #include <QtWidgets>
 
+using namespace marlowen;
+
 /// A person who answers whatever stands over the window: message boxes with the answers given, in
 /// order, and file dialogs with a path. Remembers what was said. A box nobody expected is escaped
 /// and remembered too.

@@ -8,6 +8,8 @@
 #include <QTest>
 #include <QWidget>
 
+using namespace marlowen;
+
 /// Wears the program's style in one theme.
 inline void wearTheme(bool dark)
 {

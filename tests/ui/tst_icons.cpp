@@ -5,11 +5,13 @@
 #include <QPalette>
 #include <QtTest>
 
+using namespace marlowen;
+
 namespace {
 
 const QList<int> sizes{16, 22, 32};
 
-QPalette _theme(bool dark)
+QPalette theme(bool dark)
 {
     QPalette palette;
     palette.setColor(QPalette::Button, dark ? QColor(0x2b, 0x2d, 0x30) : QColor(0xf5, 0xf6, 0xf7));
@@ -23,7 +25,7 @@ QImage _image(const QString &name, int size, QIcon::Mode mode = QIcon::Normal)
     return icon(name).pixmap(QSize(size, size), 1.0, mode).toImage();
 }
 
-int _inkedPixels(const QImage &image)
+int inkedPixels(const QImage &image)
 {
     int inked = 0;
     for (int y = 0; y < image.height(); ++y) {
@@ -40,7 +42,7 @@ class TestIcons : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { QGuiApplication::setPalette(_theme(false)); }
+    void init() { QGuiApplication::setPalette(theme(false)); }
 
     void everyCommandHasItsIcon_data()
     {
@@ -113,7 +115,7 @@ private slots:
         for (int size : sizes) {
             const QImage image = _image(name, size);
             QCOMPARE(image.size(), QSize(size, size));
-            QVERIFY(_inkedPixels(image) > size * size / 20);
+            QVERIFY(inkedPixels(image) > size * size / 20);
         }
     }
 
@@ -133,7 +135,7 @@ private slots:
     {
         const QIcon chevron = icon(QStringLiteral("chevron_up"));
         const QRgb onLight = chevron.pixmap(32, 32).toImage().pixel(16, 11);
-        QGuiApplication::setPalette(_theme(true));
+        QGuiApplication::setPalette(theme(true));
         const QRgb onDark = chevron.pixmap(32, 32).toImage().pixel(16, 11);
         QVERIFY(qGray(onLight) < 90);
         QVERIFY(qGray(onDark) > 180);
@@ -177,10 +179,10 @@ private slots:
         QPainter painter(&sheet);
         painter.setFont(QFont(QStringLiteral("DejaVu Sans"), 6));
         for (bool dark : {false, true}) {
-            QGuiApplication::setPalette(_theme(dark));
+            QGuiApplication::setPalette(theme(dark));
             const int top = dark ? cell.height() * rows : 0;
-            painter.fillRect(0, top, sheet.width(), cell.height() * rows, _theme(dark).button());
-            painter.setPen(_theme(dark).color(QPalette::ButtonText));
+            painter.fillRect(0, top, sheet.width(), cell.height() * rows, theme(dark).button());
+            painter.setPen(theme(dark).color(QPalette::ButtonText));
             for (int i = 0; i < names.size(); ++i) {
                 const QPoint at(i % columns * cell.width() + 8,
                                 top + i / columns * cell.height() + 6);

@@ -1,7 +1,7 @@
 #include "ui/panels/importpanel.h"
 
 #include "picture.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 #include "ui/panels/sculptpanels.h"
 #include "ui/ribbon/numberfield.h"
 #include "ui/ribbon/sliderfield.h"
@@ -13,10 +13,12 @@
 #include <QTabBar>
 #include <QtTest>
 
+using namespace marlowen;
+
 namespace {
 
 /// A ramp over a border of zeros, so that every control has something to change.
-FloatGrid _ramp(int width, int height)
+FloatGrid ramp(int width, int height)
 {
     FloatGrid grid;
     grid.width = width;
@@ -29,10 +31,10 @@ FloatGrid _ramp(int width, int height)
     return grid;
 }
 
-std::unique_ptr<Relief> _openRelief(int width, int height)
+std::unique_ptr<Relief> openRelief(int width, int height)
 {
     return std::make_unique<Relief>(
-        std::make_unique<ImportSource>(_ramp(width, height), ImportSettings{}));
+        std::make_unique<ImportSource>(ramp(width, height), ImportSettings{}));
 }
 
 } // namespace
@@ -113,7 +115,7 @@ private slots:
     void everyControlChangesTheHeights()
     {
         QFETCH(QString, control);
-        const auto relief = _openRelief(24, 18);
+        const auto relief = openRelief(24, 18);
         _open(*relief);
         const std::vector<float> before = _heights(*relief);
         if (QCheckBox *box = _box(control))
@@ -126,7 +128,7 @@ private slots:
 
     void changesOfOneTurnAreOneRecompute()
     {
-        const auto relief = _openRelief(24, 18);
+        const auto relief = openRelief(24, 18);
         _open(*relief);
         m_changes = 0;
         for (int position = 1; position <= 20; ++position)
@@ -140,7 +142,7 @@ private slots:
 
     void withoutPreviewTheLiveControlsRest()
     {
-        const auto relief = _openRelief(24, 18);
+        const auto relief = openRelief(24, 18);
         _open(*relief);
         QTest::keyClick(_box("Preview"), Qt::Key_Space);
         for (const char *name : {"Smoothing", "Raise / Lower", "Trim", "Vertical", "Horizontal"}) {
@@ -154,7 +156,7 @@ private slots:
 
     void updateIsThereWithAGeneratorAndEnabledWhenDirty()
     {
-        const auto relief = _openRelief(24, 18);
+        const auto relief = openRelief(24, 18);
         _open(*relief);
         QVERIFY(!_button("Update")->isVisible());
         m_session->basReliefGenerator = [](const BasReliefInput &input, Progress &) {
@@ -178,7 +180,7 @@ private slots:
 
     void acceptTakesTheLastChangeAlong()
     {
-        const auto relief = _openRelief(24, 18);
+        const auto relief = openRelief(24, 18);
         _open(*relief);
         QSignalSpy accepted(m_panel.get(), &ImportPanel::AcceptClicked);
         _field("Trim")->slider()->setValue(4);
@@ -192,7 +194,7 @@ private slots:
 
     void aNewImportIsShownInTheControls()
     {
-        const auto relief = _openRelief(24, 18);
+        const auto relief = openRelief(24, 18);
         ImportSettings settings;
         settings.invertZ = true;
         settings.smoothing = 1.5;
@@ -211,7 +213,7 @@ private slots:
     /// A slider dragged along its whole length over a large picture must not queue up work.
     void draggingOverALargeImportKeepsUp()
     {
-        const auto relief = _openRelief(2000, 2000);
+        const auto relief = openRelief(2000, 2000);
         _open(*relief);
         QSlider *slider = _field("Smoothing")->slider();
         QTest::mousePress(slider, Qt::LeftButton, {}, QPoint(4, slider->height() / 2));

@@ -2,7 +2,7 @@
 
 #include "files/alphaimage.h"
 #include "picture.h"
-#include "relief/alphabrush.h"
+#include "relief/tools/alphabrush.h"
 #include "ui/library/alphastore.h"
 
 #include <QBuffer>
@@ -18,9 +18,11 @@
 #include <QTimer>
 #include <QtTest>
 
+using namespace marlowen;
+
 namespace {
 
-QImage _picture(int width, int height, QRgb colour)
+QImage picture(int width, int height, QRgb colour)
 {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(colour);
@@ -73,7 +75,7 @@ private slots:
 
     void greyWeighsTheColours()
     {
-        QImage image = _picture(4, 1, qRgb(255, 255, 255));
+        QImage image = picture(4, 1, qRgb(255, 255, 255));
         image.setPixel(1, 0, qRgb(255, 0, 0));
         image.setPixel(2, 0, qRgb(0, 255, 0));
         image.setPixel(3, 0, qRgb(10, 20, 30));
@@ -84,7 +86,7 @@ private slots:
 
     void oblongPicturesLieInTheMiddleOfBlack()
     {
-        const FloatGrid square = squareGrid(alphaGrid(_picture(3, 6, qRgb(255, 255, 255))));
+        const FloatGrid square = squareGrid(alphaGrid(picture(3, 6, qRgb(255, 255, 255))));
         QCOMPARE(square.width, 6);
         QCOMPARE(square.height, 6);
         for (int y = 0; y < 6; ++y) {
@@ -139,7 +141,7 @@ private slots:
     {
         QTemporaryDir outside;
         const QString path = outside.filePath(QStringLiteral("my mark.png"));
-        QVERIFY(_picture(20, 30, qRgb(200, 200, 200)).save(path));
+        QVERIFY(picture(20, 30, qRgb(200, 200, 200)).save(path));
         _drop({path});
         QTRY_COMPARE(_list()->currentItem()->text(), QStringLiteral("my mark"));
         QCOMPARE(AlphaBrush::instance().side(), 30);
@@ -165,7 +167,7 @@ private slots:
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write("\x89PNG\r\n\x1a\nnot really");
         }
-        QVERIFY(_picture(8, 8, qRgb(255, 255, 255)).save(good));
+        QVERIFY(picture(8, 8, qRgb(255, 255, 255)).save(good));
         BoxReader reader;
         _drop({text, good, broken});
         QTRY_COMPARE(reader.boxes(), 1);
@@ -209,7 +211,7 @@ private slots:
     void aChosenPictureThatGoesTakesItsBrushAlong()
     {
         const QString path = QDir(alphaFolder()).filePath(QStringLiteral("gone.png"));
-        QVERIFY(_picture(8, 8, qRgb(255, 255, 255)).save(path));
+        QVERIFY(picture(8, 8, qRgb(255, 255, 255)).save(path));
         QTRY_VERIFY(_item(QStringLiteral("gone")));
         _click(QStringLiteral("gone"));
         QVERIFY(AlphaBrush::instance().loaded());
@@ -221,7 +223,7 @@ private slots:
     void hugePicturesAreBroughtDown()
     {
         const QString path = QDir(alphaFolder()).filePath(QStringLiteral("huge.png"));
-        QVERIFY(_picture(5000, 300, qRgb(255, 255, 255)).save(path));
+        QVERIFY(picture(5000, 300, qRgb(255, 255, 255)).save(path));
         QVERIFY(chooseAlpha(path));
         QCOMPARE(AlphaBrush::instance().side(), 1024);
     }

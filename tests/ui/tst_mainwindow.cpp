@@ -1,12 +1,12 @@
 #include "base/qevsettings.h"
 #include "files/workspacefile.h"
 #include "personathand.h"
-#include "relief/operations.h"
-#include "relief/physicalsize.h"
-#include "relief/relief.h"
-#include "relief/tooltable.h"
-#include "render/flatwin.h"
-#include "render/sculptwin.h"
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
+#include "relief/operations/operations.h"
+#include "relief/tools/tooltable.h"
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
 #include "ui/commandset.h"
 #include "ui/mainwindow.h"
 #include "ui/panels/sculptpanels.h"
@@ -22,6 +22,8 @@
 
 #include <QtTest>
 #include <QtWidgets>
+
+using namespace marlowen;
 
 namespace {
 

@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+using namespace marlowen;
+
 class TestNewRelief : public QObject
 {
     Q_OBJECT

@@ -1,11 +1,13 @@
 #include "ui/progressbox.h"
 
 #include "files/stlwriter.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 #include "ui/mainwindow.h"
 
 #include <QtTest>
 #include <QtWidgets>
+
+using namespace marlowen;
 
 namespace {
 

@@ -13,6 +13,8 @@
 #include <QtTest>
 #include <QtWidgets>
 
+using namespace marlowen;
+
 namespace {
 
 QIcon dot(const QColor &color)

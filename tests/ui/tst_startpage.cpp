@@ -4,7 +4,7 @@
 #include "files/workspacefile.h"
 #include "files/workspacethumbnail.h"
 #include "picture.h"
-#include "relief/relief.h"
+#include "relief/grid/relief.h"
 #include "ui/aboutbox.h"
 #include "ui/filethumbnail.h"
 
@@ -16,10 +16,12 @@
 #include <QToolButton>
 #include <QtTest>
 
+using namespace marlowen;
+
 namespace {
 
 /// A dome on empty ground, its centre in the upper half of the picture (high row numbers).
-std::unique_ptr<Relief> _dome(int width, int height)
+std::unique_ptr<Relief> dome(int width, int height)
 {
     auto relief = std::make_unique<Relief>(width, height);
     const double radius = height * 0.2;
@@ -201,7 +203,7 @@ private:
     QString _savedDome(const QString &name, int width = 120, int height = 80)
     {
         const QString path = m_folder->filePath(name);
-        const bool saved = bool(saveWorkspace(*_dome(width, height), path));
+        const bool saved = bool(saveWorkspace(*dome(width, height), path));
         QevSettings().setLastFile(path);
         return saved ? path : QString();
     }

@@ -15,6 +15,8 @@
 #include <QToolButton>
 #include <QtTest>
 
+using namespace marlowen;
+
 namespace {
 
 SliderField *_field(ToolPanel &panel, const char *name)
@@ -31,7 +33,7 @@ QCheckBox *_box(ToolPanel &panel, const char *text)
     return nullptr;
 }
 
-ChoiceRow *_choices(ToolPanel &panel, const char *label)
+ChoiceRow *choices(ToolPanel &panel, const char *label)
 {
     for (ChoiceRow *row : panel.findChildren<ChoiceRow *>()) {
         if (row->label()->text() == QLatin1String(label))
@@ -182,9 +184,9 @@ private slots:
         qDeleteAll(spies);
         QCOMPARE(m_panel->params().size, 0.4711);
         QCOMPARE(m_panel->params().strength, 0.123);
-        QCOMPARE(_choices(*m_panel, "Mode")->choice(), 2);
-        QCOMPARE(_choices(*m_panel, "Form")->choice(), 1);
-        QCOMPARE(_choices(*m_panel, "Falloff")->choice(), 2);
+        QCOMPARE(choices(*m_panel, "Mode")->choice(), 2);
+        QCOMPARE(choices(*m_panel, "Form")->choice(), 1);
+        QCOMPARE(choices(*m_panel, "Falloff")->choice(), 2);
         QVERIFY(_box(*m_panel, "X")->isChecked());
         QVERIFY(!_box(*m_panel, "Keep Transparency")->isChecked());
         QCOMPARE(_field(*m_panel, "Tool Size")->slider()->value(), 46);
@@ -197,8 +199,8 @@ private slots:
         QSignalSpy falloff(m_panel.get(), &ToolPanel::ToolFalloffChanged);
         QSignalSpy keep(m_panel.get(), &ToolPanel::ToolKeepTransparencyChanged);
         QSignalSpy symmetry(m_panel.get(), &ToolPanel::SymmetryYChanged);
-        QTest::mouseClick(_choices(*m_panel, "Mode")->button(1), Qt::LeftButton);
-        QTest::mouseClick(_choices(*m_panel, "Falloff")->button(3), Qt::LeftButton);
+        QTest::mouseClick(choices(*m_panel, "Mode")->button(1), Qt::LeftButton);
+        QTest::mouseClick(choices(*m_panel, "Falloff")->button(3), Qt::LeftButton);
         QTest::keyClick(_box(*m_panel, "Keep Transparency"), Qt::Key_Space);
         QTest::keyClick(_box(*m_panel, "Y"), Qt::Key_Space);
         QCOMPARE(mode[0][0].value<Tool::Mode>(), Tool::Raise);
@@ -251,7 +253,7 @@ private slots:
             {"Tool Size", _field(*m_panel, "Tool Size")},
             {"Tool Strength", _field(*m_panel, "Tool Strength")},
             {"Tool Hardness", _field(*m_panel, "Tool Hardness")},
-            {"Mode", _choices(*m_panel, "Mode")},
+            {"Mode", choices(*m_panel, "Mode")},
             {"Limit", limit ? limit : _box(*m_panel, "Ceiling")},
             {"Keep", _box(*m_panel, "Keep Transparency")},
             {"Decay", _box(*m_panel, "Decay Length")},
@@ -290,7 +292,7 @@ private slots:
 
     void alphaModesNeedAnAlphaBrush()
     {
-        ChoiceRow *modes = _choices(*m_panel, "Alpha");
+        ChoiceRow *modes = choices(*m_panel, "Alpha");
         QVERIFY(!modes->isEnabled());
         const float grey[]{0.0F, 1.0F, 1.0F, 0.0F};
         AlphaBrush::instance().setImage(grey, 2);

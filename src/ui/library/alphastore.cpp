@@ -4,7 +4,7 @@
 #include "files/alphaimage.h"
 #include "files/boundedimage.h"
 #include "import/wholeimage.h"
-#include "relief/alphabrush.h"
+#include "relief/tools/alphabrush.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -12,10 +12,12 @@
 #include <QFileInfo>
 
 // Outside any namespace, as the macro demands; without it the linker drops the resources.
-static void _initResources()
+static void initResources()
 {
     Q_INIT_RESOURCE(alphas);
 }
+
+namespace marlowen {
 
 namespace {
 
@@ -28,13 +30,13 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(AlphaStore)
 };
 
-QStringList _pictureFilters()
+QStringList pictureFilters()
 {
     return {"*.png", "*.jpg", "*.jpeg", "*.bmp"};
 }
 
 /// Null when the file cannot be read or lacks its end; decoders fill missing rows without a word.
-QImage _readWhole(const QString &path, int side)
+QImage readWhole(const QString &path, int side)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || imageCutShort(file))
@@ -42,7 +44,7 @@ QImage _readWhole(const QString &path, int side)
     return readImageWithin(path, side);
 }
 
-QString _freePath(const QFileInfo &source)
+QString freePath(const QFileInfo &source)
 {
     const QDir folder(alphaFolder());
     QString path = folder.filePath(source.fileName());
@@ -65,30 +67,30 @@ QString alphaFolder()
 
 QList<AlphaEntry> alphaEntries()
 {
-    _initResources();
+    ::initResources();
     QList<AlphaEntry> entries;
     const QDir builtIn(QLatin1String{builtInFolder});
     for (const QFileInfo &file : builtIn.entryInfoList(QDir::Files, QDir::Name))
         entries << AlphaEntry{file.completeBaseName().mid(orderDigits), file.filePath(), true};
     const QDir own(alphaFolder());
     for (const QFileInfo &file :
-         own.entryInfoList(_pictureFilters(), QDir::Files, QDir::Name | QDir::IgnoreCase))
+         own.entryInfoList(pictureFilters(), QDir::Files, QDir::Name | QDir::IgnoreCase))
         entries << AlphaEntry{file.completeBaseName(), file.filePath(), false};
     return entries;
 }
 
 QImage alphaThumbnail(const QString &path, int side)
 {
-    return _readWhole(path, side).convertToFormat(QImage::Format_Grayscale8);
+    return readWhole(path, side).convertToFormat(QImage::Format_Grayscale8);
 }
 
 Result<QString> addAlphaPicture(const QString &path)
 {
     const QString title = Texts::tr("Add Picture Failed");
     const QString name = QFileInfo(path).fileName();
-    if (!QDir::match(_pictureFilters(), name) || _readWhole(path, 16).isNull())
+    if (!QDir::match(pictureFilters(), name) || readWhole(path, 16).isNull())
         return Failure{title, Texts::tr("%1 is not a picture that can be read.").arg(name)};
-    const QString copy = _freePath(QFileInfo(path));
+    const QString copy = freePath(QFileInfo(path));
     if (!QFile::copy(path, copy))
         return Failure{title, Texts::tr("%1 could not be copied to the library.").arg(name)};
     return copy;
@@ -105,7 +107,7 @@ Outcome removeAlphaPicture(const QString &path)
 
 Outcome chooseAlpha(const QString &path)
 {
-    const FloatGrid grid = squareGrid(alphaGrid(_readWhole(path, largestSide)));
+    const FloatGrid grid = squareGrid(alphaGrid(readWhole(path, largestSide)));
     if (grid.width == 0)
         return Failure{
             Texts::tr("Open Failed"),
@@ -113,3 +115,5 @@ Outcome chooseAlpha(const QString &path)
     AlphaBrush::instance().setImage(grid.values.data(), grid.width);
     return {};
 }
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QString>
 
+namespace marlowen {
+
 /// A picture that can become the alpha brush.
 struct AlphaEntry
 {
@@ -35,3 +37,5 @@ Outcome removeAlphaPicture(const QString &path);
 /// Makes the picture the alpha brush: grey, padded to a square centred on black, at most 1024 cells
 /// wide. Fails with "Open Failed"; the alpha brush that was there stays.
 Outcome chooseAlpha(const QString &path);
+
+} // namespace marlowen

@@ -1,6 +1,6 @@
 #include "ui/library/librarypanel.h"
 
-#include "relief/alphabrush.h"
+#include "relief/tools/alphabrush.h"
 #include "ui/icons.h"
 #include "ui/library/alphastore.h"
 #include "ui/library/thumbnaildelegate.h"
@@ -19,6 +19,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+namespace marlowen {
+
 namespace {
 
 constexpr int thumbnailSide = 64;
@@ -26,7 +28,7 @@ constexpr QSize cell(84, 92);
 
 enum Role { PathRole = Qt::UserRole, BuiltInRole };
 
-QStringList _localFiles(const QMimeData *data)
+QStringList localFiles(const QMimeData *data)
 {
     QStringList files;
     for (const QUrl &url : data->urls()) {
@@ -265,14 +267,14 @@ QListWidgetItem *LibraryPanel::_itemOf(const QString &path) const
 
 void LibraryPanel::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!_localFiles(event->mimeData()).isEmpty())
+    if (!localFiles(event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
 void LibraryPanel::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
-    addPictures(_localFiles(event->mimeData()));
+    addPictures(localFiles(event->mimeData()));
 }
 
 void LibraryPanel::changeEvent(QEvent *event)
@@ -281,3 +283,5 @@ void LibraryPanel::changeEvent(QEvent *event)
     if (event->type() == QEvent::PaletteChange && m_list->count() > 0)
         _decorateNone();
 }
+
+} // namespace marlowen

@@ -12,6 +12,8 @@ class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
 
+namespace marlowen {
+
 /// Content of the library dock: thumbnails of the built-in alpha brushes and of the user's
 /// pictures, a search field, and a place to drop pictures on. Choosing a thumbnail sets the alpha
 /// brush of the process; "None" removes it.
@@ -59,3 +61,5 @@ private:
     QList<QListWidgetItem *> m_waiting; ///< for their thumbnails
     QFileSystemWatcher m_folder;
 };
+
+} // namespace marlowen

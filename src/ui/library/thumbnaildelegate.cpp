@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+namespace marlowen {
+
 namespace {
 
 constexpr int gap = 4;
@@ -41,3 +43,5 @@ void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
                       item.fontMetrics.elidedText(item.text, Qt::ElideRight, text.width() - gap));
     painter->restore();
 }
+
+} // namespace marlowen

@@ -2,6 +2,8 @@
 
 #include <QStyledItemDelegate>
 
+namespace marlowen {
+
 /// Draws an item of an icon view: its picture, framed in the accent colour when it is chosen, and
 /// its text under it, elided. The picture is as large as the view's icon size.
 class ThumbnailDelegate : public QStyledItemDelegate
@@ -14,3 +16,5 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 };
+
+} // namespace marlowen

@@ -13,6 +13,8 @@
 #include <QCheckBox>
 #include <QSignalBlocker>
 
+namespace marlowen {
+
 namespace {
 
 constexpr CommandRow commandRows[] = {
@@ -126,3 +128,5 @@ double EditPage::sample() const
 {
     return m_sample->value();
 }
+
+} // namespace marlowen

@@ -1,14 +1,17 @@
 #pragma once
 
-#include "relief/selections.h"
-#include "relief/toolparams.h"
+#include "relief/selection/selections.h"
+#include "relief/tools/toolparams.h"
 
 #include <QObject>
 
-class CommandSet;
-class NumberField;
 class QActionGroup;
 class QCheckBox;
+
+namespace marlowen {
+
+class CommandSet;
+class NumberField;
 class RibbonGroup;
 class RibbonPage;
 class SliderField;
@@ -49,3 +52,5 @@ private:
     QCheckBox *m_continuous = nullptr;
     NumberField *m_sample = nullptr;
 };
+
+} // namespace marlowen

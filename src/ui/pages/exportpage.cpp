@@ -6,6 +6,8 @@
 
 #include <QAction>
 
+namespace marlowen {
+
 namespace exportPage {
 
 namespace {
@@ -33,3 +35,5 @@ void build(RibbonPage &page, CommandSet &commands)
 }
 
 } // namespace exportPage
+
+} // namespace marlowen

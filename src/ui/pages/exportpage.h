@@ -1,5 +1,7 @@
 #pragma once
 
+namespace marlowen {
+
 class CommandSet;
 class RibbonPage;
 
@@ -10,3 +12,5 @@ void addCommands(CommandSet &commands);
 void build(RibbonPage &page, CommandSet &commands);
 
 } // namespace exportPage
+
+} // namespace marlowen

@@ -1,6 +1,6 @@
 #include "ui/pages/sizepage.h"
 
-#include "relief/physicalsize.h"
+#include "relief/grid/physicalsize.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
 #include "ui/ribbon/numberfield.h"
@@ -12,6 +12,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
+
+namespace marlowen {
 
 namespace {
 
@@ -208,3 +210,5 @@ void SizePage::_showLock()
     action->setIcon(icon(QLatin1String(state.icon)));
     action->setToolTip(tr(state.toolTip));
 }
+
+} // namespace marlowen

@@ -4,10 +4,13 @@
 
 #include <array>
 
-class CommandSet;
-class NumberField;
 class QComboBox;
 class QLabel;
+
+namespace marlowen {
+
+class CommandSet;
+class NumberField;
 class RibbonPage;
 
 /// What the page "Size" shows, in inches.
@@ -70,3 +73,5 @@ private:
     QLabel *m_imported = nullptr;
     QLabel *m_working = nullptr;
 };
+
+} // namespace marlowen

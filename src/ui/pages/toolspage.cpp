@@ -1,6 +1,6 @@
 #include "ui/pages/toolspage.h"
 
-#include "relief/tooltable.h"
+#include "relief/tools/tooltable.h"
 #include "ui/commandset.h"
 #include "ui/panels/toolnames.h"
 #include "ui/ribbon/ribbonbutton.h"
@@ -10,6 +10,8 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QCheckBox>
+
+namespace marlowen {
 
 namespace {
 
@@ -154,3 +156,5 @@ void ToolsPage::showLimit(Tool::Type type, bool on, const QString &reason)
         limit.box->setToolTip(why.isEmpty() ? limit.effect : why);
     }
 }
+
+} // namespace marlowen

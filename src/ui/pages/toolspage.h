@@ -1,13 +1,16 @@
 #pragma once
 
-#include "relief/tool.h"
+#include "relief/tools/tool.h"
 
 #include <QObject>
 
-class CommandSet;
 class QActionGroup;
 class QCheckBox;
 class QAction;
+
+namespace marlowen {
+
+class CommandSet;
 class RibbonPage;
 
 /// The actions that choose a tool, one a tool, exclusive; each carries its shortcut. "Erase" has a
@@ -58,3 +61,5 @@ private:
     QCheckBox *m_ceiling;
     QCheckBox *m_floor;
 };
+
+} // namespace marlowen

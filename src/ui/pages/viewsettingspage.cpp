@@ -1,6 +1,6 @@
 #include "ui/pages/viewsettingspage.h"
 
-#include "render/lightdirection.h"
+#include "render/light/lightdirection.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
 #include "ui/materialeditor.h"
@@ -14,6 +14,8 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QSignalBlocker>
+
+namespace marlowen {
 
 namespace {
 
@@ -207,3 +209,5 @@ void ViewSettingsPage::showTheme(bool dark)
     action->setText(dark ? tr("Light") : tr("Dark"));
     action->setIcon(icon(dark ? QStringLiteral("Theme Light") : QStringLiteral("Theme Dark")));
 }
+
+} // namespace marlowen

@@ -6,10 +6,13 @@
 
 #include <array>
 
-class CommandSet;
-class MaterialEditor;
 class QComboBox;
 class QLineEdit;
+
+namespace marlowen {
+
+class CommandSet;
+class MaterialEditor;
 class RibbonGallery;
 class RibbonPage;
 class SliderField;
@@ -70,3 +73,5 @@ struct PointerSize
 };
 inline constexpr std::array<PointerSize, 4> pointerSizes{
     {{"Normal", 100}, {"Large", 150}, {"Larger", 200}, {"Largest", 300}}};
+
+} // namespace marlowen

@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QToolButton>
 
+namespace marlowen {
+
 ChoiceRow::ChoiceRow(const QString &label, std::initializer_list<Choice> choices, QWidget *parent)
     : QWidget(parent)
     , m_label(new QLabel(label, this))
@@ -67,3 +69,5 @@ QToolButton *ChoiceRow::button(int index) const
 {
     return qobject_cast<QToolButton *>(m_group->button(index));
 }
+
+} // namespace marlowen

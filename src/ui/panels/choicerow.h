@@ -9,6 +9,8 @@ class QButtonGroup;
 class QLabel;
 class QToolButton;
 
+namespace marlowen {
+
 /// A label and a row of buttons of which one is down. Arrow keys move among the buttons.
 class ChoiceRow : public QWidget
 {
@@ -44,3 +46,5 @@ private:
     QLabel *m_label;
     QButtonGroup *m_group;
 };
+
+} // namespace marlowen

@@ -13,9 +13,11 @@
 
 #include <cmath>
 
+namespace marlowen {
+
 namespace {
 
-int _tenths(double degrees)
+int tenths(double degrees)
 {
     return int(std::lround(degrees * 10));
 }
@@ -56,11 +58,11 @@ const std::array<ImportPanel::NumberRow, ImportPanel::numberCount> &ImportPanel:
         {"Vertical", "Tilts the figure about the horizontal axis.",
          Range{-10, 10, 0.1, 2, 0, 1, QStringLiteral("°")},
          [](const ImportSettings &s) { return s.tiltVertical / 10.0; },
-         [](ImportSettings &s, double v) { s.tiltVertical = _tenths(v); }, true},
+         [](ImportSettings &s, double v) { s.tiltVertical = tenths(v); }, true},
         {"Horizontal", "Tilts the figure about the vertical axis.",
          Range{-10, 10, 0.1, 2, 0, 1, QStringLiteral("°")},
          [](const ImportSettings &s) { return s.tiltHorizontal / 10.0; },
-         [](ImportSettings &s, double v) { s.tiltHorizontal = _tenths(v); }, true},
+         [](ImportSettings &s, double v) { s.tiltHorizontal = tenths(v); }, true},
     }};
     return rows;
 }
@@ -194,3 +196,5 @@ void ImportPanel::_enable()
     showReason(*m_accept, tr("Ends the import; the relief is ready to be sculpted."),
                open ? QString() : closed);
 }
+
+} // namespace marlowen

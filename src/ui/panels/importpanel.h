@@ -11,6 +11,8 @@
 class QCheckBox;
 class QPushButton;
 
+namespace marlowen {
+
 /// The import controls, live on a session: every change reaches the session once a turn of the
 /// event loop, the latest values winning, so that a dragged slider keeps up on large pictures.
 ///
@@ -79,3 +81,5 @@ private:
     QPushButton *m_update = nullptr;
     QPushButton *m_accept = nullptr;
 };
+
+} // namespace marlowen

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace marlowen {
+
 void showReason(QWidget &control, const QString &hint, const QString &reason)
 {
     control.setEnabled(reason.isEmpty());
@@ -48,3 +50,5 @@ QLabel *addSection(QVBoxLayout &column, const QString &title)
     column.addWidget(label);
     return label;
 }
+
+} // namespace marlowen

@@ -7,6 +7,9 @@
 class QLabel;
 class QVBoxLayout;
 class QWidget;
+
+namespace marlowen {
+
 class SliderField;
 
 /// Enables the control when there is no reason against it and shows the hint; otherwise disables it
@@ -20,3 +23,5 @@ void alignFields(std::span<SliderField *const> fields, int labelWidth);
 
 /// Starts a titled section of a panel's column.
 QLabel *addSection(QVBoxLayout &column, const QString &title);
+
+} // namespace marlowen

@@ -6,9 +6,11 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
+namespace marlowen {
+
 namespace {
 
-QScrollArea *_scrolling(QWidget *panel)
+QScrollArea *scrolling(QWidget *panel)
 {
     auto *area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
@@ -28,6 +30,8 @@ SculptPanels::SculptPanels(ImportSession *session, QWidget *parent)
     , m_import(new ImportPanel(session))
 {
     setDocumentMode(true);
-    addTab(_scrolling(m_tool), tr("Tool"));
-    addTab(_scrolling(m_import), tr("Import"));
+    addTab(scrolling(m_tool), tr("Tool"));
+    addTab(scrolling(m_import), tr("Import"));
 }
+
+} // namespace marlowen

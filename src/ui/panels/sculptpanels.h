@@ -2,6 +2,8 @@
 
 #include <QTabWidget>
 
+namespace marlowen {
+
 class ImportPanel;
 class ImportSession;
 class ToolPanel;
@@ -24,3 +26,5 @@ private:
     ToolPanel *m_tool;
     ImportPanel *m_import;
 };
+
+} // namespace marlowen

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace marlowen {
+
 namespace {
 
 constexpr ToolName names[] = {
@@ -49,3 +51,5 @@ QString toolEffect(Tool::Type type)
         return {};
     return QCoreApplication::translate("ToolNames", name->effect);
 }
+
+} // namespace marlowen

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "relief/tooltable.h"
+#include "relief/tools/tooltable.h"
 
 #include <QString>
+
+namespace marlowen {
 
 /// A tool as people choose it; what it reads is in the engine's table.
 struct ToolName
@@ -19,3 +21,5 @@ QString longToolName(const ToolRow &row);
 
 /// What the tool does, in one sentence; empty for None.
 QString toolEffect(Tool::Type type);
+
+} // namespace marlowen

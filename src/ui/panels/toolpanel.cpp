@@ -15,12 +15,14 @@
 #include <cmath>
 #include <vector>
 
+namespace marlowen {
+
 namespace {
 
 constexpr double percentSteps = 100.0;
 
 /// A check box in the label column with the slider that it switches on.
-QWidget *_switchedRow(QCheckBox *box, SliderField *field)
+QWidget *switchedRow(QCheckBox *box, SliderField *field)
 {
     auto *row = new QWidget;
     auto *layout = new QHBoxLayout(row);
@@ -233,8 +235,8 @@ void ToolPanel::_arrange()
     column->addWidget(m_numbers[Aspect]);
     column->addWidget(m_numbers[Angle]);
     addSection(*column, tr("Stroke"));
-    column->addWidget(_switchedRow(m_checks[UseDecay], m_numbers[DecayLength]));
-    column->addWidget(_switchedRow(m_checks[SmoothPaths], m_numbers[SmoothLength]));
+    column->addWidget(switchedRow(m_checks[UseDecay], m_numbers[DecayLength]));
+    column->addWidget(switchedRow(m_checks[SmoothPaths], m_numbers[SmoothLength]));
     addSection(*column, tr("Symmetry"));
     auto *flags = new QHBoxLayout;
     flags->setSpacing(16);
@@ -394,3 +396,5 @@ void ToolPanel::_enableAlpha()
         reason = tr("Only Tile repeats the alpha brush.");
     showReason(*m_repeat, tr("Tiles across the brush."), reason);
 }
+
+} // namespace marlowen

@@ -1,17 +1,20 @@
 #pragma once
 
-#include "relief/alphabrush.h"
-#include "relief/tool.h"
-#include "relief/toolparams.h"
+#include "relief/tools/alphabrush.h"
+#include "relief/tools/tool.h"
+#include "relief/tools/toolparams.h"
 #include "ui/ribbon/sliderfield.h"
 
 #include <QWidget>
 
 #include <array>
 
-class ChoiceRow;
 class QCheckBox;
 class QComboBox;
+
+namespace marlowen {
+
+class ChoiceRow;
 
 /// The controls of the tool parameters, the relief's symmetry and invert flags and the alpha mode.
 /// Signals carry the values of the record (strength squared, size 0.01..1), not slider positions,
@@ -128,3 +131,5 @@ private:
     ChoiceRow *m_alphaMode = nullptr;
     SliderField *m_repeat = nullptr;
 };
+
+} // namespace marlowen

@@ -4,6 +4,8 @@
 #include <QTimer>
 #include <QWheelEvent>
 
+namespace marlowen {
+
 namespace {
 
 /// The number in a text without prefix and suffix; comma and point both part the decimals.
@@ -86,3 +88,5 @@ void NumberField::focusInEvent(QFocusEvent *event)
     if (event->reason() == Qt::MouseFocusReason)
         QTimer::singleShot(0, this, &QAbstractSpinBox::selectAll);
 }
+
+} // namespace marlowen

@@ -2,6 +2,8 @@
 
 #include <QDoubleSpinBox>
 
+namespace marlowen {
+
 /// A number that can be typed with a decimal comma or point, whatever the locale. Letters are
 /// refused, an empty field returns to the last value, numbers out of range are brought to the
 /// nearest end. The wheel acts only while the field has the focus, so that scrolling a panel
@@ -22,3 +24,5 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
 };
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 #include <QPainterPath>
 #include <QStyleOption>
 
+namespace marlowen {
+
 namespace {
 
 /// Saves the painter for the length of a scope.
@@ -232,3 +234,5 @@ void scrollBar(const QStyleOptionSlider &option, const QRect &handle, QPainter &
 }
 
 } // namespace Office2013Drawing
+
+} // namespace marlowen

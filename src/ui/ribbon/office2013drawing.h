@@ -8,6 +8,8 @@ class QStyleOptionComboBox;
 class QStyleOptionSlider;
 class QStyleOptionSpinBox;
 
+namespace marlowen {
+
 /// The pieces Office2013Style draws itself. Each paints in the colours of option->palette and
 /// leaves the painter as it found it.
 namespace Office2013Drawing {
@@ -28,3 +30,5 @@ void slider(const QStyleOptionSlider &option, const QRect &handle, QPainter &pai
 void scrollBar(const QStyleOptionSlider &option, const QRect &handle, QPainter &painter);
 
 } // namespace Office2013Drawing
+
+} // namespace marlowen

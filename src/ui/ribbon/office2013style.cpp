@@ -12,6 +12,8 @@
 #include <QTabBar>
 #include <QWidget>
 
+namespace marlowen {
+
 namespace {
 
 struct ThemeColors
@@ -278,3 +280,5 @@ void Office2013Style::drawComplexControl(ComplexControl control, const QStyleOpt
     }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
+
+} // namespace marlowen

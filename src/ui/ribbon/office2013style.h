@@ -4,6 +4,8 @@
 #include <QPalette>
 #include <QProxyStyle>
 
+namespace marlowen {
+
 /// Flat, quiet chrome over Fusion with one accent colour and a visible focus, light or dark.
 /// Install it with QApplication::setStyle; a later setTheme or setAccentColor takes effect at once
 /// in every window.
@@ -48,3 +50,5 @@ private:
     Theme m_theme = Light;
     QColor m_accent{46, 117, 182};
 };
+
+} // namespace marlowen

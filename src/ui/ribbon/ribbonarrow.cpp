@@ -2,6 +2,8 @@
 
 #include <QPainter>
 
+namespace marlowen {
+
 QIcon ribbonArrow(Qt::ArrowType direction, const QColor &color)
 {
     constexpr int side = 20;
@@ -24,3 +26,5 @@ QIcon ribbonArrow(Qt::ArrowType direction, const QColor &color)
     }
     return icon;
 }
+
+} // namespace marlowen

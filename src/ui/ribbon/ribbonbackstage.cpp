@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+namespace marlowen {
+
 RibbonBackstage::RibbonBackstage(const QString &title, QWidget *parent)
     : QWidget(parent)
     , m_side(new QWidget(this))
@@ -107,3 +109,5 @@ void RibbonBackstage::keyPressEvent(QKeyEvent *event)
     else
         QWidget::keyPressEvent(event);
 }
+
+} // namespace marlowen

@@ -3,6 +3,9 @@
 #include <QWidget>
 
 class QVBoxLayout;
+
+namespace marlowen {
+
 class RibbonButton;
 
 /// The page that lies over the whole window: a column of commands on the left, any content beside
@@ -40,3 +43,5 @@ private:
     QVBoxLayout *m_contentPlace;
     RibbonButton *m_back;
 };
+
+} // namespace marlowen

@@ -16,6 +16,8 @@
 
 #include <utility>
 
+namespace marlowen {
+
 RibbonBar::RibbonBar(QWidget *parent)
     : QWidget(parent)
     , m_quickAccess(new RibbonQuickAccessBar(this))
@@ -232,3 +234,5 @@ void RibbonBar::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), colors.chrome);
     painter.fillRect(QRect(0, height() - 1, width(), 1), colors.border);
 }
+
+} // namespace marlowen

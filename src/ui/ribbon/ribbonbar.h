@@ -6,6 +6,9 @@
 
 class QStackedWidget;
 class QTabBar;
+
+namespace marlowen {
+
 class RibbonButton;
 class RibbonPage;
 class RibbonQuickAccessBar;
@@ -70,3 +73,5 @@ private:
     bool m_floating = false;
     bool m_clickWasDouble = false;
 };
+
+} // namespace marlowen

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QStyleOptionToolButton>
 
+namespace marlowen {
+
 namespace {
 
 constexpr int largeIcon = 32;
@@ -176,3 +178,5 @@ void RibbonButton::_paintSmall(QPainter &painter, const QColor &ink) const
         Office2013Drawing::arrow(QRect(room - gap / 2, 0, arrowWidth, height()), ink, false,
                                  painter);
 }
+
+} // namespace marlowen

@@ -2,6 +2,8 @@
 
 #include <QToolButton>
 
+namespace marlowen {
+
 /// A command button of the ribbon in one of three forms. It draws itself: text of a large button
 /// may break into two lines. Takes the focus by keyboard only, so that a click leaves it where the
 /// user works.
@@ -45,3 +47,5 @@ private:
     bool m_accented = false;
     bool m_arrowShown = false;
 };
+
+} // namespace marlowen

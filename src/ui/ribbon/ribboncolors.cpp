@@ -1,5 +1,7 @@
 #include "ui/ribbon/ribboncolors.h"
 
+namespace marlowen {
+
 QColor mixedColor(const QColor &a, const QColor &b, double amount)
 {
     const auto channel = [amount](int from, int to) {
@@ -31,3 +33,5 @@ RibbonColors RibbonColors::of(const QPalette &palette)
     colors.disabledText = palette.color(QPalette::Disabled, QPalette::WindowText);
     return colors;
 }
+
+} // namespace marlowen

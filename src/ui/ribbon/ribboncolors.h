@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QPalette>
 
+namespace marlowen {
+
 /// The colours of quiet chrome with one accent, read from a palette so that every widget of the kit
 /// follows whatever palette is in force. `Highlight` is the accent, `Window` the chrome, `Base` the
 /// fields, `Mid` the border.
@@ -26,3 +28,5 @@ QColor mixedColor(const QColor &a, const QColor &b, double amount);
 
 /// True when text is lighter than the window: a dark palette.
 bool isDarkPalette(const QPalette &palette);
+
+} // namespace marlowen

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace marlowen {
+
 QWidget *firstFocusable(const QWidget *parent)
 {
     for (QWidget *next = parent->nextInFocusChain(); next && next != parent;
@@ -12,3 +14,5 @@ QWidget *firstFocusable(const QWidget *parent)
     }
     return nullptr;
 }
+
+} // namespace marlowen

@@ -5,6 +5,8 @@
 #include <QButtonGroup>
 #include <QGridLayout>
 
+namespace marlowen {
+
 RibbonGallery::RibbonGallery(QWidget *parent)
     : QWidget(parent)
     , m_grid(new QGridLayout(this))
@@ -37,3 +39,5 @@ void RibbonGallery::setCurrent(int id)
     if (QAbstractButton *button = m_buttons->button(id))
         button->setChecked(true);
 }
+
+} // namespace marlowen

@@ -6,6 +6,8 @@
 class QButtonGroup;
 class QGridLayout;
 
+namespace marlowen {
+
 /// A grid of small pictures of which one is chosen. Arrow keys move the choice.
 class RibbonGallery : public QWidget
 {
@@ -28,3 +30,5 @@ private:
     QGridLayout *m_grid;
     QButtonGroup *m_buttons;
 };
+
+} // namespace marlowen

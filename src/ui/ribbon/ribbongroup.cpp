@@ -11,6 +11,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+namespace marlowen {
+
 namespace {
 
 constexpr int rowsPerColumn = 3;
@@ -411,3 +413,5 @@ bool RibbonGroup::_moveFocus(int key)
     // Up from the first row is the bar's business.
     return best != nullptr || key != Qt::Key_Up;
 }
+
+} // namespace marlowen

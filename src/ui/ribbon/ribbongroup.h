@@ -6,6 +6,9 @@
 #include <vector>
 
 class QLabel;
+
+namespace marlowen {
+
 class RibbonButton;
 
 /// A titled group of controls on a ribbon page. Large buttons and tall widgets fill the height of
@@ -103,3 +106,5 @@ private:
     RibbonButton *m_drop = nullptr;
     QWidget *m_popup = nullptr;
 };
+
+} // namespace marlowen

@@ -7,6 +7,8 @@
 #include <QKeyEvent>
 #include <QShortcut>
 
+namespace marlowen {
+
 RibbonMainWindow::RibbonMainWindow(QWidget *parent)
     : QMainWindow(parent)
     , m_bar(new RibbonBar(this))
@@ -59,3 +61,5 @@ bool RibbonMainWindow::eventFilter(QObject *watched, QEvent *event)
     }
     return QMainWindow::eventFilter(watched, event);
 }
+
+} // namespace marlowen

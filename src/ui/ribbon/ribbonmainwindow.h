@@ -2,6 +2,8 @@
 
 #include <QMainWindow>
 
+namespace marlowen {
+
 class RibbonBackstage;
 class RibbonBar;
 class RibbonQuickAccessBar;
@@ -29,3 +31,5 @@ private:
     RibbonBackstage *m_backstage = nullptr;
     bool m_altAlone = false;
 };
+
+} // namespace marlowen

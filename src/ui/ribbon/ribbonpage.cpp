@@ -4,6 +4,8 @@
 
 #include <QEvent>
 
+namespace marlowen {
+
 RibbonPage::RibbonPage(const QString &title, QWidget *parent)
     : QWidget(parent)
     , m_title(title)
@@ -85,3 +87,5 @@ void RibbonPage::_arrange()
     }
     m_arranging = false;
 }
+
+} // namespace marlowen

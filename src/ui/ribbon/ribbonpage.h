@@ -4,6 +4,8 @@
 
 #include <vector>
 
+namespace marlowen {
+
 class RibbonGroup;
 
 /// One tab of the ribbon: groups from left to right, the rest of the width empty. Groups give way
@@ -34,3 +36,5 @@ private:
     bool m_arranging = false;
     std::vector<RibbonGroup *> m_groups;
 };
+
+} // namespace marlowen

@@ -4,6 +4,8 @@
 
 #include <QHBoxLayout>
 
+namespace marlowen {
+
 RibbonQuickAccessBar::RibbonQuickAccessBar(QWidget *parent)
     : QWidget(parent)
     , m_row(new QHBoxLayout(this))
@@ -30,3 +32,5 @@ RibbonButton *RibbonQuickAccessBar::addCommand(QAction *action)
     m_row->addWidget(button);
     return button;
 }
+
+} // namespace marlowen

@@ -3,6 +3,9 @@
 #include <QWidget>
 
 class QHBoxLayout;
+
+namespace marlowen {
+
 class RibbonButton;
 
 /// The few commands that are always at hand, as a row of small buttons before the tabs.
@@ -20,3 +23,5 @@ public:
 private:
     QHBoxLayout *m_row;
 };
+
+} // namespace marlowen

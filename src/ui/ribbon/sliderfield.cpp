@@ -11,6 +11,8 @@
 
 #include <cmath>
 
+namespace marlowen {
+
 SliderField::SliderField(const QString &label, const Range &range, QWidget *parent)
     : QWidget(parent)
     , m_label(new QLabel(label, this))
@@ -137,3 +139,5 @@ bool SliderField::eventFilter(QObject *watched, QEvent *event)
     }
     return QWidget::eventFilter(watched, event);
 }
+
+} // namespace marlowen

@@ -3,9 +3,12 @@
 #include <QString>
 #include <QWidget>
 
-class NumberField;
 class QLabel;
 class QSlider;
+
+namespace marlowen {
+
+class NumberField;
 
 /// A labelled slider that shows its number and takes a typed one. The wheel works on the slider
 /// (Shift for page steps) and on the focused number; a double-click on the slider returns the
@@ -66,3 +69,5 @@ private:
     QSlider *m_slider = nullptr;
     NumberField *m_number = nullptr;
 };
+
+} // namespace marlowen

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace marlowen {
+
+/// A grid of 32-bit values on its own: row-major (index = row * width + column), row 0 first,
+/// width * height values.
+struct FloatGrid
+{
+    FloatGrid() = default;
+    FloatGrid(int columns, int rows)
+        : width(columns)
+        , height(rows)
+        , values(static_cast<size_t>(columns) * static_cast<size_t>(rows))
+    {
+    }
+    FloatGrid(int columns, int rows, std::vector<float> cells)
+        : width(columns)
+        , height(rows)
+        , values(std::move(cells))
+    {
+    }
+
+    float *row(int index) { return values.data() + static_cast<size_t>(index) * columns(); }
+    const float *row(int index) const
+    {
+        return values.data() + static_cast<size_t>(index) * columns();
+    }
+    size_t columns() const { return static_cast<size_t>(width); }
+    qsizetype cells() const { return static_cast<qsizetype>(width) * height; }
+
+    int width = 0;
+    int height = 0;
+    std::vector<float> values;
+};
+
+/// A grid of values that lie elsewhere, in the same order.
+struct GridView
+{
+    const float *values = nullptr;
+    int width = 0;
+    int height = 0;
+
+    const float *row(int index) const
+    {
+        return values + static_cast<size_t>(index) * static_cast<size_t>(width);
+    }
+    qsizetype cells() const { return static_cast<qsizetype>(width) * height; }
+};
+
+} // namespace marlowen

@@ -1,0 +1,114 @@
+#include "relief/grid/gridlayer.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include <sys/mman.h>
+
+namespace marlowen {
+
+namespace {
+
+/// Layers from this size on are mapped: the system hands out its own zeros page by page, on the
+/// first write. The heap would clear memory that it has handed out before.
+constexpr size_t mappedBytes = size_t{1} << 20;
+
+size_t _bytes(qsizetype size)
+{
+    return static_cast<size_t>(size) * sizeof(float);
+}
+
+/// Asks for large pages behind a large block: the first write to fresh memory costs several times
+/// the write itself, most of it once a page. A system that has none changes nothing.
+void preferLargePages(void *data, size_t bytes)
+{
+#ifdef MADV_HUGEPAGE
+    constexpr uintptr_t page = uintptr_t{2} << 20;
+    const uintptr_t start = (reinterpret_cast<uintptr_t>(data) + page - 1) / page * page;
+    const uintptr_t end = (reinterpret_cast<uintptr_t>(data) + bytes) / page * page;
+    if (start < end)
+        madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE);
+#else
+    (void)data;
+    (void)bytes;
+#endif
+}
+
+float *map(size_t bytes)
+{
+    void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        throw std::bad_alloc();
+    preferLargePages(memory, bytes);
+    return static_cast<float *>(memory);
+}
+
+float *allocate(qsizetype size)
+{
+    if (_bytes(size) >= mappedBytes)
+        return map(_bytes(size));
+    void *memory = std::calloc(_bytes(size) + 1, 1);
+    if (!memory)
+        throw std::bad_alloc();
+    return static_cast<float *>(memory);
+}
+
+void release(float *memory, qsizetype size)
+{
+    if (memory && _bytes(size) >= mappedBytes)
+        munmap(memory, _bytes(size));
+    else
+        std::free(memory);
+}
+
+} // namespace
+
+GridLayer::GridLayer(qsizetype size)
+    : m_data(allocate(size))
+    , m_size(size)
+{
+}
+
+GridLayer::GridLayer(GridLayer &&other) noexcept
+{
+    swap(other);
+}
+
+GridLayer &GridLayer::operator=(GridLayer &&other) noexcept
+{
+    GridLayer taken(std::move(other));
+    swap(taken);
+    return *this;
+}
+
+GridLayer::~GridLayer()
+{
+    release(m_data, m_size);
+}
+
+void GridLayer::clear()
+{
+    if (m_written)
+        std::memset(m_data, 0, _bytes(m_size));
+    m_written = false;
+}
+
+void GridLayer::copyFrom(const GridLayer &other)
+{
+    if (!other.written())
+        clear();
+    else
+        std::memcpy(data(), other.constData(), _bytes(m_size));
+}
+
+void GridLayer::swap(GridLayer &other) noexcept
+{
+    std::swap(m_data, other.m_data);
+    std::swap(m_size, other.m_size);
+    std::swap(m_written, other.m_written);
+}
+
+} // namespace marlowen

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QPointer>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class QAction;
+
+namespace marlowen {
+
+/// One change that can be taken back. `undone` is false while the change is in force; `groupEnd`
+/// marks the last event of one user action.
+class SculptUndoEvent
+{
+public:
+    virtual ~SculptUndoEvent() = default;
+    virtual void undo() = 0;
+    virtual void redo() = 0;
+    /// Bytes the event accounts for.
+    virtual uint32_t size() const = 0;
+
+    bool undone = false;
+    bool groupEnd = false;
+};
+
+/// The linear history of one relief, bounded by the bytes its events account for. Works with or
+/// without actions attached. A stroke in progress is ended before its history is stepped through:
+/// what it changed is no event yet.
+class SculptUndo
+{
+public:
+    static constexpr uint32_t byteLimit = 300000000;
+
+    /// Weak references: the actions whose enabled state follows the stack.
+    void setActions(QAction *undoAction, QAction *redoAction);
+
+    /// Records a change that is already in force; drops the redo tail, trims the oldest events.
+    void push(std::unique_ptr<SculptUndoEvent> event);
+    /// Step by one group; nothing at the ends.
+    void undo();
+    void redo();
+    /// Marks the event just below the cursor, if any, as the last of its group.
+    void markGroupEnd();
+    /// Forgets everything, as for a new relief.
+    void clear();
+
+    int cursor() const { return m_cursor; }
+    int count() const { return static_cast<int>(m_events.size()); }
+    uint32_t totalSize() const { return m_total; }
+    bool canUndo() const { return m_cursor >= 1; }
+    bool canRedo() const { return m_cursor < count(); }
+
+private:
+    void _updateActions();
+
+    std::vector<std::unique_ptr<SculptUndoEvent>> m_events;
+    int m_cursor = 0;
+    uint32_t m_total = 0;
+    QPointer<QAction> m_undoAction;
+    QPointer<QAction> m_redoAction;
+};
+
+} // namespace marlowen

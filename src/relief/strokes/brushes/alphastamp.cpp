@@ -1,0 +1,45 @@
+#include "relief/strokes/brushes/brushes.h"
+#include "relief/strokes/dab.h"
+
+#include <algorithm>
+
+namespace marlowen {
+
+namespace {
+
+/// `direction` is 1 to raise, -1 to lower. Each dab goes two fifths of the way to the stamp's
+/// level; a cell already beyond it is set to it.
+CELL_LOOP bool stamp(const Dab &dab, float direction)
+{
+    const auto depth = static_cast<float>(dab.relief.diagonal() * 0.04 * dab.params().strength);
+    const float signedDepth = direction * depth;
+    return paintHeights(dab, [=, &dab](const CellSpan &row) {
+        const float *snapshot = rowUnder(dab, dab.relief.snapshotLayer(), row);
+        return [=](const CellSpan &span, int i, float height) CELL_INLINE {
+            const float offset = signedDepth * span.weight[i] * span.unmasked[i];
+            const float level = std::max(0.0F, snapshot[i] + offset);
+            const float way = level - height;
+            const float next = way * direction >= 0.0F ? height + way * 0.4F : level;
+            return std::max(0.0F, next);
+        };
+    });
+}
+
+} // namespace
+
+bool dabStampRaise(const Dab &dab)
+{
+    return stamp(dab, 1.0F);
+}
+
+bool dabStampLower(const Dab &dab)
+{
+    return stamp(dab, -1.0F);
+}
+
+bool dabStampClay(const Dab &dab)
+{
+    return stamp(dab, dab.relief.invert ? -1.0F : 1.0F);
+}
+
+} // namespace marlowen

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "relief/selection/selections.h"
+#include "relief/tools/toolparams.h"
+
+#include <QPointF>
+#include <QRegion>
+
+namespace marlowen {
+
+class Relief;
+class Tool;
+class SculptUndo;
+
+/// Runs strokes on one relief: press, drag, release. Owns neither the relief nor the undo stack;
+/// both outlive their time in the engine. Points are stroke points (cells from the relief's
+/// centre); points that are NaN, infinite or farther than 1e9 cells away are ignored. A stroke
+/// whose grid was replaced in the middle of it ends without a trace.
+class SculptEngine
+{
+public:
+    SculptEngine() = default;
+
+    /// The relief and history that the next strokes work on; either may be null. A stroke still in
+    /// progress on the old relief is ended first.
+    void attach(Relief *relief, SculptUndo *undo);
+    Relief *relief() const { return m_relief; }
+
+    /// What a magic selection does with the selection that is there.
+    void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
+
+    /// Ends a stroke still in progress, then begins one; the first dab is applied at once. Sample,
+    /// Magic and Fill do all their work here; shape selections and Crop do nothing. The parameters
+    /// and the alpha image are those of this moment until the stroke ends. `finalPoint` makes no
+    /// difference to a stroke's first point.
+    void beginStroke(const ToolParams &params, QPointF point, bool finalPoint = false);
+    /// Resamples the way to the point into the Tool's pending points.
+    void addStrokePoint(QPointF point, bool finalPoint = false);
+    /// Applies pending points and sets the heights-changed flag. Smoothed paths wait for whole
+    /// groups of points.
+    void flush();
+    /// One dab and its mirror images.
+    void applyAt(QPointF point);
+    /// Adds the last point (unless `hit` is false: then the stroke ends where it was), applies what
+    /// is pending, pushes the undo event, releases the Tool.
+    void endStroke(QPointF point, bool hit = true);
+    /// True from the beginning of a stroke (of a tool that has one) to its end.
+    bool stroking() const;
+
+private:
+    Tool *_currentTool();
+    void _applyPending(bool all);
+    void _dabAt(QPointF point, QPointF shift, int image);
+    void _fill();
+    void _pushEvent();
+
+    Relief *m_relief = nullptr;
+    SculptUndo *m_undo = nullptr;
+    SelectionModifier m_modifier = SelectionModifier::Normal;
+    const float *m_snapshot = nullptr; ///< the snapshot's memory when the stroke began
+};
+
+} // namespace marlowen

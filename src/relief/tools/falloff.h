@@ -1,0 +1,31 @@
+#pragma once
+
+#include "relief/tools/tool.h"
+
+namespace marlowen {
+
+/// True when an alpha image is loaded that gives the tool its shape in place of an outline (any
+/// mode but Tile).
+bool alphaShapes(const ToolParams &params);
+
+/// Weight 0..1 of a footprint cell, from its distance to the outline, the falloff profile, the
+/// hardness and the alpha image. The map is dimension x dimension; cells off it count as lying at
+/// its very middle.
+double falloffWeight(const ToolParams &params, const double *distanceMap, int column, int row,
+                     int dimension);
+
+/// A footprint and its distance map, dimension x dimension each.
+struct FootprintMap
+{
+    const unsigned char *footprint;
+    const double *distance;
+    int dimension;
+};
+
+/// falloffWeight() of every cell within `reach` of the middle: (2 reach + 1) squared values and one
+/// extent a row (see FootprintWeights). Weights are computed in doubles and kept as floats: their
+/// error of 6e-8 is below what a 32-bit height can show.
+void computeWeights(const ToolParams &params, const FootprintMap &map, int reach, float *weights,
+                    FootprintWeights::Extent *extents);
+
+} // namespace marlowen

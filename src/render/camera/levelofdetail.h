@@ -1,0 +1,35 @@
+#pragma once
+
+#include "render/camera/camera.h"
+
+#include <QRect>
+
+namespace marlowen {
+
+/// The cells of a relief that may be on screen: the smallest rectangle around what of the box lies
+/// inside the viewport, whatever the rotation; a little too large rather than too small. Empty when
+/// nothing is.
+QRect visibleCells(const ReliefBox &box, const ViewMatrices &view);
+
+/// The visible rectangle with 20 % more on each side, clipped to a grid of this size.
+QRect widenedRegion(const QRect &visible, QSize grid);
+
+/// Cells a vertex so that there is never more than about one vertex a logical pixel.
+int lodStepFor(const QRect &region, QSize widget);
+
+/// What a mesh was laid out for: the cells it covers and the cells a vertex.
+struct MeshLayout
+{
+    QRect region;
+    int step = 1;
+};
+
+/// The layout for these visible cells.
+MeshLayout layoutFor(const QRect &visible, QSize grid, QSize widget);
+
+/// True when a mesh no longer serves: it covers nothing, visible cells lie outside its region
+/// (which happens before they have grown to more than 1.4 times what they were), or it is coarser
+/// than is due for them, or more than twice as fine.
+bool needsRebuild(const MeshLayout &mesh, const QRect &visible, QSize grid, QSize widget);
+
+} // namespace marlowen

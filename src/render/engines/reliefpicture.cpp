@@ -1,0 +1,82 @@
+#include "render/engines/reliefpicture.h"
+
+#include "render/camera/depthimage.h"
+
+#include <QOpenGLFramebufferObject>
+#include <QOpenGLFunctions_2_1>
+
+namespace marlowen {
+
+ReliefPicture::ReliefPicture() = default;
+ReliefPicture::~ReliefPicture() = default;
+
+bool ReliefPicture::resize(QSize size)
+{
+    if (size.isEmpty()) {
+        m_buffer.reset();
+        return false;
+    }
+    if (m_buffer && m_buffer->size() == size)
+        return false;
+    QOpenGLFramebufferObjectFormat format;
+    format.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
+    // Without alpha: the half-transparent floor is blended with the backdrop here, once.
+    format.setInternalTextureFormat(GL_RGB8);
+    m_buffer = std::make_unique<QOpenGLFramebufferObject>(size, format);
+    if (!m_buffer->isValid())
+        m_buffer.reset();
+    return true;
+}
+
+void ReliefPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop)
+{
+    m_buffer->bind();
+    gl.glViewport(0, 0, m_buffer->width(), m_buffer->height());
+    gl.glDepthMask(GL_TRUE);
+    gl.glClearColor(backdrop.redF(), backdrop.greenF(), backdrop.blueF(), 1.0F);
+    gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+}
+
+void ReliefPicture::end()
+{
+    m_buffer->release();
+}
+
+void ReliefPicture::draw(QOpenGLFunctions_2_1 &gl) const
+{
+    drawTextureOverViewport(gl, m_buffer->texture());
+}
+
+void ReliefPicture::readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const
+{
+    if (depth.size() != m_buffer->size())
+        depth.resize(m_buffer->size());
+    m_buffer->bind();
+    gl.glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    gl.glReadPixels(0, 0, m_buffer->width(), m_buffer->height(), GL_DEPTH_COMPONENT, GL_FLOAT,
+                    depth.data());
+    m_buffer->release();
+}
+
+void drawTextureOverViewport(QOpenGLFunctions_2_1 &gl, uint32_t texture)
+{
+    gl.glMatrixMode(GL_PROJECTION);
+    gl.glLoadIdentity();
+    gl.glMatrixMode(GL_MODELVIEW);
+    gl.glLoadIdentity();
+    gl.glEnable(GL_TEXTURE_2D);
+    gl.glBindTexture(GL_TEXTURE_2D, texture);
+    gl.glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
+    gl.glBegin(GL_TRIANGLE_STRIP);
+    for (int corner = 0; corner < 4; ++corner) {
+        const int x = corner & 1;
+        const int y = corner >> 1;
+        gl.glTexCoord2i(x, y);
+        gl.glVertex2i(2 * x - 1, 2 * y - 1);
+    }
+    gl.glEnd();
+    gl.glBindTexture(GL_TEXTURE_2D, 0);
+    gl.glDisable(GL_TEXTURE_2D);
+}
+
+} // namespace marlowen

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QColor>
+#include <QSize>
+
+#include <cstdint>
+#include <memory>
+
+class QOpenGLFramebufferObject;
+class QOpenGLFunctions_2_1;
+
+namespace marlowen {
+
+class DepthImage;
+
+/// The drawn relief, kept with its depth in a framebuffer object so that overlays can change
+/// without drawing it again. Every call, the destructor included, needs the view's context.
+class ReliefPicture
+{
+public:
+    ReliefPicture();
+    ~ReliefPicture();
+
+    /// Physical pixels. True when the picture was made anew and has no content.
+    bool resize(QSize size);
+    bool isValid() const { return m_buffer != nullptr; }
+
+    /// Directs drawing into the picture, cleared to this colour, until end().
+    void begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop);
+    void end();
+
+    /// Fills the current viewport with it. Matrices are lost.
+    void draw(QOpenGLFunctions_2_1 &gl) const;
+    void readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const;
+
+private:
+    std::unique_ptr<QOpenGLFramebufferObject> m_buffer;
+};
+
+/// A texture stretched over the current viewport, colours as they are. Matrices are lost.
+void drawTextureOverViewport(QOpenGLFunctions_2_1 &gl, uint32_t texture);
+
+} // namespace marlowen

@@ -1,0 +1,146 @@
+#pragma once
+
+#include <QOpenGLTexture>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+class QOpenGLFunctions_2_1;
+
+namespace marlowen {
+
+/// What a view wants drawn: the lit relief of the 3D view or the height-coloured one of the 2D
+/// view.
+enum ShaderType : int32_t { Shader3d, Shader2d };
+
+/// A block of vertices of a row-major vertex grid: `rows` runs of `count` vertices, the first run
+/// starting at vertex `first`, each next one `stride` vertices later.
+struct VertexBlock
+{
+    uint32_t first = 0;
+    uint32_t count = 0;
+    uint32_t rows = 1;
+    uint32_t stride = 0;
+};
+
+/// Draws one relief from vertex data that a view built. A view creates it with
+/// ShaderFactory::getShader, owns it, and per frame calls bind, draw, release. Every call, the
+/// destructor included, needs the view's OpenGL context to be current.
+///
+/// The arrays given to setData stay the caller's and must live, at the same addresses, until the
+/// next setData or setVertices: the legacy engine draws straight from them and the buffer engine
+/// reads the changed vertices from them in updateVertices.
+class Shader
+{
+public:
+    virtual ~Shader();
+
+    /// Makes the program current, reads the current fixed-function modelview and projection
+    /// matrices, uploads the fields below, binds the floor texture to unit 0 and enables blending.
+    virtual void bind() = 0;
+    /// Undoes what bind enabled.
+    virtual void release() = 0;
+    /// Issues the strips; draws nothing while the data is incomplete or the index array is empty.
+    virtual void draw() = 0;
+    /// Replaces the whole data; sizes in bytes.
+    ///  - positions: x, y, z a vertex;  - normals: x, y, z a vertex, of any length (the 2D classes
+    ///    ignore them);  - selection: one float a vertex, 0 is not selected;
+    ///  - indices: triangle strips, one after another, separated by 0xFFFFFFFF.
+    virtual void setData(const float *positions, uint32_t positionBytes, const float *normals,
+                         uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
+                         const uint32_t *indices, uint32_t indexBytes) = 0;
+
+    /// Replaces the vertices and keeps the indices of the last setData: for a grid of the same
+    /// number of columns and rows as before. Layout as in setData.
+    virtual void setVertices(const float *positions, const float *normals, const float *selection,
+                             uint32_t vertexCount) = 0;
+    /// Takes over vertices that the caller changed in place in the arrays last given. Parts of the
+    /// block beyond the data are ignored.
+    virtual void updateVertices(const VertexBlock &block) = 0;
+
+    /// Bytes handed to OpenGL since construction; the legacy engine uploads none.
+    uint64_t uploadedVertexBytes() const { return m_uploadedVertexBytes; }
+    uint64_t uploadedIndexBytes() const { return m_uploadedIndexBytes; }
+
+    using Vector3 = std::array<float, 3>;
+    using Rgba = std::array<float, 4>; ///< 0..1; a material's alpha is the strength of its term
+
+    /// Written by the views and the material controls between frames; used by the next bind.
+    int32_t size = 1; ///< the relief's larger dimension in cells
+    Vector3 lightPosition = {0.0F, 0.0F,
+                             0.0F}; ///< used as a direction in model space, unnormalised
+    Rgba ambient = {0.0F, 0.0F, 0.0F, 1.0F};
+    Rgba diffuse = {1.0F, 1.0F, 1.0F, 1.0F};
+    Rgba specular = {0.0F, 0.0F, 0.0F, 1.0F};
+    float shininess = 0.0F;
+    float colorOffset = 0.0F; ///< shifts the height colours, period 255
+    float minZ = 0.0F;        ///< range of the height colours, in the z of the vertices
+    float maxZ = 0.0F;
+
+protected:
+    /// Where each uniform lives in the program; -1 where the program has none.
+    struct Locations
+    {
+        int32_t modelview = -1;
+        int32_t projection = -1;
+        int32_t normalMatrix = -1;
+        int32_t lightPosition = -1;
+        int32_t ambientMaterial = -1;
+        int32_t diffuseMaterial = -1;
+        int32_t specularMaterial = -1;
+        int32_t shinyness = -1;
+        int32_t colorOffset = -1;
+        int32_t textureUnit0 = -1;
+        int32_t size = -1;
+        int32_t minZ = -1;
+        int32_t maxZ = -1;
+    };
+
+    /// Loads the floor pattern; throws a C string when the context has no OpenGL 2.1 functions.
+    Shader();
+    Shader(const Shader &) = delete;
+    Shader &operator=(const Shader &) = delete;
+
+    /// Builds the program of the two resource files and looks up the uniforms of the kind. Throws a
+    /// C string when it does not compile or link; the compile log goes to the debug messages.
+    void _buildProgram(const char *vertexFile, const char *fragmentFile, ShaderType type);
+    /// What bind does on both engines.
+    void _bindProgram(ShaderType type);
+
+    uint32_t m_program = 0;
+    uint32_t m_positionBytes = 0;
+    uint32_t m_normalBytes = 0;
+    uint32_t m_selectionBytes = 0;
+    uint32_t m_indexBytes = 0;
+    std::unique_ptr<QOpenGLTexture> m_checkerboard;
+    std::array<float, 16> m_modelview = {}; ///< column-major, as of the last bind
+    std::array<float, 16> m_projection = {};
+    std::array<float, 9> m_normalMatrix = {};
+    Locations m_locations;
+    uint64_t m_uploadedVertexBytes = 0;
+    uint64_t m_uploadedIndexBytes = 0;
+    QOpenGLFunctions_2_1 *m_gl = nullptr; ///< owned by the context
+
+private:
+    void _uploadMaterial();
+};
+
+/// The drawing engines: OpenGL 3.3 buffer objects, or OpenGL 2.1 immediate mode.
+enum class DrawingEngine { Vbo, Legacy };
+
+/// The engine for an OpenGL version string such as "4.5 (Compatibility Profile) Mesa": buffers from
+/// 3.3 on unless the legacy engine is asked for. Only the number the string begins with counts,
+/// whatever the locale.
+DrawingEngine drawingEngineFor(const char *version, bool useLegacyShader);
+
+class ShaderFactory
+{
+public:
+    /// A new object for the current OpenGL context, owned by the caller; null for an unknown type.
+    /// Obeys the setting "useLegacyShader". Ends the process when there is no context; throws a C
+    /// string when a program does not compile or link.
+    static Shader *getShader(ShaderType type);
+};
+
+} // namespace marlowen

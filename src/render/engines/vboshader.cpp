@@ -1,0 +1,178 @@
+#include "render/engines/vboshader.h"
+
+#include <QOpenGLContext>
+#include <QOpenGLFunctions_3_3_Core>
+#include <QOpenGLVersionFunctionsFactory>
+
+#include <algorithm>
+
+namespace marlowen {
+
+namespace {
+
+constexpr uint32_t stripEnd = 0xFFFFFFFF;
+
+QOpenGLFunctions_3_3_Core *currentFunctions()
+{
+    QOpenGLContext *context = QOpenGLContext::currentContext();
+    return context ? QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_3_3_Core>(context)
+                   : nullptr;
+}
+
+} // namespace
+
+VboEngine::VboEngine(ShaderType type)
+    : m_type(type)
+    , m_buffers(currentFunctions())
+{
+    if (!m_buffers)
+        throw "OpenGL 3.3 is not available...aborting!";
+    m_attributes.push_back({3});
+    if (type == Shader3d)
+        m_attributes.push_back({3});
+    m_attributes.push_back({1});
+
+    m_buffers->glGenVertexArrays(1, &m_vertexArray);
+    for (Attribute &attribute : m_attributes)
+        m_buffers->glGenBuffers(1, &attribute.buffer);
+    m_buffers->glGenBuffers(1, &m_indexBuffer);
+}
+
+VboEngine::~VboEngine()
+{
+    m_buffers = currentFunctions();
+    if (!m_buffers)
+        return;
+    for (const Attribute &attribute : m_attributes)
+        m_buffers->glDeleteBuffers(1, &attribute.buffer);
+    m_buffers->glDeleteBuffers(1, &m_indexBuffer);
+    m_buffers->glDeleteVertexArrays(1, &m_vertexArray);
+}
+
+void VboEngine::setData(const float *positions, uint32_t positionBytes, const float *normals,
+                        uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
+                        const uint32_t *indices, uint32_t indexBytes)
+{
+    m_positionBytes = positionBytes;
+    m_normalBytes = m_type == Shader3d ? normalBytes : 0;
+    m_selectionBytes = selectionBytes;
+    m_indexBytes = indexBytes;
+
+    m_buffers->glBindVertexArray(m_vertexArray);
+    _uploadVertices(positions, normals, selection);
+    m_buffers->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indexBuffer);
+    m_buffers->glBufferData(GL_ELEMENT_ARRAY_BUFFER, indexBytes, indices, GL_STATIC_DRAW);
+    m_uploadedIndexBytes += indexBytes;
+    // One more attribute over the selection buffer, which no program reads.
+    const auto unread = static_cast<GLuint>(m_attributes.size());
+    m_buffers->glEnableVertexAttribArray(unread);
+    m_buffers->glVertexAttribPointer(unread, 1, GL_UNSIGNED_INT, GL_FALSE, 0, nullptr);
+    m_buffers->glBindVertexArray(0);
+    m_buffers->glBindBuffer(GL_ARRAY_BUFFER, 0);
+    m_buffers->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+}
+
+void VboEngine::setVertices(const float *positions, const float *normals, const float *selection,
+                            uint32_t vertexCount)
+{
+    m_positionBytes = 3 * vertexCount * uint32_t(sizeof(float));
+    m_normalBytes = m_type == Shader3d ? m_positionBytes : 0;
+    m_selectionBytes = vertexCount * uint32_t(sizeof(float));
+
+    m_buffers->glBindVertexArray(m_vertexArray);
+    _uploadVertices(positions, normals, selection);
+    m_buffers->glBindVertexArray(0);
+    m_buffers->glBindBuffer(GL_ARRAY_BUFFER, 0);
+}
+
+void VboEngine::_uploadVertices(const float *positions, const float *normals,
+                                const float *selection)
+{
+    m_attributes.front().data = positions;
+    m_attributes.front().bytes = m_positionBytes;
+    if (m_type == Shader3d) {
+        m_attributes[1].data = normals;
+        m_attributes[1].bytes = m_normalBytes;
+    }
+    m_attributes.back().data = selection;
+    m_attributes.back().bytes = m_selectionBytes;
+
+    for (size_t i = 0; i < m_attributes.size(); ++i) {
+        const Attribute &attribute = m_attributes[i];
+        const auto index = static_cast<GLuint>(i);
+        m_buffers->glBindBuffer(GL_ARRAY_BUFFER, attribute.buffer);
+        m_buffers->glBufferData(GL_ARRAY_BUFFER, attribute.bytes, attribute.data, GL_STATIC_DRAW);
+        m_buffers->glEnableVertexAttribArray(index);
+        m_buffers->glVertexAttribPointer(index, static_cast<GLint>(attribute.floats), GL_FLOAT,
+                                         GL_FALSE, 0, nullptr);
+        m_uploadedVertexBytes += attribute.bytes;
+    }
+}
+
+void VboEngine::updateVertices(const VertexBlock &given)
+{
+    VertexBlock block = given;
+    if (block.stride == block.count) {
+        block.count *= block.rows;
+        block.rows = 1;
+    }
+    for (const Attribute &attribute : m_attributes) {
+        if (!attribute.data)
+            continue;
+        const uint64_t vertexBytes = attribute.floats * sizeof(float);
+        m_buffers->glBindBuffer(GL_ARRAY_BUFFER, attribute.buffer);
+        for (uint32_t row = 0; row < block.rows; ++row) {
+            const uint64_t offset =
+                (block.first + static_cast<uint64_t>(row) * block.stride) * vertexBytes;
+            if (offset >= attribute.bytes)
+                break;
+            const uint64_t bytes = std::min(block.count * vertexBytes, attribute.bytes - offset);
+            m_buffers->glBufferSubData(GL_ARRAY_BUFFER, static_cast<GLintptr>(offset),
+                                       static_cast<GLsizeiptr>(bytes),
+                                       reinterpret_cast<const char *>(attribute.data) + offset);
+            m_uploadedVertexBytes += bytes;
+        }
+    }
+    m_buffers->glBindBuffer(GL_ARRAY_BUFFER, 0);
+}
+
+void VboEngine::bind()
+{
+    _bindProgram(m_type);
+    m_buffers->glPrimitiveRestartIndex(stripEnd);
+    m_buffers->glEnable(GL_PRIMITIVE_RESTART);
+    m_buffers->glBindVertexArray(m_vertexArray);
+}
+
+void VboEngine::release()
+{
+    m_buffers->glDisable(GL_PRIMITIVE_RESTART);
+    m_buffers->glDisable(GL_BLEND);
+    m_buffers->glUseProgram(0);
+    m_buffers->glBindVertexArray(0);
+    m_checkerboard->release(0);
+}
+
+void VboEngine::draw()
+{
+    const bool complete = m_positionBytes && m_selectionBytes && m_indexBytes &&
+                          (m_normalBytes || m_type == Shader2d);
+    if (complete)
+        m_buffers->glDrawElements(GL_TRIANGLE_STRIP, static_cast<GLsizei>(m_indexBytes / 4),
+                                  GL_UNSIGNED_INT, nullptr);
+}
+
+VboShader::VboShader()
+    : VboEngine(Shader3d)
+{
+    _buildProgram(":/marlowen2/shaders/lit330.vert", ":/marlowen2/shaders/lit330.frag", Shader3d);
+}
+
+VboShader2d::VboShader2d()
+    : VboEngine(Shader2d)
+{
+    _buildProgram(":/marlowen2/shaders/height330.vert", ":/marlowen2/shaders/height330.frag",
+                  Shader2d);
+}
+
+} // namespace marlowen

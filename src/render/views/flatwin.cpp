@@ -1,0 +1,428 @@
+#include "render/views/flatwin.h"
+
+#include "relief/grid/relief.h"
+#include "relief/strokes/sculptengine.h"
+#include "relief/tools/tool.h"
+#include "render/engines/legacyshader.h"
+#include "render/views/flatvertices.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions_2_1>
+#include <QOpenGLVersionFunctionsFactory>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace marlowen {
+
+namespace {
+
+constexpr int antsInterval = 200; ///< milliseconds
+constexpr int antsStride = 2;     ///< bits of the pattern a tick
+constexpr double mostLevels = 65536.0;
+/// More corners than this are outlined in coarser blocks: nobody sees them one by one.
+constexpr size_t mostCorners = 40000;
+
+bool isShapeTool(int type)
+{
+    return type >= Tool::Rectangle && type <= Tool::Crop;
+}
+
+bool isClickTool(int type)
+{
+    return type == Tool::Magic || type == Tool::Sample || type == Tool::Fill;
+}
+
+bool hasFootprintHere(int type)
+{
+    return type == Tool::HeightBrush || type == Tool::Erase;
+}
+
+/// The pointer for what a press on the crop box would take hold of.
+Qt::CursorShape cursorForHold(int hold)
+{
+    using Gesture = ShapeGesture;
+    switch (hold) {
+    case Gesture::Left:
+    case Gesture::Right:
+        return Qt::SizeHorCursor;
+    case Gesture::Top:
+    case Gesture::Bottom:
+        return Qt::SizeVerCursor;
+    case Gesture::Left | Gesture::Top:
+    case Gesture::Right | Gesture::Bottom:
+        return Qt::SizeFDiagCursor;
+    case Gesture::Right | Gesture::Top:
+    case Gesture::Left | Gesture::Bottom:
+        return Qt::SizeBDiagCursor;
+    case Gesture::Inside:
+        return Qt::SizeAllCursor;
+    default:
+        return Qt::CrossCursor;
+    }
+}
+
+} // namespace
+
+FlatWin::FlatWin(QWidget *parent)
+    : ReliefView(parent)
+{
+    setAccessibleName(tr("2D view"));
+    m_antsTimer.setInterval(antsInterval);
+    connect(&m_antsTimer, &QTimer::timeout, this, &FlatWin::_advanceAnts);
+}
+
+FlatWin::~FlatWin()
+{
+    releaseGL();
+}
+
+void FlatWin::setRelief(Relief *relief, bool resize)
+{
+    ReliefView::setRelief(relief, resize);
+    m_outlineDirty = true;
+    m_shape.cancel();
+    _syncTool();
+}
+
+bool FlatWin::actsHere(int toolType)
+{
+    return isShapeTool(toolType) || isClickTool(toolType) || hasFootprintHere(toolType);
+}
+
+std::unique_ptr<Shader> FlatWin::createShader(bool legacy)
+{
+    if (legacy)
+        return std::make_unique<LegacyShader2d>();
+    return std::unique_ptr<Shader>(ShaderFactory::getShader(Shader2d));
+}
+
+void FlatWin::fillVertices(ReliefMesh &mesh, const QRect &vertices)
+{
+    const HeightRange range = heightRange();
+    fillFlatVertices(mesh, *relief(), vertices, {range.minimum, range.maximum, m_quantization});
+    // A change of the selection, of the region or of the step brings all vertices here.
+    if (vertices == mesh.vertices())
+        m_outlineDirty = true;
+}
+
+void FlatWin::verticesChanged()
+{
+    // Without vertices, as when the relief is off the screen, there is nothing to outline either.
+    if (drawRegion().isEmpty())
+        m_outlineDirty = true;
+    m_rangeUnchecked = true;
+}
+
+void FlatWin::_checkRange()
+{
+    // Looking through all heights is left for the end of a stroke.
+    if (!m_rangeUnchecked || relief()->tool())
+        return;
+    m_rangeUnchecked = false;
+    const HeightRange now = changes()->heightRange();
+    if (now.minimum != heightRange().minimum || now.maximum != heightRange().maximum)
+        invalidateVertices();
+}
+
+void FlatWin::configureShader(Shader &shader)
+{
+    shader.minZ = static_cast<float>(heightRange().minimum * relief()->zScale);
+    shader.maxZ = static_cast<float>(heightRange().maximum * relief()->zScale);
+    shader.colorOffset = static_cast<float>(m_colorOffset);
+}
+
+void FlatWin::colorOffsetChanged(double offset)
+{
+    if (!std::isfinite(offset) || offset == m_colorOffset)
+        return;
+    m_colorOffset = offset;
+    invalidatePicture();
+}
+
+void FlatWin::quantizationChanged(double levels)
+{
+    if (!std::isfinite(levels))
+        return;
+    m_quantization = std::clamp(levels, 2.0, mostLevels);
+    invalidateVertices();
+}
+
+void FlatWin::drawOverlays(QOpenGLFunctions_2_1 &gl)
+{
+    if (!relief())
+        return;
+    _checkRange();
+    // Its signals have no place in a paint.
+    if (!_shapeInSync())
+        QTimer::singleShot(0, this, &FlatWin::_syncTool);
+    else
+        _drawShape(gl);
+    _updateOutline(gl);
+    m_painter.drawOutline(gl, {devicePixelRatioF(), m_antsPhase});
+    const bool free = mode() == NoMode || mode() == SculptMode;
+    if (free && hasFootprintHere(tool().type))
+        drawFootprint(gl);
+}
+
+int FlatWin::_outlineStep() const
+{
+    // Powers of two, so that zooming seldom changes it.
+    const double cells = std::clamp(_pixelInCells() / devicePixelRatioF(), 1.0, 65536.0);
+    return static_cast<int>(std::bit_floor(static_cast<unsigned>(cells)));
+}
+
+void FlatWin::_updateOutline(QOpenGLFunctions_2_1 &gl)
+{
+    const int pixelStep = _outlineStep();
+    if (m_outlineDirty || pixelStep != m_outlineStep) {
+        m_outlineDirty = false;
+        m_outlineStep = pixelStep;
+        const auto outlined = [&](int step) {
+            return outlineSelection(relief()->selectionLayer(), _grid(), drawRegion(), step);
+        };
+        int step = pixelStep;
+        SelectionOutline outline = outlined(step);
+        while (outline.corners.size() > mostCorners)
+            outline = outlined(step *= 2);
+        m_painter.setOutline(gl, std::move(outline), _grid());
+    }
+    if (!m_painter.hasOutline())
+        m_antsTimer.stop();
+    else if (!m_antsTimer.isActive())
+        m_antsTimer.start();
+}
+
+void FlatWin::_drawShape(QOpenGLFunctions_2_1 &gl)
+{
+    m_painter.setGrid(_grid());
+    const QPolygonF line = m_shape.preview();
+    if (!line.isEmpty())
+        m_painter.drawLine(gl, line, m_shape.previewClosed(), {devicePixelRatioF(), 0});
+    m_painter.drawHandles(gl, m_shape.handles(), _pixelInCells());
+}
+
+void FlatWin::releaseOverlays()
+{
+    if (auto *gl = QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_2_1>(context()))
+        m_painter.release(*gl);
+    m_outlineDirty = true;
+}
+
+void FlatWin::_advanceAnts()
+{
+    m_antsPhase = (m_antsPhase + antsStride) % 16;
+    update();
+}
+
+void FlatWin::hideEvent(QHideEvent *event)
+{
+    // The next paint starts them again.
+    m_antsTimer.stop();
+    ReliefView::hideEvent(event);
+}
+
+void FlatWin::selectNone()
+{
+    if (!relief())
+        return;
+    marlowen::selectNone(*relief());
+    _selectionEdited();
+}
+
+void FlatWin::cancelShape()
+{
+    m_shape.cancel();
+    _shapeChanged();
+}
+
+QRect FlatWin::cropBox() const
+{
+    return _shapeInSync() ? m_shape.cropBox() : QRect();
+}
+
+QList<QPointF> FlatWin::cropOutline() const
+{
+    const QRect box = cropBox();
+    if (box.isEmpty())
+        return {};
+    // Whole numbers from the centre: they name the same cells again after being truncated, for even
+    // and odd sizes.
+    const QPointF centre(relief()->width() / 2, relief()->height() / 2);
+    return {box.topLeft() - centre, box.topRight() - centre, box.bottomRight() - centre,
+            box.bottomLeft() - centre};
+}
+
+QSize FlatWin::_grid() const
+{
+    return relief() ? QSize(relief()->width(), relief()->height()) : QSize();
+}
+
+bool FlatWin::_shapeInSync() const
+{
+    return m_shape.tool() == tool().type && m_shape.grid() == _grid();
+}
+
+void FlatWin::_syncTool()
+{
+    m_shape.setTool(tool().type, _grid());
+    _shapeChanged();
+}
+
+void FlatWin::_shapeChanged()
+{
+    const bool present = !m_shape.cropBox().isEmpty();
+    if (present != m_cropPresent) {
+        m_cropPresent = present;
+        emit cropChanged(present);
+    }
+    _updateCursor(lastPos());
+    update();
+}
+
+void FlatWin::_finishShape()
+{
+    switch (m_shape.tool()) {
+    case Tool::Rectangle:
+        selectRectangle(*relief(), cellAt(m_shape.from()), cellAt(m_shape.to()), m_modifier);
+        break;
+    case Tool::Elliptical:
+        selectEllipse(*relief(), m_shape.from(), m_shape.to(), m_modifier);
+        break;
+    default:
+        selectPolygon(*relief(), m_shape.corners(), m_modifier);
+        break;
+    }
+    m_shape.cancel();
+    _selectionEdited();
+}
+
+void FlatWin::_selectionEdited()
+{
+    changes()->notify();
+    emit selectionChanged();
+}
+
+QPointF FlatWin::_gridAt(QPointF position) const
+{
+    const Vector model = unproject({position.x(), height() - 1 - position.y(), 0.5}, matrices());
+    return {model.x + relief()->width() * 0.5, model.y + relief()->height() * 0.5};
+}
+
+double FlatWin::_pixelInCells() const
+{
+    return camera().zoom > 0.0 ? 1.0 / camera().zoom : 1.0;
+}
+
+void FlatWin::_updateCursor(QPointF position)
+{
+    if (mode() != NoMode)
+        return;
+    const bool own = relief() && m_shape.usable();
+    if (own)
+        setCursor(cursorForHold(m_shape.holdAt(_gridAt(position), _pixelInCells())));
+    else if (m_ownCursor)
+        setMode(NoMode);
+    m_ownCursor = own;
+}
+
+void FlatWin::mousePressEvent(QMouseEvent *event)
+{
+    _syncTool();
+    if (event->button() != Qt::LeftButton || mode() != NoMode) {
+        ReliefView::mousePressEvent(event);
+    } else if (m_shape.usable()) {
+        m_shape.press(_gridAt(event->position()), _pixelInCells());
+        _shapeChanged();
+    } else if (actsHere(tool().type)) {
+        _pressEngine(event);
+    } else {
+        event->ignore();
+    }
+}
+
+void FlatWin::_pressEngine(QMouseEvent *event)
+{
+    if (engine())
+        engine()->setSelectionModifier(m_modifier);
+    ReliefView::mousePressEvent(event);
+    if (tool().type == Tool::Magic)
+        emit selectionChanged();
+}
+
+void FlatWin::mouseMoveEvent(QMouseEvent *event)
+{
+    ReliefView::mouseMoveEvent(event);
+    if (!relief() || !m_shape.usable())
+        return;
+    event->accept();
+    m_shape.moveTo(_gridAt(event->position()), _pixelInCells());
+    _shapeChanged();
+}
+
+void FlatWin::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || !relief() || !m_shape.usable()) {
+        ReliefView::mouseReleaseEvent(event);
+        return;
+    }
+    if (m_shape.release(_gridAt(event->position()), _pixelInCells()))
+        _finishShape();
+    _shapeChanged();
+}
+
+void FlatWin::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || !relief() || !m_shape.usable()) {
+        mousePressEvent(event);
+        return;
+    }
+    const QPointF at = _gridAt(event->position());
+    if (m_shape.close())
+        _finishShape();
+    else if (m_shape.holdAt(at, _pixelInCells()) == ShapeGesture::Inside)
+        emit cropApplyRequested();
+    else
+        mousePressEvent(event);
+    _shapeChanged();
+}
+
+bool FlatWin::_handlesKey(int key) const
+{
+    if (!m_shape.active())
+        return false;
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    return key == Qt::Key_Escape || (enter && (m_shape.close() || !cropBox().isEmpty())) ||
+           (key == Qt::Key_Backspace && m_shape.tool() == Tool::Polygon);
+}
+
+bool FlatWin::event(QEvent *event)
+{
+    // While a shape is drawn its keys are the view's, whatever shortcuts the window has on them.
+    if (event->type() == QEvent::ShortcutOverride &&
+        _handlesKey(static_cast<QKeyEvent *>(event)->key()))
+        event->accept();
+    return ReliefView::event(event);
+}
+
+void FlatWin::keyPressEvent(QKeyEvent *event)
+{
+    if (!_handlesKey(event->key())) {
+        ReliefView::keyPressEvent(event);
+        return;
+    }
+    if (event->key() == Qt::Key_Escape)
+        m_shape.cancel();
+    else if (event->key() == Qt::Key_Backspace)
+        m_shape.removeLastCorner();
+    else if (m_shape.close())
+        _finishShape();
+    else
+        emit cropApplyRequested();
+    _shapeChanged();
+}
+
+} // namespace marlowen

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "relief/selection/selections.h"
+#include "render/overlays/outlinepainter.h"
+#include "render/views/reliefview.h"
+#include "render/views/shapegesture.h"
+
+namespace marlowen {
+
+/// The 2D view: the relief from straight above, coloured by height in a number of levels, with the
+/// selection outlined by travelling dashes. Here selections are drawn, heights are picked, painted,
+/// filled and erased, and a crop box is set up.
+///
+/// Left button: what the tool does here. Rectangle and Elliptical are dragged. Polygon is clicked
+/// corner by corner; a double-click, Enter or a click on the first corner closes it, Backspace
+/// takes the last corner back. Crop is dragged and then adjusted by its edges, corners and inside.
+/// Esc forgets a shape. Magic, Sample, Fill, Height brush and Erase go through the stroke engine.
+/// Other tools do nothing here. Middle button: pan. Wheel as in the 3D view.
+class FlatWin : public ReliefView
+{
+    Q_OBJECT
+
+public:
+    explicit FlatWin(QWidget *parent = nullptr);
+    ~FlatWin() override;
+
+    /// Forgets the crop box and any shape being drawn, too.
+    void setRelief(Relief *relief, bool resize = false) override;
+
+    double quantization() const { return m_quantization; }
+    double colorOffset() const { return m_colorOffset; }
+
+    /// How the next shape or magic selection meets the selection that is there.
+    void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
+    SelectionModifier selectionModifier() const { return m_modifier; }
+
+    /// The corners of the crop box as cropApply() takes them (stroke points); empty without a box.
+    QList<QPointF> cropOutline() const;
+    /// The box in cells; empty without one.
+    QRect cropBox() const;
+
+    /// An outline of the selection is on screen, its dashes travelling.
+    bool outlinePresent() const { return m_painter.hasOutline(); }
+    /// How far the dashes have travelled.
+    int antsPhase() const { return m_antsPhase; }
+    bool antsRunning() const { return m_antsTimer.isActive(); }
+
+    /// True for the Tool::Type values that act in this view.
+    static bool actsHere(int toolType);
+
+public slots:
+    /// Shifts the colours; 255 is once around. A value that is no number is ignored.
+    void colorOffsetChanged(double offset);
+    /// Number of height levels, at least 2.
+    void quantizationChanged(double levels);
+    /// No selection.
+    void selectNone();
+    /// Forgets a shape being drawn and the crop box.
+    void cancelShape();
+
+signals:
+    /// A shape, a magic selection or selectNone() changed the selection.
+    void selectionChanged();
+    /// The crop box appeared or vanished.
+    void cropChanged(bool present);
+    /// Enter or a double-click in the crop box.
+    void cropApplyRequested();
+
+protected:
+    std::unique_ptr<Shader> createShader(bool legacy) override;
+    bool hasNormals() const override { return false; }
+    void fillVertices(ReliefMesh &mesh, const QRect &vertices) override;
+    void configureShader(Shader &shader) override;
+    void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
+    void releaseOverlays() override;
+    void verticesChanged() override;
+
+    bool event(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    QSize _grid() const;
+    void _checkRange();
+    bool _shapeInSync() const;
+    void _syncTool();
+    void _pressEngine(QMouseEvent *event);
+    void _shapeChanged();
+    void _finishShape();
+    void _selectionEdited();
+    int _outlineStep() const;
+    void _updateOutline(QOpenGLFunctions_2_1 &gl);
+    void _drawShape(QOpenGLFunctions_2_1 &gl);
+    void _advanceAnts();
+    void _updateCursor(QPointF position);
+    bool _handlesKey(int key) const;
+    QPointF _gridAt(QPointF position) const;
+    double _pixelInCells() const;
+
+    double m_quantization = 64.0;
+    double m_colorOffset = 0.0;
+    SelectionModifier m_modifier = SelectionModifier::Normal;
+    ShapeGesture m_shape;
+    OutlinePainter m_painter;
+    bool m_outlineDirty = true;
+    int m_outlineStep = 1;         ///< cells that fall on one pixel
+    bool m_rangeUnchecked = false; ///< heights changed: the range may have, too
+    bool m_cropPresent = false;
+    bool m_ownCursor = false;
+    int m_antsPhase = 0;
+    QTimer m_antsTimer;
+};
+
+} // namespace marlowen

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "render/views/heightscan.h"
+
+#include <QObject>
+#include <QRegion>
+
+#include <vector>
+
+namespace marlowen {
+
+class Relief;
+
+/// What of a relief a view still has to take over: everything, or some cells.
+struct PendingCells
+{
+    bool full = true;
+    QRegion cells;
+};
+
+/// Hands one relief's changes to several views. A relief tells only once what changed (its frame
+/// region and its heights-changed and appearance-changed flags); this object takes that from it,
+/// clears it there, and keeps it for every view until that view has drawn it.
+///
+/// The window makes one, gives it to its views (ReliefView::setChanges) and calls notify() after
+/// every change of the relief that did not come from a view. It owns nothing.
+class ReliefChanges : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// A new reader; it starts with everything pending.
+    int addView();
+    void removeView(int view);
+
+    /// The relief to follow, or null. Everything becomes pending for every view, also when the
+    /// relief is the same one as before. To be called before the old relief is deleted.
+    void setRelief(Relief *relief);
+    Relief *relief() const { return m_relief; }
+
+    /// Takes what the relief has to tell. A heights-changed flag without a region means the whole
+    /// relief; an appearance change (height scale, mask, selection) too.
+    void collect();
+    /// The same directly after a call of the stroke engine, when a region tells everything: without
+    /// one a heights-changed flag means that the call changed nothing, with one an appearance
+    /// change lies inside it (the mask brush). Call collect() before that engine call.
+    void collectStroke();
+    /// What is pending for this view; nothing is pending for it afterwards.
+    PendingCells take(int view);
+    bool pending(int view) const;
+
+    /// Of the followed relief; the cells are scanned only when heights changed since the last call.
+    HeightRange heightRange();
+
+public slots:
+    /// Collects and tells the views.
+    void notify();
+
+signals:
+    void changed();
+
+private:
+    struct Reader
+    {
+        bool used = true;
+        PendingCells pending;
+    };
+    void _spread(bool full, const QRegion &cells);
+
+    Relief *m_relief = nullptr;
+    std::vector<Reader> m_readers;
+    HeightRange m_range;
+    bool m_rangeStale = true;
+};
+
+} // namespace marlowen

@@ -1,0 +1,239 @@
+#include "render/views/reliefmesh.h"
+#include "relief/grid/cellcode.h"
+
+#include "relief/grid/relief.h"
+
+#include <algorithm>
+
+namespace marlowen {
+
+#pragma GCC optimize("O3")
+
+namespace {
+
+constexpr uint32_t stripEnd = 0xFFFFFFFF;
+
+int stepsOver(int length, int step)
+{
+    return (length + step - 1) / step;
+}
+
+// Indices of the grid lines origin + k * step, 0 <= k < count, that lie in low..high.
+struct LineSpan
+{
+    int first;
+    int last;
+};
+
+LineSpan linesIn(int low, int high, int origin, int step)
+{
+    return {stepsOver(low - origin, step), (high - origin) / step};
+}
+
+// One run of vertices: the three cell rows around it and where it writes.
+struct VertexRun
+{
+    const float *above;
+    const float *row;
+    const float *below;
+    int column; ///< of the first vertex
+    int step;
+    int count;
+    float halfWidth;
+    float y;
+    float scale;
+    float *position;
+    float *normal;
+};
+
+struct Neighbours
+{
+    float left;
+    float right;
+    float above;
+    float below;
+    float aboveLeft;
+    float belowRight;
+};
+
+inline void writeNormal(const Neighbours &n, float sixth, float *normal)
+{
+    const float diagonal = n.aboveLeft - n.belowRight;
+    normal[0] = sixth * (2.0F * (n.left - n.right) + diagonal + n.below - n.above);
+    normal[1] = sixth * (2.0F * (n.above - n.below) + diagonal + n.right - n.left);
+    normal[2] = 1.0F;
+}
+
+inline void writePosition(const VertexRun &run, int i, int column)
+{
+    run.position[3 * i] = static_cast<float>(column) - run.halfWidth;
+    run.position[3 * i + 1] = run.y;
+    run.position[3 * i + 2] = run.row[column] * run.scale;
+}
+
+// All cells of the run have a left and a right neighbour.
+template <bool EveryCell>
+inline void writeInner(const VertexRun &run)
+{
+    const float sixth = run.scale / 6.0F;
+    const int step = EveryCell ? 1 : run.step;
+    for (int i = 0; i < run.count; ++i) {
+        const int c = run.column + i * step;
+        writePosition(run, i, c);
+        writeNormal({run.row[c - 1], run.row[c + 1], run.above[c], run.below[c], run.above[c - 1],
+                     run.below[c + 1]},
+                    sixth, run.normal + 3 * i);
+    }
+}
+
+CELL_LOOP void writeEveryCell(const VertexRun &run)
+{
+    writeInner<true>(run);
+}
+
+void writeStepped(const VertexRun &run)
+{
+    writeInner<false>(run);
+}
+
+// A cell in the first or last column; cells beyond count as the cell itself.
+void writeEdge(const VertexRun &run, int width)
+{
+    const int c = run.column;
+    const int left = std::max(c - 1, 0);
+    const int right = std::min(c + 1, width - 1);
+    writePosition(run, 0, c);
+    writeNormal({run.row[left], run.row[right], run.above[c], run.below[c], run.above[left],
+                 run.below[right]},
+                run.scale / 6.0F, run.normal);
+}
+
+VertexRun part(const VertexRun &run, int first, int count)
+{
+    VertexRun result = run;
+    result.column += first * run.step;
+    result.count = count;
+    result.position += 3 * first;
+    result.normal += 3 * first;
+    return result;
+}
+
+void writeRun(const VertexRun &run, int width)
+{
+    int first = 0;
+    int end = run.count;
+    if (run.column == 0) {
+        writeEdge(run, width);
+        first = 1;
+    }
+    const int lastColumn = run.column + (run.count - 1) * run.step;
+    if (end > first && lastColumn == width - 1) {
+        --end;
+        writeEdge(part(run, end, 1), width);
+    }
+    const VertexRun inner = part(run, first, end - first);
+    if (run.step == 1)
+        writeEveryCell(inner);
+    else
+        writeStepped(inner);
+}
+
+// The larger of selection and mask of every step-th cell; a null layer is all 0.
+void writeSelection(const float *selection, const float *mask, const VertexRun &run, float *out)
+{
+    for (int i = 0; i < run.count; ++i) {
+        const int c = run.column + i * run.step;
+        out[i] = std::max(selection ? selection[c] : 0.0F, mask ? mask[c] : 0.0F);
+    }
+}
+
+const float *rowOf(const GridLayer &layer, qsizetype offset)
+{
+    return layer.written() ? layer.constData() + offset : nullptr;
+}
+
+} // namespace
+
+bool ReliefMesh::layOut(const QRect &region, int step, bool withNormals)
+{
+    const int columns = stepsOver(region.width(), step);
+    const int rows = stepsOver(region.height(), step);
+    const bool sameGrid = columns == m_columns && rows == m_rows;
+    m_region = region;
+    m_step = step;
+    if (sameGrid && withNormals == m_withNormals)
+        return false;
+    m_columns = columns;
+    m_rows = rows;
+    m_withNormals = withNormals;
+    const size_t count = vertexCount();
+    m_positions = std::make_unique_for_overwrite<float[]>(3 * count);
+    m_normals = withNormals ? std::make_unique_for_overwrite<float[]>(3 * count) : nullptr;
+    m_selection = std::make_unique_for_overwrite<float[]>(count);
+    if (!sameGrid)
+        fillStripIndices(m_indices, columns, rows);
+    return !sameGrid;
+}
+
+void ReliefMesh::clear()
+{
+    *this = {};
+}
+
+QRegion ReliefMesh::verticesTouchedBy(const QRegion &cells) const
+{
+    QRegion result;
+    for (const QRect &rect : cells) {
+        const QRect touched = rect.adjusted(-1, -1, 1, 1) & m_region;
+        if (touched.isEmpty())
+            continue;
+        const LineSpan columns = linesIn(touched.left(), touched.right(), m_region.left(), m_step);
+        const LineSpan rows = linesIn(touched.top(), touched.bottom(), m_region.top(), m_step);
+        result += QRect(QPoint(columns.first, rows.first), QPoint(columns.last, rows.last));
+    }
+    return result;
+}
+
+void fillStripIndices(std::vector<uint32_t> &indices, int columns, int rows)
+{
+    const auto wide = static_cast<uint32_t>(columns);
+    const auto strips = static_cast<uint32_t>(std::max(0, rows - 1));
+    indices.resize((2 * size_t{wide} + 1) * strips);
+    uint32_t *out = indices.data();
+    for (uint32_t row = 0; row < strips; ++row) {
+        for (uint32_t column = 0; column < wide; ++column) {
+            *out++ = (row + 1) * wide + column;
+            *out++ = row * wide + column;
+        }
+        *out++ = stripEnd;
+    }
+}
+
+void fillSculptVertices(ReliefMesh &mesh, const Relief &relief, const QRect &vertices)
+{
+    const int width = relief.width();
+    const float *heights = relief.heights().constData();
+    const auto offsetOf = [&](int row) { return relief.index(0, row); };
+    VertexRun run{};
+    run.column = mesh.region().left() + vertices.left() * mesh.step();
+    run.step = mesh.step();
+    run.count = vertices.width();
+    run.halfWidth = static_cast<float>(width) * 0.5F;
+    run.scale = static_cast<float>(relief.zScale);
+    for (int j = vertices.top(); j <= vertices.bottom(); ++j) {
+        const int row = mesh.region().top() + j * mesh.step();
+        const size_t vertex = static_cast<size_t>(j) * static_cast<size_t>(mesh.columns()) +
+                              static_cast<size_t>(vertices.left());
+        run.above = heights + offsetOf(std::max(row - 1, 0));
+        run.row = heights + offsetOf(row);
+        run.below = heights + offsetOf(std::min(row + 1, relief.height() - 1));
+        run.y = static_cast<float>(row) - static_cast<float>(relief.height()) * 0.5F;
+        run.position = mesh.positions() + 3 * vertex;
+        run.normal = mesh.normals() + 3 * vertex;
+        writeRun(run, width);
+        writeSelection(rowOf(relief.selectionLayer(), offsetOf(row)),
+                       rowOf(relief.maskLayer(), offsetOf(row)), run, mesh.selection() + vertex);
+    }
+}
+
+} // namespace marlowen

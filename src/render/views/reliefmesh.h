@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QRect>
+#include <QRegion>
+#include <QSize>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace marlowen {
+
+class Relief;
+
+/// The vertex grid of a view: one vertex every `step` cells of a rectangle of the relief,
+/// row-major, the first one at the rectangle's origin. Vertex (i, j) stands at cell (region.x + i *
+/// step, region.y + j * step).
+///
+/// Arrays are what a Shader takes: positions and normals 3 floats a vertex, selection 1; indices
+/// are triangle strips, one a pair of rows, separated by 0xFFFFFFFF.
+class ReliefMesh
+{
+public:
+    /// Lays the grid over `region`, which lies inside the relief; `step` at least 1. Arrays are
+    /// taken anew only when the number of columns or rows changes; their content is undefined then.
+    /// True when the indices changed.
+    bool layOut(const QRect &region, int step, bool withNormals);
+    /// No vertices.
+    void clear();
+
+    const QRect &region() const { return m_region; }
+    int step() const { return m_step; }
+    int columns() const { return m_columns; }
+    int rows() const { return m_rows; }
+    uint32_t vertexCount() const
+    {
+        return static_cast<uint32_t>(m_columns) * static_cast<uint32_t>(m_rows);
+    }
+    QRect vertices() const { return {0, 0, m_columns, m_rows}; }
+
+    float *positions() { return m_positions.get(); }
+    float *normals() { return m_normals.get(); }
+    float *selection() { return m_selection.get(); }
+    const uint32_t *indices() const { return m_indices.data(); }
+    uint32_t indexCount() const { return static_cast<uint32_t>(m_indices.size()); }
+
+    /// The vertices whose position, normal or selection depends on one of these cells: those on
+    /// them and, for the normals, on the cells around them.
+    QRegion verticesTouchedBy(const QRegion &cells) const;
+
+private:
+    QRect m_region;
+    int m_step = 1;
+    int m_columns = 0;
+    int m_rows = 0;
+    bool m_withNormals = false;
+    std::unique_ptr<float[]> m_positions;
+    std::unique_ptr<float[]> m_normals;
+    std::unique_ptr<float[]> m_selection;
+    std::vector<uint32_t> m_indices;
+};
+
+/// (2 * columns + 1) * (rows - 1) values: for each pair of rows the vertices of the lower and the
+/// upper row in turn, then 0xFFFFFFFF.
+void fillStripIndices(std::vector<uint32_t> &indices, int columns, int rows);
+
+/// Positions, normals and selection of a rectangle of vertices, lit in model space:
+///  - position = (column - width / 2, row - height / 2, height * zScale);
+///  - normal from the six neighbours that share a triangle with the cell, z 1, not of unit length;
+///    cells beyond the relief's edge count as the edge cell;
+///  - selection = the larger of the cell's selection and mask.
+void fillSculptVertices(ReliefMesh &mesh, const Relief &relief, const QRect &vertices);
+
+} // namespace marlowen

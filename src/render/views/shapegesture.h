@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QPointF>
+#include <QPolygon>
+#include <QPolygonF>
+#include <QRect>
+#include <QSize>
+
+namespace marlowen {
+
+/// The shape a person draws with one of the shape tools (Rectangle, Elliptical, Polygon, Crop) of
+/// the 2D view: presses, moves and keys in, shape out. Knows no window.
+///
+/// Positions are grid coordinates: cell (c, r) spans c..c+1 by r..r+1; positive rows run up the
+/// screen. They may lie off the grid.
+class ShapeGesture
+{
+public:
+    /// The Tool::Type drawn with from now on, and the grid it is drawn on. Another tool or another
+    /// grid forgets what was begun; any type that is no shape tool draws nothing.
+    void setTool(int type, QSize grid);
+    int tool() const { return m_tool; }
+    QSize grid() const { return m_grid; }
+    bool usable() const;
+
+    /// `pixel` is the length of one logical pixel in cells: how near counts as on a handle or on
+    /// the first corner, and how far as a drag.
+    void press(QPointF at, double pixel);
+    void moveTo(QPointF at, double pixel);
+    /// True when a rectangle or an ellipse is complete: it was dragged by more than a twitch.
+    bool release(QPointF at, double pixel);
+    /// True when the polygon is complete: it has three corners or more.
+    bool close() const;
+    /// Takes back the last corner of the polygon.
+    void removeLastCorner();
+    /// Forgets what was begun, the crop box too.
+    void cancel();
+
+    /// Something is being drawn, or a crop box stands.
+    bool active() const;
+    /// A button is held on the shape.
+    bool dragging() const { return m_dragging; }
+
+    // The finished shape.
+    QPointF from() const { return m_from; }
+    QPointF to() const { return m_to; }
+    QPolygon corners() const { return m_corners; }
+    /// Cells, never beyond the grid; empty without one.
+    QRect cropBox() const { return m_box; }
+
+    /// The line to show, in grid coordinates; closed unless it is a polygon still being drawn.
+    QPolygonF preview() const;
+    bool previewClosed() const;
+    /// Where the handles of the crop box stand.
+    QPolygonF handles() const;
+
+    /// What a press there would take hold of: a sum of these, 0 for nothing.
+    enum Hold { Left = 1, Right = 2, Bottom = 4, Top = 8, Inside = 16 };
+    int holdAt(QPointF at, double pixel) const;
+
+private:
+    bool _nearFirstCorner(QPointF at, double pixel) const;
+    void _dragBox(QPointF at);
+    QPoint _cellOnGrid(QPointF at) const;
+
+    int m_tool = -1;
+    QSize m_grid;
+    bool m_dragging = false;
+    QPointF m_from; ///< where the drag began
+    QPointF m_to;   ///< the pointer
+    QPolygon m_corners;
+    QRect m_box;
+    QRect m_boxBefore; ///< the crop box when it was taken hold of
+    int m_hold = 0;
+};
+
+/// The cell of a grid position.
+QPoint cellAt(QPointF gridPosition);
+
+} // namespace marlowen
