@@ -16,8 +16,6 @@ private slots:
     void levels_data();
     void levels();
     void verticesStandOnTheirCells();
-    void onlyTheRectangleIsWritten();
-    void flatReliefHasNoNan();
 };
 
 void TestFlatVertices::levels_data()
@@ -79,32 +77,6 @@ void TestFlatVertices::verticesStandOnTheirCells()
     mesh.layOut(QRect(1, 0, 9, 8), 3, false);
     fillFlatVertices(mesh, relief, mesh.vertices(), {0.0, 8.0, 4.0});
     QCOMPARE(mesh.selection()[1 * mesh.columns() + 1], 1.0F);
-}
-
-void TestFlatVertices::onlyTheRectangleIsWritten()
-{
-    Relief relief(20, 20);
-    std::fill_n(relief.heights().data(), relief.cells(), 1.0F);
-    ReliefMesh mesh;
-    mesh.layOut(relief.rect(), 1, false);
-    std::fill_n(mesh.positions(), 3 * mesh.vertexCount(), -7.0F);
-    const QRect part(3, 4, 5, 6);
-    fillFlatVertices(mesh, relief, part, {0.0, 1.0, 2.0});
-    for (int j = 0; j < mesh.rows(); ++j)
-        for (int i = 0; i < mesh.columns(); ++i)
-            QCOMPARE(mesh.positions()[3 * (j * mesh.columns() + i) + 2],
-                     part.contains(i, j) ? 1.0F : -7.0F);
-}
-
-void TestFlatVertices::flatReliefHasNoNan()
-{
-    Relief relief(5, 5);
-    std::fill_n(relief.heights().data(), relief.cells(), 2.5F);
-    ReliefMesh mesh;
-    mesh.layOut(relief.rect(), 1, false);
-    fillFlatVertices(mesh, relief, mesh.vertices(), {2.5, 2.5, 64.0});
-    for (uint32_t v = 0; v < mesh.vertexCount(); ++v)
-        QCOMPARE(mesh.positions()[3 * v + 2], 2.5F);
 }
 
 QTEST_GUILESS_MAIN(TestFlatVertices)

@@ -118,27 +118,13 @@ private slots:
         ReliefMesh mesh;
         QVERIFY(mesh.layOut(region, step, true));
         QCOMPARE(mesh.columns(), int(std::ceil(region.width() / double(step))));
-        QCOMPARE(mesh.indexCount(), uint32_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
+        QCOMPARE(mesh.arrays().indices.size(),
+                 size_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
         fillSculptVertices(mesh, *relief, mesh.vertices());
         for (int j = 0; j < mesh.rows(); ++j)
             for (int i = 0; i < mesh.columns(); ++i)
                 QVERIFY2(vertexIs(mesh, *relief, i, j),
                          qPrintable(QString("%1, %2").arg(i).arg(j)));
-    }
-
-    void normalsOfASlope()
-    {
-        Relief relief(9, 9);
-        for (int y = 0; y < 9; ++y)
-            for (int x = 0; x < 9; ++x)
-                relief.heights().data()[relief.index(x, y)] = float(3 * x + 2 * y);
-        ReliefMesh mesh;
-        mesh.layOut(relief.rect(), 1, true);
-        fillSculptVertices(mesh, relief, mesh.vertices());
-        const float *normal = mesh.normals() + 3 * (4 * 9 + 4);
-        QCOMPARE(normal[0], -3.0F);
-        QCOMPARE(normal[1], -2.0F);
-        QCOMPARE(normal[2], 1.0F);
     }
 
     void selectionIsTheLargerOfSelectionAndMask()
@@ -166,7 +152,7 @@ private slots:
         QCOMPARE(mesh.positions(), positions);
         // As many vertices, other strips.
         QVERIFY(mesh.layOut({0, 0, 30, 40}, 1, true));
-        QCOMPARE(mesh.indices()[0], 30U);
+        QCOMPARE(mesh.arrays().indices[0], 30U);
         mesh.clear();
         QCOMPARE(mesh.vertexCount(), 0U);
         QVERIFY(mesh.verticesTouchedBy(QRect(0, 0, 9, 9)).isEmpty());

@@ -299,7 +299,8 @@ private slots:
         QVERIFY(status.wait(1000));
         QVERIFY(status.last().first().toString().startsWith("Position: (1.0"));
         QSignalSpy frames(&b.view, &QOpenGLWidget::frameSwapped);
-        QTest::qWait(350);
+        QVERIFY(QMetaObject::invokeMethod(&b.view, "statusTimeout"));
+        QCoreApplication::processEvents();
         QCOMPARE(frames.count(), 0);
         QCOMPARE(status.count(), 1);
     }

@@ -123,23 +123,13 @@ class TestSelectionOutline : public QObject
     Q_OBJECT
 
 private slots:
-    void oneCell();
     void holeGetsItsOwnLoop();
     void diagonalCellsAreSeparate();
     void randomSelections_data();
     void randomSelections();
     void areaCutsTheSelection();
     void blocksOfSteps();
-    void nothingSelected();
 };
-
-void TestSelectionOutline::oneCell()
-{
-    const Picture picture({"...", ".#.", "..."});
-    const SelectionOutline outline = picture.outline();
-    QCOMPARE(outline.counts, std::vector<int>{4});
-    QCOMPARE(outline.corners, (std::vector<QPoint>{{1, 1}, {2, 1}, {2, 2}, {1, 2}}));
-}
 
 void TestSelectionOutline::holeGetsItsOwnLoop()
 {
@@ -205,14 +195,6 @@ void TestSelectionOutline::blocksOfSteps()
     const SelectionOutline outline =
         outlineSelection(picture.layer, picture.size, picture.rect(), 3);
     QCOMPARE(outline.corners, (std::vector<QPoint>{{3, 3}, {8, 3}, {8, 4}, {3, 4}}));
-}
-
-void TestSelectionOutline::nothingSelected()
-{
-    QVERIFY(Picture({"...", "..."}).outline().isEmpty());
-    Picture cleared({"#"});
-    cleared.set(0, 0, 0.0F);
-    QVERIFY(cleared.outline().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestSelectionOutline)

@@ -3,7 +3,6 @@
 #include "base/sessionlog.h"
 #include "gltarget.h"
 #include "render/engines/legacyshader.h"
-#include "render/engines/vboshader.h"
 
 #include <QFile>
 #include <QProcess>
@@ -76,8 +75,6 @@ private slots:
 
     void engineFollowsVersionAndSetting_data();
     void engineFollowsVersionAndSetting();
-    void factoryMakesTheFourClasses();
-    void engineChoiceIsLogged();
     void missingContextEndsTheProcess();
     void failedProgramsThrow_data();
     void failedProgramsThrow();
@@ -107,29 +104,6 @@ void TestShaderFactory::engineFollowsVersionAndSetting()
     QFETCH(bool, legacySetting);
     QFETCH(bool, buffers);
     QCOMPARE(drawingEngineFor(version.constData(), legacySetting) == DrawingEngine::Vbo, buffers);
-}
-
-void TestShaderFactory::factoryMakesTheFourClasses()
-{
-    QVERIFY(dynamic_cast<VboShader *>(makeShader(Shader3d, false).get()));
-    QVERIFY(dynamic_cast<VboShader2d *>(makeShader(Shader2d, false).get()));
-    QVERIFY(dynamic_cast<LegacyShader *>(makeShader(Shader3d, true).get()));
-    QVERIFY(dynamic_cast<LegacyShader2d *>(makeShader(Shader2d, true).get()));
-    QVERIFY(!ShaderFactory::getShader(static_cast<ShaderType>(2)));
-}
-
-void TestShaderFactory::engineChoiceIsLogged()
-{
-    const qint64 pid = QCoreApplication::applicationPid();
-    logFlush();
-    const qsizetype before = sessionLogOf(pid).size();
-    makeShader(Shader3d, true);
-    makeShader(Shader2d, false);
-    logFlush();
-    QCOMPARE(sessionLogOf(pid).sliced(before),
-             QByteArray("Info: Fallback shader requested in QevSettings\n"
-                        "Info: Using Legacy OpenGL 2.1 drawing engine\n"
-                        "Info: Using VBO based OpenGL 3.3 drawing engine\n"));
 }
 
 void TestShaderFactory::missingContextEndsTheProcess()

@@ -41,11 +41,8 @@ class TestShapeGesture : public QObject
     Q_OBJECT
 
 private slots:
-    void dragFinishesARectangle();
     void twitchSelectsNothing();
     void ellipsePreviewTouchesItsBox();
-    void polygonByClicks();
-    void polygonClosesOnItsFirstCorner();
     void otherToolForgetsTheShape();
     void cropBoxIsDragged_data();
     void cropBoxIsDragged();
@@ -55,19 +52,6 @@ private slots:
     void holdsOfTheCropBox();
     void farPositionsAreHarmless();
 };
-
-void TestShapeGesture::dragFinishesARectangle()
-{
-    ShapeGesture gesture = gestureOf(Tool::Rectangle);
-    gesture.press({10.2, 20.9}, pixel);
-    gesture.moveTo({4.5, 30.1}, pixel);
-    QVERIFY(gesture.dragging());
-    QCOMPARE(gesture.preview().boundingRect(), QRectF(4, 20, 7, 11));
-    QVERIFY(gesture.release({4.5, 30.1}, pixel));
-    QCOMPARE(cellAt(gesture.from()), QPoint(10, 20));
-    QCOMPARE(cellAt(gesture.to()), QPoint(4, 30));
-    QVERIFY(!gesture.active());
-}
 
 void TestShapeGesture::twitchSelectsNothing()
 {
@@ -87,35 +71,6 @@ void TestShapeGesture::ellipsePreviewTouchesItsBox()
     QCOMPARE(bounds, QRectF(10, 20, 20, 20));
     QVERIFY(gesture.previewClosed());
     QVERIFY(gesture.release({30, 20}, pixel));
-}
-
-void TestShapeGesture::polygonByClicks()
-{
-    ShapeGesture gesture = gestureOf(Tool::Polygon);
-    QVERIFY(!click(gesture, {10.5, 10.5}));
-    QVERIFY(!click(gesture, {30.5, 10.5}));
-    QVERIFY(!gesture.close());
-    QVERIFY(!click(gesture, {50.5, 50.5}));
-    QVERIFY(gesture.close());
-    gesture.moveTo({20, 40}, pixel);
-    QCOMPARE(gesture.preview().last(), QPointF(20, 40));
-    QVERIFY(!gesture.previewClosed());
-    gesture.removeLastCorner();
-    QVERIFY(!gesture.close());
-    QCOMPARE(gesture.corners(), QPolygon({{10, 10}, {30, 10}}));
-    for (int i = 0; i < 3; ++i)
-        gesture.removeLastCorner();
-    QVERIFY(!gesture.active());
-}
-
-void TestShapeGesture::polygonClosesOnItsFirstCorner()
-{
-    ShapeGesture gesture = gestureOf(Tool::Polygon);
-    click(gesture, {10.5, 10.5});
-    QVERIFY(!click(gesture, {10.6, 10.5}));
-    click(gesture, {30, 10});
-    QVERIFY(click(gesture, {12.0, 11.0}));
-    QCOMPARE(gesture.corners().size(), 3);
 }
 
 void TestShapeGesture::otherToolForgetsTheShape()

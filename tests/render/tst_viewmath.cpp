@@ -4,7 +4,6 @@
 #include "relief/tools/toolparams.h"
 #include "render/camera/arcball.h"
 #include "render/camera/axislock.h"
-#include "render/camera/depthimage.h"
 #include "render/camera/levelofdetail.h"
 #include "render/overlays/cursors.h"
 #include "render/overlays/footprint.h"
@@ -43,7 +42,7 @@ bool isIdentity(const Matrix &m)
 }
 
 const Quaternion skew = normalized({0.8, 0.3, -0.4, 0.2});
-const ReliefBox medal{800, 600, 0, 40};
+const SceneBox medal{800, 600, 0, 40};
 const QSize window(640, 480);
 
 } // namespace
@@ -168,7 +167,7 @@ private slots:
     {
         QFETCH(QSize, relief);
         QFETCH(QSize, widget);
-        const ReliefBox box{double(relief.width()), double(relief.height()), 0, 0};
+        const SceneBox box{double(relief.width()), double(relief.height()), 0, 0};
         const Camera all = zoomedToAll({identityMatrix(), 3.3, {50, 60}}, box, widget);
         QTEST(all.zoom, "zoom");
         const Vector centre = project({}, viewMatrices(all, box, widget));
@@ -242,33 +241,6 @@ private slots:
         QVERIFY(needsRebuild(whole, QRect(0, 0, 1200, 800), grid, wide));
     }
 
-    void depthPixels_data()
-    {
-        QTest::addColumn<double>("ratio");
-        QTest::newRow("1") << 1.0;
-        QTest::newRow("1.5") << 1.5;
-        QTest::newRow("2") << 2.0;
-    }
-
-    void depthPixels()
-    {
-        QFETCH(double, ratio);
-        DepthImage depth;
-        depth.resize(physicalSize({7, 5}, ratio));
-        const int width = depth.size().width();
-        const int height = depth.size().height();
-        QCOMPARE(width, int(std::round(7 * ratio)));
-        for (int i = 0; i < width * height; ++i)
-            depth.data()[i] = float(i) / 1000;
-        const auto stored = [&](int x, int y) { return double(depth.data()[y * width + x]); };
-        QCOMPARE(depth.at({0, 0}, ratio), stored(0, height - 1));
-        QCOMPARE(depth.at({3, 1}, ratio),
-                 stored(int(std::round(3 * ratio)), height - 1 - int(std::round(ratio))));
-        for (const QPoint outside : {QPoint(-1, 0), QPoint(7, 0), QPoint(0, 5), QPoint(0, -1)})
-            QCOMPARE(depth.at(outside, ratio), 1.0);
-        QCOMPARE(DepthImage().at({0, 0}, ratio), 1.0);
-    }
-
     void axisLockHoldsOneLine()
     {
         AxisLock lock;
@@ -305,18 +277,6 @@ private slots:
         const Quaternion tipped = rotationAbout({1, 0, 0}, 45);
         QCOMPARE(faceAt(tipped, {0, 20}), 3);
         QCOMPARE(faceAt(tipped, {0, -20}), 1);
-    }
-
-    void gizmoFacesLookOutward()
-    {
-        for (const GizmoFace &face : gizmoFaces()) {
-            const auto &[a, b, c, d] = face.corners;
-            const Vector u{b.x - a.x, b.y - a.y, b.z - a.z};
-            const Vector v{d.x - a.x, d.y - a.y, d.z - a.z};
-            const Vector cross{u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
-            QVERIFY(distance(cross, {face.normal.x * 5625, face.normal.y * 5625,
-                                     face.normal.z * 5625}) < 1e-9);
-        }
     }
 
     void footprintOutlines()
@@ -379,7 +339,7 @@ private slots:
 
     void statusLine()
     {
-        const ReliefBox box{256, 128, 0, 1};
+        const SceneBox box{256, 128, 0, 1};
         QCOMPARE(statusText({0, 0, 63.5}, box), QString("Position: (1.00, 0.50) z = 0.50"));
         QCOMPARE(statusText({-128, 63.5, -3}, box), QString("Position: (0.00, 1.00) z = 0.00"));
     }
@@ -398,11 +358,6 @@ private slots:
         }
         QCOMPARE(cursorForMode(0).shape(), Qt::ArrowCursor);
         QCOMPARE(cursorForMode(6).shape(), Qt::ArrowCursor);
-        // The image keeps its hard edges at whole multiples.
-        setCursorScale(200);
-        const QImage doubled = cursorForMode(1).pixmap().toImage();
-        QCOMPARE(doubled.pixelColor(30, 30), QColor(Qt::white));
-        QCOMPARE(doubled.pixelColor(0, 0).alpha(), 0);
     }
 };
 

@@ -25,7 +25,7 @@ QPoint scaledPan(QPoint pan, double factor)
 }
 
 // Bounding box of the box's corners on the screen, y up, with z spread evenly about the origin.
-QRectF screenBounds(const ReliefBox &box, const ViewMatrices &view)
+QRectF screenBounds(const SceneBox &box, const ViewMatrices &view)
 {
     const Vector half{box.width / 2, box.height / 2, (box.zMax - box.zMin) / 2};
     const Vector origin = project({}, view);
@@ -62,13 +62,13 @@ Matrix multiplied(const Matrix &a, const Matrix &b)
     return product;
 }
 
-double ReliefBox::diagonal() const
+double SceneBox::diagonal() const
 {
     const double depth = zMax - zMin;
     return std::sqrt(width * width + height * height + depth * depth);
 }
 
-ClipPlanes clipPlanes(const ReliefBox &box, double zoom)
+ClipPlanes clipPlanes(const SceneBox &box, double zoom)
 {
     const double reach = box.diagonal() * zoom;
     if (!(reach > 0.0) || !std::isfinite(reach))
@@ -110,7 +110,7 @@ Matrix modelviewOf(const Camera &camera)
     return matrix;
 }
 
-ViewMatrices viewMatrices(const Camera &camera, const ReliefBox &box, QSize widget)
+ViewMatrices viewMatrices(const Camera &camera, const SceneBox &box, QSize widget)
 {
     const QSize size = widget.expandedTo({1, 1});
     return {modelviewOf(camera),
@@ -135,7 +135,7 @@ Vector unproject(const Vector &window, const ViewMatrices &view)
     return model;
 }
 
-Camera zoomedToAll(const Camera &camera, const ReliefBox &box, QSize widget)
+Camera zoomedToAll(const Camera &camera, const SceneBox &box, QSize widget)
 {
     if (widget.isEmpty())
         return camera;

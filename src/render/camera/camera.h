@@ -23,9 +23,9 @@ Matrix identityMatrix();
 /// a * b: b is applied first.
 Matrix multiplied(const Matrix &a, const Matrix &b);
 
-/// The box a relief occupies in model space: centred on the origin in x and y, one unit a cell, z
-/// from zMin to zMax (heights times the height scale).
-struct ReliefBox
+/// The box a surface occupies in model space: centred on the origin in x and y, z from zMin to
+/// zMax. For a relief one unit is a cell and z are heights times the height scale.
+struct SceneBox
 {
     double width = 0.0;
     double height = 0.0;
@@ -34,6 +34,8 @@ struct ReliefBox
 
     /// Length from corner to opposite corner.
     double diagonal() const;
+    /// There is nothing to see.
+    bool isEmpty() const { return width <= 0.0 || height <= 0.0; }
 };
 
 /// Where the viewer stands: the model is rotated, scaled by `zoom` and moved by `pan` logical
@@ -64,7 +66,7 @@ struct ClipPlanes
 };
 
 /// -d * zoom and d * zoom for the box's diagonal d; -5000 and 5000 when that is zero.
-ClipPlanes clipPlanes(const ReliefBox &box, double zoom);
+ClipPlanes clipPlanes(const SceneBox &box, double zoom);
 
 /// Orthographic projection of the range -width/2..width/2, -height/2..height/2, near..far, as
 /// glOrtho makes it.
@@ -74,7 +76,7 @@ Matrix orthographic(QSizeF size, ClipPlanes planes);
 Matrix modelviewOf(const Camera &camera);
 
 /// Both matrices of a widget of the given logical size (taken as at least 1 x 1).
-ViewMatrices viewMatrices(const Camera &camera, const ReliefBox &box, QSize widget);
+ViewMatrices viewMatrices(const Camera &camera, const SceneBox &box, QSize widget);
 
 /// Model point to window coordinates (y up, depth 0..1).
 Vector project(const Vector &model, const ViewMatrices &view);
@@ -84,7 +86,7 @@ Vector unproject(const Vector &window, const ViewMatrices &view);
 
 /// Camera of the same rotation that shows the whole box, centred; the zoom is a power of two that
 /// fills at least half of one direction. The camera itself for an empty widget.
-Camera zoomedToAll(const Camera &camera, const ReliefBox &box, QSize widget);
+Camera zoomedToAll(const Camera &camera, const SceneBox &box, QSize widget);
 
 /// One wheel movement (angle delta; positive away from the user zooms out) about the pointer. A
 /// factor that is not positive moves the view but does not zoom.

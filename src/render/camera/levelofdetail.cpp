@@ -20,7 +20,7 @@ struct HalfPlane
 };
 
 // The half planes of (x, y) in which some z of the box satisfies -1 <= clip coordinate <= 1.
-std::array<HalfPlane, 4> screenEdges(const ReliefBox &box, const ViewMatrices &view)
+std::array<HalfPlane, 4> screenEdges(const SceneBox &box, const ViewMatrices &view)
 {
     const Matrix m = multiplied(view.projection, view.modelview);
     std::array<HalfPlane, 4> edges{};
@@ -52,7 +52,7 @@ std::vector<QPointF> clipped(const std::vector<QPointF> &polygon, const HalfPlan
 
 } // namespace
 
-QRect visibleCells(const ReliefBox &box, const ViewMatrices &view)
+QRect visibleCells(const SceneBox &box, const ViewMatrices &view)
 {
     const double w = box.width / 2;
     const double h = box.height / 2;

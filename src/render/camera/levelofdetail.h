@@ -9,7 +9,7 @@ namespace marlowen {
 /// The cells of a relief that may be on screen: the smallest rectangle around what of the box lies
 /// inside the viewport, whatever the rotation; a little too large rather than too small. Empty when
 /// nothing is.
-QRect visibleCells(const ReliefBox &box, const ViewMatrices &view);
+QRect visibleCells(const SceneBox &box, const ViewMatrices &view);
 
 /// The visible rectangle with 20 % more on each side, clipped to a grid of this size.
 QRect widenedRegion(const QRect &visible, QSize grid);

@@ -11,28 +11,23 @@ constexpr const char *litVertexFile = ":/marlowen2/shaders/lit120.vert";
 
 } // namespace
 
-void LegacyEngine::setData(const float *positions, uint32_t positionBytes, const float *normals,
-                           uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
-                           const uint32_t *indices, uint32_t indexBytes)
+void LegacyEngine::setData(const ShaderMesh &mesh)
 {
-    m_positions = positions;
-    m_positionBytes = positionBytes;
-    if (m_type == Shader3d) {
-        m_normals = normals;
-        m_normalBytes = normalBytes;
-    }
-    m_selection = selection;
-    m_selectionBytes = selectionBytes;
-    m_indices = indices;
-    m_indexBytes = indexBytes;
+    setVertices(mesh);
+    m_mesh.indices = mesh.indices;
+    m_indexBytes = static_cast<uint32_t>(mesh.indices.size_bytes());
 }
 
-void LegacyEngine::setVertices(const float *positions, const float *normals, const float *selection,
-                               uint32_t vertexCount)
+void LegacyEngine::setVertices(const ShaderMesh &mesh)
 {
-    const auto floatBytes = vertexCount * uint32_t(sizeof(float));
-    setData(positions, 3 * floatBytes, normals, 3 * floatBytes, selection, floatBytes, m_indices,
-            m_indexBytes);
+    m_mesh.positions = mesh.positions;
+    m_positionBytes = static_cast<uint32_t>(mesh.positions.size_bytes());
+    if (m_type == Shader3d) {
+        m_mesh.normals = mesh.normals;
+        m_normalBytes = static_cast<uint32_t>(mesh.normals.size_bytes());
+    }
+    m_mesh.selection = mesh.selection;
+    m_selectionBytes = static_cast<uint32_t>(mesh.selection.size_bytes());
 }
 
 void LegacyEngine::bind()
@@ -53,22 +48,24 @@ void LegacyEngine::draw()
 {
     const auto selected = static_cast<GLuint>(m_gl->glGetAttribLocation(m_program, "selection"));
     const bool lit = m_type == Shader3d;
-    if (!m_positions || !m_selection || !m_indices || (lit && !m_normals))
+    const float *positions = m_mesh.positions.data();
+    const float *normals = m_mesh.normals.data();
+    const float *selection = m_mesh.selection.data();
+    if (!positions || !selection || !m_mesh.indices.data() || (lit && !normals))
         return;
-    const uint32_t count = m_indexBytes / uint32_t(sizeof(uint32_t));
     m_gl->glBegin(GL_TRIANGLE_STRIP);
-    for (uint32_t i = 0; i < count; ++i) {
-        const size_t vertex = m_indices[i];
-        if (vertex == stripEnd) {
+    for (const uint32_t index : m_mesh.indices) {
+        if (index == stripEnd) {
             m_gl->glEnd();
             m_gl->glBegin(GL_TRIANGLE_STRIP);
             continue;
         }
+        const size_t vertex = index;
         if (lit)
-            m_gl->glNormal3fv(m_normals + 3 * vertex);
-        m_gl->glVertex3fv(m_positions + 3 * vertex);
+            m_gl->glNormal3fv(normals + 3 * vertex);
+        m_gl->glVertex3fv(positions + 3 * vertex);
         // After the vertex: the value reaches the next one.
-        m_gl->glVertexAttrib1f(selected, m_selection[vertex]);
+        m_gl->glVertexAttrib1f(selected, selection[vertex]);
     }
     m_gl->glEnd();
 }

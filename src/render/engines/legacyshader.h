@@ -12,11 +12,8 @@ public:
     void bind() override;
     void release() override;
     void draw() override;
-    void setData(const float *positions, uint32_t positionBytes, const float *normals,
-                 uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
-                 const uint32_t *indices, uint32_t indexBytes) override;
-    void setVertices(const float *positions, const float *normals, const float *selection,
-                     uint32_t vertexCount) override;
+    void setData(const ShaderMesh &mesh) override;
+    void setVertices(const ShaderMesh &mesh) override;
     void updateVertices(const VertexBlock &) override {}
 
 protected:
@@ -27,10 +24,7 @@ protected:
 
 private:
     ShaderType m_type;
-    const float *m_positions = nullptr;
-    const float *m_normals = nullptr;
-    const float *m_selection = nullptr;
-    const uint32_t *m_indices = nullptr;
+    ShaderMesh m_mesh;
 };
 
 /// Lit relief in OpenGL 2.1 immediate mode.

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 class QOpenGLFunctions_2_1;
 
@@ -13,6 +14,16 @@ namespace marlowen {
 /// What a view wants drawn: the lit relief of the 3D view or the height-coloured one of the 2D
 /// view.
 enum ShaderType : int32_t { Shader3d, Shader2d };
+
+/// The vertex data of a surface. The arrays stay the caller's.
+struct ShaderMesh
+{
+    std::span<const float> positions;  ///< x, y, z a vertex
+    std::span<const float> normals;    ///< x, y, z a vertex, of any length; the 2D classes ignore
+                                       ///< them
+    std::span<const float> selection;  ///< one value a vertex, 0 is not selected
+    std::span<const uint32_t> indices; ///< triangle strips, separated by 0xFFFFFFFF
+};
 
 /// A block of vertices of a row-major vertex grid: `rows` runs of `count` vertices, the first run
 /// starting at vertex `first`, each next one `stride` vertices later.
@@ -43,18 +54,11 @@ public:
     virtual void release() = 0;
     /// Issues the strips; draws nothing while the data is incomplete or the index array is empty.
     virtual void draw() = 0;
-    /// Replaces the whole data; sizes in bytes.
-    ///  - positions: x, y, z a vertex;  - normals: x, y, z a vertex, of any length (the 2D classes
-    ///    ignore them);  - selection: one float a vertex, 0 is not selected;
-    ///  - indices: triangle strips, one after another, separated by 0xFFFFFFFF.
-    virtual void setData(const float *positions, uint32_t positionBytes, const float *normals,
-                         uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
-                         const uint32_t *indices, uint32_t indexBytes) = 0;
-
-    /// Replaces the vertices and keeps the indices of the last setData: for a grid of the same
-    /// number of columns and rows as before. Layout as in setData.
-    virtual void setVertices(const float *positions, const float *normals, const float *selection,
-                             uint32_t vertexCount) = 0;
+    /// Replaces the whole data.
+    virtual void setData(const ShaderMesh &mesh) = 0;
+    /// Replaces the vertices and keeps the indices of the last setData, whatever the mesh has: for
+    /// a grid of the same number of columns and rows as before.
+    virtual void setVertices(const ShaderMesh &mesh) = 0;
     /// Takes over vertices that the caller changed in place in the arrays last given. Parts of the
     /// block beyond the data are ignored.
     virtual void updateVertices(const VertexBlock &block) = 0;

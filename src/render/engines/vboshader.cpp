@@ -49,20 +49,15 @@ VboEngine::~VboEngine()
     m_buffers->glDeleteVertexArrays(1, &m_vertexArray);
 }
 
-void VboEngine::setData(const float *positions, uint32_t positionBytes, const float *normals,
-                        uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
-                        const uint32_t *indices, uint32_t indexBytes)
+void VboEngine::setData(const ShaderMesh &mesh)
 {
-    m_positionBytes = positionBytes;
-    m_normalBytes = m_type == Shader3d ? normalBytes : 0;
-    m_selectionBytes = selectionBytes;
-    m_indexBytes = indexBytes;
-
+    const std::span<const uint32_t> indices = mesh.indices;
+    m_indexBytes = static_cast<uint32_t>(indices.size_bytes());
     m_buffers->glBindVertexArray(m_vertexArray);
-    _uploadVertices(positions, normals, selection);
+    _uploadVertices(mesh);
     m_buffers->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indexBuffer);
-    m_buffers->glBufferData(GL_ELEMENT_ARRAY_BUFFER, indexBytes, indices, GL_STATIC_DRAW);
-    m_uploadedIndexBytes += indexBytes;
+    m_buffers->glBufferData(GL_ELEMENT_ARRAY_BUFFER, m_indexBytes, indices.data(), GL_STATIC_DRAW);
+    m_uploadedIndexBytes += m_indexBytes;
     // One more attribute over the selection buffer, which no program reads.
     const auto unread = static_cast<GLuint>(m_attributes.size());
     m_buffers->glEnableVertexAttribArray(unread);
@@ -72,40 +67,35 @@ void VboEngine::setData(const float *positions, uint32_t positionBytes, const fl
     m_buffers->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
 }
 
-void VboEngine::setVertices(const float *positions, const float *normals, const float *selection,
-                            uint32_t vertexCount)
+void VboEngine::setVertices(const ShaderMesh &mesh)
 {
-    m_positionBytes = 3 * vertexCount * uint32_t(sizeof(float));
-    m_normalBytes = m_type == Shader3d ? m_positionBytes : 0;
-    m_selectionBytes = vertexCount * uint32_t(sizeof(float));
-
     m_buffers->glBindVertexArray(m_vertexArray);
-    _uploadVertices(positions, normals, selection);
+    _uploadVertices(mesh);
     m_buffers->glBindVertexArray(0);
     m_buffers->glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
-void VboEngine::_uploadVertices(const float *positions, const float *normals,
-                                const float *selection)
+void VboEngine::_uploadVertices(const ShaderMesh &mesh)
 {
-    m_attributes.front().data = positions;
-    m_attributes.front().bytes = m_positionBytes;
-    if (m_type == Shader3d) {
-        m_attributes[1].data = normals;
-        m_attributes[1].bytes = m_normalBytes;
-    }
-    m_attributes.back().data = selection;
-    m_attributes.back().bytes = m_selectionBytes;
+    m_attributes.front().data = mesh.positions;
+    if (m_type == Shader3d)
+        m_attributes[1].data = mesh.normals;
+    m_attributes.back().data = mesh.selection;
+    m_positionBytes = static_cast<uint32_t>(mesh.positions.size_bytes());
+    m_normalBytes = m_type == Shader3d ? static_cast<uint32_t>(mesh.normals.size_bytes()) : 0;
+    m_selectionBytes = static_cast<uint32_t>(mesh.selection.size_bytes());
 
     for (size_t i = 0; i < m_attributes.size(); ++i) {
         const Attribute &attribute = m_attributes[i];
         const auto index = static_cast<GLuint>(i);
         m_buffers->glBindBuffer(GL_ARRAY_BUFFER, attribute.buffer);
-        m_buffers->glBufferData(GL_ARRAY_BUFFER, attribute.bytes, attribute.data, GL_STATIC_DRAW);
+        const size_t bytes = attribute.data.size_bytes();
+        m_buffers->glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes),
+                                attribute.data.data(), GL_STATIC_DRAW);
         m_buffers->glEnableVertexAttribArray(index);
         m_buffers->glVertexAttribPointer(index, static_cast<GLint>(attribute.floats), GL_FLOAT,
                                          GL_FALSE, 0, nullptr);
-        m_uploadedVertexBytes += attribute.bytes;
+        m_uploadedVertexBytes += bytes;
     }
 }
 
@@ -117,19 +107,18 @@ void VboEngine::updateVertices(const VertexBlock &given)
         block.rows = 1;
     }
     for (const Attribute &attribute : m_attributes) {
-        if (!attribute.data)
-            continue;
         const uint64_t vertexBytes = attribute.floats * sizeof(float);
         m_buffers->glBindBuffer(GL_ARRAY_BUFFER, attribute.buffer);
         for (uint32_t row = 0; row < block.rows; ++row) {
             const uint64_t offset =
                 (block.first + static_cast<uint64_t>(row) * block.stride) * vertexBytes;
-            if (offset >= attribute.bytes)
+            if (offset >= attribute.data.size_bytes())
                 break;
-            const uint64_t bytes = std::min(block.count * vertexBytes, attribute.bytes - offset);
-            m_buffers->glBufferSubData(GL_ARRAY_BUFFER, static_cast<GLintptr>(offset),
-                                       static_cast<GLsizeiptr>(bytes),
-                                       reinterpret_cast<const char *>(attribute.data) + offset);
+            const uint64_t bytes =
+                std::min(block.count * vertexBytes, attribute.data.size_bytes() - offset);
+            m_buffers->glBufferSubData(
+                GL_ARRAY_BUFFER, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(bytes),
+                reinterpret_cast<const char *>(attribute.data.data()) + offset);
             m_uploadedVertexBytes += bytes;
         }
     }

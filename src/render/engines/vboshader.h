@@ -17,11 +17,8 @@ public:
     void bind() override;
     void release() override;
     void draw() override;
-    void setData(const float *positions, uint32_t positionBytes, const float *normals,
-                 uint32_t normalBytes, const float *selection, uint32_t selectionBytes,
-                 const uint32_t *indices, uint32_t indexBytes) override;
-    void setVertices(const float *positions, const float *normals, const float *selection,
-                     uint32_t vertexCount) override;
+    void setData(const ShaderMesh &mesh) override;
+    void setVertices(const ShaderMesh &mesh) override;
     void updateVertices(const VertexBlock &block) override;
 
 protected:
@@ -35,10 +32,9 @@ private:
     {
         uint32_t floats = 0; ///< a vertex
         uint32_t buffer = 0;
-        const float *data = nullptr;
-        uint32_t bytes = 0;
+        std::span<const float> data = {};
     };
-    void _uploadVertices(const float *positions, const float *normals, const float *selection);
+    void _uploadVertices(const ShaderMesh &mesh);
 
     ShaderType m_type;
     QOpenGLFunctions_3_3_Core *m_buffers = nullptr; ///< owned by the context

@@ -1,7 +1,7 @@
 #include "render/overlays/gizmopainter.h"
 
 #include "render/camera/depthimage.h"
-#include "render/engines/reliefpicture.h"
+#include "render/engines/keptpicture.h"
 #include "render/overlays/gizmo.h"
 #include "render/overlays/overlaylight.h"
 

@@ -8,23 +8,15 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QOpenGLContext>
-#include <QOpenGLFunctions_2_1>
-#include <QOpenGLVersionFunctionsFactory>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 namespace marlowen {
 
 namespace {
 
-constexpr int antsInterval = 200; ///< milliseconds
-constexpr int antsStride = 2;     ///< bits of the pattern a tick
 constexpr double mostLevels = 65536.0;
-/// More corners than this are outlined in coarser blocks: nobody sees them one by one.
-constexpr size_t mostCorners = 40000;
 
 bool isShapeTool(int type)
 {
@@ -71,8 +63,7 @@ FlatWin::FlatWin(QWidget *parent)
     : ReliefView(parent)
 {
     setAccessibleName(tr("2D view"));
-    m_antsTimer.setInterval(antsInterval);
-    connect(&m_antsTimer, &QTimer::timeout, this, &FlatWin::_advanceAnts);
+    connect(&m_ants, &SelectionAnts::moved, this, &FlatWin::refresh);
 }
 
 FlatWin::~FlatWin()
@@ -83,7 +74,7 @@ FlatWin::~FlatWin()
 void FlatWin::setRelief(Relief *relief, bool resize)
 {
     ReliefView::setRelief(relief, resize);
-    m_outlineDirty = true;
+    m_ants.invalidate();
     m_shape.cancel();
     _syncTool();
 }
@@ -106,14 +97,14 @@ void FlatWin::fillVertices(ReliefMesh &mesh, const QRect &vertices)
     fillFlatVertices(mesh, *relief(), vertices, {range.minimum, range.maximum, m_quantization});
     // A change of the selection, of the region or of the step brings all vertices here.
     if (vertices == mesh.vertices())
-        m_outlineDirty = true;
+        m_ants.invalidate();
 }
 
 void FlatWin::verticesChanged()
 {
     // Without vertices, as when the relief is off the screen, there is nothing to outline either.
     if (drawRegion().isEmpty())
-        m_outlineDirty = true;
+        m_ants.invalidate();
     m_rangeUnchecked = true;
 }
 
@@ -161,67 +152,32 @@ void FlatWin::drawOverlays(QOpenGLFunctions_2_1 &gl)
         QTimer::singleShot(0, this, &FlatWin::_syncTool);
     else
         _drawShape(gl);
-    _updateOutline(gl);
-    m_painter.drawOutline(gl, {devicePixelRatioF(), m_antsPhase});
+    m_ants.update(gl, *relief(), drawRegion(), camera().zoom * devicePixelRatioF());
+    m_ants.draw(gl, devicePixelRatioF());
     const bool free = mode() == NoMode || mode() == SculptMode;
     if (free && hasFootprintHere(tool().type))
         drawFootprint(gl);
 }
 
-int FlatWin::_outlineStep() const
-{
-    // Powers of two, so that zooming seldom changes it.
-    const double cells = std::clamp(_pixelInCells() / devicePixelRatioF(), 1.0, 65536.0);
-    return static_cast<int>(std::bit_floor(static_cast<unsigned>(cells)));
-}
-
-void FlatWin::_updateOutline(QOpenGLFunctions_2_1 &gl)
-{
-    const int pixelStep = _outlineStep();
-    if (m_outlineDirty || pixelStep != m_outlineStep) {
-        m_outlineDirty = false;
-        m_outlineStep = pixelStep;
-        const auto outlined = [&](int step) {
-            return outlineSelection(relief()->selectionLayer(), _grid(), drawRegion(), step);
-        };
-        int step = pixelStep;
-        SelectionOutline outline = outlined(step);
-        while (outline.corners.size() > mostCorners)
-            outline = outlined(step *= 2);
-        m_painter.setOutline(gl, std::move(outline), _grid());
-    }
-    if (!m_painter.hasOutline())
-        m_antsTimer.stop();
-    else if (!m_antsTimer.isActive())
-        m_antsTimer.start();
-}
-
 void FlatWin::_drawShape(QOpenGLFunctions_2_1 &gl)
 {
-    m_painter.setGrid(_grid());
+    m_shapePainter.setGrid(_grid());
     const QPolygonF line = m_shape.preview();
     if (!line.isEmpty())
-        m_painter.drawLine(gl, line, m_shape.previewClosed(), {devicePixelRatioF(), 0});
-    m_painter.drawHandles(gl, m_shape.handles(), _pixelInCells());
+        m_shapePainter.drawLine(gl, line, m_shape.previewClosed(), {devicePixelRatioF(), 0});
+    m_shapePainter.drawHandles(gl, m_shape.handles(), _pixelInCells());
 }
 
-void FlatWin::releaseOverlays()
+void FlatWin::releaseOverlays(QOpenGLFunctions_2_1 &gl)
 {
-    if (auto *gl = QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_2_1>(context()))
-        m_painter.release(*gl);
-    m_outlineDirty = true;
-}
-
-void FlatWin::_advanceAnts()
-{
-    m_antsPhase = (m_antsPhase + antsStride) % 16;
-    update();
+    ReliefView::releaseOverlays(gl);
+    m_ants.release(gl);
 }
 
 void FlatWin::hideEvent(QHideEvent *event)
 {
     // The next paint starts them again.
-    m_antsTimer.stop();
+    m_ants.pause();
     ReliefView::hideEvent(event);
 }
 

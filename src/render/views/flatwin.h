@@ -3,6 +3,7 @@
 #include "relief/selection/selections.h"
 #include "render/overlays/outlinepainter.h"
 #include "render/views/reliefview.h"
+#include "render/views/selectionants.h"
 #include "render/views/shapegesture.h"
 
 namespace marlowen {
@@ -40,10 +41,10 @@ public:
     QRect cropBox() const;
 
     /// An outline of the selection is on screen, its dashes travelling.
-    bool outlinePresent() const { return m_painter.hasOutline(); }
+    bool outlinePresent() const { return m_ants.present(); }
     /// How far the dashes have travelled.
-    int antsPhase() const { return m_antsPhase; }
-    bool antsRunning() const { return m_antsTimer.isActive(); }
+    int antsPhase() const { return m_ants.phase(); }
+    bool antsRunning() const { return m_ants.running(); }
 
     /// True for the Tool::Type values that act in this view.
     static bool actsHere(int toolType);
@@ -72,7 +73,7 @@ protected:
     void fillVertices(ReliefMesh &mesh, const QRect &vertices) override;
     void configureShader(Shader &shader) override;
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
-    void releaseOverlays() override;
+    void releaseOverlays(QOpenGLFunctions_2_1 &gl) override;
     void verticesChanged() override;
 
     bool event(QEvent *event) override;
@@ -92,10 +93,7 @@ private:
     void _shapeChanged();
     void _finishShape();
     void _selectionEdited();
-    int _outlineStep() const;
-    void _updateOutline(QOpenGLFunctions_2_1 &gl);
     void _drawShape(QOpenGLFunctions_2_1 &gl);
-    void _advanceAnts();
     void _updateCursor(QPointF position);
     bool _handlesKey(int key) const;
     QPointF _gridAt(QPointF position) const;
@@ -105,14 +103,11 @@ private:
     double m_colorOffset = 0.0;
     SelectionModifier m_modifier = SelectionModifier::Normal;
     ShapeGesture m_shape;
-    OutlinePainter m_painter;
-    bool m_outlineDirty = true;
-    int m_outlineStep = 1;         ///< cells that fall on one pixel
+    OutlinePainter m_shapePainter;
+    SelectionAnts m_ants;
     bool m_rangeUnchecked = false; ///< heights changed: the range may have, too
     bool m_cropPresent = false;
     bool m_ownCursor = false;
-    int m_antsPhase = 0;
-    QTimer m_antsTimer;
 };
 
 } // namespace marlowen

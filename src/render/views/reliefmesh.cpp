@@ -175,6 +175,15 @@ bool ReliefMesh::layOut(const QRect &region, int step, bool withNormals)
     return !sameGrid;
 }
 
+ShaderMesh ReliefMesh::arrays() const
+{
+    const size_t count = vertexCount();
+    return {{m_positions.get(), 3 * count},
+            {m_normals.get(), m_normals ? 3 * count : 0},
+            {m_selection.get(), count},
+            m_indices};
+}
+
 void ReliefMesh::clear()
 {
     *this = {};

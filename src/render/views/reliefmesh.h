@@ -1,5 +1,7 @@
 #pragma once
 
+#include "render/engines/shader.h"
+
 #include <QRect>
 #include <QRegion>
 #include <QSize>
@@ -16,8 +18,7 @@ class Relief;
 /// row-major, the first one at the rectangle's origin. Vertex (i, j) stands at cell (region.x + i *
 /// step, region.y + j * step).
 ///
-/// Arrays are what a Shader takes: positions and normals 3 floats a vertex, selection 1; indices
-/// are triangle strips, one a pair of rows, separated by 0xFFFFFFFF.
+/// Indices are triangle strips, one a pair of rows.
 class ReliefMesh
 {
 public:
@@ -41,8 +42,8 @@ public:
     float *positions() { return m_positions.get(); }
     float *normals() { return m_normals.get(); }
     float *selection() { return m_selection.get(); }
-    const uint32_t *indices() const { return m_indices.data(); }
-    uint32_t indexCount() const { return static_cast<uint32_t>(m_indices.size()); }
+    /// Everything, as a Shader takes it.
+    ShaderMesh arrays() const;
 
     /// The vertices whose position, normal or selection depends on one of these cells: those on
     /// them and, for the normals, on the cells around them.

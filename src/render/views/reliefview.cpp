@@ -1,55 +1,46 @@
 #include "render/views/reliefview.h"
 
-#include "base/sessionlog.h"
 #include "relief/grid/relief.h"
 #include "relief/tools/alphabrush.h"
+#include "relief/tools/tool.h"
 #include "render/camera/levelofdetail.h"
-#include "render/engines/reliefpicture.h"
 #include "render/engines/shader.h"
-#include "render/overlays/cursors.h"
 #include "render/overlays/footprint.h"
 #include "render/overlays/footprintpainter.h"
 #include "render/views/statustext.h"
 
-#include <QOpenGLContext>
-#include <QOpenGLFunctions_2_1>
-#include <QOpenGLVersionFunctionsFactory>
-#include <QPainter>
+#include <QCursor>
+#include <QMouseEvent>
 
 #include <algorithm>
 
 namespace marlowen {
 
+namespace {
+
+constexpr double smallestSize = 0.01;
+constexpr double smallestStrength = 0.0001;
+
+} // namespace
+
 ReliefView::ReliefView(QWidget *parent)
-    : QOpenGLWidget(parent)
+    : SurfaceView(parent)
     , m_ownChanges(new ReliefChanges(this))
     , m_footprint(std::make_unique<FootprintPainter>())
 {
-    setMouseTracking(true);
-    setFocusPolicy(Qt::StrongFocus);
-    QFont viewFont = font();
-    viewFont.setPointSize(16);
-    viewFont.setWeight(QFont::DemiBold);
-    viewFont.setStyleStrategy(QFont::PreferAntialias);
-    setFont(viewFont);
     setChanges(nullptr);
-    connect(&m_statusTimer, &QTimer::timeout, this, &ReliefView::statusTimeout);
-    m_statusTimer.start(100);
 }
 
 ReliefView::~ReliefView()
 {
-    // The context goes after this object has stopped being a ReliefView.
-    if (context())
-        context()->disconnect(this);
     if (m_changes)
         m_changes->removeView(m_changesView);
 }
 
 void ReliefView::setRelief(Relief *relief, bool resize)
 {
-    m_stroking = false;
-    m_axisLock.stop();
+    m_stroke.forget();
+    holdDepth(false);
     m_relief = relief;
     m_changes->setRelief(relief);
     invalidateVertices();
@@ -78,25 +69,7 @@ void ReliefView::setChanges(ReliefChanges *changes)
         m_changes->setRelief(m_relief);
 }
 
-void ReliefView::setBackdrop(const QColor &color)
-{
-    m_backdrop = color;
-    invalidatePicture();
-}
-
-void ReliefView::setMode(int mode)
-{
-    m_mode = mode;
-    setCursor(cursorForMode(mode));
-}
-
-void ReliefView::setCursorScale(int percent)
-{
-    marlowen::setCursorScale(percent);
-    setCursor(cursorForMode(m_mode));
-}
-
-ReliefBox ReliefView::reliefBox() const
+SceneBox ReliefView::sceneBox() const
 {
     if (!m_relief)
         return {};
@@ -104,42 +77,19 @@ ReliefBox ReliefView::reliefBox() const
             m_range.minimum * m_relief->zScale, m_range.maximum * m_relief->zScale};
 }
 
-ViewMatrices ReliefView::matrices() const
+SceneBox ReliefView::wholeBox()
 {
-    return viewMatrices(m_camera, reliefBox(), size());
-}
-
-void ReliefView::setCamera(const Camera &camera)
-{
-    m_camera = camera;
-    m_statusPending = true;
-    update();
-    emit cameraChanged();
-}
-
-void ReliefView::zoomAll()
-{
-    if (!isValid() || size().isEmpty()) {
-        m_zoomAllPending = true;
-        return;
+    SceneBox box = sceneBox();
+    if (m_relief) {
+        const HeightRange range = m_changes->heightRange();
+        box.zMin = range.minimum * m_relief->zScale;
+        box.zMax = range.maximum * m_relief->zScale;
     }
-    if (!m_relief)
-        return;
-    ReliefBox box = reliefBox();
-    const HeightRange range = m_changes->heightRange();
-    box.zMin = range.minimum * m_relief->zScale;
-    box.zMax = range.maximum * m_relief->zScale;
-    setCamera(zoomedToAll(m_camera, box, size()));
+    return box;
 }
 
 void ReliefView::refresh()
 {
-    update();
-}
-
-void ReliefView::invalidatePicture()
-{
-    m_pictureStale = true;
     update();
 }
 
@@ -149,94 +99,18 @@ void ReliefView::invalidateVertices()
     update();
 }
 
-void ReliefView::initializeGL()
+void ReliefView::prepareGL(QOpenGLFunctions_2_1 &)
 {
-    connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &ReliefView::releaseGL,
-            Qt::ConnectionType(Qt::DirectConnection | Qt::UniqueConnection));
-    m_gl = QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_2_1>(context());
-    if (!m_gl) {
-        m_message = tr("This view needs OpenGL 2.1, which the graphics driver does not offer.");
-        logCritical() << "The context has no OpenGL 2.1 functions\n";
-        return;
-    }
-    _makeShader();
-    if (!m_shader)
-        return;
-    m_picture = std::make_unique<ReliefPicture>();
-    m_verticesStale = m_indicesStale = m_pictureStale = m_depthStale = true;
-    m_gl->glShadeModel(GL_SMOOTH);
-    m_gl->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-    m_gl->glDepthFunc(GL_LEQUAL);
-    m_gl->glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
-    m_gl->glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
-    for (const GLenum feature : {GL_TEXTURE_2D, GL_LIGHTING, GL_LINE_STIPPLE, GL_DEPTH_TEST})
-        m_gl->glDisable(feature);
-    m_gl->glEnable(GL_LINE_SMOOTH);
-    m_gl->glLineWidth(1.0F);
-    _logErrors();
-    prepareGL(*m_gl);
+    m_verticesStale = m_indicesStale = true;
 }
 
-void ReliefView::_makeShader()
+void ReliefView::releaseOverlays(QOpenGLFunctions_2_1 &gl)
 {
-    m_message.clear();
-    for (const bool legacy : {false, true}) {
-        try {
-            m_shader = createShader(legacy);
-            return;
-        } catch (const char *reason) {
-            logWarning() << (legacy ? "Legacy" : "Chosen") << " drawing engine failed: " << reason
-                         << "\n";
-        }
-    }
-    m_message = tr("The relief cannot be drawn: the graphics driver refuses the drawing programs.");
+    SurfaceView::releaseOverlays(gl);
+    m_footprint->release(gl);
 }
 
-void ReliefView::releaseGL()
-{
-    if (!m_gl && !m_shader)
-        return;
-    makeCurrent();
-    releaseOverlays();
-    if (m_gl)
-        m_footprint->release(*m_gl);
-    m_shader.reset();
-    m_picture.reset();
-    m_gl = nullptr;
-    doneCurrent();
-}
-
-void ReliefView::resizeGL(int, int)
-{
-    m_pictureStale = true;
-    if (std::exchange(m_zoomAllPending, false))
-        zoomAll();
-}
-
-void ReliefView::paintGL()
-{
-    if (!m_shader) {
-        _paintMessage();
-        return;
-    }
-    _updatePicture();
-    if (m_picture->isValid())
-        _paintOverPicture();
-    _logErrors();
-}
-
-void ReliefView::_updatePicture()
-{
-    const bool changed = _updateVertices();
-    const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
-    const ViewMatrices now = matrices();
-    if (!m_picture->isValid() || !(changed || resized || m_pictureStale || now != m_drawn))
-        return;
-    m_drawn = now;
-    _rasterise();
-}
-
-bool ReliefView::_updateVertices()
+bool ReliefView::updateSurface(Shader &shader)
 {
     const PendingCells pending = m_changes->take(m_changesView);
     const QSize grid = m_relief ? QSize(m_relief->width(), m_relief->height()) : QSize();
@@ -245,19 +119,19 @@ bool ReliefView::_updateVertices()
     m_grid = grid;
     if (full && m_relief)
         m_range = m_changes->heightRange();
-    const QRect visible = visibleCells(reliefBox(), matrices());
+    const QRect visible = visibleCells(sceneBox(), matrices());
     if (full || needsRebuild({m_mesh.region(), m_mesh.step()}, visible, grid, size())) {
-        _rebuildVertices(visible);
+        _rebuildVertices(shader, visible);
         return true;
     }
     const QRegion touched = m_mesh.verticesTouchedBy(pending.cells);
     if (touched.isEmpty())
         return false;
-    _refreshVertices(touched);
+    _refreshVertices(shader, touched);
     return true;
 }
 
-void ReliefView::_rebuildVertices(const QRect &visible)
+void ReliefView::_rebuildVertices(Shader &shader, const QRect &visible)
 {
     if (!m_relief || visible.isEmpty()) {
         m_mesh.clear();
@@ -270,139 +144,125 @@ void ReliefView::_rebuildVertices(const QRect &visible)
     if (m_mesh.layOut(layout.region, layout.step, hasNormals()))
         m_indicesStale = true;
     fillVertices(m_mesh, m_mesh.vertices());
-    const uint32_t count = m_mesh.vertexCount();
     if (std::exchange(m_indicesStale, false))
-        m_shader->setData(m_mesh.positions(), 12 * count, m_mesh.normals(),
-                          hasNormals() ? 12 * count : 0, m_mesh.selection(), 4 * count,
-                          m_mesh.indices(), 4 * m_mesh.indexCount());
+        shader.setData(m_mesh.arrays());
     else
-        m_shader->setVertices(m_mesh.positions(), m_mesh.normals(), m_mesh.selection(), count);
-    ++m_counters.fullRebuilds;
+        shader.setVertices(m_mesh.arrays());
+    ++work().fullRebuilds;
     verticesChanged();
 }
 
-void ReliefView::_refreshVertices(const QRegion &vertices)
+void ReliefView::_refreshVertices(Shader &shader, const QRegion &vertices)
 {
     const auto columns = static_cast<uint32_t>(m_mesh.columns());
     for (const QRect &rect : vertices) {
         fillVertices(m_mesh, rect);
         const auto left = static_cast<uint32_t>(rect.left());
         const auto top = static_cast<uint32_t>(rect.top());
-        m_shader->updateVertices({top * columns + left, static_cast<uint32_t>(rect.width()),
-                                  static_cast<uint32_t>(rect.height()), columns});
-        m_counters.refreshedVertices += qint64(rect.width()) * rect.height();
+        shader.updateVertices({top * columns + left, static_cast<uint32_t>(rect.width()),
+                               static_cast<uint32_t>(rect.height()), columns});
+        work().refreshedVertices += qint64(rect.width()) * rect.height();
     }
-    ++m_counters.partialRefreshes;
+    ++work().partialRefreshes;
     verticesChanged();
 }
 
-void ReliefView::_rasterise()
+void ReliefView::drawSurface(Shader &shader)
 {
-    m_picture->begin(*m_gl, m_backdrop);
-    if (m_mesh.vertexCount() > 0) {
-        m_gl->glMatrixMode(GL_PROJECTION);
-        m_gl->glLoadMatrixd(m_drawn.projection.data());
-        m_gl->glMatrixMode(GL_MODELVIEW);
-        m_gl->glLoadMatrixd(m_drawn.modelview.data());
-        m_gl->glEnable(GL_DEPTH_TEST);
-        m_shader->size = std::max(m_relief->width(), m_relief->height());
-        configureShader(*m_shader);
-        m_shader->bind();
-        m_shader->draw();
-        m_shader->release();
-        m_gl->glDisable(GL_DEPTH_TEST);
-    }
-    m_picture->end();
-    ++m_counters.pictures;
-    m_pictureStale = false;
-    m_depthStale = true;
-}
-
-void ReliefView::_paintOverPicture()
-{
-    const QSize physical = physicalSize(size(), devicePixelRatioF());
-    m_gl->glViewport(0, 0, physical.width(), physical.height());
-    m_gl->glDisable(GL_BLEND);
-    m_gl->glDisable(GL_DEPTH_TEST);
-    m_picture->draw(*m_gl);
-    // The picture is opaque; overlays leave it so.
-    m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
-    m_gl->glDepthMask(GL_FALSE);
-    m_gl->glMatrixMode(GL_PROJECTION);
-    m_gl->glLoadMatrixd(m_drawn.projection.data());
-    m_gl->glMatrixMode(GL_MODELVIEW);
-    m_gl->glLoadMatrixd(m_drawn.modelview.data());
-    drawOverlays(*m_gl);
-    m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-    m_gl->glDepthMask(GL_TRUE);
-}
-
-void ReliefView::_paintMessage()
-{
-    QPainter painter(this);
-    painter.fillRect(rect(), m_backdrop);
-    painter.setPen(m_backdrop.lightness() < 128 ? Qt::white : Qt::black);
-    painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,
-                     m_message);
-}
-
-void ReliefView::_logErrors()
-{
-    // A lost context reports its error for ever.
-    constexpr int mostErrors = 16;
-    for (int i = 0; i < mostErrors; ++i) {
-        const GLenum error = m_gl->glGetError();
-        if (error == GL_NO_ERROR)
-            return;
-        logWarning() << "OpenGL error " << error << "\n";
-    }
+    if (m_mesh.vertexCount() == 0)
+        return;
+    shader.size = std::max(m_relief->width(), m_relief->height());
+    configureShader(shader);
+    shader.bind();
+    shader.draw();
+    shader.release();
 }
 
 void ReliefView::drawFootprint(QOpenGLFunctions_2_1 &gl)
 {
-    if (!m_relief || !m_pointerInside || !hasFootprint(m_tool->type))
+    if (!m_relief || !pointerInside() || !hasFootprint(m_tool->type))
         return;
-    const PickResult at = pick(m_lastPos);
+    const PickResult at = pick(lastPos());
     if (at.hit)
         m_footprint->draw(gl, *m_relief, *m_tool,
-                          {{at.point.x, at.point.y}, m_camera.zoom, devicePixelRatioF()});
+                          {{at.point.x, at.point.y}, camera().zoom, devicePixelRatioF()});
 }
 
-ReliefView::PickResult ReliefView::pick(QPoint position)
+QString ReliefView::statusText(const PickResult &at) const
 {
-    _ensureDepth();
-    const double depth = m_depth.at(position, devicePixelRatioF());
-    const double y = height() - 1 - position.y();
-    return {depth < 1.0, unproject({double(position.x()), y, depth}, m_drawn)};
+    return marlowen::statusText(at.point, sceneBox());
 }
 
-void ReliefView::_ensureDepth()
+PointerStroke::Point ReliefView::_pointAt(QPoint position, Qt::KeyboardModifiers keys)
 {
-    const bool moved = matrices() != m_drawn;
-    if (!m_shader || (!moved && (m_stroking || !m_depthStale)))
+    const PickResult at = pick(position);
+    return {position, at.hit, at.point, keys};
+}
+
+void ReliefView::beginStroke(const QMouseEvent &event)
+{
+    m_stroke.forget();
+    holdDepth(false);
+    if (!m_engine || !m_relief)
         return;
-    const bool painting = QOpenGLContext::currentContext() == context();
-    if (!painting)
-        makeCurrent();
-    if (moved)
-        _updatePicture();
-    if (m_picture->isValid() && m_depthStale) {
-        m_picture->readDepth(*m_gl, m_depth);
-        ++m_counters.depthReads;
-        m_depthStale = false;
+    const PointerStroke::Target target{m_relief, m_engine, m_changes};
+    if (!m_stroke.begin(target, *m_tool, _pointAt(lastPos(), event.modifiers())))
+        return;
+    holdDepth(true);
+    if (m_tool->type == Tool::Sample)
+        emit sampleChanged(double(m_relief->sampleHeight));
+}
+
+void ReliefView::continueStroke(const QMouseEvent &event)
+{
+    if (!m_stroke.running())
+        return;
+    const QPoint position = m_stroke.onLine(lastPos());
+    if (position != lastPos() && m_stroke.lineDecided())
+        QCursor::setPos(mapToGlobal(position));
+    setLastPos(position);
+    m_stroke.moveTo(_pointAt(position, event.modifiers()));
+}
+
+void ReliefView::finishStroke(QPoint position)
+{
+    if (!m_stroke.running())
+        return;
+    const PointerStroke::Point last = _pointAt(m_stroke.onLine(position), {});
+    // The engine's last dabs are drawn with the depth still held.
+    const bool edited = m_stroke.end(last);
+    holdDepth(false);
+    if (edited)
+        emit reliefEdited();
+}
+
+bool ReliefView::wheelTurned(Qt::KeyboardModifiers keys, int delta)
+{
+    const double step = keys & Qt::ShiftModifier ? 0.1 : 0.01;
+    const double by = delta > 0 ? step : -step;
+    if (keys & Qt::AltModifier) {
+        _changeToolSize(by);
+        return true;
     }
-    if (!painting)
-        doneCurrent();
+    if (keys & Qt::ControlModifier) {
+        m_tool->strength = std::clamp(m_tool->strength + by, smallestStrength, 1.0);
+        emit toolStrengthUpdated(m_tool->strength);
+        return true;
+    }
+    return false;
 }
 
-void ReliefView::statusTimeout()
+void ReliefView::brushSizeStep(int step)
 {
-    // Reading the depth would hold up a moving camera.
-    const bool moving = m_heldButton != Qt::NoButton && m_mode != SculptMode;
-    if (!m_relief || !m_statusPending || !isValid() || moving || matrices() != m_drawn)
-        return;
-    m_statusPending = false;
-    emit statusChanged(statusText(pick(m_lastPos).point, reliefBox()));
+    constexpr double steps[] = {-0.01, 0.01, -0.1, 0.1};
+    _changeToolSize(step >= 0 && step < 4 ? steps[step] : 0.0);
+}
+
+void ReliefView::_changeToolSize(double by)
+{
+    m_tool->size = std::clamp(m_tool->size + by, smallestSize, 1.0);
+    emit toolSizeUpdated(m_tool->size);
+    update();
 }
 
 } // namespace marlowen

@@ -1,12 +1,9 @@
 #pragma once
 
-#include "render/camera/arcball.h"
 #include "render/light/materials.h"
 #include "render/views/reliefview.h"
 
 namespace marlowen {
-
-class GizmoPainter;
 
 /// The 3D view: the lit relief, turned with a virtual trackball, with the brush footprint under the
 /// pointer and an orientation gizmo in the top-left corner.
@@ -29,9 +26,6 @@ public:
     /// The index last given to setLightPos.
     int lightPos() const { return m_lightPos; }
 
-    Quaternion rotation() const { return m_arcball.rotation(); }
-    void setRotation(const Quaternion &rotation);
-
     /// Times the gizmo was drawn anew.
     int gizmoPictures() const;
 
@@ -45,24 +39,10 @@ protected:
     void fillVertices(ReliefMesh &mesh, const QRect &vertices) override;
     void configureShader(Shader &shader) override;
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
-    void releaseOverlays() override;
-    int modeForPress(const QMouseEvent &event) override;
-    void dragCamera(QPoint from, QPoint to) override;
-    void endCameraDrag(int mode) override;
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private:
-    int _gizmoFaceAt(QPoint position) const;
-    void _applyRotation();
-    /// Measured from the centre of the gizmo for a drag that began there, else of the widget.
-    QPointF _fromCentre(QPoint position) const;
-    QRect _turnViewport() const;
-
-    Arcball m_arcball;
     Material m_material;
     int m_lightPos = 0;
-    std::unique_ptr<GizmoPainter> m_gizmo;
-    bool m_onGizmo = false;
 };
 
 } // namespace marlowen

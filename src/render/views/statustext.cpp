@@ -2,7 +2,7 @@
 
 namespace marlowen {
 
-QString statusText(const Vector &point, const ReliefBox &box)
+QString statusText(const Vector &point, const SceneBox &box)
 {
     constexpr double cellsPerInch = 128.0;
     const auto inches = [](double cells) {

@@ -13,13 +13,13 @@ namespace marlowen {
 
 class DepthImage;
 
-/// The drawn relief, kept with its depth in a framebuffer object so that overlays can change
+/// The drawn surface, kept with its depth in a framebuffer object so that overlays can change
 /// without drawing it again. Every call, the destructor included, needs the view's context.
-class ReliefPicture
+class KeptPicture
 {
 public:
-    ReliefPicture();
-    ~ReliefPicture();
+    KeptPicture();
+    ~KeptPicture();
 
     /// Physical pixels. True when the picture was made anew and has no content.
     bool resize(QSize size);

@@ -1,4 +1,4 @@
-#include "render/engines/reliefpicture.h"
+#include "render/engines/keptpicture.h"
 
 #include "render/camera/depthimage.h"
 
@@ -7,10 +7,10 @@
 
 namespace marlowen {
 
-ReliefPicture::ReliefPicture() = default;
-ReliefPicture::~ReliefPicture() = default;
+KeptPicture::KeptPicture() = default;
+KeptPicture::~KeptPicture() = default;
 
-bool ReliefPicture::resize(QSize size)
+bool KeptPicture::resize(QSize size)
 {
     if (size.isEmpty()) {
         m_buffer.reset();
@@ -28,7 +28,7 @@ bool ReliefPicture::resize(QSize size)
     return true;
 }
 
-void ReliefPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop)
+void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop)
 {
     m_buffer->bind();
     gl.glViewport(0, 0, m_buffer->width(), m_buffer->height());
@@ -37,17 +37,17 @@ void ReliefPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop)
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
-void ReliefPicture::end()
+void KeptPicture::end()
 {
     m_buffer->release();
 }
 
-void ReliefPicture::draw(QOpenGLFunctions_2_1 &gl) const
+void KeptPicture::draw(QOpenGLFunctions_2_1 &gl) const
 {
     drawTextureOverViewport(gl, m_buffer->texture());
 }
 
-void ReliefPicture::readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const
+void KeptPicture::readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const
 {
     if (depth.size() != m_buffer->size())
         depth.resize(m_buffer->size());

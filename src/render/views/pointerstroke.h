@@ -1,0 +1,63 @@
+#pragma once
+
+#include "render/camera/axislock.h"
+#include "render/camera/camera.h"
+
+#include <QPoint>
+
+#include <functional>
+
+namespace marlowen {
+
+class Relief;
+class ReliefChanges;
+class SculptEngine;
+struct ToolParams;
+
+/// A stroke of the pointer: takes presses and moves as points on the relief, lays the stroke
+/// through the engine and tells the views what it changed. With Ctrl at the press it keeps to a
+/// line, Alt inverts the tool. Knows no window.
+class PointerStroke
+{
+public:
+    /// What is stroked; all of it lives longer than the stroke.
+    struct Target
+    {
+        Relief *relief = nullptr;
+        SculptEngine *engine = nullptr;
+        ReliefChanges *changes = nullptr;
+    };
+    /// The pointer: where it is on the widget and what lies under it.
+    struct Point
+    {
+        QPoint position; ///< logical pixels
+        bool hit = false;
+        Vector model; ///< model space: stroke point in x and y
+        Qt::KeyboardModifiers keys;
+    };
+
+    /// Begins a stroke where the press hit the relief; false, and nothing done, where it did not or
+    /// the engine does not work on this relief.
+    bool begin(const Target &target, const ToolParams &tool, const Point &press);
+    bool running() const { return m_running; }
+    /// Where the pointer counts as being: on the line when the stroke keeps to one.
+    QPoint onLine(QPoint position) { return m_axisLock.apply(position); }
+    /// The line is decided, so that the pointer itself can be put back onto it.
+    bool lineDecided() const { return m_axisLock.state() != AxisLock::Armed; }
+    /// The next point, already on the line; nothing off the relief.
+    void moveTo(const Point &point);
+    /// True when the stroke changed the relief.
+    bool end(const Point &release);
+    /// Forgets the stroke, without the engine.
+    void forget();
+
+private:
+    void _throughEngine(const std::function<void(SculptEngine &)> &call);
+
+    Target m_target;
+    AxisLock m_axisLock;
+    bool m_running = false;
+    bool m_edited = false;
+};
+
+} // namespace marlowen

@@ -1,0 +1,282 @@
+#include "render/views/surfaceview.h"
+
+#include "base/sessionlog.h"
+#include "render/engines/keptpicture.h"
+#include "render/engines/shader.h"
+#include "render/overlays/cursors.h"
+#include "render/views/turntable.h"
+
+#include <QOpenGLContext>
+#include <QOpenGLFunctions_2_1>
+#include <QOpenGLVersionFunctionsFactory>
+#include <QPainter>
+
+namespace marlowen {
+
+SurfaceView::SurfaceView(QWidget *parent)
+    : QOpenGLWidget(parent)
+{
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    QFont viewFont = font();
+    viewFont.setPointSize(16);
+    viewFont.setWeight(QFont::DemiBold);
+    viewFont.setStyleStrategy(QFont::PreferAntialias);
+    setFont(viewFont);
+    connect(&m_statusTimer, &QTimer::timeout, this, &SurfaceView::statusTimeout);
+    m_statusTimer.start(100);
+}
+
+SurfaceView::~SurfaceView()
+{
+    // The context goes after this object has stopped being a SurfaceView.
+    if (context())
+        context()->disconnect(this);
+}
+
+void SurfaceView::setBackdrop(const QColor &color)
+{
+    m_backdrop = color;
+    invalidatePicture();
+}
+
+void SurfaceView::setMode(int mode)
+{
+    m_mode = mode;
+    setCursor(cursorForMode(mode));
+}
+
+void SurfaceView::setCursorScale(int percent)
+{
+    marlowen::setCursorScale(percent);
+    setCursor(cursorForMode(m_mode));
+}
+
+ViewMatrices SurfaceView::matrices() const
+{
+    return viewMatrices(m_camera, sceneBox(), size());
+}
+
+void SurfaceView::setCamera(const Camera &camera)
+{
+    m_camera = camera;
+    m_statusPending = true;
+    update();
+    emit cameraChanged();
+}
+
+void SurfaceView::zoomAll()
+{
+    if (!isValid() || size().isEmpty()) {
+        m_zoomAllPending = true;
+        return;
+    }
+    const SceneBox box = wholeBox();
+    if (!box.isEmpty())
+        setCamera(zoomedToAll(m_camera, box, size()));
+}
+
+void SurfaceView::invalidatePicture()
+{
+    m_pictureStale = true;
+    update();
+}
+
+void SurfaceView::initializeGL()
+{
+    connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &SurfaceView::releaseGL,
+            Qt::ConnectionType(Qt::DirectConnection | Qt::UniqueConnection));
+    m_gl = QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_2_1>(context());
+    if (!m_gl) {
+        m_message = tr("This view needs OpenGL 2.1, which the graphics driver does not offer.");
+        logCritical() << "The context has no OpenGL 2.1 functions\n";
+        return;
+    }
+    _makeShader();
+    if (!m_shader)
+        return;
+    m_picture = std::make_unique<KeptPicture>();
+    m_pictureStale = m_depthStale = true;
+    m_gl->glShadeModel(GL_SMOOTH);
+    m_gl->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+    m_gl->glDepthFunc(GL_LEQUAL);
+    m_gl->glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
+    m_gl->glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
+    for (const GLenum feature : {GL_TEXTURE_2D, GL_LIGHTING, GL_LINE_STIPPLE, GL_DEPTH_TEST})
+        m_gl->glDisable(feature);
+    m_gl->glEnable(GL_LINE_SMOOTH);
+    m_gl->glLineWidth(1.0F);
+    _logErrors();
+    prepareGL(*m_gl);
+}
+
+void SurfaceView::_makeShader()
+{
+    m_message.clear();
+    for (const bool legacy : {false, true}) {
+        try {
+            m_shader = createShader(legacy);
+            return;
+        } catch (const char *reason) {
+            logWarning() << (legacy ? "Legacy" : "Chosen") << " drawing engine failed: " << reason
+                         << "\n";
+        }
+    }
+    m_message = tr("The relief cannot be drawn: the graphics driver refuses the drawing programs.");
+}
+
+void SurfaceView::releaseGL()
+{
+    if (!m_gl)
+        return;
+    makeCurrent();
+    releaseOverlays(*m_gl);
+    m_shader.reset();
+    m_picture.reset();
+    m_gl = nullptr;
+    doneCurrent();
+}
+
+void SurfaceView::resizeGL(int, int)
+{
+    m_pictureStale = true;
+    if (std::exchange(m_zoomAllPending, false))
+        zoomAll();
+}
+
+void SurfaceView::paintGL()
+{
+    if (!m_shader) {
+        _paintMessage();
+        return;
+    }
+    _updatePicture();
+    if (m_picture->isValid())
+        _paintOverPicture();
+    _logErrors();
+}
+
+void SurfaceView::_updatePicture()
+{
+    const bool changed = updateSurface(*m_shader);
+    const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
+    const ViewMatrices now = matrices();
+    if (!m_picture->isValid() || !(changed || resized || m_pictureStale || now != m_drawn))
+        return;
+    m_drawn = now;
+    _rasterise();
+}
+
+void SurfaceView::_rasterise()
+{
+    m_picture->begin(*m_gl, m_backdrop);
+    m_gl->glMatrixMode(GL_PROJECTION);
+    m_gl->glLoadMatrixd(m_drawn.projection.data());
+    m_gl->glMatrixMode(GL_MODELVIEW);
+    m_gl->glLoadMatrixd(m_drawn.modelview.data());
+    m_gl->glEnable(GL_DEPTH_TEST);
+    drawSurface(*m_shader);
+    m_gl->glDisable(GL_DEPTH_TEST);
+    m_picture->end();
+    ++m_counters.pictures;
+    m_pictureStale = false;
+    m_depthStale = true;
+}
+
+void SurfaceView::_paintOverPicture()
+{
+    const QSize physical = physicalSize(size(), devicePixelRatioF());
+    m_gl->glViewport(0, 0, physical.width(), physical.height());
+    m_gl->glDisable(GL_BLEND);
+    m_gl->glDisable(GL_DEPTH_TEST);
+    m_picture->draw(*m_gl);
+    // The picture is opaque; overlays leave it so.
+    m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
+    m_gl->glDepthMask(GL_FALSE);
+    m_gl->glMatrixMode(GL_PROJECTION);
+    m_gl->glLoadMatrixd(m_drawn.projection.data());
+    m_gl->glMatrixMode(GL_MODELVIEW);
+    m_gl->glLoadMatrixd(m_drawn.modelview.data());
+    drawOverlays(*m_gl);
+    m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    m_gl->glDepthMask(GL_TRUE);
+}
+
+void SurfaceView::drawOverlays(QOpenGLFunctions_2_1 &gl)
+{
+    if (m_turntable)
+        m_turntable->draw(gl, size(), devicePixelRatioF());
+}
+
+void SurfaceView::releaseOverlays(QOpenGLFunctions_2_1 &)
+{
+    if (m_turntable)
+        m_turntable->releaseGL();
+}
+
+void SurfaceView::_paintMessage()
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), m_backdrop);
+    painter.setPen(m_backdrop.lightness() < 128 ? Qt::white : Qt::black);
+    painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,
+                     m_message);
+}
+
+void SurfaceView::_logErrors()
+{
+    // A lost context reports its error for ever.
+    constexpr int mostErrors = 16;
+    for (int i = 0; i < mostErrors; ++i) {
+        const GLenum error = m_gl->glGetError();
+        if (error == GL_NO_ERROR)
+            return;
+        logWarning() << "OpenGL error " << error << "\n";
+    }
+}
+
+SurfaceView::PickResult SurfaceView::pick(QPoint position)
+{
+    _ensureDepth();
+    const double depth = m_depth.at(position, devicePixelRatioF());
+    const double y = height() - 1 - position.y();
+    return {depth < 1.0, unproject({double(position.x()), y, depth}, m_drawn)};
+}
+
+void SurfaceView::_ensureDepth()
+{
+    const bool moved = matrices() != m_drawn;
+    if (!m_shader || (!moved && (m_depthHeld || !m_depthStale)))
+        return;
+    const bool painting = QOpenGLContext::currentContext() == context();
+    if (!painting)
+        makeCurrent();
+    if (moved)
+        _updatePicture();
+    if (m_picture->isValid() && m_depthStale) {
+        m_picture->readDepth(*m_gl, m_depth);
+        ++m_counters.depthReads;
+        m_depthStale = false;
+    }
+    if (!painting)
+        doneCurrent();
+}
+
+QString SurfaceView::statusText(const PickResult &) const
+{
+    return {};
+}
+
+void SurfaceView::statusTimeout()
+{
+    // Reading the depth would hold up a moving camera.
+    const bool moving = m_heldButton != Qt::NoButton && m_mode != SculptMode;
+    if (!m_statusPending || !isValid() || moving || sceneBox().isEmpty() || matrices() != m_drawn)
+        return;
+    m_statusPending = false;
+    const QString text = statusText(pick(m_lastPos));
+    if (!text.isEmpty())
+        emit statusChanged(text);
+}
+
+} // namespace marlowen

@@ -1,0 +1,191 @@
+#pragma once
+
+#include "render/camera/arcball.h"
+#include "render/camera/camera.h"
+#include "render/camera/depthimage.h"
+
+#include <QColor>
+#include <QOpenGLWidget>
+#include <QTimer>
+
+#include <memory>
+
+class QOpenGLFunctions_2_1;
+
+namespace marlowen {
+
+class KeptPicture;
+class Shader;
+class Turntable;
+
+/// A view of a surface under a camera, whatever the surface is: OpenGL context, camera moved by
+/// pointer and wheel, a kept picture of the surface with its depth, picking, status line, and for
+/// views that turn the orientation gizmo. A derived view supplies the surface.
+///
+/// The surface is drawn into a framebuffer object, anew only when surface, camera, shader fields or
+/// size changed; overlays are drawn over it in every frame.
+class SurfaceView : public QOpenGLWidget
+{
+    Q_OBJECT
+
+public:
+    enum ViewMode { NoMode, PanMode, ZoomMode, RotateMode, RotatingMode, SculptMode };
+
+    explicit SurfaceView(QWidget *parent = nullptr);
+    /// A derived view calls releaseGL() in its own destructor.
+    ~SurfaceView() override;
+
+    /// What lies behind the surface.
+    void setBackdrop(const QColor &color);
+    /// Interaction mode (ViewMode) and its cursor; any other value sets the default cursor.
+    void setMode(int mode);
+    int mode() const { return m_mode; }
+
+    const Camera &camera() const { return m_camera; }
+    /// Of the camera as it is now.
+    ViewMatrices matrices() const;
+
+    struct PickResult
+    {
+        bool hit = false;
+        Vector point; ///< model space
+    };
+    /// The surface under a logical position, from the depth of the picture; draws that first when
+    /// the camera moved since. While the depth is held it is that of the moment it was held.
+    PickResult pick(QPoint position);
+
+    /// Work done since construction.
+    struct Counters
+    {
+        int fullRebuilds = 0;         ///< all vertices computed
+        int partialRefreshes = 0;     ///< only vertices of changed cells computed
+        qint64 refreshedVertices = 0; ///< computed by partial refreshes
+        int pictures = 0;             ///< times the surface was rasterised
+        int depthReads = 0;
+    };
+    const Counters &counters() const { return m_counters; }
+    /// Null before the first paint or when no drawing engine could be made.
+    const Shader *shader() const { return m_shader.get(); }
+    /// Why nothing can be drawn; empty as long as something can.
+    const QString &message() const { return m_message; }
+
+    /// Identity in a view that does not turn.
+    Quaternion rotation() const;
+    /// Ignored by a view that does not turn.
+    void setRotation(const Quaternion &rotation);
+
+public slots:
+    void zoomAll();
+    /// Percent of the normal size of the mouse pointers of all views; stored in the settings.
+    void setCursorScale(int percent);
+
+signals:
+    void statusChanged(const QString &text);
+    void cameraChanged();
+
+protected:
+    // What a derived view supplies.
+
+    /// The box the surface occupies, for projection and picking; without extent when there is none.
+    virtual SceneBox sceneBox() const = 0;
+    /// The same, computed anew where sceneBox() may lag behind; zoomAll() fits it.
+    virtual SceneBox wholeBox() { return sceneBox(); }
+    /// A new shader of the view's kind, of the legacy engine when asked. The context is current;
+    /// throws a C string when it cannot be made.
+    virtual std::unique_ptr<Shader> createShader(bool legacy) = 0;
+    /// A context was made: nothing is uploaded yet. Sets what OpenGL state a view wants beyond that
+    /// of all views.
+    virtual void prepareGL(QOpenGLFunctions_2_1 &gl) { (void)gl; }
+    /// Hands the shader what changed, before every frame; true when the picture must be drawn anew
+    /// for it.
+    virtual bool updateSurface(Shader &shader) = 0;
+    /// Draws the surface; matrices, viewport and depth test are set.
+    virtual void drawSurface(Shader &shader) = 0;
+    /// Over the surface, in every frame. The fixed-function matrices and the viewport are those of
+    /// the picture; blending, depth test, lighting and texturing are off. To be called last by an
+    /// override: it draws the gizmo and loses the matrices.
+    virtual void drawOverlays(QOpenGLFunctions_2_1 &gl);
+    /// Releases what drawOverlays made; the context is current.
+    virtual void releaseOverlays(QOpenGLFunctions_2_1 &gl);
+
+    /// Text of the status line for the point under the pointer; empty for none.
+    virtual QString statusText(const PickResult &at) const;
+    /// Mode that a press starts, NoMode when the press is not the view's.
+    virtual int modeForPress(const QMouseEvent &event);
+    /// A press started SculptMode.
+    virtual void beginStroke(const QMouseEvent &event) { (void)event; }
+    /// The pointer moved in SculptMode, to lastPos().
+    virtual void continueStroke(const QMouseEvent &event) { (void)event; }
+    /// SculptMode ended.
+    virtual void finishStroke(QPoint position) { (void)position; }
+    /// A turn of the wheel that does not zoom; false for one that does.
+    virtual bool wheelTurned(Qt::KeyboardModifiers keys, int delta);
+
+    void initializeGL() override;
+    void resizeGL(int width, int height) override;
+    void paintGL() override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+
+    // What a derived view calls.
+
+    /// The view turns and shows the gizmo; to be called once, by a constructor.
+    void enableTurning();
+    const Turntable *turntable() const { return m_turntable.get(); }
+    void setCamera(const Camera &camera);
+    /// The picture must be drawn anew though neither surface nor camera changed: shader fields did.
+    void invalidatePicture();
+    /// Keeps the depth that picks read, although the picture changes.
+    void holdDepth(bool held) { m_depthHeld = held; }
+    /// What the kept picture was drawn with.
+    const ViewMatrices &drawnMatrices() const { return m_drawn; }
+    QPoint lastPos() const { return m_lastPos; }
+    void setLastPos(QPoint position) { m_lastPos = position; }
+    bool pointerInside() const { return m_pointerInside; }
+    Counters &work() { return m_counters; }
+    void releaseGL();
+
+private slots:
+    void statusTimeout();
+
+private:
+    void _makeShader();
+    void _updatePicture();
+    void _rasterise();
+    void _paintOverPicture();
+    void _paintMessage();
+    void _logErrors();
+    void _ensureDepth();
+    void _dragCamera(QPoint from, QPoint to);
+    void _endInteraction(QPoint position);
+
+    Camera m_camera;
+    ViewMatrices m_drawn;
+    DepthImage m_depth;
+    QOpenGLFunctions_2_1 *m_gl = nullptr; ///< owned by the context
+    std::unique_ptr<Shader> m_shader;
+    std::unique_ptr<KeptPicture> m_picture;
+    std::unique_ptr<Turntable> m_turntable;
+    QString m_message;
+    Counters m_counters;
+    QColor m_backdrop{56, 58, 62};
+
+    bool m_pictureStale = true;
+    bool m_depthStale = true;
+    bool m_depthHeld = false;
+    bool m_zoomAllPending = false;
+    bool m_statusPending = false;
+    bool m_pointerInside = true;
+    int m_mode = NoMode;
+    int m_savedMode = NoMode;
+    Qt::MouseButton m_heldButton = Qt::NoButton;
+    QPoint m_lastPos;
+    QTimer m_statusTimer;
+};
+
+} // namespace marlowen

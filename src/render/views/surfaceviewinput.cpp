@@ -1,0 +1,185 @@
+#include "render/overlays/gizmo.h"
+#include "render/views/surfaceview.h"
+#include "render/views/turntable.h"
+
+#include <QMouseEvent>
+#include <QWheelEvent>
+
+namespace marlowen {
+
+// The half of SurfaceView that answers pointer and wheel.
+
+namespace {
+
+constexpr double zoomDragDivisor = 300.0;
+
+QPoint positionOf(const QSinglePointEvent &event)
+{
+    return event.position().toPoint();
+}
+
+} // namespace
+
+void SurfaceView::enableTurning()
+{
+    m_turntable = std::make_unique<Turntable>();
+}
+
+Quaternion SurfaceView::rotation() const
+{
+    return m_turntable ? m_turntable->rotation() : Quaternion();
+}
+
+void SurfaceView::setRotation(const Quaternion &rotation)
+{
+    if (!m_turntable)
+        return;
+    m_turntable->setRotation(rotation);
+    Camera turned = m_camera;
+    turned.rotation = m_turntable->matrix();
+    setCamera(turned);
+}
+
+int SurfaceView::modeForPress(const QMouseEvent &event)
+{
+    const bool turns = m_turntable != nullptr;
+    switch (event.button()) {
+    case Qt::MiddleButton:
+        return turns && !(event.modifiers() & Qt::ShiftModifier) ? RotateMode : PanMode;
+    case Qt::RightButton:
+        return turns && (event.modifiers() & Qt::ControlModifier) ? RotateMode : NoMode;
+    case Qt::LeftButton:
+        if (turns && m_turntable->onGizmo())
+            return RotateMode;
+        return m_mode == NoMode ? int(SculptMode) : m_mode;
+    default:
+        return NoMode;
+    }
+}
+
+void SurfaceView::mousePressEvent(QMouseEvent *event)
+{
+    const QPoint position = positionOf(*event);
+    if (m_heldButton != Qt::NoButton) {
+        if (m_heldButton != event->button() && (event->buttons() & m_heldButton)) {
+            event->ignore();
+            return;
+        }
+        // The release never came, as when a dialog opened meanwhile.
+        _endInteraction(m_lastPos);
+    }
+    m_lastPos = position;
+    if (m_turntable)
+        m_turntable->press(position, size());
+    const int mode = modeForPress(*event);
+    if (mode == NoMode) {
+        event->ignore();
+        return;
+    }
+    m_heldButton = event->button();
+    m_savedMode = m_mode;
+    setMode(mode);
+    if (mode == SculptMode)
+        beginStroke(*event);
+    update();
+}
+
+void SurfaceView::mouseMoveEvent(QMouseEvent *event)
+{
+    const QPoint from = m_lastPos;
+    m_lastPos = positionOf(*event);
+    // While a button is held no enter or leave comes.
+    m_pointerInside = rect().contains(m_lastPos);
+    m_statusPending = true;
+    if (m_heldButton == Qt::NoButton)
+        event->ignore();
+    else if (m_mode == SculptMode)
+        continueStroke(*event);
+    else
+        _dragCamera(from, m_lastPos);
+    update();
+}
+
+void SurfaceView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != m_heldButton) {
+        event->ignore();
+        return;
+    }
+    m_lastPos = positionOf(*event);
+    _endInteraction(m_lastPos);
+    update();
+}
+
+void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    const int face = m_turntable ? m_turntable->faceAt(positionOf(*event), size()) : -1;
+    if (face > 0)
+        setRotation(presetOrientation(face));
+    else
+        QOpenGLWidget::mouseDoubleClickEvent(event);
+}
+
+void SurfaceView::_endInteraction(QPoint position)
+{
+    const int mode = m_mode;
+    m_heldButton = Qt::NoButton;
+    setMode(std::exchange(m_savedMode, int(NoMode)));
+    if (mode == SculptMode)
+        finishStroke(position);
+    else if (m_turntable)
+        m_turntable->release();
+}
+
+void SurfaceView::_dragCamera(QPoint from, QPoint to)
+{
+    Camera camera = m_camera;
+    switch (m_mode) {
+    case PanMode:
+        camera.pan += to - from;
+        break;
+    case ZoomMode:
+        camera = dragZoomed(camera, to.y() - from.y(), zoomDragDivisor);
+        break;
+    case RotateMode:
+        setMode(RotatingMode);
+        [[fallthrough]];
+    case RotatingMode:
+        m_turntable->drag(from, to, size());
+        camera.rotation = m_turntable->matrix();
+        break;
+    default:
+        break;
+    }
+    setCamera(camera);
+}
+
+bool SurfaceView::wheelTurned(Qt::KeyboardModifiers, int)
+{
+    return false;
+}
+
+void SurfaceView::wheelEvent(QWheelEvent *event)
+{
+    const QPoint angle = event->angleDelta();
+    const int delta = angle.y() != 0 ? angle.y() : angle.x();
+    if (delta == 0 || wheelTurned(event->modifiers(), delta))
+        return;
+    setCamera(wheelZoomed(m_camera, delta, positionOf(*event), size()));
+}
+
+void SurfaceView::enterEvent(QEnterEvent *event)
+{
+    m_pointerInside = true;
+    update();
+    QOpenGLWidget::enterEvent(event);
+}
+
+void SurfaceView::leaveEvent(QEvent *event)
+{
+    m_pointerInside = false;
+    update();
+    QOpenGLWidget::leaveEvent(event);
+}
+
+} // namespace marlowen
