@@ -20,9 +20,7 @@
 #include <QSurfaceFormat>
 #include <QTimer>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 namespace marlowen {
 
@@ -37,21 +35,6 @@ void chooseSurfaceFormat()
     QSurfaceFormat::setDefaultFormat(format);
 }
 
-/// While the toolkit looks for a display: what makes it give up is written to the debug file as
-/// always, then told in one sentence instead of a core dump.
-QtMessageHandler writeToDebugFile = nullptr;
-
-void endWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    writeToDebugFile(type, context, message);
-    if (type != QtFatalMsg)
-        return;
-    std::fputs("marlowen: there is no display (or no OpenGL on it) to open a window on; "
-               "marlowen-cli works without one\n",
-               stderr);
-    std::_Exit(-1);
-}
-
 void setAttributes()
 {
     QCoreApplication::setAttribute(Qt::AA_UseDesktopOpenGL);
@@ -62,14 +45,6 @@ void setAttributes()
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QT_WARNING_POP
     QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
-}
-
-QStringList argumentTexts(int count, char **values)
-{
-    QStringList texts;
-    for (int i = 0; i < count; ++i)
-        texts << QString::fromLocal8Bit(values[i]);
-    return texts;
 }
 
 void logStep(const char *text)
@@ -121,17 +96,16 @@ void showWindow(MainWindow &window)
     QTimer::singleShot(0, &window, [] { themeSwitcher::applyTheme(savedThemeMode()); });
 }
 
-int runWindow(QevApplication &application, const QStringList &arguments)
+int runWindow(QevApplication &application)
 {
     tidyDataFolder();
     logStep("About to create main window");
     _installStyle();
     MainWindow window;
     application.setMainWindow(&window);
-    quitOnTerminationSignals();
     logStep("Created main window");
     printVersion();
-    applyLaunchSteps(launchSteps(arguments), window);
+    applyLaunchSteps(launchSteps(QCoreApplication::arguments()), window);
     showWindow(window);
     return QCoreApplication::exec();
 }
@@ -143,23 +117,17 @@ int runMarlowen(int argc, char **argv)
     installMessageHandler();
     chooseSurfaceFormat();
     setAttributes();
-    writeToDebugFile = qInstallMessageHandler(endWithoutDisplay);
-    // The arguments are file names and strings of the sister program; the toolkit would take one
-    // like "-platform" for an option of its own and remove it.
-    const QStringList arguments = argumentTexts(argc, argv);
-    int programOnly = std::min(argc, 1);
-    QevApplication application(programOnly, argv);
+    QevApplication application(argc, argv);
     if (qEnvironmentVariableIsSet("MARLOWEN_TRACE_EVENTS"))
         application.installEventFilter(new QEF(&application));
+    quitOnTerminationSignals();
     QApplication::setWindowIcon(icon(QStringLiteral("logo")));
     migrateSettings();
     openSessionLog();
-    const bool accepted = acceptGlVersion(readGlVersion());
-    qInstallMessageHandler(writeToDebugFile);
-    if (!accepted)
+    if (!acceptGlVersion(readGlVersion()))
         return -1;
     try {
-        return runWindow(application, arguments);
+        return runWindow(application);
     } catch (const char *text) {
         reportFatalError(text);
         return 1;

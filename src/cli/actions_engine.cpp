@@ -15,7 +15,7 @@ namespace {
 
 constexpr char alphaModeNames[] = "Shape|Tile|Stamp";
 
-Outcome _tool(ScriptState &state, const QJsonObject &arguments)
+Outcome toolAction(ScriptState &state, const QJsonObject &arguments)
 {
     changeTool(state.tool, arguments);
     return {};
@@ -29,7 +29,7 @@ Outcome symmetry(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome _invert(ScriptState &state, const QJsonObject &arguments)
+Outcome invertAction(ScriptState &state, const QJsonObject &arguments)
 {
     state.relief()->invert = arguments.value(QLatin1String("on")).toBool();
     return {};
@@ -111,21 +111,21 @@ Outcome fill(ScriptState &state, const QJsonObject &)
     return {};
 }
 
-int _steps(const QJsonObject &arguments)
+int stepCount(const QJsonObject &arguments)
 {
     return arguments.value(QLatin1String("steps")).toInt(1);
 }
 
-Outcome _undo(ScriptState &state, const QJsonObject &arguments)
+Outcome undoAction(ScriptState &state, const QJsonObject &arguments)
 {
-    for (int step = _steps(arguments); step > 0 && state.undo().canUndo(); --step)
+    for (int step = stepCount(arguments); step > 0 && state.undo().canUndo(); --step)
         state.undo().undo();
     return {};
 }
 
-Outcome _redo(ScriptState &state, const QJsonObject &arguments)
+Outcome redoAction(ScriptState &state, const QJsonObject &arguments)
 {
-    for (int step = _steps(arguments); step > 0 && state.undo().canRedo(); --step)
+    for (int step = stepCount(arguments); step > 0 && state.undo().canRedo(); --step)
         state.undo().redo();
     return {};
 }
@@ -136,9 +136,9 @@ const std::vector<ScriptAction> &strokeActions()
 {
     static const ScriptKey steps{"steps", KeyType::Integer, false, 1.0};
     static const std::vector<ScriptAction> actions{
-        {"tool", toolKeys(), _tool, false},
+        {"tool", toolKeys(), toolAction, false},
         {"symmetry", {{"x", KeyType::Boolean}, {"y", KeyType::Boolean}}, symmetry},
-        {"invert", {{"on", KeyType::Boolean, true}}, _invert},
+        {"invert", {{"on", KeyType::Boolean, true}}, invertAction},
         {"alpha",
          {{"file", KeyType::TextOrNull},
           {.name = "mode", .type = KeyType::Choice, .choices = alphaModeNames},
@@ -151,8 +151,8 @@ const std::vector<ScriptAction> &strokeActions()
          {{"height", KeyType::Number, true, 0.0, std::numeric_limits<float>::max()}},
          setSample},
         {"fill", {}, fill},
-        {"undo", {steps}, _undo},
-        {"redo", {steps}, _redo},
+        {"undo", {steps}, undoAction},
+        {"redo", {steps}, redoAction},
     };
     return actions;
 }

@@ -14,7 +14,7 @@ constexpr char modifierNames[] = "Normal|Additive|Subtractive";
 constexpr char shapeNames[] = "rectangle|ellipse|polygon|magic|none";
 constexpr char maskNames[] = "clear|invert";
 
-/// A selection as the script gives it; the corners may lie off the grid.
+/// A selection as the script puts it, its cells clipped to the grid.
 struct Choice
 {
     QPointF point;
@@ -69,7 +69,15 @@ QString wrongPlace(const QString &name, const Shape &shape, const QJsonObject &a
     return {};
 }
 
-Outcome _select(ScriptState &state, const QJsonObject &arguments)
+QList<QPoint> clipped(QList<QPoint> cells, const Relief &relief)
+{
+    for (QPoint &cell : cells)
+        cell = {std::clamp(cell.x(), 0, relief.width() - 1),
+                std::clamp(cell.y(), 0, relief.height() - 1)};
+    return cells;
+}
+
+Outcome selectAction(ScriptState &state, const QJsonObject &arguments)
 {
     const QString name = arguments.value(QLatin1String("shape")).toString();
     const Shape &shape = shapes[choiceIndex(shapeNames, name)];
@@ -78,7 +86,7 @@ Outcome _select(ScriptState &state, const QJsonObject &arguments)
     const QString modifier =
         arguments.value(QLatin1String("modifier")).toString(QStringLiteral("Normal"));
     shape.select(state, {pointOf(arguments.value(QLatin1String("point"))),
-                         cellsOf(arguments.value(QLatin1String("cells"))),
+                         clipped(cellsOf(arguments.value(QLatin1String("cells"))), *state.relief()),
                          static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier))});
     return {};
 }
@@ -91,7 +99,7 @@ Outcome mask(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome _resize(ScriptState &state, const QJsonObject &arguments)
+Outcome resizeAction(ScriptState &state, const QJsonObject &arguments)
 {
     const int width = arguments.value(QLatin1String("width")).toInt();
     const int height = arguments.value(QLatin1String("height")).toInt();
@@ -124,14 +132,16 @@ const std::vector<ScriptAction> &reliefActions()
           {"cells", KeyType::Cells},
           {"point", KeyType::Point},
           {.name = "modifier", .type = KeyType::Choice, .choices = modifierNames}},
-         _select},
+         selectAction},
         {"mask",
          {{.name = "op", .type = KeyType::Choice, .required = true, .choices = maskNames}},
          mask},
         {"resize",
          {{"width", KeyType::Integer, true, 2.0}, {"height", KeyType::Integer, true, 2.0}},
-         _resize},
-        {"zscale", {{"value", KeyType::Number, true, smallestZScale, largestZScale}}, zScale},
+         resizeAction},
+        {"zscale",
+         {{"value", KeyType::Number, true, zScaleRange.minimum, zScaleRange.maximum}},
+         zScale},
         {"crop", {{"points", KeyType::Points, true}}, crop},
     };
     return actions;

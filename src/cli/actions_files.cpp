@@ -1,9 +1,11 @@
 #include "cli/clifiles.h"
-#include "cli/importkeys.h"
+#include "cli/fieldkeys.h"
 #include "cli/scriptaction.h"
 #include "cli/scriptstate.h"
+#include "files/formats.h"
 #include "files/heightmaps.h"
 #include "files/workspacefile.h"
+#include "import/openfile.h"
 #include "relief/grid/reliefstream.h"
 
 #include <QJsonDocument>
@@ -46,7 +48,7 @@ GridLayer &gridLayer(Relief &relief, Layer layer)
     }
 }
 
-Outcome makeRelief(ScriptState &state, const QJsonObject &arguments)
+Outcome newAction(ScriptState &state, const QJsonObject &arguments)
 {
     const int width = arguments.value(QLatin1String("width")).toInt();
     const int height = arguments.value(QLatin1String("height")).toInt();
@@ -60,10 +62,14 @@ Outcome makeRelief(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome open(ScriptState &state, const QJsonObject &arguments)
+Outcome openAction(ScriptState &state, const QJsonObject &arguments)
 {
+    const QString path = fileOf(arguments);
     const QJsonObject settings = arguments.value(QLatin1String("import")).toObject();
-    Result<std::unique_ptr<Relief>> opened = openFile(fileOf(arguments), withValues({}, settings));
+    if (!settings.isEmpty() && formatOf(path) && !takesImportSettings(path))
+        return aboutFile(path, scriptFailure(notImported()));
+    Result<std::unique_ptr<Relief>> opened =
+        openFile(path, withValues(importFields(), ImportSettings{}, settings));
     if (!opened)
         return opened.failure();
     state.install(opened.take());
@@ -91,7 +97,7 @@ void markLoaded(Relief &relief, Layer layer)
     relief.frameRegion = relief.rect();
 }
 
-Outcome load(ScriptState &state, const QJsonObject &arguments)
+Outcome loadAction(ScriptState &state, const QJsonObject &arguments)
 {
     const Layer layer = layerOf(arguments);
     Result<FloatGrid> loaded = loadPfm(fileOf(arguments));
@@ -116,7 +122,7 @@ Outcome load(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome save(ScriptState &state, const QJsonObject &arguments)
+Outcome saveAction(ScriptState &state, const QJsonObject &arguments)
 {
     const QString path = fileOf(arguments);
     if (const Outcome done = saveWorkspace(*state.relief(), path); !done)
@@ -124,13 +130,13 @@ Outcome save(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome exportRelief(ScriptState &state, const QJsonObject &arguments)
+Outcome exportAction(ScriptState &state, const QJsonObject &arguments)
 {
-    return exportFile(*state.relief(), fileOf(arguments),
-                      arguments.value(QLatin1String("quality")).toString(), state.progress());
+    const ExportOptions options = withValues(exportFields(), ExportOptions{}, arguments);
+    return writeFile({*state.relief(), fileOf(arguments), options, &state.progress()});
 }
 
-Outcome dump(ScriptState &state, const QJsonObject &arguments)
+Outcome dumpAction(ScriptState &state, const QJsonObject &arguments)
 {
     const Relief &relief = *state.relief();
     const GridLayer &layer = gridLayer(*state.relief(), layerOf(arguments));
@@ -141,7 +147,7 @@ Outcome dump(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
-Outcome info(ScriptState &state, const QJsonObject &)
+Outcome infoAction(ScriptState &state, const QJsonObject &)
 {
     QJsonObject description = describe(*state.relief());
     description.insert(
@@ -156,10 +162,20 @@ Outcome info(ScriptState &state, const QJsonObject &)
     return {};
 }
 
+/// The file, and the options that some format takes.
+std::vector<ScriptKey> exportKeys(const ScriptKey &file)
+{
+    std::vector<ScriptKey> keys{file};
+    if (knownExportOptions() != 0)
+        std::ranges::copy(keysOf(exportFields(), knownExportOptions()), std::back_inserter(keys));
+    return keys;
+}
+
 } // namespace
 
 const std::vector<ScriptAction> &fileActions()
 {
+    static const std::vector<ScriptKey> importKeys = keysOf(importFields());
     static const ScriptKey file{"file", KeyType::Text, true};
     static const ScriptKey layer{
         .name = "layer", .type = KeyType::Choice, .required = true, .choices = layerNames};
@@ -168,22 +184,17 @@ const std::vector<ScriptAction> &fileActions()
          {{"width", KeyType::Integer, true, 1.0, largestSide},
           {"height", KeyType::Integer, true, 1.0, largestSide},
           {"level", KeyType::Number, false, 0.0, largestHeight}},
-         makeRelief,
+         newAction,
          false},
         {"open",
-         {file, {.name = "import", .type = KeyType::Object, .nested = &importKeys()}},
-         open,
+         {file, {.name = "import", .type = KeyType::Object, .nested = &importKeys}},
+         openAction,
          false},
-        {"load", {layer, file}, load, false},
-        {"save", {file}, save},
-        {"export",
-         {file,
-          {.name = "quality",
-           .type = KeyType::Choice,
-           .choices = "High|Medium|Low|high|medium|low"}},
-         exportRelief},
-        {"dump", {layer, file}, dump},
-        {"info", {}, info},
+        {"load", {layer, file}, loadAction, false},
+        {"save", {file}, saveAction},
+        {"export", exportKeys(file), exportAction},
+        {"dump", {layer, file}, dumpAction},
+        {"info", {}, infoAction},
     };
     return actions;
 }

@@ -7,17 +7,12 @@
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
 #include "cli/toolrecord.h"
-#include "files/safefile.h"
 
 #include <QFile>
 #include <QJsonDocument>
 
-#include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <new>
-
-#include <unistd.h>
 
 namespace marlowen {
 
@@ -29,14 +24,7 @@ constexpr char usageText[] =
     "marlowen-cli convert INPUT OUTPUT [options]\n"
     "marlowen-cli info FILE [--json]\n"
     "marlowen-cli run SCRIPT          SCRIPT is a file, or - for standard input\n"
-    "marlowen-cli --help | --version\n"
-    "\n"
-    "INPUT is an image, a mesh, a workspace, a pattern file or a .pfm height map; OUTPUT is told "
-    "by\n"
-    "its ending: .scp, .stl, .obj, .ptr, .pfm (float height map) or .png (16-bit grey height "
-    "map).\n"
-    "\n"
-    "Options of convert:\n";
+    "marlowen-cli COMMAND --help | --help | --version\n";
 
 void printOut(const QString &text)
 {
@@ -61,21 +49,37 @@ int workFailed(const Failure &failure)
     return fail(QStringLiteral("marlowen-cli: %1").arg(oneLine(failure)), WorkFailed);
 }
 
-int help(const QStringList &)
+QString convertHelp()
 {
-    printOut(QLatin1String(usageText) + convertOptionsHelp() + QLatin1Char('\n') +
-             toolRecordHelp());
+    return formatsHelp() + QStringLiteral("Options:\n") + convertOptionsHelp();
+}
+
+QString infoHelp()
+{
+    return QStringLiteral("Prints size, Z scale, range and heights of a file that convert reads, "
+                          "as text or\nas one JSON object.\n");
+}
+
+QString runHelp()
+{
+    return QStringLiteral("Runs a script of one JSON object a line.\n") + toolRecordHelp();
+}
+
+int helpCommand(const QStringList &)
+{
+    printOut(QLatin1String(usageText) + QStringLiteral("\nconvert:\n") + convertHelp() +
+             QStringLiteral("\nrun:\n") + runHelp());
     return Done;
 }
 
-int version(const QStringList &)
+int versionCommand(const QStringList &)
 {
     printOut(QStringLiteral("%1 (marlowen-cli) %2\n")
                  .arg(QLatin1String(productName), QLatin1String(versionText)));
     return Done;
 }
 
-int convert(const QStringList &arguments)
+int convertCommand(const QStringList &arguments)
 {
     const Result<ConvertJob> job = parseConvert(arguments);
     if (!job)
@@ -105,7 +109,7 @@ void printDescription(const QJsonObject &description, bool json)
         printOut(QStringLiteral("%1: %2\n").arg(entry.key(), entry.value().toVariant().toString()));
 }
 
-int info(const QStringList &arguments)
+int infoCommand(const QStringList &arguments)
 {
     QStringList files = arguments;
     const bool json = files.removeAll(QStringLiteral("--json")) > 0;
@@ -118,48 +122,23 @@ int info(const QStringList &arguments)
     return Done;
 }
 
-/// Standard input through a descriptor: lines may contain NUL bytes, which the C library's line
-/// reading ends at, and every line is carried out as soon as it arrives.
-class StandardInput : public QIODevice
+bool openScript(QFile &file)
 {
-public:
-    bool isSequential() const override { return true; }
-
-protected:
-    qint64 readData(char *data, qint64 size) override
-    {
-        ssize_t count = 0;
-        do
-            count = ::read(STDIN_FILENO, data, static_cast<size_t>(size));
-        while (count < 0 && errno == EINTR);
-        return count > 0 ? count : -1;
-    }
-    qint64 writeData(const char *, qint64) override { return -1; }
-};
-
-Result<std::unique_ptr<QIODevice>> openScript(const QString &name)
-{
-    if (name == QLatin1String("-")) {
-        auto input = std::make_unique<StandardInput>();
-        input->open(QIODevice::ReadOnly);
-        return Result<std::unique_ptr<QIODevice>>(std::move(input));
-    }
-    auto file = std::make_unique<QFile>(name);
-    if (const Outcome opened = openRegularFile(*file, {}); !opened)
-        return Failure{{}, opened.failure().detail};
-    return Result<std::unique_ptr<QIODevice>>(std::move(file));
+    if (file.fileName() == QLatin1String("-"))
+        return file.open(stdin, QIODevice::ReadOnly);
+    return file.open(QIODevice::ReadOnly);
 }
 
-int _run(const QStringList &arguments)
+int scriptCommand(const QStringList &arguments)
 {
     if (arguments.size() != 1)
         return wrongUsage(QStringLiteral("run needs one SCRIPT"));
-    const Result<std::unique_ptr<QIODevice>> script = openScript(arguments[0]);
-    if (!script)
-        return workFailed(aboutFile(arguments[0], script.failure()));
+    QFile file(arguments[0]);
+    if (!openScript(file))
+        return workFailed(aboutFile(arguments[0], {{}, file.errorString()}));
     TerminalProgress progress;
     ScriptState state(progress);
-    const Outcome done = runScript(state, *script.value(), arguments[0]);
+    const Outcome done = runScript(state, file, arguments[0]);
     progress.clear();
     return done ? Done : fail(oneLine(done.failure()), WorkFailed);
 }
@@ -169,10 +148,28 @@ struct Command
 {
     const char *name;
     int (*run)(const QStringList &arguments);
+    const char *usage = nullptr; ///< first line of its help; null: it has none
+    QString (*help)() = nullptr;
 };
 
-constexpr Command commands[] = {{"convert", convert}, {"info", info}, {"run", _run},
-                                {"--help", help},     {"-h", help},   {"--version", version}};
+constexpr Command commands[] = {
+    {"convert", convertCommand, "marlowen-cli convert INPUT OUTPUT [options]\n\n", convertHelp},
+    {"info", infoCommand, "marlowen-cli info FILE [--json]\n\n", infoHelp},
+    {"run", scriptCommand, "marlowen-cli run SCRIPT (a file, or - for standard input)\n\n",
+     runHelp},
+    {"--help", helpCommand},
+    {"-h", helpCommand},
+    {"--version", versionCommand}};
+
+int runCommand(const Command &command, const QStringList &arguments)
+{
+    const bool help =
+        arguments.contains(QLatin1String("--help")) || arguments.contains(QLatin1String("-h"));
+    if (!help || !command.help)
+        return command.run(arguments);
+    printOut(QLatin1String(command.usage) + command.help());
+    return Done;
+}
 
 } // namespace
 
@@ -184,7 +181,7 @@ int runCommandLine(const QStringList &arguments)
         if (arguments[0] != QLatin1String(command.name))
             continue;
         try {
-            return delivered(command.run(arguments.mid(1)));
+            return delivered(runCommand(command, arguments.mid(1)));
         } catch (const std::bad_alloc &) {
             return fail(QStringLiteral("marlowen-cli: not enough memory"), WorkFailed);
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "files/exportoptions.h"
 #include "import/importsettings.h"
 
 #include <QSize>
@@ -19,9 +20,10 @@ struct ConvertJob
     QString input;
     QString output;
     ImportSettings settings;
+    bool settingsGiven = false;
     std::optional<QSize> size;
     std::optional<double> zScale;
-    QString quality;
+    ExportOptions exportOptions;
 };
 
 /// The job that the arguments behind "convert" describe; the failure says what is wrong with them.
@@ -29,7 +31,9 @@ Result<ConvertJob> parseConvert(const QStringList &arguments);
 
 Outcome runConvert(const ConvertJob &job, Progress &progress);
 
-/// One line an option, for the help.
+/// The options of "convert", one line each, for the help.
 QString convertOptionsHelp();
+/// What "convert" reads and writes, one line a kind of file, for the help.
+QString formatsHelp();
 
 } // namespace marlowen

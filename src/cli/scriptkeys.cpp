@@ -33,12 +33,6 @@ bool isList(const QJsonValue &value, bool whole)
     });
 }
 
-/// The system's file calls end a name at its first NUL: the rest would be ignored.
-bool isText(const QJsonValue &value)
-{
-    return value.isString() && !value.toString().contains(QChar::Null);
-}
-
 bool inRange(const QJsonValue &value, const ScriptKey &key)
 {
     return value.toDouble() >= key.minimum && value.toDouble() <= key.maximum;
@@ -72,14 +66,13 @@ const TypeRow typeRows[] = {
     {KeyType::Number,
      [](const QJsonValue &v, const ScriptKey &key) { return v.isDouble() && inRange(v, key); },
      "a number"},
-    {KeyType::Text, [](const QJsonValue &v, const ScriptKey &) { return isText(v); },
-     "a text without NUL characters"},
+    {KeyType::Text, [](const QJsonValue &v, const ScriptKey &) { return v.isString(); }, "a text"},
     {KeyType::TextOrNull,
-     [](const QJsonValue &v, const ScriptKey &) { return isText(v) || v.isNull(); },
-     "a text without NUL characters, or null"},
+     [](const QJsonValue &v, const ScriptKey &) { return v.isString() || v.isNull(); },
+     "a text or null"},
     {KeyType::Choice,
      [](const QJsonValue &v, const ScriptKey &key) {
-         return v.isString() && choiceIndex(key.choices, v.toString()) >= 0;
+         return v.isString() && choiceIndex(key.choices, v.toString(), key.anyCase) >= 0;
      },
      "one of "},
     {KeyType::Point, [](const QJsonValue &v, const ScriptKey &) { return isPair(v, false); },
@@ -127,9 +120,15 @@ QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
     return {};
 }
 
-int choiceIndex(const char *choices, const QString &word)
+int choiceIndex(const char *choices, const QString &word, bool anyCase)
 {
-    return static_cast<int>(QString::fromLatin1(choices).split(QLatin1Char('|')).indexOf(word));
+    const QStringList words = QString::fromLatin1(choices).split(QLatin1Char('|'));
+    const auto sensitivity = anyCase ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        if (words[i].compare(word, sensitivity) == 0)
+            return static_cast<int>(i);
+    }
+    return -1;
 }
 
 } // namespace marlowen

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/fieldtable.h"
+
 #include <QJsonObject>
 #include <QString>
 
@@ -9,8 +11,7 @@
 namespace marlowen {
 
 /// A Z scale, in a script as on the command line.
-inline constexpr double smallestZScale = 1e-6;
-inline constexpr double largestZScale = 1e6;
+inline constexpr FieldRange zScaleRange{1e-6, 1e6};
 
 /// What the value of a key may be.
 enum class KeyType {
@@ -36,6 +37,7 @@ struct ScriptKey
     double maximum = std::numeric_limits<double>::max();
     const char *choices = ""; ///< "Normal|Raise|Lower"
     const std::vector<ScriptKey> *nested = nullptr;
+    bool anyCase = false; ///< the words are taken in any case
 };
 
 /// Whether the object holds only these keys, all the required ones, with values of their type and
@@ -44,7 +46,7 @@ struct ScriptKey
 QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
                   const QString &ignored = {});
 
-/// Position of a word in "Normal|Raise|Lower"; -1 when it is not there. Case counts.
-int choiceIndex(const char *choices, const QString &word);
+/// Position of a word in "Normal|Raise|Lower"; -1 when it is not there.
+int choiceIndex(const char *choices, const QString &word, bool anyCase = false);
 
 } // namespace marlowen

@@ -10,7 +10,7 @@ namespace {
 
 /// One field of the tool record: its key, how a value that passed its check gets into it, and how
 /// its value is written.
-struct Field
+struct RecordField
 {
     ScriptKey key;
     void (*set)(ToolParams &tool, const QJsonValue &value, const ScriptKey &key);
@@ -30,7 +30,7 @@ const char *typeNames()
 }
 
 template <int32_t ToolParams::*field>
-Field choice(const char *name, const char *choices)
+RecordField choice(const char *name, const char *choices)
 {
     return {{.name = name, .type = KeyType::Choice, .choices = choices},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &key) {
@@ -42,7 +42,7 @@ Field choice(const char *name, const char *choices)
 }
 
 template <double ToolParams::*field>
-Field _number(const char *name, double minimum, double maximum)
+RecordField _number(const char *name, double minimum, double maximum)
 {
     return {{.name = name, .type = KeyType::Number, .minimum = minimum, .maximum = maximum},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &) {
@@ -52,7 +52,7 @@ Field _number(const char *name, double minimum, double maximum)
 }
 
 template <int32_t ToolParams::*field>
-Field count(const char *name, double minimum, double maximum)
+RecordField count(const char *name, double minimum, double maximum)
 {
     return {{.name = name, .type = KeyType::Integer, .minimum = minimum, .maximum = maximum},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &) {
@@ -62,7 +62,7 @@ Field count(const char *name, double minimum, double maximum)
 }
 
 template <bool ToolParams::*field>
-Field flag(const char *name)
+RecordField flag(const char *name)
 {
     return {{.name = name, .type = KeyType::Boolean},
             [](ToolParams &tool, const QJsonValue &value, const ScriptKey &) {
@@ -73,9 +73,9 @@ Field flag(const char *name)
             }};
 }
 
-const std::vector<Field> &_fields()
+const std::vector<RecordField> &_fields()
 {
-    static const std::vector<Field> fields{
+    static const std::vector<RecordField> fields{
         choice<&ToolParams::type>("type", typeNames()),
         choice<&ToolParams::mode>("mode", "Normal|Raise|Lower"),
         choice<&ToolParams::form>("form", "Round|Square"),
@@ -103,7 +103,7 @@ const std::vector<ScriptKey> &toolKeys()
 {
     static const std::vector<ScriptKey> keys = [] {
         std::vector<ScriptKey> list;
-        for (const Field &field : _fields())
+        for (const RecordField &field : _fields())
             list.push_back(field.key);
         return list;
     }();
@@ -112,7 +112,7 @@ const std::vector<ScriptKey> &toolKeys()
 
 void changeTool(ToolParams &tool, const QJsonObject &fields)
 {
-    for (const Field &field : _fields()) {
+    for (const RecordField &field : _fields()) {
         const auto value = fields.constFind(QLatin1String(field.key.name));
         if (value != fields.constEnd())
             field.set(tool, *value, field.key);
@@ -122,7 +122,7 @@ void changeTool(ToolParams &tool, const QJsonObject &fields)
 QString toolRecordHelp()
 {
     QString text = QStringLiteral("A script starts with this tool record:\n");
-    for (const Field &field : _fields())
+    for (const RecordField &field : _fields())
         text += QStringLiteral("  %1 %2\n")
                     .arg(QLatin1String(field.key.name), -18)
                     .arg(field.text({}, field.key));

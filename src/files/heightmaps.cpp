@@ -1,6 +1,7 @@
 #include "files/heightmaps.h"
 
 #include "files/safefile.h"
+#include "relief/grid/reliefstream.h"
 
 #include <QFile>
 #include <QImage>
@@ -121,8 +122,8 @@ Outcome savePfm(const GridView &grid, const QString &path)
 Result<FloatGrid> loadPfm(const QString &path)
 {
     QFile file(path);
-    if (const Outcome opened = openRegularFile(file, openFailed()); !opened)
-        return opened.failure();
+    if (!file.open(QIODevice::ReadOnly))
+        return openFailed(file.errorString());
     const std::optional<PfmHeader> header = parseHeader(file.peek(longestHeader));
     if (!header)
         return invalid(QStringLiteral("the header is not that of a grey PFM"));
@@ -138,6 +139,21 @@ Result<FloatGrid> loadPfm(const QString &path)
     } catch (const std::bad_alloc &) {
         return loadFailed(QStringLiteral("not enough memory"));
     }
+}
+
+Result<std::unique_ptr<Relief>> loadHeightMap(const QString &path)
+{
+    Result<FloatGrid> loaded = loadPfm(path);
+    if (!loaded)
+        return loaded.failure();
+    FloatGrid grid = loaded.take();
+    repairHeights(grid.values.data(), grid.cells());
+    auto relief = std::make_unique<Relief>(grid.width, grid.height);
+    std::copy(grid.values.begin(), grid.values.end(), relief->heights().data());
+    relief->referenceLayer().copyFrom(relief->heights());
+    const auto [lowest, highest] = std::minmax_element(grid.values.begin(), grid.values.end());
+    relief->rangeMaximum = static_cast<double>(*highest) - static_cast<double>(*lowest);
+    return relief;
 }
 
 Outcome saveHeightPng(const GridView &grid, const QString &path)

@@ -2,8 +2,11 @@
 
 #include "base/result.h"
 #include "relief/grid/floatgrid.h"
+#include "relief/grid/relief.h"
 
 #include <QString>
+
+#include <memory>
 
 namespace marlowen {
 
@@ -16,6 +19,9 @@ Outcome savePfm(const GridView &grid, const QString &path);
 /// Reads grey maps ("Pf") of either byte order. Values may be anything, NaN included. Takes no
 /// memory for cells that the file does not hold.
 Result<FloatGrid> loadPfm(const QString &path);
+/// A grey map as a relief: heights and reference layer are its values, values that no relief may
+/// hold become 0, and the range is that of the values.
+Result<std::unique_ptr<Relief>> loadHeightMap(const QString &path);
 
 /// 16-bit grey PNG: the lowest height black, the highest white; a flat relief is black.
 Outcome saveHeightPng(const GridView &grid, const QString &path);

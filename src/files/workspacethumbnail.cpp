@@ -1,7 +1,5 @@
 #include "files/workspacethumbnail.h"
 
-#include "files/safefile.h"
-
 #include "relief/grid/floatgrid.h"
 
 #include <QFile>
@@ -115,7 +113,7 @@ QImage lit(const SampledHeights &sampled)
 QImage workspaceThumbnail(const QString &path, int side)
 {
     QFile file(path);
-    if (side < 1 || !openRegularFile(file, {}))
+    if (side < 1 || !file.open(QIODevice::ReadOnly))
         return {};
     const std::optional<SampledHeights> sampled = sample(file, side);
     return sampled ? lit(*sampled) : QImage();

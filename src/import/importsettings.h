@@ -1,19 +1,22 @@
 #pragma once
 
+#include "base/fieldtable.h"
+
 namespace marlowen {
 
-/// What the import controls ask for. Values are the stored ones, not slider positions.
+/// What the import controls ask for. Values are the stored ones, not slider positions; their ranges
+/// are in importFields().
 struct ImportSettings
 {
     bool flipY = false;
     bool invertZ = false;
     bool transparency = true; ///< cells of height 0 stay 0 through smoothing
     bool preview = true;      ///< off: raise/lower, trim, smoothing and bas-relief are left out
-    double smoothing = 0.0;   ///< 0 .. 5 passes
-    int raiseLower = 0;       ///< -100 .. 100 percent of the range; positive lowers
-    int trim = 0;             ///< 0 .. 20 cells eaten from the outline
-    int tiltHorizontal = 0;   ///< -100 .. 100, tenths of a degree
-    int tiltVertical = 0;     ///< -100 .. 100, tenths of a degree
+    double smoothing = 0.0;   ///< passes
+    int raiseLower = 0;       ///< percent of the range; positive lowers
+    int trim = 0;             ///< cells removed from the outline
+    int tiltHorizontal = 0;   ///< tenths of a degree
+    int tiltVertical = 0;     ///< tenths of a degree
     double depth = 0.0;       ///< height that the whole source range spans; 0: source units
     bool basRelief = false;
     int gridSize = 2;       ///< bas-relief
@@ -23,5 +26,16 @@ struct ImportSettings
     bool tilted() const { return tiltHorizontal != 0 || tiltVertical != 0; }
     bool operator==(const ImportSettings &) const = default;
 };
+
+/// What the flags of an import field mean.
+enum ImportFieldFlag : unsigned {
+    StartsNextImport = 1U << 0, ///< the next opened file starts with the control's value
+    WaitsForUpdate = 1U << 1,   ///< a change recomputes nothing until the next update
+    KeepsBasRelief = 1U << 2,   ///< a change leaves the last bas-relief result valid
+    NeedsPreview = 1U << 3,     ///< its control is disabled while the preview is off
+};
+
+/// One row a setting, in the order of the record.
+FieldTable<ImportSettings> importFields();
 
 } // namespace marlowen

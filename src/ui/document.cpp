@@ -1,6 +1,6 @@
 #include "ui/document.h"
 
-#include "files/filetypes.h"
+#include "files/formats.h"
 #include "relief/grid/relief.h"
 
 #include <QFileInfo>
@@ -39,7 +39,7 @@ void Document::take(std::unique_ptr<Relief> relief, const QString &file)
 
 QString Document::workspaceFile() const
 {
-    return fileKindOf(m_file) == FileKind::Workspace ? m_file : QString();
+    return isWorkspace(m_file) ? m_file : QString();
 }
 
 QString Document::name() const

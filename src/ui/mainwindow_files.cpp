@@ -3,10 +3,10 @@
 #include "base/qevsettings.h"
 #include "base/sessionlog.h"
 #include "files/drafteonmap.h"
-#include "files/filetypes.h"
+#include "files/formats.h"
 #include "files/stlwriter.h"
 #include "files/workspacefile.h"
-#include "import/imageimport.h"
+#include "import/openfile.h"
 #include "relief/grid/relief.h"
 #include "ui/aboutbox.h"
 #include "ui/commandset.h"
@@ -38,40 +38,16 @@ namespace {
 
 using Loaded = Result<std::unique_ptr<Relief>>;
 
-/// How a kind of file becomes a relief.
-struct Loader
+bool opensHere(const QString &path)
 {
-    FileKind kind;
-    Loaded (*load)(const QString &path, const ImportSettings &settings);
-};
-
-constexpr Loader loaders[] = {
-    {FileKind::Workspace,
-     [](const QString &path, const ImportSettings &) { return loadWorkspace(path); }},
-    {FileKind::Image, [](const QString &path,
-                         const ImportSettings &settings) { return importImage(path, settings); }},
-};
-
-const Loader *loaderOf(const QString &path)
-{
-    const FileKind kind = fileKindOf(path);
-    for (const Loader &loader : loaders) {
-        if (loader.kind == kind)
-            return &loader;
-    }
-    return nullptr;
+    const Format *format = formatOf(path);
+    return format && format->inWindow;
 }
 
-/// "Sculpt Files (*.scp *.jpg ...)": every ending that has a loader.
+/// "Sculpt Files (*.scp *.jpg ...)".
 QString openFilter()
 {
-    QStringList patterns;
-    for (const FileType &type : fileTypes) {
-        const QString pattern = QLatin1Char('*') + QLatin1String(type.extension);
-        if (loaderOf(QLatin1String("name") + QLatin1String(type.extension)))
-            patterns.append(pattern);
-    }
-    return MainWindow::tr("Sculpt Files (%1)").arg(patterns.join(QLatin1Char(' ')));
+    return MainWindow::tr("Sculpt Files (%1)").arg(openPatterns().join(QLatin1Char(' ')));
 }
 
 /// A question that only a save dialog can ask.
@@ -115,7 +91,7 @@ QString askForTarget(QWidget *window, const SaveQuestion &question)
 QString firstOpenable(const QMimeData &data)
 {
     for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile() && loaderOf(url.toLocalFile()))
+        if (url.isLocalFile() && opensHere(url.toLocalFile()))
             return url.toLocalFile();
     }
     return {};
@@ -131,7 +107,7 @@ bool MainWindow::_busy() const
 
 bool MainWindow::openFile(const QString &path, int)
 {
-    if (!loaderOf(path)) {
+    if (!opensHere(path)) {
         logWarning() << "Unknown file type" << path << "\n";
         logFlush();
         statusBar()->showMessage(
@@ -173,10 +149,9 @@ void MainWindow::_make(const NewReliefDialog &wish)
 /// question.
 bool MainWindow::_load(const QString &path)
 {
-    const Loader &loader = *loaderOf(path);
     const auto read = [&]() -> Loaded {
         try {
-            return loader.load(path, m_document.session().openingSettings());
+            return openRelief(path, m_document.session().openingSettings());
         } catch (const std::bad_alloc &) {
             return Failure{tr("Open Failed"), tr("There is not enough memory for this file.")};
         }

@@ -1,3 +1,4 @@
+#include "files/formats.h"
 #include "files/heightmaps.h"
 #include "files/workspacefile.h"
 
@@ -10,8 +11,6 @@
 #include <QtTest>
 
 #include <algorithm>
-
-#include <sys/stat.h>
 
 using namespace marlowen;
 
@@ -104,23 +103,6 @@ private slots:
         QVERIFY(stl.size() > 84 && (stl.size() - 84) % 50 == 0);
     }
 
-    void inputsThatWouldMisleadAreErrors()
-    {
-        const Ran hidden = _script(QByteArray("# a\n# b\0c\n{\"do\":\"info\"}\n", 25));
-        QCOMPARE(hidden.status, 1);
-        QVERIFY(hidden.errors.contains("-:2: the line contains a NUL byte"));
-
-        QCOMPARE(::mkfifo(qPrintable(_path("pipe.pfm")), 0600), 0);
-        const Ran pipe = _run({"info", "pipe.pfm"});
-        QCOMPARE(pipe.status, 1);
-        QVERIFY(pipe.errors.contains("it is not a regular file"));
-
-        const Ran rude = _run({"info", QString("no\x1b[2J") + QString(400, 'n') + ".scp"});
-        QVERIFY(!rude.errors.contains('\x1b'));
-        QVERIFY(rude.errors.contains("no\\x1b[2J"));
-        QVERIFY(rude.errors.size() < 330);
-    }
-
     void importOptionsShapeTheHeights_data()
     {
         QTest::addColumn<QStringList>("options");
@@ -198,6 +180,8 @@ private slots:
         for (const char *scale : {"0", "-2", "1e7", "inf"})
             QTest::addRow("a Z scale of %s", scale)
                 << QStringList{"convert", "disc.png", "a.scp", "--z-scale", scale};
+        QTest::newRow("import options for a workspace")
+            << QStringList{"convert", "precious.scp", "a.scp", "--flip-y"};
         QTest::newRow("info without file") << QStringList{"info", "--json"};
         QTest::newRow("run without script") << QStringList{"run"};
     }
@@ -297,6 +281,8 @@ private slots:
         row("no such layer", R"({"do":"dump","layer":"colour","file":"a.pfm"})", "colour|layer");
         row("no import", R"({"do":"accept"})", "import");
         row("import key", R"({"do":"open","file":"disc.png","import":{"trim":99}})", "trim");
+        row("import of a workspace", R"({"do":"open","file":"precious.scp","import":{"trim":9}})",
+            "precious.scp");
         row("missing file", R"({"do":"open","file":"none.png"})", "none.png");
         row("damaged alpha", R"({"do":"alpha","file":"broken.png"})", "broken.png");
         row("size mismatch", R"({"do":"load","layer":"mask","file":"two.pfm"})", "two.pfm");
@@ -384,6 +370,14 @@ private slots:
     void helpAndVersion()
     {
         QVERIFY(_run({"--help"}).output.contains("--raise-lower"));
+        const Ran help = _run({"convert", "--help"});
+        QCOMPARE(help.status, 0);
+        QVERIFY(help.output.contains("--tilt H,V") && !help.output.contains("SCRIPT"));
+        QFile readme(QStringLiteral(MARLOWEN_SOURCE_DIR "/README.md"));
+        QVERIFY(readme.open(QIODevice::ReadOnly));
+        const QByteArray text = readme.readAll();
+        for (const Format &format : formats())
+            QVERIFY2(text.contains(QByteArray("`") + format.ending + '`'), format.ending);
         QCOMPARE(_run({"--version"}).status, 0);
         QVERIFY(_run({"--version"}).output.contains("3.000.00019"));
         const Ran info = _run({"info", "disc.png"});

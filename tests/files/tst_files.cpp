@@ -1,5 +1,5 @@
 #include "files/drafteonmap.h"
-#include "files/filetypes.h"
+#include "files/formats.h"
 #include "files/heightmaps.h"
 #include "files/safefile.h"
 #include "files/workspacefile.h"
@@ -325,11 +325,24 @@ private slots:
 
     void endingsInAnyCase()
     {
-        QVERIFY(fileKindOf(QStringLiteral("A.SCP")) == FileKind::Workspace);
-        QVERIFY(fileKindOf(QStringLiteral("dir.png/photo.JpEg")) == FileKind::Image);
-        QVERIFY(fileKindOf(QStringLiteral("mesh.stl")) == FileKind::StlMesh);
-        QVERIFY(fileKindOf(QStringLiteral("scp")) == FileKind::Unknown);
-        QVERIFY(!fileTypeOf(QStringLiteral("notes.txt")));
+        const auto ending = [](const char *name) {
+            const Format *format = formatOf(QLatin1String(name));
+            return QByteArray(format ? format->ending : "");
+        };
+        QVERIFY(isWorkspace(QStringLiteral("A.SCP")));
+        QCOMPARE(ending("dir.png/photo.JpEg"), ".jpeg");
+        QCOMPARE(ending("mesh.stl"), ".stl");
+        QCOMPARE(ending("scp"), "");
+        QCOMPARE(ending("notes.txt"), "");
+    }
+
+    void optionsOfOtherFormatsAreRefused()
+    {
+        const auto relief = ramp(3, 3);
+        const QString path = _path("option.pfm");
+        QVERIFY(exportFile({*relief, path}));
+        QCOMPARE(titleOf(exportFile({*relief, path, {.solid = 1.0}})),
+                 QStringLiteral("Invalid File"));
     }
 };
 

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <type_traits>
 
 using namespace marlowen;
 
@@ -25,6 +26,22 @@ std::vector<float> referenceOf(const Relief &relief)
 {
     return {relief.referenceLayer().constData(),
             relief.referenceLayer().constData() + relief.cells()};
+}
+
+template <typename Value>
+void set(ImportSession &session, Value ImportSettings::*member, std::type_identity_t<Value> value)
+{
+    ImportSettings settings = session.settings();
+    settings.*member = value;
+    session.change(settings);
+}
+
+void setTilt(ImportSession &session, int horizontal, int vertical)
+{
+    ImportSettings settings = session.settings();
+    settings.tiltHorizontal = horizontal;
+    settings.tiltVertical = vertical;
+    session.change(settings);
 }
 
 } // namespace
@@ -52,18 +69,18 @@ private slots:
         int changes = 0;
         session.changed = [&changes] { ++changes; };
         session.attach(relief.get());
-        session.setSmoothing(2.5);
-        session.setTrim(20);
-        session.setTilt(50, -50);
-        session.setRaiseLower(70);
-        session.setInvertZ(true);
+        set(session, &ImportSettings::smoothing, 2.5);
+        set(session, &ImportSettings::trim, 20);
+        setTilt(session, 50, -50);
+        set(session, &ImportSettings::raiseLower, 70);
+        set(session, &ImportSettings::invertZ, true);
         QVERIFY(heightsOf(*relief) != original);
         QVERIFY(heightsOf(*relief) == referenceOf(*relief));
-        session.setInvertZ(false);
-        session.setRaiseLower(0);
-        session.setTilt(0, 0);
-        session.setTrim(0);
-        session.setSmoothing(0.0);
+        set(session, &ImportSettings::invertZ, false);
+        set(session, &ImportSettings::raiseLower, 0);
+        setTilt(session, 0, 0);
+        set(session, &ImportSettings::trim, 0);
+        set(session, &ImportSettings::smoothing, 0.0);
         QVERIFY(heightsOf(*relief) == original);
         QCOMPARE(changes, 10);
     }
@@ -114,13 +131,13 @@ private slots:
         const auto oneByOne = importedPicture();
         ImportSession session;
         session.attach(oneByOne.get());
-        session.setTilt(30, 0);
-        session.setDepth(40.0); // the slope is rebuilt for the new depth
-        session.setTrim(2);
-        session.setRaiseLower(-20);
-        session.setSmoothing(1.5);
-        session.setInvertZ(true);
-        session.setFlipY(true);
+        setTilt(session, 30, 0);
+        set(session, &ImportSettings::depth, 40.0); // the slope is rebuilt for the new depth
+        set(session, &ImportSettings::trim, 2);
+        set(session, &ImportSettings::raiseLower, -20);
+        set(session, &ImportSettings::smoothing, 1.5);
+        set(session, &ImportSettings::invertZ, true);
+        set(session, &ImportSettings::flipY, true);
         QVERIFY(session.settings() == settings);
         QVERIFY(heightsOf(*oneByOne) == heightsOf(*atOnce));
     }
@@ -140,7 +157,7 @@ private slots:
         for (const bool preview : {false, true}) {
             relief->heightsChanged = false;
             relief->frameRegion = {};
-            session.setPreview(preview);
+            set(session, &ImportSettings::preview, preview);
             QVERIFY(relief->heightsChanged);
             QCOMPARE(relief->frameRegion, QRegion(relief->rect()));
         }
@@ -152,8 +169,8 @@ private slots:
         const std::vector<float> before = referenceOf(*relief);
         ImportSession session;
         session.attach(relief.get());
-        session.setPreview(false);
-        session.setInvertZ(true);
+        set(session, &ImportSettings::preview, false);
+        set(session, &ImportSettings::invertZ, true);
         QVERIFY(heightsOf(*relief) != before);
         QVERIFY(referenceOf(*relief) == before);
     }
@@ -166,16 +183,21 @@ private slots:
         session.attach(relief.get());
         QVERIFY(session.dirty());
         source.dirty = false;
-        session.setPreview(false);
-        session.setPreview(true);
-        session.setBasRelief(true);
+        set(session, &ImportSettings::preview, false);
+        set(session, &ImportSettings::preview, true);
+        set(session, &ImportSettings::basRelief, true);
         QVERIFY(!session.dirty());
         const std::vector<std::function<void()>> changes{
-            [&] { session.setFlipY(true); },         [&] { session.setInvertZ(true); },
-            [&] { session.setTransparency(false); }, [&] { session.setSmoothing(1); },
-            [&] { session.setRaiseLower(1); },       [&] { session.setTrim(1); },
-            [&] { session.setTilt(1, 0); },          [&] { session.setGridSize(4); },
-            [&] { session.setContrastFactor(16); },  [&] { session.setSmoothness(50000); }};
+            [&] { set(session, &ImportSettings::flipY, true); },
+            [&] { set(session, &ImportSettings::invertZ, true); },
+            [&] { set(session, &ImportSettings::transparency, false); },
+            [&] { set(session, &ImportSettings::smoothing, 1); },
+            [&] { set(session, &ImportSettings::raiseLower, 1); },
+            [&] { set(session, &ImportSettings::trim, 1); },
+            [&] { setTilt(session, 1, 0); },
+            [&] { set(session, &ImportSettings::gridSize, 4); },
+            [&] { set(session, &ImportSettings::contrastFactor, 16); },
+            [&] { set(session, &ImportSettings::smoothness, 50000); }};
         for (const auto &change : changes) {
             source.dirty = false;
             change();
@@ -195,8 +217,8 @@ private slots:
             return std::optional(std::vector<float>(cells, static_cast<float>(input.gridSize)));
         };
         session.attach(relief.get());
-        session.setBasRelief(true);
-        session.setGridSize(8);
+        set(session, &ImportSettings::basRelief, true);
+        set(session, &ImportSettings::gridSize, 8);
         QCOMPARE(runs, 0);
         session.update(nullptr);
         QCOMPARE(runs, 1);
@@ -204,13 +226,13 @@ private slots:
         QCOMPARE(relief->heightAt(0), 8.0F);
         QVERIFY(heightsOf(*relief) == referenceOf(*relief));
         // Off and on again shows the last result without computing it.
-        session.setBasRelief(false);
+        set(session, &ImportSettings::basRelief, false);
         QCOMPARE(relief->heightAt(0), 0.0F);
-        session.setBasRelief(true);
+        set(session, &ImportSettings::basRelief, true);
         QCOMPARE(relief->heightAt(0), 8.0F);
         QCOMPARE(runs, 1);
         // A stale result is not shown.
-        session.setInvertZ(true);
+        set(session, &ImportSettings::invertZ, true);
         QCOMPARE(relief->heightAt(0), 0.0F);
         QVERIFY(session.dirty());
     }
@@ -221,7 +243,7 @@ private slots:
         const std::vector<float> before = heightsOf(*relief);
         ImportSession session;
         session.attach(relief.get());
-        session.setBasRelief(true);
+        set(session, &ImportSettings::basRelief, true);
         session.update(nullptr); // no generator
         QVERIFY(session.dirty());
         session.basReliefGenerator = [](const BasReliefInput &,
@@ -238,11 +260,11 @@ private slots:
         const auto relief = importedPicture();
         ImportSession session;
         session.attach(relief.get());
-        session.setTrim(3);
+        set(session, &ImportSettings::trim, 3);
         const std::vector<float> heights = heightsOf(*relief);
         session.accept();
         QVERIFY(!session.active() && !session.dirty() && !relief->source());
-        session.setTrim(9);
+        set(session, &ImportSettings::trim, 9);
         QVERIFY(heightsOf(*relief) == heights);
     }
 
@@ -254,7 +276,7 @@ private slots:
         Relief::Grid small{2, 2, GridLayer(4), GridLayer(4), GridLayer(4), GridLayer(4)};
         Relief::Grid old = relief->replaceGrid(std::move(small));
         QVERIFY(!session.active());
-        session.setInvertZ(true);
+        set(session, &ImportSettings::invertZ, true);
         session.update(nullptr);
         QCOMPARE(relief->heightAt(3), 0.0F);
         relief->replaceGrid(std::move(old));
@@ -264,23 +286,33 @@ private slots:
     void aNewFileStartsFromTheControls()
     {
         ImportSession session;
-        session.setFlipY(true);
-        session.setSmoothing(99.0); // clamped
-        session.setTrim(7);
-        session.setGridSize(16);
+        set(session, &ImportSettings::flipY, true);
+        set(session, &ImportSettings::smoothing, 99.0); // clamped
+        set(session, &ImportSettings::trim, 7);
+        set(session, &ImportSettings::gridSize, 16);
         const ImportSettings expected{.flipY = true, .smoothing = 5.0};
         QVERIFY(session.openingSettings() == expected);
     }
 
     void sliderPositions()
     {
-        QCOMPARE(gridSizeOfSlider(1), 2);
-        QCOMPARE(gridSizeOfSlider(5), 32);
-        QCOMPARE(gridSizeOfSlider(9), 4);
-        QCOMPARE(contrastFactorOfSlider(16), 65536);
-        QCOMPARE(smoothnessOfSlider(1), 20000);
-        QCOMPARE(smoothnessOfSlider(9), 10000000);
-        QCOMPARE(smoothnessOfSlider(10), 100000);
+        const auto stored = [](int ImportSettings::*member, double position) {
+            ImportSettings settings;
+            fieldOf(importFields(), member).storeShown(settings, position);
+            return settings.*member;
+        };
+        QCOMPARE(stored(&ImportSettings::gridSize, 1), 2);
+        QCOMPARE(stored(&ImportSettings::gridSize, 5), 32);
+        QCOMPARE(stored(&ImportSettings::gridSize, 9), 4);
+        QCOMPARE(stored(&ImportSettings::contrastFactor, 16), 65536);
+        QCOMPARE(stored(&ImportSettings::smoothness, 1), 20000);
+        QCOMPARE(stored(&ImportSettings::smoothness, 9), 10000000);
+        QCOMPARE(stored(&ImportSettings::smoothness, 10), 100000);
+        for (const auto &field : importFields()) {
+            ImportSettings settings;
+            field.storeShown(settings, field.shown(settings));
+            QVERIFY2(settings == ImportSettings{}, field.info.key);
+        }
     }
 };
 

@@ -168,7 +168,9 @@ private slots:
         QCOMPARE(_button("Update")->isEnabled(), m_session->dirty());
         connect(m_panel.get(), &ImportPanel::UpdateClicked, m_panel.get(), [this] {
             Progress progress;
-            m_session->setBasRelief(true);
+            ImportSettings settings = m_session->settings();
+            settings.basRelief = true;
+            m_session->change(settings);
             m_session->update(&progress);
         });
         QTest::mouseClick(_button("Update"), Qt::LeftButton);

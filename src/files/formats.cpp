@@ -1,0 +1,175 @@
+#include "files/formats.h"
+
+#include "files/boundedimage.h"
+#include "files/heightmaps.h"
+#include "files/stlwriter.h"
+#include "files/workspacefile.h"
+#include "files/workspacethumbnail.h"
+
+#include <QtGlobal>
+
+namespace marlowen {
+
+namespace {
+
+GridView heightsOf(const Relief &relief)
+{
+    return {relief.heights().constData(), relief.width(), relief.height()};
+}
+
+/// The outcome of a writer that has nothing to say.
+Result<QString> quietly(const Outcome &done)
+{
+    if (!done)
+        return done.failure();
+    return QString();
+}
+
+Result<QString> writeWorkspace(const ExportJob &job)
+{
+    return quietly(saveWorkspace(job.relief, job.path));
+}
+
+Result<QString> writeStl(const ExportJob &job)
+{
+    return quietly(exportGridStl(job.relief, job.path, job.progress));
+}
+
+Result<QString> writePfm(const ExportJob &job)
+{
+    return quietly(savePfm(heightsOf(job.relief), job.path));
+}
+
+Result<QString> writePng(const ExportJob &job)
+{
+    return quietly(saveHeightPng(heightsOf(job.relief), job.path));
+}
+
+constexpr const char *jpeg = QT_TRANSLATE_NOOP("Formats", "JPEG picture");
+
+// In the order in which a person sees them.
+constexpr Format rows[] = {
+    {.ending = ".scp",
+     .label = QT_TRANSLATE_NOOP("Formats", "workspace"),
+     .opensAs = OpensAs::Relief,
+     .inWindow = true,
+     .load = loadWorkspace,
+     .save = writeWorkspace,
+     .written = QT_TRANSLATE_NOOP("Formats", "workspace"),
+     .thumbnail = workspaceThumbnail},
+    {.ending = ".stl",
+     .label = QT_TRANSLATE_NOOP("Formats", "STL mesh"),
+     .opensAs = OpensAs::Nothing,
+     .inWindow = false,
+     .save = writeStl,
+     .written = QT_TRANSLATE_NOOP("Formats", "STL mesh")},
+    {.ending = ".jpg",
+     .label = jpeg,
+     .opensAs = OpensAs::Picture,
+     .inWindow = true,
+     .thumbnail = readImageWithin},
+    {.ending = ".jpeg",
+     .label = jpeg,
+     .opensAs = OpensAs::Picture,
+     .inWindow = true,
+     .thumbnail = readImageWithin},
+    {.ending = ".png",
+     .label = QT_TRANSLATE_NOOP("Formats", "PNG picture"),
+     .opensAs = OpensAs::Picture,
+     .inWindow = true,
+     .save = writePng,
+     .written = QT_TRANSLATE_NOOP(
+         "Formats", "16-bit grey picture, the lowest height black, the highest white"),
+     .thumbnail = readImageWithin},
+    {.ending = ".bmp",
+     .label = QT_TRANSLATE_NOOP("Formats", "BMP picture"),
+     .opensAs = OpensAs::Picture,
+     .inWindow = true,
+     .thumbnail = readImageWithin},
+    {.ending = ".pfm",
+     .label = QT_TRANSLATE_NOOP("Formats", "float height map"),
+     .opensAs = OpensAs::Relief,
+     .inWindow = false,
+     .load = loadHeightMap,
+     .save = writePfm,
+     .written = QT_TRANSLATE_NOOP("Formats", "float height map, the heights as they are")},
+};
+
+/// The first option that is set but not taken; null when there is none.
+const Field<ExportOptions> *unwantedOption(const ExportOptions &options, unsigned taken)
+{
+    for (const Field<ExportOptions> &field : exportFields()) {
+        if (!field.info.has(taken) && field.value(options) != field.initial())
+            return &field;
+    }
+    return nullptr;
+}
+
+Failure cannotWrite(const QString &sentence)
+{
+    return {QStringLiteral("Invalid File"), sentence};
+}
+
+} // namespace
+
+std::span<const Format> formats()
+{
+    return rows;
+}
+
+const Format *formatOf(const QString &path)
+{
+    for (const Format &format : rows) {
+        if (path.endsWith(QLatin1String(format.ending), Qt::CaseInsensitive))
+            return &format;
+    }
+    return nullptr;
+}
+
+bool isWorkspace(const QString &path)
+{
+    const Format *format = formatOf(path);
+    return format && format->load == loadWorkspace;
+}
+
+QStringList openPatterns()
+{
+    QStringList patterns;
+    for (const Format &format : rows) {
+        if (format.inWindow)
+            patterns.append(QLatin1Char('*') + QLatin1String(format.ending));
+    }
+    return patterns;
+}
+
+QStringList exportEndings()
+{
+    QStringList endings;
+    for (const Format &format : rows) {
+        if (format.save)
+            endings.append(QLatin1String(format.ending));
+    }
+    return endings;
+}
+
+unsigned knownExportOptions()
+{
+    unsigned known = 0;
+    for (const Format &format : rows)
+        known |= format.exportOptions;
+    return known;
+}
+
+Result<QString> exportFile(const ExportJob &job)
+{
+    const Format *format = formatOf(job.path);
+    if (!format || !format->save)
+        return cannotWrite(QStringLiteral("the name must end in one of %1")
+                               .arg(exportEndings().join(QStringLiteral(", "))));
+    if (const auto *field = unwantedOption(job.options, format->exportOptions))
+        return cannotWrite(QStringLiteral("files ending in %1 take no %2")
+                               .arg(QLatin1String(format->ending), QLatin1String(field->info.key)));
+    return format->save(job);
+}
+
+} // namespace marlowen

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "base/result.h"
+#include "files/exportoptions.h"
+#include "relief/grid/relief.h"
+
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <span>
+
+namespace marlowen {
+
+class Progress;
+
+/// What a file becomes when it is opened.
+enum class OpensAs {
+    Nothing, ///< the format is only written
+    Relief,  ///< `load` makes the relief
+    Picture, ///< an open import of its grey levels; its contents tell which kind of picture it is
+};
+
+/// One relief on its way into a file.
+struct ExportJob
+{
+    const Relief &relief;
+    const QString &path;
+    ExportOptions options = {};
+    Progress *progress = nullptr; ///< may be null
+};
+
+/// One row a file name ending. The open filter, drops, the recent files, scripts, the command line
+/// and its help read these rows; a new format is a reader or writer of its own and a row.
+struct Format
+{
+    const char *ending; ///< with its dot, lower case
+    const char *label;  ///< "STL mesh"
+    OpensAs opensAs;
+    bool inWindow; ///< the window opens it too
+    /// Only for OpensAs::Relief.
+    Result<std::unique_ptr<Relief>> (*load)(const QString &path) = nullptr;
+    /// Null: only read. A value is a line about what was written; it may be empty.
+    Result<QString> (*save)(const ExportJob &job) = nullptr;
+    const char *written = "";   ///< what `save` writes, for the help
+    unsigned exportOptions = 0; ///< ExportOption bits
+    /// At most so many pixels wide and high; a null image on failure. May be null.
+    QImage (*thumbnail)(const QString &path, int side) = nullptr;
+};
+
+std::span<const Format> formats();
+
+/// The row of a file name, whose ending counts in any case; null when there is none.
+const Format *formatOf(const QString &path);
+/// Whether the name is a workspace's: what Save writes again without asking.
+bool isWorkspace(const QString &path);
+/// "*.scp", "*.jpg", ...: what the window opens, for file dialogs.
+QStringList openPatterns();
+/// The endings that can be written: ".scp", ".stl", ...
+QStringList exportEndings();
+/// All that some format takes, as ExportOption bits.
+unsigned knownExportOptions();
+
+/// Writes the relief by the ending of the name. Fails with "Invalid File" when the ending cannot be
+/// written, or when an option is set that the format does not take, and as the writers do.
+Result<QString> exportFile(const ExportJob &job);
+
+} // namespace marlowen

@@ -1,0 +1,34 @@
+#include "import/openfile.h"
+
+#include "files/formats.h"
+#include "import/imageimport.h"
+
+namespace marlowen {
+
+namespace {
+
+Failure unknownEnding()
+{
+    return {QStringLiteral("Invalid File"),
+            QStringLiteral("the file name has no ending that can be opened")};
+}
+
+} // namespace
+
+Result<std::unique_ptr<Relief>> openRelief(const QString &path, const ImportSettings &settings)
+{
+    const Format *format = formatOf(path);
+    if (!format || format->opensAs == OpensAs::Nothing)
+        return unknownEnding();
+    if (format->opensAs == OpensAs::Picture)
+        return importImage(path, settings);
+    return format->load(path);
+}
+
+bool takesImportSettings(const QString &path)
+{
+    const Format *format = formatOf(path);
+    return format && format->opensAs == OpensAs::Picture;
+}
+
+} // namespace marlowen

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "base/result.h"
+#include "import/importsettings.h"
+#include "relief/grid/relief.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace marlowen {
+
+/// Opens any file that has a row in the format table. A picture leaves its import open, with these
+/// settings; other files take none. Fails with "Invalid File" when the ending is not one that can
+/// be opened, and as the readers do.
+Result<std::unique_ptr<Relief>> openRelief(const QString &path, const ImportSettings &settings);
+
+/// Whether files of this name are imported, so that import settings apply to them.
+bool takesImportSettings(const QString &path);
+
+} // namespace marlowen
