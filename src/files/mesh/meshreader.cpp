@@ -1,0 +1,55 @@
+#include "files/mesh/meshreader.h"
+
+#include "files/mesh/objfilereader.h"
+#include "files/safefile.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <new>
+
+namespace marlowen {
+
+namespace {
+
+ReadMesh readFile(QFile &file, const MeshReadOptions &options, Progress &progress)
+{
+    if (!file.fileName().endsWith(QLatin1String(".obj"), Qt::CaseInsensitive))
+        return readStl(file, progress);
+    using Indices = ObjFileReader::RelativeIndices;
+    ObjFileReader reader(options.relativeIndices ? Indices::AsOtherPrograms : Indices::Literal);
+    reader.read(file, progress);
+    return {reader.takeMesh(), reader.problems()};
+}
+
+Failure emptyMesh(const MeshProblems &problems)
+{
+    return {QStringLiteral("Open Failed"),
+            QCoreApplication::translate("MeshReader", "Error! The file holds no triangles"),
+            problems.first()};
+}
+
+} // namespace
+
+Result<ReadMesh> readMesh(const QString &path, const MeshReadOptions &options, Progress &progress)
+{
+    const QFileInfo found(path);
+    if (found.exists() && !found.isFile())
+        return openFailed(QStringLiteral("not a file"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return openFailed(file.errorString());
+    try {
+        ReadMesh read = readFile(file, options, progress);
+        if (progress.cancelled())
+            return Failure{QStringLiteral("Open Failed"), {}, QStringLiteral("cancelled")};
+        if (read.mesh.triangles.empty())
+            return emptyMesh(read.problems);
+        return read;
+    } catch (const std::bad_alloc &) {
+        return openFailed(QStringLiteral("not enough memory"));
+    }
+}
+
+} // namespace marlowen

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/result.h"
+#include "files/mesh/stlreader.h"
+
+namespace marlowen {
+
+struct MeshReadOptions
+{
+    bool relativeIndices = false; ///< negative OBJ indices as other programs read them
+};
+
+/// Reads a mesh file: OBJ when its name ends in ".obj", else STL. A file with problems is read all
+/// the same, the mesh then tells them. Fails with "Open Failed" when the file cannot be read, holds
+/// no triangle or needs more memory than there is, and with an empty sentence when the user
+/// cancelled.
+Result<ReadMesh> readMesh(const QString &path, const MeshReadOptions &options, Progress &progress);
+
+} // namespace marlowen

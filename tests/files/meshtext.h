@@ -1,0 +1,50 @@
+#pragma once
+
+#include "files/mesh/objfilereader.h"
+#include "files/mesh/stlreader.h"
+
+#include <QBuffer>
+#include <QtEndian>
+
+#include <limits>
+
+/// Meshes written by hand and what the readers make of them.
+
+inline marlowen::ReadMesh objOf(const QByteArray &text,
+                                marlowen::ObjFileReader::RelativeIndices indices =
+                                    marlowen::ObjFileReader::RelativeIndices::Literal)
+{
+    QByteArray bytes = text;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    marlowen::Progress silent;
+    marlowen::ObjFileReader reader(indices);
+    reader.read(buffer, silent);
+    return {reader.takeMesh(), reader.problems()};
+}
+
+inline marlowen::ReadMesh stlOf(QByteArray bytes)
+{
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    marlowen::Progress silent;
+    return marlowen::readStl(buffer, silent);
+}
+
+using FacetCorners = std::array<float, 9>;
+
+/// A binary STL; `promised` is the count it states, of 32 bits or of 64.
+inline QByteArray binaryStl(const std::vector<FacetCorners> &facets, quint64 promised,
+                            bool wide = false, const QByteArray &header = "made by hand")
+{
+    QByteArray bytes = header.leftJustified(80, '\0', true);
+    std::array<char, 8> count{};
+    qToLittleEndian(promised, count.data());
+    bytes.append(count.data(), wide ? 8 : 4);
+    for (const FacetCorners &facet : facets) {
+        bytes.append(12, '\0');
+        bytes.append(reinterpret_cast<const char *>(facet.data()), sizeof(facet));
+        bytes.append(2, '\0');
+    }
+    return bytes;
+}
