@@ -1,70 +1,19 @@
 #include "files/stlwriter.h"
-#include "relief/grid/cellcode.h"
 
 #include "files/safefile.h"
+#include "files/stlframe.h"
+#include "relief/grid/cellcode.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 
 #include <QDataStream>
 
-#include <bit>
 #include <cmath>
 #include <cstring>
 
 namespace marlowen {
 
 namespace {
-
-static_assert(std::endian::native == std::endian::little,
-              "facets are copied as they lie in memory");
-
-constexpr int headerBytes = 80;
-constexpr size_t facetBytes = 50;
-constexpr size_t flushBytes = 256 * 1024;
-
-void _writeHeader(QDataStream &stream, const QByteArray &text)
-{
-    stream.setByteOrder(QDataStream::LittleEndian);
-    stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
-    QByteArray header = text.left(headerBytes);
-    header.append(headerBytes - header.size(), '\0');
-    stream.writeRawData(header.constData(), headerBytes);
-}
-
-bool _ok(const QDataStream &stream)
-{
-    return stream.status() == QDataStream::Ok;
-}
-
-/// Facet records that leave in large blocks.
-class FacetBuffer
-{
-public:
-    FacetBuffer(QDataStream &stream, size_t largestAddition)
-        : m_stream(stream)
-        , m_bytes((flushBytes / facetBytes + largestAddition) * facetBytes)
-    {
-    }
-
-    /// Where the next record goes; the attribute bytes behind its twelve floats are 0 already.
-    char *next() { return m_bytes.data() + m_used; }
-    void take() { m_used += facetBytes; }
-    void flushWhenFull()
-    {
-        if (m_used >= flushBytes)
-            flush();
-    }
-    void flush()
-    {
-        m_stream.writeRawData(m_bytes.data(), static_cast<int>(m_used));
-        m_used = 0;
-    }
-
-private:
-    QDataStream &m_stream;
-    std::vector<char> m_bytes;
-    size_t m_used = 0;
-};
 
 /// The upward unit normals of the triangles of one kind in a row of squares.
 struct Normals
@@ -94,7 +43,7 @@ struct RowZ
     std::vector<float> stored;
 };
 
-CELL_LOOP void _fillZ(const float *heights, double zFactor, RowZ &row)
+CELL_LOOP void fillZ(const float *heights, double zFactor, RowZ &row)
 {
     double *exact = row.exact.data();
     float *stored = row.stored.data();
@@ -157,7 +106,7 @@ CELL_LOOP uint32_t countRow(const SquareCounts &rows, int width)
     return count;
 }
 
-uint32_t _countFacets(const GridView &grid)
+uint32_t countFacets(const GridView &grid)
 {
     uint32_t count = 0;
     for (int r = 0; r + 1 < grid.height; ++r)
@@ -179,25 +128,25 @@ public:
     {
         for (size_t c = 0; c < m_x.size(); ++c)
             m_x[c] = static_cast<float>(static_cast<double>(c) / cellsPerInch);
-        _fillZ(grid.heights.row(0), grid.zFactor, m_lower);
+        fillZ(grid.heights.row(0), grid.zFactor, m_lower);
     }
 
     size_t columns() const { return static_cast<size_t>(m_grid.heights.width); }
 
     /// Row r must follow row r - 1.
-    void write(int r, FacetBuffer &buffer)
+    void write(int r, StlFacetBuffer &buffer)
     {
         std::swap(m_upper, m_lower);
-        _fillZ(m_grid.heights.row(r + 1), m_grid.zFactor, m_lower);
+        fillZ(m_grid.heights.row(r + 1), m_grid.zFactor, m_lower);
         const double *upper = m_upper.exact.data();
         const double *lower = m_lower.exact.data();
         fillNormals({upper, upper + 1, upper, lower}, m_first);
         fillNormals({lower, lower + 1, upper + 1, lower + 1}, m_second);
-        _pack(r, buffer);
+        pack(r, buffer);
     }
 
 private:
-    void _pack(int r, FacetBuffer &buffer) const
+    void pack(int r, StlFacetBuffer &buffer) const
     {
         const float *above = m_grid.heights.row(r);
         const float *below = m_grid.heights.row(r + 1);
@@ -228,63 +177,53 @@ private:
     std::vector<float> m_x;
 };
 
-bool _writeRows(QDataStream &stream, const StlGrid &grid)
+bool writeRows(QDataStream &stream, const StlGrid &grid)
 {
     const int squares = grid.heights.height - 1;
     Progress silent;
     Progress &progress = grid.progress ? *grid.progress : silent;
     GridRows rows(grid);
-    FacetBuffer buffer(stream, 2 * rows.columns());
+    StlFacetBuffer buffer(stream, 2 * rows.columns());
     for (int r = 0; r < squares; ++r) {
         rows.write(r, buffer);
         buffer.flushWhenFull();
         if (r % 64 == 0)
             progress.advance(static_cast<double>(r) / squares);
-        if (!_ok(stream) || progress.cancelled())
+        if (!isOk(stream) || progress.cancelled())
             return false;
     }
     buffer.flush();
     progress.advance(1.0);
-    return _ok(stream);
+    return isOk(stream);
 }
 
 } // namespace
 
 bool writeGridStl(QDataStream &stream, const StlGrid &grid)
 {
-    _writeHeader(stream, grid.header);
-    stream << _countFacets(grid.heights);
-    if (!_ok(stream))
+    writeStlHeader(stream, grid.header);
+    stream << countFacets(grid.heights);
+    if (!isOk(stream))
         return false;
     if (grid.heights.height < 2 || grid.heights.width < 2)
         return true;
-    return _writeRows(stream, grid);
+    return writeRows(stream, grid);
 }
 
 bool writeMeshStl(QDataStream &stream, const std::vector<StlFacet> &facets,
                   const QByteArray &header)
 {
-    _writeHeader(stream, header);
+    writeStlHeader(stream, header);
     stream << static_cast<quint64>(facets.size());
-    FacetBuffer buffer(stream, 1);
+    StlFacetBuffer buffer(stream, 1);
     for (const StlFacet &facet : facets) {
-        std::array<float, 12> record{};
-        auto out = record.begin();
-        const auto narrow = [&out](const std::array<double, 3> &from) {
-            for (const double value : from)
-                *out++ = static_cast<float>(value);
-        };
-        narrow(facet.normal);
-        for (const auto &vertex : facet.vertices)
-            narrow(vertex);
-        std::memcpy(buffer.next(), record.data(), sizeof(record));
-        buffer.take();
+        buffer.put(facet);
         buffer.flushWhenFull();
-        if (!_ok(stream))
+        if (!isOk(stream))
             return false;
     }
     buffer.flush();
-    return _ok(stream);
+    return isOk(stream);
 }
 
 Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progress)
@@ -294,7 +233,7 @@ Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progr
         return writeGridStl(stream,
                             {{relief.heights().constData(), relief.width(), relief.height()},
                              relief.zScale,
-                             QByteArrayLiteral("Binary STL of a relief, 128 cells an inch"),
+                             stlHeaderText(),
                              progress});
     });
 }

@@ -2,12 +2,12 @@
 
 #include "base/progress.h"
 #include "base/result.h"
+#include "files/stlframe.h"
 #include "relief/grid/floatgrid.h"
 
 #include <QByteArray>
 #include <QString>
 
-#include <array>
 #include <vector>
 
 class QDataStream;
@@ -30,13 +30,6 @@ struct StlGrid
 /// are 0 are left out. The count is a 32-bit integer. Sets the stream to little-endian and single
 /// precision. Returns whether the stream is Ok after the last value.
 bool writeGridStl(QDataStream &stream, const StlGrid &grid);
-
-/// One facet of a reduced mesh.
-struct StlFacet
-{
-    std::array<std::array<double, 3>, 3> vertices;
-    std::array<double, 3> normal;
-};
 
 /// The facets as they are. The count is a 64-bit integer, so that the facets begin at byte 88: the
 /// programs that read these files expect it. Returns false at the first failure.

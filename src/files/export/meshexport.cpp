@@ -1,0 +1,151 @@
+#include "files/export/meshexport.h"
+
+#include "base/progress.h"
+#include "files/export/exportmesh.h"
+#include "files/export/objwriter.h"
+#include "files/export/stlexport.h"
+#include "files/safefile.h"
+#include "files/stlwriter.h"
+#include "relief/grid/relief.h"
+
+#include <QDataStream>
+
+namespace marlowen {
+
+namespace {
+
+/// How long the reduction works between two looks at the progress.
+constexpr std::chrono::milliseconds slice{30};
+/// Share of the reduction in a reduced export.
+constexpr double reductionShare = 0.8;
+
+GridView heightsOf(const Relief &relief)
+{
+    return {relief.heights().constData(), relief.width(), relief.height()};
+}
+
+ExportMesh meshOf(CellSurface surface, const MeshOptions &options)
+{
+    if (options.baseThicknessInches > 0.0)
+        return {std::move(surface), options.baseThicknessInches};
+    return ExportMesh(std::move(surface));
+}
+
+ExportMesh fullMesh(const Relief &relief, const MeshOptions &options)
+{
+    return meshOf(CellSurface(heightsOf(relief), relief.zScale), options);
+}
+
+/// What is being written, and the count of its STL.
+struct Contents
+{
+    const ExportMesh &mesh;
+    StlCount count = StlCount::Standard;
+};
+
+Outcome write(const Contents &contents, const MeshTarget &target, Progress &progress)
+{
+    return writeSafely(target.path, [&](QIODevice &device) {
+        if (target.format == MeshFormat::Obj)
+            return writeObj(device, contents.mesh, progress);
+        QDataStream stream(&device);
+        return writeStl(stream, contents.mesh, contents.count, progress);
+    });
+}
+
+Result<MeshReport> writeFull(const Relief &relief, const MeshOptions &options,
+                             const MeshTarget &target)
+{
+    Progress silent;
+    Progress &progress = target.progress ? *target.progress : silent;
+    const ExportMesh mesh = fullMesh(relief, options);
+    const bool plain = target.format == MeshFormat::Stl && !mesh.isSolid();
+    const Outcome done =
+        plain ? exportGridStl(relief, target.path, &progress) : write({mesh}, target, progress);
+    if (!done)
+        return done.failure();
+    return MeshReport{.facets = mesh.count()};
+}
+
+/// Works until the reduction has ended; false when it was cancelled.
+bool reduce(FacetReducer &reduction, Progress &progress)
+{
+    while (!reduction.step(slice)) {
+        progress.advance(reduction.progress());
+        progress.describe(QStringLiteral("%1 facets, error %2 in")
+                              .arg(reduction.facets())
+                              .arg(reduction.largestErrorInches(), 0, 'g', 3));
+        if (progress.cancelled())
+            return false;
+    }
+    return !progress.cancelled();
+}
+
+/// The reduction has gone as far as memory allows, and the whole grid is allowed too.
+bool isFullBetter(const Relief &relief, const MeshOptions &options, const FacetReducer &reduction)
+{
+    return reduction.end() == ReductionEnd::MemoryLimit &&
+           (options.facetLimit == 0 || fullMesh(relief, options).count() <= options.facetLimit);
+}
+
+} // namespace
+
+QString describe(const MeshReport &report)
+{
+    QString line = QStringLiteral("%1 facets, largest error %2 in")
+                       .arg(report.facets)
+                       .arg(report.largestErrorInches, 0, 'g', 6);
+    if (!report.withinTolerance)
+        line += QStringLiteral(", more than the tolerance: the number of facets is limited");
+    return line;
+}
+
+std::optional<ReductionGoal> reductionGoal(const Relief &relief, const MeshOptions &options)
+{
+    const bool limits =
+        options.facetLimit > 0 && fullMesh(relief, options).count() > options.facetLimit;
+    if (options.toleranceInches <= 0.0 && !limits)
+        return {};
+    return ReductionGoal{options.toleranceInches, options.facetLimit,
+                         options.baseThicknessInches > 0.0, relief.zScale};
+}
+
+Result<MeshReport> exportMesh(const Relief &relief, const MeshOptions &options,
+                              const MeshTarget &target)
+{
+    const std::optional<ReductionGoal> goal = reductionGoal(relief, options);
+    if (!goal)
+        return writeFull(relief, options, target);
+    Progress silent;
+    Progress &progress = target.progress ? *target.progress : silent;
+    FacetReducer reduction(heightsOf(relief), *goal);
+    ProgressStep reducing(progress, 0.0, reductionShare);
+    if (!reduce(reduction, reducing))
+        return saveFailed();
+    ProgressStep writing(progress, reductionShare, 1.0);
+    return exportMesh(relief, options, {target.path, target.format, &writing}, reduction);
+}
+
+Result<MeshReport> exportMesh(const Relief &relief, const MeshOptions &options,
+                              const MeshTarget &target, const FacetReducer &reduction)
+{
+    if (isFullBetter(relief, options, reduction)) {
+        Result<MeshReport> full = writeFull(relief, options, target);
+        if (!full)
+            return full;
+        MeshReport report = full.take();
+        report.reduced = true; // it was asked for, and the report tells what became of it
+        return report;
+    }
+    Progress silent;
+    const ExportMesh mesh =
+        meshOf(CellSurface(heightsOf(relief), relief.zScale, reduction.mesh()), options);
+    const StlCount count = options.standardStl ? StlCount::Standard : StlCount::Wide;
+    const Outcome done = write({mesh, count}, target, target.progress ? *target.progress : silent);
+    if (!done)
+        return done.failure();
+    return MeshReport{true, mesh.count(), reduction.largestErrorInches(),
+                      reduction.end() == ReductionEnd::ToleranceMet};
+}
+
+} // namespace marlowen
