@@ -8,6 +8,7 @@
 #include <QOpenGLWidget>
 
 #include <charconv>
+#include <cstdio>
 
 namespace marlowen {
 
@@ -49,6 +50,8 @@ bool acceptGlVersion(const QByteArray &version)
     if (version.isNull()) {
         logCritical() << "glGetVersion returned null pointer, Can't continue\n";
         logClose();
+        std::fputs("marlowen: the display offers no OpenGL; marlowen-cli works without it\n",
+                   stderr);
         return false;
     }
     logInfo() << "GL Version String:: " << version << "\n";

@@ -5,8 +5,18 @@
 
 #include <QFileOpenEvent>
 #include <QMessageBox>
+#include <QTimer>
+
+#include <chrono>
+#include <utility>
 
 namespace marlowen {
+
+namespace {
+
+constexpr std::chrono::milliseconds dialogPoll{200};
+
+} // namespace
 
 QevApplication::QevApplication(int &argc, char **argv)
     : QApplication(argc, argv)
@@ -38,9 +48,25 @@ bool QevApplication::event(QEvent *event)
 {
     if (event->type() != QEvent::FileOpen)
         return QApplication::event(event);
-    if (m_mainWindow)
-        m_mainWindow->openFile(static_cast<QFileOpenEvent *>(event)->file(), 1);
+    if (m_mainWindow) {
+        m_requestedFiles << static_cast<QFileOpenEvent *>(event)->file();
+        _openRequestedFiles();
+    }
     return false;
+}
+
+void QevApplication::_openRequestedFiles()
+{
+    // A dialog waits for its answer first; its end is not announced, so look again.
+    if (activeModalWidget()) {
+        QTimer::singleShot(dialogPoll, this, &QevApplication::_openRequestedFiles);
+        return;
+    }
+    if (!m_mainWindow)
+        return;
+    const QStringList files = std::exchange(m_requestedFiles, {});
+    for (const QString &file : files)
+        m_mainWindow->openFile(file, 1);
 }
 
 void reportFatalError(const char *text)

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QStringList>
 
 namespace marlowen {
 
@@ -27,11 +28,15 @@ public:
     bool notify(QObject *receiver, QEvent *event) override;
 
 protected:
-    /// Turns QEvent::FileOpen into an open with flag 1, reported as not handled.
+    /// Turns QEvent::FileOpen into an open with flag 1, reported as not handled. While a modal
+    /// dialog is open the request waits for its end.
     bool event(QEvent *event) override;
 
 private:
+    void _openRequestedFiles();
+
     QPointer<MainWindow> m_mainWindow;
+    QStringList m_requestedFiles; ///< not opened yet
 };
 
 /// Writes the text to the session log, shows it in the box "Fatal Error", closes all windows and

@@ -20,7 +20,9 @@
 #include <QSurfaceFormat>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 namespace marlowen {
 
@@ -35,6 +37,21 @@ void chooseSurfaceFormat()
     QSurfaceFormat::setDefaultFormat(format);
 }
 
+/// While the toolkit looks for a display: what makes it give up is written to the debug file as
+/// always, then told in one sentence instead of a core dump.
+QtMessageHandler writeToDebugFile = nullptr;
+
+void endWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    writeToDebugFile(type, context, message);
+    if (type != QtFatalMsg)
+        return;
+    std::fputs("marlowen: there is no display (or no OpenGL on it) to open a window on; "
+               "marlowen-cli works without one\n",
+               stderr);
+    std::_Exit(-1);
+}
+
 void setAttributes()
 {
     QCoreApplication::setAttribute(Qt::AA_UseDesktopOpenGL);
@@ -45,6 +62,14 @@ void setAttributes()
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QT_WARNING_POP
     QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
+}
+
+QStringList argumentTexts(int count, char **values)
+{
+    QStringList texts;
+    for (int i = 0; i < count; ++i)
+        texts << QString::fromLocal8Bit(values[i]);
+    return texts;
 }
 
 void logStep(const char *text)
@@ -96,16 +121,17 @@ void showWindow(MainWindow &window)
     QTimer::singleShot(0, &window, [] { themeSwitcher::applyTheme(savedThemeMode()); });
 }
 
-int runWindow(QevApplication &application)
+int runWindow(QevApplication &application, const QStringList &arguments)
 {
     tidyDataFolder();
     logStep("About to create main window");
     _installStyle();
     MainWindow window;
     application.setMainWindow(&window);
+    quitOnTerminationSignals();
     logStep("Created main window");
     printVersion();
-    applyLaunchSteps(launchSteps(QCoreApplication::arguments()), window);
+    applyLaunchSteps(launchSteps(arguments), window);
     showWindow(window);
     return QCoreApplication::exec();
 }
@@ -117,17 +143,23 @@ int runMarlowen(int argc, char **argv)
     installMessageHandler();
     chooseSurfaceFormat();
     setAttributes();
-    QevApplication application(argc, argv);
+    writeToDebugFile = qInstallMessageHandler(endWithoutDisplay);
+    // The arguments are file names and strings of the sister program; the toolkit would take one
+    // like "-platform" for an option of its own and remove it.
+    const QStringList arguments = argumentTexts(argc, argv);
+    int programOnly = std::min(argc, 1);
+    QevApplication application(programOnly, argv);
     if (qEnvironmentVariableIsSet("MARLOWEN_TRACE_EVENTS"))
         application.installEventFilter(new QEF(&application));
-    quitOnTerminationSignals();
     QApplication::setWindowIcon(icon(QStringLiteral("logo")));
     migrateSettings();
     openSessionLog();
-    if (!acceptGlVersion(readGlVersion()))
+    const bool accepted = acceptGlVersion(readGlVersion());
+    qInstallMessageHandler(writeToDebugFile);
+    if (!accepted)
         return -1;
     try {
-        return runWindow(application);
+        return runWindow(application, arguments);
     } catch (const char *text) {
         reportFatalError(text);
         return 1;

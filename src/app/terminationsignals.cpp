@@ -1,10 +1,13 @@
 #include "app/terminationsignals.h"
 
+#include "base/sessionlog.h"
+
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -14,6 +17,19 @@ namespace marlowen {
 namespace {
 
 std::array<int, 2> pipeEnds{-1, -1};
+bool requested = false;
+
+/// Runs on the GUI thread for every signal.
+void quitOrEnd()
+{
+    if (requested) {
+        logInfo() << "Second termination signal, ending at once\n";
+        logClose();
+        std::_Exit(EXIT_FAILURE);
+    }
+    requested = true;
+    QCoreApplication::quit();
+}
 
 extern "C" void noteSignal(int)
 {
@@ -32,9 +48,8 @@ void quitOnTerminationSignals()
     auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, app);
     QObject::connect(notifier, &QSocketNotifier::activated, app, [] {
         char byte = 0;
-        while (read(pipeEnds[0], &byte, 1) == 1) {
-        }
-        QCoreApplication::quit();
+        while (read(pipeEnds[0], &byte, 1) == 1)
+            quitOrEnd();
     });
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         std::signal(signal, noteSignal);

@@ -4,8 +4,6 @@
 #include "relief/operations/operations.h"
 #include "relief/selection/selections.h"
 
-#include <algorithm>
-
 namespace marlowen {
 
 namespace {
@@ -14,7 +12,7 @@ constexpr char modifierNames[] = "Normal|Additive|Subtractive";
 constexpr char shapeNames[] = "rectangle|ellipse|polygon|magic|none";
 constexpr char maskNames[] = "clear|invert";
 
-/// A selection as the script puts it, its cells clipped to the grid.
+/// A selection as the script gives it; the corners may lie off the grid.
 struct Choice
 {
     QPointF point;
@@ -69,14 +67,6 @@ QString wrongPlace(const QString &name, const Shape &shape, const QJsonObject &a
     return {};
 }
 
-QList<QPoint> clipped(QList<QPoint> cells, const Relief &relief)
-{
-    for (QPoint &cell : cells)
-        cell = {std::clamp(cell.x(), 0, relief.width() - 1),
-                std::clamp(cell.y(), 0, relief.height() - 1)};
-    return cells;
-}
-
 Outcome selectAction(ScriptState &state, const QJsonObject &arguments)
 {
     const QString name = arguments.value(QLatin1String("shape")).toString();
@@ -86,7 +76,7 @@ Outcome selectAction(ScriptState &state, const QJsonObject &arguments)
     const QString modifier =
         arguments.value(QLatin1String("modifier")).toString(QStringLiteral("Normal"));
     shape.select(state, {pointOf(arguments.value(QLatin1String("point"))),
-                         clipped(cellsOf(arguments.value(QLatin1String("cells"))), *state.relief()),
+                         cellsOf(arguments.value(QLatin1String("cells"))),
                          static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier))});
     return {};
 }

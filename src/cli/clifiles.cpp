@@ -18,6 +18,21 @@ std::unique_ptr<QuietDecoders> quietFor(const QString &path)
     return picture ? std::make_unique<QuietDecoders>() : nullptr;
 }
 
+/// Control characters escaped, so that a file name cannot drive the terminal, and no longer than a
+/// few lines of it.
+QString printable(const QString &text)
+{
+    constexpr qsizetype longest = 300;
+    QString line;
+    for (const QChar c : text.simplified()) {
+        if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format)
+            line += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            line += c;
+    }
+    return line.size() <= longest ? line : line.left(longest - 3) + QStringLiteral("...");
+}
+
 } // namespace
 
 QString oneLine(const Failure &failure)
@@ -25,7 +40,7 @@ QString oneLine(const Failure &failure)
     QString line = failure.sentence;
     if (!failure.detail.isEmpty())
         line += QStringLiteral(" (%1)").arg(failure.detail);
-    return line.simplified();
+    return printable(line);
 }
 
 Failure aboutFile(const QString &path, const Failure &failure)

@@ -7,12 +7,17 @@
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
 #include "cli/toolrecord.h"
+#include "files/safefile.h"
 
 #include <QFile>
 #include <QJsonDocument>
 
+#include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <new>
+
+#include <unistd.h>
 
 namespace marlowen {
 
@@ -122,23 +127,48 @@ int infoCommand(const QStringList &arguments)
     return Done;
 }
 
-bool openScript(QFile &file)
+/// Standard input through a descriptor: lines may contain NUL bytes, which the C library's line
+/// reading ends at, and every line is carried out as soon as it arrives.
+class StandardInput : public QIODevice
 {
-    if (file.fileName() == QLatin1String("-"))
-        return file.open(stdin, QIODevice::ReadOnly);
-    return file.open(QIODevice::ReadOnly);
+public:
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char *data, qint64 size) override
+    {
+        ssize_t count = 0;
+        do
+            count = ::read(STDIN_FILENO, data, static_cast<size_t>(size));
+        while (count < 0 && errno == EINTR);
+        return count > 0 ? count : -1;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+};
+
+Result<std::unique_ptr<QIODevice>> openScript(const QString &name)
+{
+    if (name == QLatin1String("-")) {
+        auto input = std::make_unique<StandardInput>();
+        input->open(QIODevice::ReadOnly);
+        return Result<std::unique_ptr<QIODevice>>(std::move(input));
+    }
+    auto file = std::make_unique<QFile>(name);
+    if (const Outcome opened = openRegularFile(*file, {}); !opened)
+        return Failure{{}, opened.failure().detail};
+    return Result<std::unique_ptr<QIODevice>>(std::move(file));
 }
 
 int scriptCommand(const QStringList &arguments)
 {
     if (arguments.size() != 1)
         return wrongUsage(QStringLiteral("run needs one SCRIPT"));
-    QFile file(arguments[0]);
-    if (!openScript(file))
-        return workFailed(aboutFile(arguments[0], {{}, file.errorString()}));
+    const Result<std::unique_ptr<QIODevice>> script = openScript(arguments[0]);
+    if (!script)
+        return workFailed(aboutFile(arguments[0], script.failure()));
     TerminalProgress progress;
     ScriptState state(progress);
-    const Outcome done = runScript(state, file, arguments[0]);
+    const Outcome done = runScript(state, *script.value(), arguments[0]);
     progress.clear();
     return done ? Done : fail(oneLine(done.failure()), WorkFailed);
 }

@@ -33,6 +33,12 @@ bool isList(const QJsonValue &value, bool whole)
     });
 }
 
+/// The system's file calls end a name at its first NUL: the rest would be ignored.
+bool isText(const QJsonValue &value)
+{
+    return value.isString() && !value.toString().contains(QChar::Null);
+}
+
 bool inRange(const QJsonValue &value, const ScriptKey &key)
 {
     return value.toDouble() >= key.minimum && value.toDouble() <= key.maximum;
@@ -66,10 +72,11 @@ const TypeRow typeRows[] = {
     {KeyType::Number,
      [](const QJsonValue &v, const ScriptKey &key) { return v.isDouble() && inRange(v, key); },
      "a number"},
-    {KeyType::Text, [](const QJsonValue &v, const ScriptKey &) { return v.isString(); }, "a text"},
+    {KeyType::Text, [](const QJsonValue &v, const ScriptKey &) { return isText(v); },
+     "a text without NUL characters"},
     {KeyType::TextOrNull,
-     [](const QJsonValue &v, const ScriptKey &) { return v.isString() || v.isNull(); },
-     "a text or null"},
+     [](const QJsonValue &v, const ScriptKey &) { return isText(v) || v.isNull(); },
+     "a text without NUL characters, or null"},
     {KeyType::Choice,
      [](const QJsonValue &v, const ScriptKey &key) {
          return v.isString() && choiceIndex(key.choices, v.toString(), key.anyCase) >= 0;

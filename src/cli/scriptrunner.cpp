@@ -37,6 +37,8 @@ Outcome runAction(ScriptState &state, const QJsonObject &object)
 
 Outcome runScriptLine(ScriptState &state, const QByteArray &line)
 {
+    if (line.contains('\0'))
+        return scriptFailure(QStringLiteral("the line contains a NUL byte"));
     const QByteArray text = line.trimmed();
     if (text.isEmpty() || text.startsWith('#'))
         return {};

@@ -122,8 +122,8 @@ Outcome savePfm(const GridView &grid, const QString &path)
 Result<FloatGrid> loadPfm(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return openFailed(file.errorString());
+    if (const Outcome opened = openRegularFile(file, openFailed()); !opened)
+        return opened.failure();
     const std::optional<PfmHeader> header = parseHeader(file.peek(longestHeader));
     if (!header)
         return invalid(QStringLiteral("the header is not that of a grey PFM"));

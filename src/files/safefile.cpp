@@ -47,6 +47,20 @@ Failure saveFailed(const QString &detail)
     return {QStringLiteral("Save Failed"), QStringLiteral("Error! File I/O Error"), detail};
 }
 
+Outcome openRegularFile(QFile &file, Failure failure)
+{
+    const QFileInfo info(file.fileName());
+    if (info.isDir())
+        failure.detail = QStringLiteral("it is a folder");
+    else if (info.exists() && !info.isFile())
+        failure.detail = QStringLiteral("it is not a regular file");
+    else if (file.open(QIODevice::ReadOnly))
+        return {};
+    else
+        failure.detail = file.errorString();
+    return failure;
+}
+
 Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> &write,
                     const Failure &unopened)
 {

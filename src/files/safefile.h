@@ -6,6 +6,7 @@
 
 #include <functional>
 
+class QFile;
 class QIODevice;
 
 namespace marlowen {
@@ -14,6 +15,11 @@ namespace marlowen {
 Failure openFailed(const QString &detail = {}); ///< "Open Failed" / "Error! File Open Failed"
 Failure loadFailed(const QString &detail = {}); ///< "Load Failed" / "Error! File I/O Error"
 Failure saveFailed(const QString &detail = {}); ///< "Save Failed" / "Error! File I/O Error"
+
+/// Opens the file for reading. Only regular files are read: a named pipe would block the program
+/// until somebody writes to it, a device may never end. Fails with `failure`, its detail the
+/// reason.
+Outcome openRegularFile(QFile &file, Failure failure);
 
 /// Writes a file that is whole or not there: `write` fills a temporary beside the target, which
 /// takes the target's place only when everything reached the disk. `write` returns false to give up

@@ -42,8 +42,8 @@ Outcome saveWorkspace(const Relief &relief, const QString &path)
 Result<std::unique_ptr<Relief>> loadWorkspace(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return openFailed(file.errorString());
+    if (const Outcome opened = openRegularFile(file, openFailed()); !opened)
+        return opened.failure();
     QDataStream stream(&file);
     quint32 foundMagic = 0;
     quint32 version = 0;

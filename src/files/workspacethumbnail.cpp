@@ -1,5 +1,7 @@
 #include "files/workspacethumbnail.h"
 
+#include "files/safefile.h"
+
 #include "relief/grid/floatgrid.h"
 
 #include <QFile>
@@ -113,7 +115,7 @@ QImage lit(const SampledHeights &sampled)
 QImage workspaceThumbnail(const QString &path, int side)
 {
     QFile file(path);
-    if (side < 1 || !file.open(QIODevice::ReadOnly))
+    if (side < 1 || !openRegularFile(file, {}))
         return {};
     const std::optional<SampledHeights> sampled = sample(file, side);
     return sampled ? lit(*sampled) : QImage();

@@ -77,6 +77,19 @@ private slots:
         QVERIFY(!sessionLog().contains("after.xyz"));
     }
 
+    void fileOpenDuringADialogWaitsForItsEnd()
+    {
+        MainWindow window;
+        _application()->setMainWindow(&window);
+        QMessageBox box;
+        box.open();
+        QFileOpenEvent request(QStringLiteral("/tmp/later.xyz"));
+        QCoreApplication::sendEvent(qApp, &request);
+        QVERIFY(!sessionLog().contains("later.xyz"));
+        box.close();
+        QTRY_VERIFY(sessionLog().contains("later.xyz"));
+    }
+
     void traceNamesClassAndEventButNoTimers()
     {
         QEF trace;

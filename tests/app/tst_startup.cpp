@@ -13,6 +13,7 @@ struct Run
 {
     int exitCode = -1;
     QByteArray output;
+    QByteArray errors;
     QList<QByteArray> log;
 };
 
@@ -88,9 +89,11 @@ public:
 
     Run wait()
     {
-        m_process.waitForFinished(20000);
-        const bool whole = m_process.exitStatus() == QProcess::NormalExit;
-        return {whole ? m_process.exitCode() : -1, m_process.readAllStandardOutput(), log()};
+        const bool ended = m_process.waitForFinished(20000);
+        const bool whole = ended && m_process.exitStatus() == QProcess::NormalExit;
+        // Ended by a signal: its number, negative; still running: -1000.
+        const int code = whole ? m_process.exitCode() : ended ? -m_process.exitCode() : -1000;
+        return {code, m_process.readAllStandardOutput(), m_process.readAllStandardError(), log()};
     }
 
 private:
@@ -177,6 +180,29 @@ private slots:
         const qsizetype created = lineAfter(run.log, 0, "Info: Created main window");
         QVERIFY(created > 0);
         QVERIFY(lineAfter(run.log, created, "Warning: Unknown file type") > created);
+    }
+
+    void integrationStringsAreNotToolkitOptions()
+    {
+        Program program({"-platform", "/no/such/model.stl", "-style", "-qwindowtitle"});
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp(), 20000);
+        QCOMPARE(program.end().exitCode, 0);
+    }
+
+    void signalDuringTheStartEndsIt()
+    {
+        Program program({}, {.dataFolderBlocked = true});
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp("Error opening Log"), 20000);
+        QCOMPARE(program.end().exitCode, -SIGTERM);
+    }
+
+    void withoutADisplayOneSentenceIsPrinted()
+    {
+        Program program({}, {.environment = {"DISPLAY=:4711", "WAYLAND_DISPLAY="}});
+        const Run run = program.wait();
+        QCOMPARE(run.exitCode, 255);
+        QCOMPARE(run.errors.count('\n'), 1);
+        QVERIFY(run.errors.startsWith("marlowen: there is no display"));
     }
 
     void logThatCannotBeWrittenIsNoReasonToStop()

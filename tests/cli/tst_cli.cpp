@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+#include <sys/stat.h>
+
 using namespace marlowen;
 
 namespace {
@@ -101,6 +103,23 @@ private slots:
         QCOMPARE(QImage(_path("out.PNG")).size(), QSize(60, 40));
         const QByteArray stl = _contents("out.stl");
         QVERIFY(stl.size() > 84 && (stl.size() - 84) % 50 == 0);
+    }
+
+    void inputsThatWouldMisleadAreErrors()
+    {
+        const Ran hidden = _script(QByteArray("# a\n# b\0c\n{\"do\":\"info\"}\n", 25));
+        QCOMPARE(hidden.status, 1);
+        QVERIFY(hidden.errors.contains("-:2: the line contains a NUL byte"));
+
+        QCOMPARE(::mkfifo(qPrintable(_path("pipe.pfm")), 0600), 0);
+        const Ran pipe = _run({"info", "pipe.pfm"});
+        QCOMPARE(pipe.status, 1);
+        QVERIFY(pipe.errors.contains("it is not a regular file"));
+
+        const Ran rude = _run({"info", QString("no\x1b[2J") + QString(400, 'n') + ".scp"});
+        QVERIFY(!rude.errors.contains('\x1b'));
+        QVERIFY(rude.errors.contains("no\\x1b[2J"));
+        QVERIFY(rude.errors.size() < 330);
     }
 
     void importOptionsShapeTheHeights_data()

@@ -122,7 +122,9 @@ void TestEngineScripts::mistakes_data()
     row(R"({"do":"crop","points":7})", "crop: \"points\" must be a list");
     row(R"({"do":"undo","steps":0})", "undo: \"steps\" must be a whole number of 1 or more");
     row(R"({"do":"alpha","file":"nowhere.png"})", "nowhere.png: ");
-    row(R"({"do":"alpha","file":3})", "alpha: \"file\" must be a text or null");
+    row(R"({"do":"save","file":"a.scp\u0000.txt"})", "save: \"file\" must be a text without NUL");
+    row(R"({"do":"alpha","file":3})",
+        "alpha: \"file\" must be a text without NUL characters, or null");
     row(R"({"do":"alpha","mode":"Stamped"})", "alpha: \"mode\" must be one of Shape, Tile, Stamp");
 }
 
@@ -226,6 +228,9 @@ void TestEngineScripts::selections_data()
     QTest::newRow("corners off the grid are clipped")
         << QStringList{R"({"do":"select","shape":"rectangle","cells":[[4,-9],[99,0]]})"}
         << QStringList{"....##", "......", "......", "......"};
+    QTest::newRow("a polygon keeps its form beyond the grid")
+        << QStringList{R"({"do":"select","shape":"polygon","cells":[[-6,0],[5,0],[5,3]]})"}
+        << QStringList{"######", "######", ".#####", ".....#"};
     QTest::newRow("additive polygon")
         << QStringList{square, R"({"do":"select","shape":"polygon","cells":[[5,0],[5,3]],)"
                                R"("modifier":"Additive"})"}
