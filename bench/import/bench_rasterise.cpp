@@ -1,0 +1,97 @@
+#include "baseline.h"
+
+#include "import/mesh/rasterise.h"
+
+#include <cmath>
+#include <functional>
+
+using namespace marlowen;
+
+/// Turning a mesh into source values, against copying a grid of the same size.
+namespace {
+
+/// The largest relief the program works with: 1000 square inches at 128 cells an inch.
+constexpr int side = 4047;
+constexpr double inches = (side - 1) / 128.0;
+
+using HeightAt = std::function<double(double x, double y)>;
+
+/// squares x squares pairs of facets over the whole relief; `jitter` moves the inner corners by
+/// that share of a square, as those of a scan lie anywhere.
+TriangleMesh sheet(quint32 squares, double jitter, const HeightAt &heightAt)
+{
+    TriangleMesh mesh;
+    const double step = inches / squares;
+    quint32 seed = 1;
+    const auto shifted = [&](quint32 i) {
+        seed = seed * 1664525U + 1013904223U;
+        const bool inner = i > 0 && i < squares;
+        return (i + (inner ? jitter * (seed / 4294967296.0 - 0.5) : 0.0)) * step;
+    };
+    for (quint32 r = 0; r <= squares; ++r) {
+        for (quint32 c = 0; c <= squares; ++c) {
+            const double x = shifted(c);
+            const double y = shifted(r);
+            mesh.positions.push_back({x, y, heightAt(x, y)});
+        }
+    }
+    for (quint32 r = 0; r < squares; ++r) {
+        for (quint32 c = 0; c < squares; ++c) {
+            const quint32 a = r * (squares + 1) + c;
+            const quint32 b = a + squares + 1;
+            mesh.triangles.push_back({a, a + 1, b});
+            mesh.triangles.push_back({b, a + 1, b + 1});
+        }
+    }
+    return mesh;
+}
+
+double waves(double x, double y)
+{
+    return 1.0 + 0.4 * std::sin(x * 3.0) * std::cos(y * 2.0);
+}
+
+/// A box whose twelve facets lie a little askew.
+TriangleMesh box()
+{
+    TriangleMesh mesh;
+    for (int i = 0; i < 8; ++i) {
+        const double x = (i & 1) ? inches : 0.0;
+        const double y = (i & 2) ? inches : 0.0;
+        mesh.positions.push_back({x, y, ((i & 4) ? 1.0 : 0.0) + 0.01 * x});
+    }
+    mesh.triangles = {{0, 2, 1}, {1, 2, 3}, {4, 5, 6}, {5, 7, 6}, {0, 1, 4}, {1, 5, 4},
+                      {2, 6, 3}, {3, 6, 7}, {0, 4, 2}, {2, 4, 6}, {1, 3, 5}, {3, 7, 5}};
+    return mesh;
+}
+
+void measureRaster(benchmark::State &state, TriangleMesh mesh)
+{
+    const FacetShape shape(std::move(mesh), 0);
+    Progress silent;
+    baseline::measure(state, sizeof(float) * side * side, [&] {
+        const Result<FloatGrid> grid = rasterise(shape, silent);
+        benchmark::DoNotOptimize(grid.value().values.data());
+    });
+    state.counters["facets"] = static_cast<double>(shape.mesh().triangles.size());
+}
+
+} // namespace
+
+static void rasteriseSmall(benchmark::State &state)
+{
+    measureRaster(state, sheet(1000, 0.0, waves));
+}
+BENCHMARK(rasteriseSmall)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9);
+
+static void rasteriseHuge(benchmark::State &state)
+{
+    measureRaster(state, box());
+}
+BENCHMARK(rasteriseHuge)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9);
+
+static void rasteriseScan(benchmark::State &state)
+{
+    measureRaster(state, sheet(316, 0.8, waves));
+}
+BENCHMARK(rasteriseScan)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9);

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/progress.h"
+#include "base/result.h"
+#include "import/importsettings.h"
+#include "import/mesh/facetshape.h"
+#include "relief/grid/floatgrid.h"
+#include "relief/grid/relief.h"
+
+#include <memory>
+
+namespace marlowen {
+
+/// The source values of a shape: gridSize() values, 128 an inch along x and y as seen, row 0 at the
+/// lowest y. A value is the highest height of all facets over its grid point, in cells above the
+/// shape's lowest point; edges and corners count, with a tolerance of 1e-6 cells. 0 where there is
+/// no facet.
+///
+/// Takes no memory but the grid. Fails for a shape that is too big ("Size") or has no extent in x
+/// or y ("Open Failed"), when memory is short, and with an empty sentence when the user cancelled.
+Result<FloatGrid> rasterise(const FacetShape &shape, Progress &progress);
+
+/// A relief whose import is open on the rasterised shape. With a depth of 0 its heights are cells.
+/// No margin is added. Fails as rasterise() does.
+Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const ImportSettings &settings,
+                                            Progress &progress);
+
+} // namespace marlowen
