@@ -33,11 +33,27 @@ TerminalProgress::~TerminalProgress()
 
 void TerminalProgress::advance(double fraction)
 {
+    if (fraction >= 1.0) {
+        clear(); // what is printed next has the line to itself
+        return;
+    }
     const int percent = static_cast<int>(fraction * 100.0);
     if (!m_terminal || percent == m_shownPercent)
         return;
     m_shownPercent = percent;
-    std::fprintf(stderr, "\r%3d %%", percent);
+    show();
+}
+
+void TerminalProgress::describe(const QString &state)
+{
+    m_state = state;
+    if (m_terminal && m_shownPercent >= 0)
+        show();
+}
+
+void TerminalProgress::show() const
+{
+    std::fprintf(stderr, "\r%3d %%  %s\033[K", m_shownPercent, m_state.toLocal8Bit().constData());
     std::fflush(stderr);
 }
 
@@ -51,6 +67,7 @@ void TerminalProgress::clear()
     if (m_shownPercent < 0)
         return;
     m_shownPercent = -1;
+    m_state.clear();
     std::fputs("\r\033[K", stderr);
     std::fflush(stderr);
 }

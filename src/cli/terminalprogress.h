@@ -12,13 +12,17 @@ public:
     TerminalProgress();
     ~TerminalProgress() override;
     void advance(double fraction) override;
+    void describe(const QString &state) override;
     bool cancelled() const override;
     /// Wipes what is shown.
     void clear();
 
 private:
+    void show() const;
+
     bool m_terminal;
     int m_shownPercent = -1;
+    QString m_state;
 };
 
 } // namespace marlowen

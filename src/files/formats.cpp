@@ -1,8 +1,8 @@
 #include "files/formats.h"
 
 #include "files/boundedimage.h"
+#include "files/export/meshexport.h"
 #include "files/heightmaps.h"
-#include "files/stlwriter.h"
 #include "files/workspacefile.h"
 #include "files/workspacethumbnail.h"
 
@@ -30,9 +30,24 @@ Result<QString> writeWorkspace(const ExportJob &job)
     return quietly(saveWorkspace(job.relief, job.path));
 }
 
+/// A reduced mesh has a line that says how far it was reduced.
+Result<QString> writeMesh(const ExportJob &job, MeshFormat format)
+{
+    const Result<MeshReport> report =
+        exportMesh(job.relief, job.options, {job.path, format, job.progress});
+    if (!report)
+        return report.failure();
+    return report.value().reduced ? describe(report.value()) : QString();
+}
+
 Result<QString> writeStl(const ExportJob &job)
 {
-    return quietly(exportGridStl(job.relief, job.path, job.progress));
+    return writeMesh(job, MeshFormat::Stl);
+}
+
+Result<QString> writeObj(const ExportJob &job)
+{
+    return writeMesh(job, MeshFormat::Obj);
 }
 
 Result<QString> writePfm(const ExportJob &job)
@@ -44,6 +59,8 @@ Result<QString> writePng(const ExportJob &job)
 {
     return quietly(saveHeightPng(heightsOf(job.relief), job.path));
 }
+
+constexpr unsigned meshOptions = TakesQuality | TakesTolerance | TakesFacets | TakesSolid;
 
 constexpr const char *jpeg = QT_TRANSLATE_NOOP("Formats", "JPEG picture");
 
@@ -62,7 +79,15 @@ constexpr Format rows[] = {
      .opensAs = OpensAs::Nothing,
      .inWindow = false,
      .save = writeStl,
-     .written = QT_TRANSLATE_NOOP("Formats", "STL mesh")},
+     .written = QT_TRANSLATE_NOOP("Formats", "STL mesh"),
+     .exportOptions = meshOptions | TakesStandardStl},
+    {.ending = ".obj",
+     .label = QT_TRANSLATE_NOOP("Formats", "OBJ mesh"),
+     .opensAs = OpensAs::Nothing,
+     .inWindow = false,
+     .save = writeObj,
+     .written = QT_TRANSLATE_NOOP("Formats", "OBJ mesh"),
+     .exportOptions = meshOptions},
     {.ending = ".jpg",
      .label = jpeg,
      .opensAs = OpensAs::Picture,

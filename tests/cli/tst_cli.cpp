@@ -84,7 +84,7 @@ private slots:
         _write("broken.png", _contents("disc.png").left(200));
         _write("precious.scp", "precious");
         QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("folder.png")));
-        for (const char *name : {"full.scp", "full.stl", "full.pfm", "full.png"})
+        for (const char *name : {"full.scp", "full.stl", "full.obj", "full.pfm", "full.png"})
             QVERIFY(QFile::link(QStringLiteral("/dev/full"), _path(name)));
     }
 
@@ -236,7 +236,7 @@ private slots:
             << convert("none.png", "x.scp") << QByteArray("No such file or directory");
         QTest::newRow("a folder called picture")
             << convert("folder.png", "x.scp") << QByteArray("folder.png: ");
-        for (const char *name : {"full.scp", "full.stl", "full.pfm", "full.png"})
+        for (const char *name : {"full.scp", "full.stl", "full.obj", "full.pfm", "full.png"})
             QTest::addRow("full disk, %s", name)
                 << convert("disc.png", name) << QByteArray(name) + ": ";
         QTest::newRow("info") << QStringList{"info", "none.scp"} << QByteArray("none.scp: ");
@@ -384,6 +384,27 @@ private slots:
         QCOMPARE(_json(lines[0])["max"].toDouble(), 8.0);
         QCOMPARE(_json(lines[0])["rangeMax"].toDouble(), 162.0);
         QCOMPARE(_json(lines[1])["width"].toInt(), 30);
+    }
+
+    void reducedMeshesSayWhatTheyReached()
+    {
+        const Ran full = _run({"convert", "disc.png", "all.stl"});
+        QVERIFY(full.status == 0 && full.errors.isEmpty());
+        const Ran reduced =
+            _run({"convert", "disc.png", "low.stl", "--quality", "low", "--standard-stl"});
+        QVERIFY(reduced.status == 0 && reduced.errors.count('\n') == 1);
+        QVERIFY(reduced.errors.contains(" facets, largest error "));
+        const auto bytes = [this](const char *name) { return QFileInfo(_path(name)).size(); };
+        QVERIFY(bytes("low.stl") < bytes("all.stl"));
+        QCOMPARE(bytes("low.stl"), 84 + 50 * reduced.errors.split(' ')[0].toLongLong());
+        const Ran script = _script("{\"do\":\"open\",\"file\":\"disc.png\"}\n"
+                                   "{\"do\":\"export\",\"file\":\"wide.stl\",\"tolerance\":0.002,"
+                                   "\"facets\":50,\"solid\":0.5}\n");
+        QVERIFY(script.status == 0 && script.errors.contains("number of facets is limited"));
+        QCOMPARE(bytes("wide.stl"), 88 + 50 * script.errors.split(' ')[0].toLongLong());
+        QCOMPARE(_run({"convert", "disc.png", "a.obj", "--solid", "0"}).status, 2);
+        QCOMPARE(_run({"convert", "disc.png", "a.obj", "--tolerance", "-1"}).status, 2);
+        QCOMPARE(_run({"convert", "disc.png", "a.pfm", "--solid", "1"}).status, 1);
     }
 
     void helpAndVersion()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QtEndian>
 
@@ -72,6 +73,39 @@ inline Stl readStl(const QByteArray &bytes, bool wideCount)
                               {values[9], values[10], values[11]}});
     }
     return stl;
+}
+
+/// The facets of an OBJ whose faces are three "point//normal" pairs.
+inline Stl readObj(const QByteArray &text)
+{
+    Stl mesh;
+    std::vector<Point> points;
+    std::vector<Point> normals;
+    for (const QByteArray &line : text.split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words[0] == "v" || words[0] == "vn")
+            (words[0] == "v" ? points : normals)
+                .push_back({words[1].toFloat(), words[2].toFloat(), words[3].toFloat()});
+        if (words[0] != "f")
+            continue;
+        Facet facet{};
+        for (qsizetype i = 0; i < 3; ++i) {
+            const QList<QByteArray> pair = words[i + 1].split('/');
+            const size_t point = pair[0].toUInt() - 1;
+            const size_t normal = pair[2].toUInt() - 1;
+            if (words.size() != 4 || point >= points.size() || normal >= normals.size()) {
+                mesh.fault = QStringLiteral("a face names a point or normal that is not there");
+                return mesh;
+            }
+            facet[static_cast<size_t>(i)] = points[point];
+            mesh.normals.push_back(normals[normal]);
+        }
+        mesh.facets.push_back(facet);
+    }
+    std::sort(points.begin(), points.end());
+    if (std::adjacent_find(points.begin(), points.end()) != points.end())
+        mesh.fault = QStringLiteral("a point is there twice");
+    return mesh;
 }
 
 /// Twice the area seen from above, in cells; positive when counter-clockwise.

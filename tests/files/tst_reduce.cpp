@@ -96,7 +96,7 @@ struct Written
     QByteArray bytes;
 };
 
-Written written(const Grid &grid, const MeshOptions &options, MeshFormat format = MeshFormat::Stl)
+Written written(const Grid &grid, const ExportOptions &options, MeshFormat format = MeshFormat::Stl)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("mesh"));
@@ -127,7 +127,7 @@ private slots:
     void keepsToTheTolerance()
     {
         QFETCH(Grid, grid);
-        const Written file = written(grid, {.toleranceInches = tolerance});
+        const Written file = written(grid, {.tolerance = tolerance});
         const meshcheck::Stl stl = meshcheck::readStl(file.bytes, true);
         QCOMPARE(stl.fault, QString());
         double worst = 0.0;
@@ -145,8 +145,8 @@ private slots:
     {
         QFETCH(Grid, grid);
         for (const double error : {0.0, tolerance, 0.002}) {
-            const Written file = written(
-                grid, {.toleranceInches = error, .baseThicknessInches = 0.1, .standardStl = true});
+            const Written file =
+                written(grid, {.tolerance = error, .standardStl = true, .solid = 0.1});
             const meshcheck::Stl stl = meshcheck::readStl(file.bytes, false);
             QCOMPARE(stl.fault, QString());
             QCOMPARE(stl.facets.empty(), gridTriangles(grid) == 0);
@@ -158,13 +158,36 @@ private slots:
         }
     }
 
+    void objHoldsTheFacetsOfTheStl_data() { addGrids(); }
+
+    void objHoldsTheFacetsOfTheStl()
+    {
+        QFETCH(Grid, grid);
+        for (const double error : {0.0, tolerance}) {
+            for (const double base : {0.0, 0.1}) {
+                const ExportOptions options{.tolerance = error, .standardStl = true, .solid = base};
+                const meshcheck::Stl stl = meshcheck::readStl(written(grid, options).bytes, false);
+                const meshcheck::Stl obj =
+                    meshcheck::readObj(written(grid, options, MeshFormat::Obj).bytes);
+                QCOMPARE(obj.fault, QString());
+                QVERIFY(obj.facets == stl.facets);
+                for (size_t i = 0; i < obj.normals.size(); ++i) {
+                    const auto &[x, y, z] = obj.normals[i];
+                    QVERIFY(std::abs(x * x + y * y + z * z - 1.0F) < 1e-3F);
+                    // The base faces down; smoothed normals lean, but stay on the upper side.
+                    QVERIFY(stl.normals[i / 3][2] >= 0.0F ? z >= 0.0F : z == -1.0F);
+                }
+            }
+        }
+    }
+
     void writesFewFacets()
     {
         const Grid smooth = makeGrid(400, 400, wave);
-        QVERIFY(written(smooth, {.toleranceInches = tolerance}).report.facets <
+        QVERIFY(written(smooth, {.tolerance = tolerance}).report.facets <
                 gridTriangles(smooth) / 10);
         const Grid plane = makeGrid(70, 30, [](int c, int r) { return 1 + 2 * c + r; });
-        QCOMPARE(written(plane, {.toleranceInches = tolerance}).report.facets, uint64_t{2});
+        QCOMPARE(written(plane, {.tolerance = tolerance}).report.facets, uint64_t{2});
     }
 
     void limitsTheFacets_data()
@@ -182,9 +205,7 @@ private slots:
         QFETCH(int, limit);
         QFETCH(double, base);
         const Grid grid = disc(4.0);
-        const Written file = written(grid, {.toleranceInches = 1e-6,
-                                            .facetLimit = static_cast<uint64_t>(limit),
-                                            .baseThicknessInches = base});
+        const Written file = written(grid, {.tolerance = 1e-6, .facets = limit, .solid = base});
         // The rectangle takes two facets, and as a solid two below and eight around.
         const int least = base > 0.0 ? 12 : 2;
         QVERIFY(file.report.facets <= static_cast<uint64_t>(std::max(limit, least)));
@@ -200,7 +221,7 @@ private slots:
     void aLimitThatIsMetChangesNothing()
     {
         const Grid grid = disc(4.0);
-        const Written full = written(grid, {.facetLimit = gridTriangles(grid)});
+        const Written full = written(grid, {.facets = static_cast<int>(gridTriangles(grid))});
         QVERIFY(!full.report.reduced);
         QCOMPARE(full.bytes, written(grid, {}).bytes);
     }
@@ -241,7 +262,7 @@ private slots:
         for (const double error : {0.0, tolerance}) {
             for (const MeshFormat format : {MeshFormat::Stl, MeshFormat::Obj}) {
                 const auto relief = reliefOf(makeGrid(200, 200, wave));
-                QVERIFY(!exportMesh(*relief, {.toleranceInches = error}, {path, format, &stop}));
+                QVERIFY(!exportMesh(*relief, {.tolerance = error}, {path, format, &stop}));
             }
         }
         QVERIFY(file.open(QIODevice::ReadOnly));

@@ -10,6 +10,9 @@
 
 #include <QDataStream>
 
+#include <algorithm>
+#include <array>
+
 namespace marlowen {
 
 namespace {
@@ -19,19 +22,27 @@ constexpr std::chrono::milliseconds slice{30};
 /// Share of the reduction in a reduced export.
 constexpr double reductionShare = 0.8;
 
+/// Of the qualities High, Medium and Low, in inches.
+constexpr std::array<double, 3> qualityTolerances{0.0, 0.0005, 0.002};
+
+uint64_t facetLimit(const ExportOptions &options)
+{
+    return static_cast<uint64_t>(std::max(0, options.facets));
+}
+
 GridView heightsOf(const Relief &relief)
 {
     return {relief.heights().constData(), relief.width(), relief.height()};
 }
 
-ExportMesh meshOf(CellSurface surface, const MeshOptions &options)
+ExportMesh meshOf(CellSurface surface, const ExportOptions &options)
 {
-    if (options.baseThicknessInches > 0.0)
-        return {std::move(surface), options.baseThicknessInches};
+    if (options.solid > 0.0)
+        return {std::move(surface), options.solid};
     return ExportMesh(std::move(surface));
 }
 
-ExportMesh fullMesh(const Relief &relief, const MeshOptions &options)
+ExportMesh fullMesh(const Relief &relief, const ExportOptions &options)
 {
     return meshOf(CellSurface(heightsOf(relief), relief.zScale), options);
 }
@@ -53,7 +64,7 @@ Outcome write(const Contents &contents, const MeshTarget &target, Progress &prog
     });
 }
 
-Result<MeshReport> writeFull(const Relief &relief, const MeshOptions &options,
+Result<MeshReport> writeFull(const Relief &relief, const ExportOptions &options,
                              const MeshTarget &target)
 {
     Progress silent;
@@ -82,13 +93,19 @@ bool reduce(FacetReducer &reduction, Progress &progress)
 }
 
 /// The reduction has gone as far as memory allows, and the whole grid is allowed too.
-bool isFullBetter(const Relief &relief, const MeshOptions &options, const FacetReducer &reduction)
+bool isFullBetter(const Relief &relief, const ExportOptions &options, const FacetReducer &reduction)
 {
     return reduction.end() == ReductionEnd::MemoryLimit &&
-           (options.facetLimit == 0 || fullMesh(relief, options).count() <= options.facetLimit);
+           (options.facets == 0 || fullMesh(relief, options).count() <= facetLimit(options));
 }
 
 } // namespace
+
+double toleranceInches(const ExportOptions &options)
+{
+    return options.tolerance > 0.0 ? options.tolerance
+                                   : qualityTolerances.at(static_cast<size_t>(options.quality));
+}
 
 QString describe(const MeshReport &report)
 {
@@ -100,17 +117,17 @@ QString describe(const MeshReport &report)
     return line;
 }
 
-std::optional<ReductionGoal> reductionGoal(const Relief &relief, const MeshOptions &options)
+std::optional<ReductionGoal> reductionGoal(const Relief &relief, const ExportOptions &options)
 {
     const bool limits =
-        options.facetLimit > 0 && fullMesh(relief, options).count() > options.facetLimit;
-    if (options.toleranceInches <= 0.0 && !limits)
+        options.facets > 0 && fullMesh(relief, options).count() > facetLimit(options);
+    if (toleranceInches(options) <= 0.0 && !limits)
         return {};
-    return ReductionGoal{options.toleranceInches, options.facetLimit,
-                         options.baseThicknessInches > 0.0, relief.zScale};
+    return ReductionGoal{toleranceInches(options), facetLimit(options), options.solid > 0.0,
+                         relief.zScale};
 }
 
-Result<MeshReport> exportMesh(const Relief &relief, const MeshOptions &options,
+Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options,
                               const MeshTarget &target)
 {
     const std::optional<ReductionGoal> goal = reductionGoal(relief, options);
@@ -126,7 +143,7 @@ Result<MeshReport> exportMesh(const Relief &relief, const MeshOptions &options,
     return exportMesh(relief, options, {target.path, target.format, &writing}, reduction);
 }
 
-Result<MeshReport> exportMesh(const Relief &relief, const MeshOptions &options,
+Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options,
                               const MeshTarget &target, const FacetReducer &reduction)
 {
     if (isFullBetter(relief, options, reduction)) {

@@ -136,9 +136,13 @@ public:
     bool write()
     {
         m_out.text(std::string("# ") + productName + " " + versionText + ", inches");
-        return m_out.endLine() && writePoints(m_top, false) &&
-               (!m_mesh.isSolid() || (writePoints(m_base, true) && writeWallNormals())) &&
-               writeFaces() && m_out.flush() && !m_progress.cancelled();
+        const bool good =
+            m_out.endLine() && writePoints(m_top, false) &&
+            (!m_mesh.isSolid() || (writePoints(m_base, true) && writeWallNormals())) &&
+            writeFaces() && m_out.flush() && !m_progress.cancelled();
+        if (good)
+            m_progress.advance(1.0);
+        return good;
     }
 
 private:

@@ -42,7 +42,10 @@ bool writeStl(QDataStream &stream, const ExportMesh &mesh, StlCount count, Progr
         return isOk(stream) && (written % facetsBetween != 0 || !progress.cancelled());
     });
     buffer.flush();
-    return good && isOk(stream) && !progress.cancelled();
+    if (!good || !isOk(stream) || progress.cancelled())
+        return false;
+    progress.advance(1.0);
+    return true;
 }
 
 } // namespace marlowen
