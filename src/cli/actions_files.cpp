@@ -1,5 +1,6 @@
 #include "cli/clifiles.h"
 #include "cli/fieldkeys.h"
+#include "cli/modelfiles.h"
 #include "cli/scriptaction.h"
 #include "cli/scriptstate.h"
 #include "files/formats.h"
@@ -68,8 +69,12 @@ Outcome openAction(ScriptState &state, const QJsonObject &arguments)
     const QJsonObject settings = arguments.value(QLatin1String("import")).toObject();
     if (!settings.isEmpty() && formatOf(path) && !takesImportSettings(path))
         return aboutFile(path, scriptFailure(notImported()));
-    Result<std::unique_ptr<Relief>> opened =
-        openFile(path, withValues(importFields(), ImportSettings{}, settings));
+    const ImportSettings import = withValues(importFields(), ImportSettings{}, settings);
+    if (opensAsModel(path))
+        return openModelAction(state, arguments, import);
+    if (arguments.contains(QLatin1String(relativeIndicesKey)))
+        return aboutFile(path, scriptFailure(notAModel()));
+    Result<std::unique_ptr<Relief>> opened = openFile(path, import);
     if (!opened)
         return opened.failure();
     state.install(opened.take());
@@ -147,8 +152,19 @@ Outcome dumpAction(ScriptState &state, const QJsonObject &arguments)
     return {};
 }
 
+Outcome printLine(ScriptState &state, const QJsonObject &line)
+{
+    if (!state.print(QJsonDocument(line).toJson(QJsonDocument::Compact)))
+        return scriptFailure(QStringLiteral("standard output cannot be written"));
+    return {};
+}
+
 Outcome infoAction(ScriptState &state, const QJsonObject &)
 {
+    if (state.model)
+        return printLine(state, describe(*state.model));
+    if (!state.relief())
+        return scriptFailure(QStringLiteral("info: there is no relief"));
     QJsonObject description = describe(*state.relief());
     description.insert(
         QLatin1String("undo"),
@@ -157,9 +173,17 @@ Outcome infoAction(ScriptState &state, const QJsonObject &)
                     {QLatin1String("bytes"), static_cast<qint64>(state.undo().totalSize())}});
     description.insert(QLatin1String("sampleHeight"),
                        static_cast<double>(state.relief()->sampleHeight));
-    if (!state.print(QJsonDocument(description).toJson(QJsonDocument::Compact)))
-        return scriptFailure(QStringLiteral("standard output cannot be written"));
-    return {};
+    return printLine(state, description);
+}
+
+/// The file, the import settings and the options of reading a mesh.
+std::vector<ScriptKey> openKeys(const ScriptKey &file)
+{
+    static const std::vector<ScriptKey> importKeys = keysOf(importFields());
+    std::vector<ScriptKey> keys{file,
+                                {.name = "import", .type = KeyType::Object, .nested = &importKeys}};
+    std::ranges::copy(keysOf(modelFields(), OfReading), std::back_inserter(keys));
+    return keys;
 }
 
 /// The file, and the options that some format takes.
@@ -175,7 +199,6 @@ std::vector<ScriptKey> exportKeys(const ScriptKey &file)
 
 const std::vector<ScriptAction> &fileActions()
 {
-    static const std::vector<ScriptKey> importKeys = keysOf(importFields());
     static const ScriptKey file{"file", KeyType::Text, true};
     static const ScriptKey layer{
         .name = "layer", .type = KeyType::Choice, .required = true, .choices = layerNames};
@@ -186,15 +209,12 @@ const std::vector<ScriptAction> &fileActions()
           {"level", KeyType::Number, false, 0.0, largestHeight}},
          newAction,
          false},
-        {"open",
-         {file, {.name = "import", .type = KeyType::Object, .nested = &importKeys}},
-         openAction,
-         false},
+        {"open", openKeys(file), openAction, false},
         {"load", {layer, file}, loadAction, false},
         {"save", {file}, saveAction},
         {"export", exportKeys(file), exportAction},
         {"dump", {layer, file}, dumpAction},
-        {"info", {}, infoAction},
+        {"info", {}, infoAction, false},
     };
     return actions;
 }

@@ -73,7 +73,7 @@ Outcome writeFile(const ExportJob &job)
 
 QString notImported()
 {
-    return QStringLiteral("import settings apply to pictures only");
+    return QStringLiteral("import settings apply to pictures and meshes only");
 }
 
 QJsonObject describe(const Relief &relief)

@@ -3,6 +3,7 @@
 #include "base/version.h"
 #include "cli/clifiles.h"
 #include "cli/convertjob.h"
+#include "cli/modelfiles.h"
 #include "cli/scriptrunner.h"
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
@@ -10,6 +11,7 @@
 #include "files/safefile.h"
 
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <cerrno>
@@ -61,8 +63,10 @@ QString convertHelp()
 
 QString infoHelp()
 {
-    return QStringLiteral("Prints size, Z scale, range and heights of a file that convert reads, "
-                          "as text or\nas one JSON object.\n");
+    return QStringLiteral(
+        "Prints what a file that convert reads holds, as text or as one JSON object: "
+        "of a\nmesh its corners, facets, problems, box and area, of others size, Z "
+        "scale, range\nand heights.\n");
 }
 
 QString runHelp()
@@ -103,6 +107,14 @@ int delivered(int status)
     return fail(QStringLiteral("marlowen-cli: standard output cannot be written"), WorkFailed);
 }
 
+QString textOf(const QJsonValue &value)
+{
+    QStringList parts;
+    for (const QJsonValue part : value.toArray({value}))
+        parts << part.toVariant().toString();
+    return parts.join(QStringLiteral(", "));
+}
+
 void printDescription(const QJsonObject &description, bool json)
 {
     if (json) {
@@ -110,8 +122,26 @@ void printDescription(const QJsonObject &description, bool json)
                  QLatin1Char('\n'));
         return;
     }
-    for (auto entry = description.begin(); entry != description.end(); ++entry)
-        printOut(QStringLiteral("%1: %2\n").arg(entry.key(), entry.value().toVariant().toString()));
+    for (auto entry = description.begin(); entry != description.end(); ++entry) {
+        if (entry.value().isObject())
+            printDescription(entry.value().toObject(), json);
+        else
+            printOut(QStringLiteral("%1: %2\n").arg(entry.key(), textOf(entry.value())));
+    }
+}
+
+Result<QJsonObject> describeFile(const QString &path, Progress &progress)
+{
+    if (opensAsModel(path)) {
+        const Result<OpenedModel> model = openModelFile(path, {}, progress);
+        if (!model)
+            return model.failure();
+        return describe(model.value());
+    }
+    const Result<std::unique_ptr<Relief>> opened = openFile(path, {});
+    if (!opened)
+        return opened.failure();
+    return describe(*opened.value());
 }
 
 int infoCommand(const QStringList &arguments)
@@ -120,10 +150,12 @@ int infoCommand(const QStringList &arguments)
     const bool json = files.removeAll(QStringLiteral("--json")) > 0;
     if (files.size() != 1 || files[0].startsWith(QLatin1String("--")))
         return wrongUsage(QStringLiteral("info needs one FILE"));
-    const Result<std::unique_ptr<Relief>> opened = openFile(files[0], {});
-    if (!opened)
-        return workFailed(opened.failure());
-    printDescription(describe(*opened.value()), json);
+    TerminalProgress progress;
+    const Result<QJsonObject> description = describeFile(files[0], progress);
+    progress.clear();
+    if (!description)
+        return workFailed(description.failure());
+    printDescription(description.value(), json);
     return Done;
 }
 

@@ -49,6 +49,7 @@ std::vector<CommandOption> optionsFor(ConvertJob &job)
 {
     std::vector<CommandOption> options =
         optionsOf(importFields(), job.settings, [&job] { job.settingsGiven = true; });
+    std::ranges::move(modelOptionsFor(job.model), std::back_inserter(options));
     options.push_back({QStringLiteral("--size"), QStringLiteral("WxH"),
                        QStringLiteral("Resamples to this many cells."),
                        [&job](const QString &text) { return parseSize(text, job); }});
@@ -74,7 +75,22 @@ Outcome checkFiles(const QStringList &files, const ConvertJob &job)
                          .arg(files[1], exportEndings().join(QStringLiteral(", "))));
     if (job.settingsGiven && formatOf(files[0]) && !takesImportSettings(files[0]))
         return usage(QStringLiteral("%1: %2").arg(files[0], notImported()));
+    if (job.model.given && formatOf(files[0]) && !opensAsModel(files[0]))
+        return usage(QStringLiteral("%1: %2").arg(files[0], notAModel()));
     return {};
+}
+
+/// The relief of the input, its import open where it has one.
+Result<std::unique_ptr<Relief>> openInput(const ConvertJob &job, Progress &progress)
+{
+    if (!opensAsModel(job.input))
+        return openFile(job.input, job.settings);
+    Result<OpenedModel> opened = openModelFile(job.input, job.model.options, progress);
+    if (!opened)
+        return opened.failure();
+    OpenedModel model = opened.take();
+    orient(model.shape, job.model);
+    return rasteriseFile(job.input, model.shape, job.settings, progress);
 }
 
 Outcome shape(ScriptState &state, const ConvertJob &job)
@@ -119,7 +135,7 @@ Result<ConvertJob> parseConvert(const QStringList &arguments)
 
 Outcome runConvert(const ConvertJob &job, Progress &progress)
 {
-    Result<std::unique_ptr<Relief>> opened = openFile(job.input, job.settings);
+    Result<std::unique_ptr<Relief>> opened = openInput(job, progress);
     if (!opened)
         return opened.failure();
     ScriptState state(progress);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "cli/modelfiles.h"
 #include "files/exportoptions.h"
 #include "import/importsettings.h"
 
@@ -21,6 +22,7 @@ struct ConvertJob
     QString output;
     ImportSettings settings;
     bool settingsGiven = false;
+    ModelWish model;
     std::optional<QSize> size;
     std::optional<double> zScale;
     ExportOptions exportOptions;

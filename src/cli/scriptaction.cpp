@@ -5,7 +5,7 @@ namespace marlowen {
 const ScriptAction *findAction(const QString &name)
 {
     for (const auto *group :
-         {&fileActions(), &importActions(), &strokeActions(), &reliefActions()}) {
+         {&fileActions(), &importActions(), &modelActions(), &strokeActions(), &reliefActions()}) {
         for (const ScriptAction &action : *group) {
             if (name == QLatin1String(action.name))
                 return &action;

@@ -22,6 +22,7 @@ struct ScriptAction
 /// Every group of actions, each in a file of its own.
 const std::vector<ScriptAction> &fileActions();   ///< new, open, load, save, export, dump, info
 const std::vector<ScriptAction> &importActions(); ///< import, update, accept
+const std::vector<ScriptAction> &modelActions();  ///< orient, rasterize
 /// tool, symmetry, invert, alpha, stroke, sample, setSample, fill, undo, redo
 const std::vector<ScriptAction> &strokeActions();
 const std::vector<ScriptAction> &reliefActions(); ///< select, mask, resize, zscale, crop

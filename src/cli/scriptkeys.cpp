@@ -55,6 +55,19 @@ QString rangeText(const ScriptKey &key)
     return {};
 }
 
+bool areInRange(const QJsonArray &numbers, const ScriptKey &key)
+{
+    return std::all_of(numbers.begin(), numbers.end(),
+                       [&key](const QJsonValue &v) { return v.isDouble() && inRange(v, key); });
+}
+
+bool areWords(const QJsonArray &words, const ScriptKey &key)
+{
+    return std::all_of(words.begin(), words.end(), [&key](const QJsonValue &v) {
+        return v.isString() && choiceIndex(key.choices, v.toString(), key.anyCase) >= 0;
+    });
+}
+
 /// One row a type: its test and how a sentence calls it.
 struct TypeRow
 {
@@ -88,6 +101,16 @@ const TypeRow typeRows[] = {
      "a list of one or more pairs of numbers"},
     {KeyType::Cells, [](const QJsonValue &v, const ScriptKey &) { return isList(v, true); },
      "a list of one or more pairs of whole numbers"},
+    {KeyType::Three,
+     [](const QJsonValue &v, const ScriptKey &key) {
+         return v.toArray().size() == 3 && areInRange(v.toArray(), key);
+     },
+     "a list of three numbers"},
+    {KeyType::Words,
+     [](const QJsonValue &v, const ScriptKey &key) {
+         return v.isArray() && areWords(v.toArray(), key);
+     },
+     "a list of these: "},
     {KeyType::Object, [](const QJsonValue &v, const ScriptKey &) { return v.isObject(); },
      "an object"},
 };

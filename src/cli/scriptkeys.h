@@ -24,6 +24,8 @@ enum class KeyType {
     Point,  ///< [x, y]
     Points, ///< [[x, y], ...], at least one
     Cells,  ///< [[column, row], ...] of integers, at least one
+    Three,  ///< [x, y, z], each within the range
+    Words,  ///< a list of the words in `choices`
     Object  ///< an object of the keys in `nested`
 };
 

@@ -14,6 +14,7 @@ ScriptState::~ScriptState()
 
 void ScriptState::install(std::unique_ptr<Relief> relief)
 {
+    model.reset();
     m_engine.attach(nullptr, nullptr);
     m_undo.clear();
     m_import.attach(relief.get());

@@ -3,6 +3,7 @@
 #include "base/progress.h"
 #include "base/result.h"
 #include "import/importsession.h"
+#include "import/mesh/openmodel.h"
 #include "relief/grid/relief.h"
 #include "relief/history/sculptundo.h"
 #include "relief/strokes/sculptengine.h"
@@ -36,6 +37,10 @@ public:
     Progress &progress() { return m_progress; }
 
     ToolParams tool;
+    /// A mesh that is being oriented; the relief stays beside it until it is rasterised.
+    std::unique_ptr<OpenedModel> model;
+    QString modelFile;
+    ImportSettings modelSettings; ///< of the import that the mesh will open
 
     /// One line on standard output, at once. False when it could not be written.
     bool print(const QByteArray &line);

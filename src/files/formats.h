@@ -19,6 +19,7 @@ class Progress;
 enum class OpensAs {
     Nothing, ///< the format is only written
     Relief,  ///< `load` makes the relief
+    Model,   ///< a mesh, which is oriented and rasterised before it is a relief
     Picture, ///< an open import of its grey levels; its contents tell which kind of picture it is
 };
 

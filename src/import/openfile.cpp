@@ -2,6 +2,7 @@
 
 #include "files/formats.h"
 #include "import/imageimport.h"
+#include "import/mesh/openmodel.h"
 
 namespace marlowen {
 
@@ -22,13 +23,16 @@ Result<std::unique_ptr<Relief>> openRelief(const QString &path, const ImportSett
         return unknownEnding();
     if (format->opensAs == OpensAs::Picture)
         return importImage(path, settings);
+    if (format->opensAs == OpensAs::Model)
+        return Failure{QStringLiteral("Invalid File"),
+                       QStringLiteral("a mesh must be oriented before it is a relief")};
     return format->load(path);
 }
 
 bool takesImportSettings(const QString &path)
 {
     const Format *format = formatOf(path);
-    return format && format->opensAs == OpensAs::Picture;
+    return format && (format->opensAs == OpensAs::Picture || opensAsModel(path));
 }
 
 } // namespace marlowen

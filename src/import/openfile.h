@@ -10,9 +10,9 @@
 
 namespace marlowen {
 
-/// Opens any file that has a row in the format table. A picture leaves its import open, with these
-/// settings; other files take none. Fails with "Invalid File" when the ending is not one that can
-/// be opened, and as the readers do.
+/// Opens any file that has a row in the format table, but for meshes, which openModel() reads. A
+/// picture leaves its import open, with these settings; other files take none. Fails with "Invalid
+/// File" when the ending is not one that can be opened, and as the readers do.
 Result<std::unique_ptr<Relief>> openRelief(const QString &path, const ImportSettings &settings);
 
 /// Whether files of this name are imported, so that import settings apply to them.

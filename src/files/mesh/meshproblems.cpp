@@ -32,8 +32,11 @@ QString MeshProblems::sentence() const
 {
     if (m_count == 0)
         return {};
-    return QCoreApplication::translate("MeshProblems", "%n problem(s) in the file; the first: %1",
-                                       nullptr, static_cast<int>(qMin<qint64>(m_count, 2000000000)))
+    if (m_count == 1)
+        return QCoreApplication::translate("MeshProblems", "1 problem in the file: %1")
+            .arg(m_first);
+    return QCoreApplication::translate("MeshProblems", "%1 problems in the file; the first: %2")
+        .arg(m_count)
         .arg(m_first);
 }
 

@@ -17,7 +17,7 @@ public:
     qint64 count() const { return m_count; }
     /// Text of the first problem; empty without one.
     const QString &first() const { return m_first; }
-    /// "3 problems in the file; the first: ..."; empty without problems.
+    /// "3 problems in the file; the first: ...", for a person; empty without problems.
     QString sentence() const;
 
 private:

@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 
 #include <new>
 
@@ -34,12 +33,9 @@ Failure emptyMesh(const MeshProblems &problems)
 
 Result<ReadMesh> readMesh(const QString &path, const MeshReadOptions &options, Progress &progress)
 {
-    const QFileInfo found(path);
-    if (found.exists() && !found.isFile())
-        return openFailed(QStringLiteral("not a file"));
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return openFailed(file.errorString());
+    if (const Outcome opened = openRegularFile(file, openFailed()); !opened)
+        return opened.failure();
     try {
         ReadMesh read = readFile(file, options, progress);
         if (progress.cancelled())

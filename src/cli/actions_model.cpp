@@ -1,0 +1,90 @@
+#include "cli/clifiles.h"
+#include "cli/fieldkeys.h"
+#include "cli/modelfiles.h"
+#include "cli/scriptaction.h"
+
+#include <QJsonArray>
+
+namespace marlowen {
+
+namespace {
+
+Outcome needModel(const ScriptState &state)
+{
+    if (!state.model)
+        return scriptFailure(QStringLiteral("no mesh is open"));
+    return {};
+}
+
+Outcome orientAction(ScriptState &state, const QJsonObject &arguments)
+{
+    if (const Outcome open = needModel(state); !open)
+        return open;
+    FacetShape &shape = state.model->shape;
+    if (arguments.value(QLatin1String("reset")).toBool())
+        shape.resetOrientation();
+    for (const QJsonValue word : arguments.value(QLatin1String("rotate")).toArray())
+        shape.turn(*modelTurnOf(word.toString()));
+    if (const QJsonArray factors = arguments.value(QLatin1String("scale")).toArray();
+        !factors.isEmpty())
+        shape.setScale({factors[0].toDouble(), factors[1].toDouble(), factors[2].toDouble()});
+    ModelOptions options{.unit = static_cast<int>(shape.unit())};
+    options = withValues(modelFields(), options, arguments);
+    shape.setUnit(static_cast<size_t>(options.unit));
+    return {};
+}
+
+Outcome rasterizeAction(ScriptState &state, const QJsonObject &)
+{
+    if (const Outcome open = needModel(state); !open)
+        return open;
+    Result<std::unique_ptr<Relief>> relief =
+        rasteriseFile(state.modelFile, state.model->shape, state.modelSettings, state.progress());
+    if (!relief)
+        return relief.failure();
+    state.install(relief.take());
+    return {};
+}
+
+std::vector<ScriptKey> orientKeys()
+{
+    std::vector<ScriptKey> keys{
+        {"reset", KeyType::Boolean},
+        {.name = "rotate", .type = KeyType::Words, .choices = modelTurnWords()},
+        {.name = "scale",
+         .type = KeyType::Three,
+         .minimum = modelScaleRange.minimum,
+         .maximum = modelScaleRange.maximum},
+    };
+    for (const ScriptKey &key : keysOf(modelFields(), OfSize))
+        keys.push_back(key);
+    return keys;
+}
+
+} // namespace
+
+Outcome openModelAction(ScriptState &state, const QJsonObject &arguments,
+                        const ImportSettings &settings)
+{
+    const QString path = arguments.value(QLatin1String("file")).toString();
+    const ModelOptions options = withValues(modelFields(), ModelOptions{}, arguments);
+    Result<OpenedModel> opened = openModelFile(path, options, state.progress());
+    if (!opened)
+        return opened.failure();
+    state.model = std::make_unique<OpenedModel>(opened.take());
+    state.model->shape.shrinkToLimit();
+    state.modelFile = path;
+    state.modelSettings = settings;
+    return {};
+}
+
+const std::vector<ScriptAction> &modelActions()
+{
+    static const std::vector<ScriptAction> actions{
+        {"orient", orientKeys(), orientAction, false},
+        {"rasterize", {}, rasterizeAction, false},
+    };
+    return actions;
+}
+
+} // namespace marlowen
