@@ -28,12 +28,15 @@ public:
 
     const GridView &heights() const { return m_heights; }
     double zFactor() const { return m_zFactor; }
+    /// The list; null for all of the grid.
+    const std::vector<CellTriangle> *facets() const { return m_facets ? &*m_facets : nullptr; }
     /// Number of facets.
     uint64_t count() const { return m_count; }
     SurfacePoint point(uint32_t cell) const
     {
         const auto width = static_cast<uint32_t>(m_heights.width);
-        return {(cell % width) / cellsPerInch, (cell / width) / cellsPerInch,
+        const uint32_t row = cell / width;
+        return {(cell % width) / cellsPerInch, row / cellsPerInch,
                 static_cast<double>(m_heights.values[cell]) / cellsPerInch * m_zFactor};
     }
 

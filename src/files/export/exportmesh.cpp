@@ -1,5 +1,7 @@
 #include "files/export/exportmesh.h"
 
+#include "files/export/flatbase.h"
+
 #include <cmath>
 
 namespace marlowen {
@@ -20,6 +22,9 @@ ExportMesh::ExportMesh(CellSurface surface, double baseThickness)
     , m_walls(m_surface.border())
     , m_thickness(baseThickness)
 {
+    if (m_surface.facets())
+        m_base.emplace(m_surface.heights(), m_surface.zFactor(),
+                       withoutInnerCells(*m_surface.facets(), m_surface.heights().width));
 }
 
 StlFacet ExportMesh::upward(const std::array<SurfacePoint, 3> &corners)

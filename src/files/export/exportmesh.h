@@ -19,7 +19,8 @@ public:
         : m_surface(std::move(surface))
     {
     }
-    /// A solid whose base lies at minus the thickness (inches, above 0).
+    /// A solid whose base lies at minus the thickness (inches, above 0). Below a list of facets it
+    /// has as few facets as its border allows, below a whole grid those of the grid.
     ExportMesh(CellSurface surface, double baseThickness);
 
     bool isSolid() const { return m_thickness > 0.0; }

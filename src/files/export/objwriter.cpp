@@ -149,6 +149,7 @@ private:
     bool writePoints(const CellNumbers &numbers, bool isBase)
     {
         std::vector<std::string> xs;
+        xs.reserve(static_cast<std::size_t>(m_surface.heights().width));
         for (int column = 0; column < m_surface.heights().width; ++column)
             xs.push_back("v " + shortest(column / cellsPerInch) + ' ');
         const std::string baseZ = shortest(m_mesh.baseHeight());

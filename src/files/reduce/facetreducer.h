@@ -50,7 +50,8 @@ public:
     bool step(std::chrono::milliseconds time);
 
     ReductionEnd end() const { return m_end; }
-    /// Facets as they stand; of a solid with those of its base and walls.
+    /// Facets as they stand; of a solid with those of its walls and of a base like the surface,
+    /// which is more than an export writes.
     uint64_t facets() const { return counted({m_facets, m_border}); }
     /// The largest distance of a grid point from the surface as it stands, along z. Exact once the
     /// reduction has ended; before, the largest that is known.
