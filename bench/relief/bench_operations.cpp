@@ -109,7 +109,7 @@ void polygon(Relief &relief)
 }
 
 /// The event's two patches are fresh memory: what they alone cost is the counter "patches_x".
-void maskOperation(benchmark::State &state, void (*operation)(Relief &, SculptUndo *))
+void maskOperation(benchmark::State &state, void (*operation)(Relief &, const EditRun &))
 {
     Relief &relief = sharedRelief(false);
     relief.maskLayer().data()[0] = 0.5F;

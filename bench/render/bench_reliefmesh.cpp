@@ -1,9 +1,9 @@
 #include "baseline.h"
 #include "relief/grid/relief.h"
+#include "relief/grid/reliefchanges.h"
 #include "relief/strokes/sculptengine.h"
 #include "relief/tools/tooltable.h"
 #include "render/camera/levelofdetail.h"
-#include "render/views/reliefchanges.h"
 #include "render/views/reliefmesh.h"
 
 #include <algorithm>

@@ -17,7 +17,7 @@ constexpr char alphaModeNames[] = "Shape|Tile|Stamp";
 
 Outcome toolAction(ScriptState &state, const QJsonObject &arguments)
 {
-    changeTool(state.tool, arguments);
+    changeTool(state.bench.tool, arguments);
     return {};
 }
 
@@ -73,22 +73,24 @@ Outcome alpha(ScriptState &, const QJsonObject &arguments)
 /// A press and release at one point.
 void click(ScriptState &state, Tool::Type type, QPointF point)
 {
-    ToolParams params = state.tool;
+    ToolParams params = state.bench.tool;
     params.type = type;
-    state.engine().beginStroke(params, point);
-    state.engine().endStroke(point);
+    state.bench.engine().beginStroke(params, point);
+    state.bench.engine().endStroke(point);
+    state.bench.strokeEnded();
 }
 
 Outcome stroke(ScriptState &state, const QJsonObject &arguments)
 {
     const QList<QPointF> points = pointsOf(arguments.value(QLatin1String("points")));
-    SculptEngine &engine = state.engine();
-    engine.beginStroke(state.tool, points.front());
+    SculptEngine &engine = state.bench.engine();
+    engine.beginStroke(state.bench.tool, points.front());
     for (const QPointF &point : points.mid(1)) {
         engine.addStrokePoint(point);
         engine.flush();
     }
     engine.endStroke(points.back());
+    state.bench.strokeEnded();
     return {};
 }
 
@@ -118,15 +120,15 @@ int stepCount(const QJsonObject &arguments)
 
 Outcome undoAction(ScriptState &state, const QJsonObject &arguments)
 {
-    for (int step = stepCount(arguments); step > 0 && state.undo().canUndo(); --step)
-        state.undo().undo();
+    for (int step = stepCount(arguments); step > 0 && state.bench.history().canUndo(); --step)
+        state.bench.undo();
     return {};
 }
 
 Outcome redoAction(ScriptState &state, const QJsonObject &arguments)
 {
-    for (int step = stepCount(arguments); step > 0 && state.undo().canRedo(); --step)
-        state.undo().redo();
+    for (int step = stepCount(arguments); step > 0 && state.bench.history().canRedo(); --step)
+        state.bench.redo();
     return {};
 }
 

@@ -44,7 +44,8 @@ const Shape shapes[] = {
      }},
     {"point", 0,
      [](ScriptState &state, const Choice &choice) {
-         const MagicSelection magic{choice.point, state.tool.tolerance, state.tool.continuous};
+         const ToolParams &tool = state.bench.tool;
+         const MagicSelection magic{choice.point, tool.tolerance, tool.continuous};
          magicSelect(*state.relief(), magic, choice.modifier);
      }},
     {nullptr, 0, [](ScriptState &state, const Choice &) { selectNone(*state.relief()); }},
@@ -83,10 +84,9 @@ Outcome selectAction(ScriptState &state, const QJsonObject &arguments)
 
 Outcome mask(ScriptState &state, const QJsonObject &arguments)
 {
-    constexpr void (*operations[])(Relief &, SculptUndo *) = {clearMask, invertMask};
+    constexpr Operation (*operations[])() = {clearMaskOperation, invertMaskOperation};
     const QString name = arguments.value(QLatin1String("op")).toString();
-    operations[choiceIndex(maskNames, name)](*state.relief(), &state.undo());
-    return {};
+    return state.bench.apply(operations[choiceIndex(maskNames, name)]());
 }
 
 Outcome resizeAction(ScriptState &state, const QJsonObject &arguments)
@@ -96,20 +96,17 @@ Outcome resizeAction(ScriptState &state, const QJsonObject &arguments)
     if (static_cast<qint64>(width) * height > std::numeric_limits<int>::max())
         return scriptFailure(QStringLiteral("resize: the relief would have too many cells"));
     // The size that is there is as good as done.
-    resize(*state.relief(), width, height, &state.undo());
-    return {};
+    return state.bench.apply(resizeOperation(width, height), &state.progress());
 }
 
 Outcome zScale(ScriptState &state, const QJsonObject &arguments)
 {
-    setZScale(*state.relief(), arguments.value(QLatin1String("value")).toDouble(), &state.undo());
-    return {};
+    return state.bench.apply(zScaleOperation(arguments.value(QLatin1String("value")).toDouble()));
 }
 
 Outcome crop(ScriptState &state, const QJsonObject &arguments)
 {
-    cropApply(*state.relief(), pointsOf(arguments.value(QLatin1String("points"))), &state.undo());
-    return {};
+    return state.bench.apply(cropOperation(pointsOf(arguments.value(QLatin1String("points")))));
 }
 
 } // namespace

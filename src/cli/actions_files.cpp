@@ -5,7 +5,6 @@
 #include "cli/scriptstate.h"
 #include "files/formats.h"
 #include "files/heightmaps.h"
-#include "files/workspacefile.h"
 #include "import/openfile.h"
 #include "relief/grid/reliefstream.h"
 
@@ -59,7 +58,7 @@ Outcome newAction(ScriptState &state, const QJsonObject &arguments)
     auto relief = std::make_unique<Relief>(width, height);
     if (level != 0.0F)
         std::fill_n(relief->heights().data(), relief->cells(), level);
-    state.install(std::move(relief));
+    state.bench.take(std::move(relief));
     return {};
 }
 
@@ -77,7 +76,7 @@ Outcome openAction(ScriptState &state, const QJsonObject &arguments)
     Result<std::unique_ptr<Relief>> opened = openFile(path, import);
     if (!opened)
         return opened.failure();
-    state.install(opened.take());
+    state.bench.take(opened.take(), fileOf(arguments));
     return {};
 }
 
@@ -105,12 +104,12 @@ void markLoaded(Relief &relief, Layer layer)
 Outcome loadAction(ScriptState &state, const QJsonObject &arguments)
 {
     const Layer layer = layerOf(arguments);
-    Result<FloatGrid> loaded = loadPfm(fileOf(arguments));
-    if (!loaded)
-        return aboutFile(fileOf(arguments), loaded.failure());
-    FloatGrid grid = loaded.take();
+    Result<FloatGrid> read = loadPfm(fileOf(arguments));
+    if (!read)
+        return aboutFile(fileOf(arguments), read.failure());
+    FloatGrid grid = read.take();
     if (!state.relief() && layer == Layer::Heights)
-        state.install(std::make_unique<Relief>(grid.width, grid.height));
+        state.bench.take(std::make_unique<Relief>(grid.width, grid.height));
     if (!state.relief())
         return scriptFailure(QStringLiteral("load: there is no relief"));
     Relief &relief = *state.relief();
@@ -122,15 +121,19 @@ Outcome loadAction(ScriptState &state, const QJsonObject &arguments)
                                  .arg(relief.width())
                                  .arg(relief.height()));
     fit(grid.values, layer);
-    std::copy(grid.values.begin(), grid.values.end(), gridLayer(relief, layer).data());
-    markLoaded(relief, layer);
-    return {};
+    // Not recorded: the history stays as it is.
+    return state.bench.apply({QStringLiteral("Load"), [&](Relief &loaded, const EditRun &) {
+                                  std::copy(grid.values.begin(), grid.values.end(),
+                                            gridLayer(loaded, layer).data());
+                                  markLoaded(loaded, layer);
+                                  return Outcome();
+                              }});
 }
 
 Outcome saveAction(ScriptState &state, const QJsonObject &arguments)
 {
     const QString path = fileOf(arguments);
-    if (const Outcome done = saveWorkspace(*state.relief(), path); !done)
+    if (const Outcome done = state.bench.save(path); !done)
         return aboutFile(path, done.failure());
     return {};
 }
@@ -161,16 +164,17 @@ Outcome printLine(ScriptState &state, const QJsonObject &line)
 
 Outcome infoAction(ScriptState &state, const QJsonObject &)
 {
-    if (state.model)
-        return printLine(state, describe(*state.model));
+    if (state.bench.model)
+        return printLine(state, describe(*state.bench.model));
     if (!state.relief())
         return scriptFailure(QStringLiteral("info: there is no relief"));
+    const SculptUndo &history = state.bench.history();
     QJsonObject description = describe(*state.relief());
     description.insert(
         QLatin1String("undo"),
-        QJsonObject{{QLatin1String("events"), state.undo().count()},
-                    {QLatin1String("cursor"), state.undo().cursor()},
-                    {QLatin1String("bytes"), static_cast<qint64>(state.undo().totalSize())}});
+        QJsonObject{{QLatin1String("events"), history.count()},
+                    {QLatin1String("cursor"), history.cursor()},
+                    {QLatin1String("bytes"), static_cast<qint64>(history.totalSize())}});
     description.insert(QLatin1String("sampleHeight"),
                        static_cast<double>(state.relief()->sampleHeight));
     return printLine(state, description);

@@ -8,7 +8,7 @@ namespace {
 
 Outcome needImport(ScriptState &state)
 {
-    if (!state.import().active())
+    if (!state.bench.importOpen())
         return scriptFailure(QStringLiteral("no import is open"));
     return {};
 }
@@ -17,7 +17,8 @@ Outcome importAction(ScriptState &state, const QJsonObject &arguments)
 {
     if (const Outcome open = needImport(state); !open)
         return open;
-    state.import().setSettings(withValues(importFields(), state.import().settings(), arguments));
+    ImportSession &session = state.bench.session();
+    session.setSettings(withValues(importFields(), session.settings(), arguments));
     return {};
 }
 
@@ -25,9 +26,10 @@ Outcome updateAction(ScriptState &state, const QJsonObject &)
 {
     if (const Outcome open = needImport(state); !open)
         return open;
-    if (state.import().settings().basRelief && !state.import().basReliefGenerator)
+    ImportSession &session = state.bench.session();
+    if (session.settings().basRelief && !session.basReliefGenerator)
         return scriptFailure(QStringLiteral("a bas-relief cannot be made by this version"));
-    state.import().update(&state.progress());
+    session.update(&state.progress());
     return {};
 }
 
@@ -35,7 +37,7 @@ Outcome acceptAction(ScriptState &state, const QJsonObject &)
 {
     if (const Outcome open = needImport(state); !open)
         return open;
-    state.import().accept();
+    state.bench.acceptImport();
     return {};
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 Outcome needModel(const ScriptState &state)
 {
-    if (!state.model)
+    if (!state.bench.model)
         return scriptFailure(QStringLiteral("no mesh is open"));
     return {};
 }
@@ -20,7 +20,7 @@ Outcome orientAction(ScriptState &state, const QJsonObject &arguments)
 {
     if (const Outcome open = needModel(state); !open)
         return open;
-    FacetShape &shape = state.model->shape;
+    FacetShape &shape = state.bench.model->shape;
     if (arguments.value(QLatin1String("reset")).toBool())
         shape.resetOrientation();
     for (const QJsonValue word : arguments.value(QLatin1String("rotate")).toArray())
@@ -38,11 +38,12 @@ Outcome rasterizeAction(ScriptState &state, const QJsonObject &)
 {
     if (const Outcome open = needModel(state); !open)
         return open;
+    const ModelOnBench &model = *state.bench.model;
     Result<std::unique_ptr<Relief>> relief =
-        rasteriseFile(state.modelFile, state.model->shape, state.modelSettings, state.progress());
+        rasteriseFile(model.file, model.shape, model.settings, state.progress());
     if (!relief)
         return relief.failure();
-    state.install(relief.take());
+    state.bench.take(relief.take(), model.file);
     return {};
 }
 
@@ -71,10 +72,9 @@ Outcome openModelAction(ScriptState &state, const QJsonObject &arguments,
     Result<OpenedModel> opened = openModelFile(path, options, state.progress());
     if (!opened)
         return opened.failure();
-    state.model = std::make_unique<OpenedModel>(opened.take());
-    state.model->shape.shrinkToLimit();
-    state.modelFile = path;
-    state.modelSettings = settings;
+    auto &model = state.bench.model;
+    model = std::make_unique<ModelOnBench>(ModelOnBench{opened.take(), path, settings});
+    model->shape.shrinkToLimit();
     return {};
 }
 

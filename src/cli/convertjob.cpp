@@ -95,17 +95,19 @@ Result<std::unique_ptr<Relief>> openInput(const ConvertJob &job, Progress &progr
 
 Outcome shape(ScriptState &state, const ConvertJob &job)
 {
-    if (state.import().active()) {
-        if (job.settings.basRelief && !state.import().basReliefGenerator)
+    if (state.bench.importOpen()) {
+        ImportSession &session = state.bench.session();
+        if (job.settings.basRelief && !session.basReliefGenerator)
             return aboutFile(job.input, scriptFailure(QStringLiteral(
                                             "a bas-relief cannot be made by this version")));
         if (job.settings.basRelief)
-            state.import().update(&state.progress());
-        state.import().accept();
+            session.update(&state.progress());
+        state.bench.acceptImport();
     }
     const QSize size = job.size.value_or(state.relief()->rect().size());
     if (size != state.relief()->rect().size() &&
-        !resize(*state.relief(), size.width(), size.height(), nullptr))
+        !resize(*state.relief(), size.width(), size.height(), {nullptr, &state.progress()}) &&
+        !state.progress().cancelled())
         return aboutFile(job.input, scriptFailure(QStringLiteral("it cannot be resized")));
     if (job.zScale)
         setZScale(*state.relief(), *job.zScale, nullptr);
@@ -139,7 +141,7 @@ Outcome runConvert(const ConvertJob &job, Progress &progress)
     if (!opened)
         return opened.failure();
     ScriptState state(progress);
-    state.install(opened.take());
+    state.bench.take(opened.take());
     if (const Outcome shaped = shape(state, job); !shaped)
         return shaped;
     if (progress.cancelled())

@@ -1,26 +1,8 @@
 #include "cli/scriptstate.h"
 
 #include <cstdio>
-#include <utility>
 
 namespace marlowen {
-
-ScriptState::~ScriptState()
-{
-    m_engine.attach(nullptr, nullptr);
-    // Events refer to the relief.
-    m_undo.clear();
-}
-
-void ScriptState::install(std::unique_ptr<Relief> relief)
-{
-    model.reset();
-    m_engine.attach(nullptr, nullptr);
-    m_undo.clear();
-    m_import.attach(relief.get());
-    m_relief = std::move(relief);
-    m_engine.attach(m_relief.get(), &m_undo);
-}
 
 bool ScriptState::print(const QByteArray &line)
 {

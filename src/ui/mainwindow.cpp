@@ -73,7 +73,7 @@ MainWindow::MainWindow(QWidget *parent)
     _connectRibbon();
     _connectPanels();
     _connectViews();
-    _connectDocument();
+    _connectWorkbench();
     setupControls();
     _showTool();
     _showTitle();
@@ -114,8 +114,8 @@ void MainWindow::_buildViews()
          {static_cast<ReliefView *>(m_sculptWin), static_cast<ReliefView *>(m_flatWin)}) {
         view->setMinimumSize(80, 80);
         view->setFocusPolicy(Qt::StrongFocus);
-        view->setChanges(&m_document.changes());
-        view->setTool(&m_params);
+        view->setChanges(&m_bench.changes());
+        view->setTool(&m_bench.tool);
     }
 }
 
@@ -177,7 +177,7 @@ void MainWindow::_saveLayout()
 void MainWindow::showEvent(QShowEvent *event)
 {
     RibbonMainWindow::showEvent(event);
-    if (m_document.relief() && !event->spontaneous())
+    if (m_bench.relief() && !event->spontaneous())
         QTimer::singleShot(settleMs, this, &MainWindow::zoomAll);
 }
 
@@ -187,7 +187,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
-    m_document.endStroke();
+    m_bench.endStroke();
     if (!m_handedOver && !_mayLoseWork()) {
         event->ignore();
         return;
@@ -220,14 +220,14 @@ void MainWindow::_show(const Failure &failure)
     QMessageBox::critical(this, failure.title, failure.sentence);
 }
 
-void MainWindow::_documentReplaced()
+void MainWindow::_reliefReplaced()
 {
-    Relief *relief = m_document.relief();
+    Relief *relief = m_bench.relief();
     m_center->setCurrentWidget(m_splitter);
     m_sculptWin->setRelief(relief);
     m_flatWin->setRelief(relief);
     m_panels->importPanel()->refresh();
-    if (m_document.importOpen())
+    if (m_bench.importOpen())
         m_panels->showImportTab();
     else
         m_panels->showToolTab();
@@ -241,15 +241,15 @@ void MainWindow::_documentReplaced()
 /// Why the relief cannot be edited now; empty when it can.
 QString MainWindow::_reasonAgainstEditing() const
 {
-    if (!m_document.relief())
+    if (!m_bench.relief())
         return tr(noRelief);
-    return m_document.importOpen() ? tr(importFirst) : QString();
+    return m_bench.importOpen() ? tr(importFirst) : QString();
 }
 
 /// Enables what can act now; the rest says why it cannot.
 void MainWindow::setupControls()
 {
-    const Relief *relief = m_document.relief();
+    const Relief *relief = m_bench.relief();
     const QString needsRelief = relief ? QString() : tr(noRelief);
     const QString needsEditing = _reasonAgainstEditing();
     for (const char *id : {"save", "saveAs", "zoomAll", "exportStl", "sendToDrafteon"})
@@ -257,34 +257,38 @@ void MainWindow::setupControls()
     for (const char *id : {"maskClear", "maskInvert"})
         m_commands->setReason(id, needsEditing);
     m_tools->setReason(needsEditing);
-    m_toolsPage->showLimit(static_cast<Tool::Type>(m_params.type), m_params.ceilingOrFloor,
+    m_toolsPage->showLimit(static_cast<Tool::Type>(m_bench.tool.type), m_bench.tool.ceilingOrFloor,
                            needsEditing);
-    const bool cropReady = needsEditing.isEmpty() && m_params.type == Tool::Crop &&
+    const bool cropReady = needsEditing.isEmpty() && m_bench.tool.type == Tool::Crop &&
                            !m_flatWin->cropOutline().isEmpty();
     (*m_commands)["cropApply"]->setEnabled(cropReady);
     (*m_commands)["selectNone"]->setEnabled(relief && relief->selectionActive);
-    SculptEngine *engine = needsEditing.isEmpty() ? &m_document.engine() : nullptr;
+    SculptEngine *engine = needsEditing.isEmpty() ? &m_bench.engine() : nullptr;
     m_sculptWin->setEngine(engine);
     m_flatWin->setEngine(engine);
     (*m_commands)["openLast"]->setEnabled(!QevSettings().recentFiles().isEmpty());
     ribbonBar()->setPageVisible(Export, needsEditing.isEmpty());
 }
 
-void MainWindow::_importChanged()
+void MainWindow::_stepDone(const Step &step)
 {
-    m_document.edited();
-    m_panels->importPanel()->refresh();
+    if (step.kind != Step::Accept)
+        return;
+    m_openedSize = {};
+    m_panels->showToolTab();
+    m_sculptWin->setFocus();
+    _showRelief();
 }
 
 void MainWindow::acceptClicked()
 {
-    m_document.acceptImport();
+    m_bench.acceptImport();
 }
 
 void MainWindow::updateClicked()
 {
     ProgressBox progress(tr("Making the bas-relief"), this);
-    m_document.session().update(&progress);
+    m_bench.session().update(&progress);
 }
 
 void MainWindow::setStatus(const QString &text)
@@ -302,18 +306,18 @@ void MainWindow::reliefDirtyChanged(bool)
 void MainWindow::_showTitle()
 {
     QString title = QString::fromLatin1(productName);
-    if (m_document.relief()) {
-        const QString name = m_document.name();
+    if (m_bench.relief()) {
+        const QString name = m_bench.name();
         title += QStringLiteral(" - ") + (name.isEmpty() ? tr("new relief") : name);
     }
-    if (m_document.isModified())
+    if (m_bench.isModified())
         title += QStringLiteral(" *");
     setWindowTitle(title);
 }
 
 void MainWindow::_showZoom()
 {
-    const Relief *relief = m_document.relief();
+    const Relief *relief = m_bench.relief();
     if (!relief) {
         m_extent->clear();
         return;
@@ -331,12 +335,12 @@ void MainWindow::_showZoom()
 
 void MainWindow::undo()
 {
-    m_document.undo();
+    m_bench.undo();
 }
 
 void MainWindow::redo()
 {
-    m_document.redo();
+    m_bench.redo();
 }
 
 void MainWindow::zoomAll()

@@ -3,9 +3,9 @@
 #include "base/result.h"
 #include "relief/tools/tool.h"
 #include "relief/tools/toolparams.h"
-#include "ui/document.h"
 #include "ui/pages/sizepage.h"
 #include "ui/ribbon/ribbonmainwindow.h"
+#include "workbench/workbench.h"
 
 #include <QString>
 
@@ -59,9 +59,9 @@ public:
     /// Where the sister program waits for the height map; shows "Send to Drafteon".
     void setExportPath(const QString &path);
 
-    Document &document() { return m_document; }
+    Workbench &workbench() { return m_bench; }
     CommandSet &commands() { return *m_commands; }
-    const ToolParams &toolParams() const { return m_params; }
+    const ToolParams &toolParams() const { return m_bench.tool; }
     SculptWin *sculptWin() const { return m_sculptWin; }
     FlatWin *flatWin() const { return m_flatWin; }
 
@@ -160,7 +160,7 @@ private:
     void _connectPanels();
     void _connectRibbon();
     void _connectViews();
-    void _connectDocument();
+    void _connectWorkbench();
     void _restoreLayout();
     void _saveLayout();
     void _fitOnScreen();
@@ -170,12 +170,13 @@ private:
     void _make(const NewReliefDialog &wish);
     void _install(std::unique_ptr<Relief> relief, const QString &path);
     void _show(const Failure &failure);
+    void _apply(const Operation &operation);
     bool _saveTo(const QString &path);
     bool _busy() const;
     QString _reasonAgainstEditing() const;
 
-    void _documentReplaced();
-    void _importChanged();
+    void _reliefReplaced();
+    void _stepDone(const Step &step);
     void _showTool();
     void _showSize();
     void _showRelief();
@@ -187,8 +188,7 @@ private:
     template <typename Value>
     void _setParam(Value ToolParams::*member, Value value);
 
-    Document m_document;
-    ToolParams m_params;
+    Workbench m_bench;
     CommandSet *m_commands;
     ToolActions *m_tools;
     MaterialEditor *m_materials;

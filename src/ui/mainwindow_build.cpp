@@ -69,7 +69,7 @@ void MainWindow::_addCommands()
 
 void MainWindow::_buildDocks()
 {
-    m_panels = new SculptPanels(&m_document.session(), this);
+    m_panels = new SculptPanels(&m_bench.session(), this);
     m_toolDock = new CollapsibleDock(tr("Tool Panel"), QStringLiteral("ToolDock"), this);
     m_toolDock->setContent(m_panels, toolDockWidth);
     addDockWidget(Qt::LeftDockWidgetArea, m_toolDock);
@@ -146,7 +146,7 @@ void MainWindow::_connectCommands()
     on("theme", &MainWindow::switchTheme);
     on("smaller", [this] { m_sculptWin->brushSizeStep(0); });
     on("larger", [this] { m_sculptWin->brushSizeStep(1); });
-    m_document.history().setActions((*m_commands)["undo"], (*m_commands)["redo"]);
+    m_bench.history().setActions((*m_commands)["undo"], (*m_commands)["redo"]);
     (*m_commands)["undo"]->setEnabled(false);
     (*m_commands)["redo"]->setEnabled(false);
     connect(m_tools, &ToolActions::chosen, this, &MainWindow::toolChanged);
@@ -214,7 +214,6 @@ void MainWindow::_connectPanels()
     connect(m_library, &LibraryPanel::AlphaChanged, this, &MainWindow::alphaChanged);
     connect(m_panels->importPanel(), &ImportPanel::AcceptClicked, this, &MainWindow::acceptClicked);
     connect(m_panels->importPanel(), &ImportPanel::UpdateClicked, this, &MainWindow::updateClicked);
-    m_document.session().changed = [this] { _importChanged(); };
 }
 
 void MainWindow::_connectViews()
@@ -225,7 +224,7 @@ void MainWindow::_connectViews()
         connect(view, &ReliefView::toolSizeUpdated, this, &MainWindow::toolSizeUpdated);
         connect(view, &ReliefView::toolStrengthUpdated, this, &MainWindow::toolStrengthUpdated);
         connect(view, &ReliefView::sampleChanged, this, &MainWindow::sampleChanged);
-        connect(view, &ReliefView::reliefEdited, &m_document, &Document::edited);
+        connect(view, &ReliefView::reliefEdited, &m_bench, &Workbench::strokeEnded);
     }
     connect(m_sculptWin, &ReliefView::cameraChanged, this, &MainWindow::_showZoom);
     connect(m_flatWin, &FlatWin::selectionChanged, this, &MainWindow::setupControls);
@@ -233,22 +232,17 @@ void MainWindow::_connectViews()
     connect(m_flatWin, &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
 }
 
-void MainWindow::_connectDocument()
+void MainWindow::_connectWorkbench()
 {
     connect(m_startPage, &StartPage::NewClicked, this, &MainWindow::newRelief);
     connect(m_startPage, &StartPage::OpenClicked, this, &MainWindow::chooseFileToOpen);
     connect(m_startPage, &StartPage::RecentClicked, this,
             [this](const QString &path) { openFile(path, 0); });
-    connect(&m_document, &Document::replaced, this, &MainWindow::_documentReplaced);
-    connect(&m_document, &Document::modifiedChanged, this, &MainWindow::reliefDirtyChanged);
-    connect(&m_document, &Document::changed, this, &MainWindow::_showRelief);
-    connect(&m_document, &Document::importAccepted, this, [this] {
-        m_openedSize = {};
-        m_panels->importPanel()->refresh();
-        m_panels->showToolTab();
-        m_sculptWin->setFocus();
-        _showRelief();
-    });
+    connect(&m_bench, &Workbench::replaced, this, &MainWindow::_reliefReplaced);
+    connect(&m_bench, &Workbench::modifiedChanged, this, &MainWindow::reliefDirtyChanged);
+    connect(&m_bench, &Workbench::changed, this, &MainWindow::_showRelief);
+    connect(&m_bench, &Workbench::importChanged, m_panels->importPanel(), &ImportPanel::refresh);
+    connect(&m_bench, &Workbench::stepDone, this, &MainWindow::_stepDone);
 }
 
 } // namespace marlowen

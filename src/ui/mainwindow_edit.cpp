@@ -16,6 +16,8 @@
 #include "ui/panels/sculptpanels.h"
 #include "ui/panels/toolpanel.h"
 
+#include "ui/progressbox.h"
+
 #include <QColorDialog>
 #include <QMessageBox>
 
@@ -38,42 +40,42 @@ int cellsOf(double inches)
 template <typename Value>
 void MainWindow::_setParam(Value ToolParams::*member, Value value)
 {
-    if (m_params.*member == value)
+    if (m_bench.tool.*member == value)
         return;
-    m_params.*member = value;
+    m_bench.tool.*member = value;
     _showTool();
 }
 
 /// Shows the record in the panel, on the ribbon and in the views' footprints.
 void MainWindow::_showTool()
 {
-    const auto type = static_cast<Tool::Type>(m_params.type);
-    m_panels->toolPanel()->showParams(m_params);
+    const auto type = static_cast<Tool::Type>(m_bench.tool.type);
+    m_panels->toolPanel()->showParams(m_bench.tool);
     m_tools->showTool(type);
-    m_toolsPage->showLimit(type, m_params.ceilingOrFloor, _reasonAgainstEditing());
-    m_editPage->showParams(m_params);
+    m_toolsPage->showLimit(type, m_bench.tool.ceilingOrFloor, _reasonAgainstEditing());
+    m_editPage->showParams(m_bench.tool);
     m_sculptWin->refresh();
     m_flatWin->refresh();
 }
 
 void MainWindow::toolChanged(Tool::Type type)
 {
-    m_document.endStroke();
-    m_params.type = type;
-    m_params.ceilingOrFloor = false;
+    m_bench.endStroke();
+    m_bench.tool.type = type;
+    m_bench.tool.ceilingOrFloor = false;
     _showTool();
     setupControls();
 }
 
 void MainWindow::toolStrengthUpdated(double strength)
 {
-    m_params.strength = strength;
+    m_bench.tool.strength = strength;
     _showTool();
 }
 
 void MainWindow::toolSizeUpdated(double size)
 {
-    m_params.size = size;
+    m_bench.tool.size = size;
     _showTool();
 }
 
@@ -149,19 +151,19 @@ void MainWindow::continuousSelectionChanged(bool on)
 
 void MainWindow::symmetryXChanged(bool on)
 {
-    if (Relief *relief = m_document.relief())
+    if (Relief *relief = m_bench.relief())
         relief->symmetryX = on;
 }
 
 void MainWindow::symmetryYChanged(bool on)
 {
-    if (Relief *relief = m_document.relief())
+    if (Relief *relief = m_bench.relief())
         relief->symmetryY = on;
 }
 
 void MainWindow::invertChanged(bool on)
 {
-    if (Relief *relief = m_document.relief())
+    if (Relief *relief = m_bench.relief())
         relief->invert = on;
 }
 
@@ -175,7 +177,7 @@ void MainWindow::alphaChanged()
 /// What of the relief is shown outside the views.
 void MainWindow::_showRelief()
 {
-    const Relief *relief = m_document.relief();
+    const Relief *relief = m_bench.relief();
     if (!relief)
         return;
     m_panels->toolPanel()->showRelief(relief->symmetryX, relief->symmetryY, relief->invert);
@@ -185,14 +187,14 @@ void MainWindow::_showRelief()
 
 void MainWindow::_showSize()
 {
-    const Relief *relief = m_document.relief();
+    const Relief *relief = m_bench.relief();
     if (!relief)
         return;
-    const double highest = m_document.changes().heightRange().maximum;
+    const double highest = m_bench.changes().heightRange().maximum;
     const std::array<double, 3> now = {relief->width() / cellsPerInch,
                                        relief->height() / cellsPerInch,
                                        highest * relief->zScale / cellsPerInch};
-    if (m_openedSize[0] <= 0.0 || m_document.importOpen())
+    if (m_openedSize[0] <= 0.0 || m_bench.importOpen())
         m_openedSize = now;
     m_sizePage->showSize({now, m_openedSize}, _reasonAgainstEditing());
     _showZoom();
@@ -201,69 +203,67 @@ void MainWindow::_showSize()
 /// X and Y resample the grid, Z sets the height scale; together they are one step back.
 void MainWindow::sizeWanted(const SizeWish &inches)
 {
-    Relief *relief = m_document.relief();
-    if (!relief || m_document.importOpen())
+    Relief *relief = m_bench.relief();
+    if (!relief || m_bench.importOpen())
         return;
-    m_document.endStroke();
+    m_bench.endStroke();
     const double area = inches[0] * inches[1];
     if (exceedsAreaLimit(area)) {
         QMessageBox::critical(this, tr(sizeMessageTitle), sizeLimitSentence(area));
         return;
     }
-    const double highest = m_document.changes().heightRange().maximum;
+    const double highest = m_bench.changes().heightRange().maximum;
     const double zNow = highest * relief->zScale / cellsPerInch;
     const bool zAsked = highest > 0.0 && std::abs(inches[2] - zNow) > 1e-9 && inches[2] > 0.0;
     const int width = cellsOf(inches[0]);
     const int height = cellsOf(inches[1]);
-    const bool resized = width != relief->width() || height != relief->height();
-    if (resized)
-        marlowen::resize(*relief, width, height, &m_document.history(), !zAsked);
-    if (zAsked)
-        marlowen::setZScale(*relief, inches[2] * cellsPerInch / highest, &m_document.history());
-    if (resized || zAsked)
-        m_document.edited();
+    const double zScale = zAsked ? inches[2] * cellsPerInch / highest : relief->zScale;
+    _apply({QStringLiteral("Size"), [=](Relief &sized, const EditRun &run) {
+                marlowen::resize(sized, width, height, {run.undo, run.progress, !zAsked});
+                if (!run.cancelled())
+                    setZScale(sized, zScale, run);
+                return Outcome();
+            }});
+}
+
+/// Runs an edit with a progress box and shows why it failed.
+void MainWindow::_apply(const Operation &operation)
+{
+    ProgressBox progress(tr(operation.name.toLatin1().constData()), this);
+    if (const Outcome done = m_bench.apply(operation, &progress); !done)
+        _show(done.failure());
 }
 
 void MainWindow::applyCrop()
 {
-    Relief *relief = m_document.relief();
+    Relief *relief = m_bench.relief();
     const QList<QPointF> outline = m_flatWin->cropOutline();
-    if (!relief || outline.isEmpty() || m_params.type != Tool::Crop || m_document.importOpen())
+    if (!relief || outline.isEmpty() || m_bench.tool.type != Tool::Crop || m_bench.importOpen())
         return;
-    m_document.endStroke();
-    cropApply(*relief, outline, &m_document.history());
+    _apply(cropOperation(outline));
     m_flatWin->cancelShape();
-    m_document.edited();
 }
 
 void MainWindow::clearMaskClicked()
 {
-    if (!m_document.relief())
-        return;
-    m_document.endStroke();
-    marlowen::clearMask(*m_document.relief(), &m_document.history());
-    m_document.edited();
+    _apply(clearMaskOperation());
 }
 
 void MainWindow::invertMaskClicked()
 {
-    if (!m_document.relief())
-        return;
-    m_document.endStroke();
-    marlowen::invertMask(*m_document.relief(), &m_document.history());
-    m_document.edited();
+    _apply(invertMaskOperation());
 }
 
 void MainWindow::selectNoneClicked()
 {
-    m_document.endStroke();
+    m_bench.endStroke();
     m_flatWin->selectNone();
     setupControls();
 }
 
 void MainWindow::selectionModifierChanged(SelectionModifier modifier)
 {
-    m_document.engine().setSelectionModifier(modifier);
+    m_bench.engine().setSelectionModifier(modifier);
     m_flatWin->setSelectionModifier(modifier);
 }
 
@@ -274,7 +274,7 @@ void MainWindow::sampleChanged(double height)
 
 void MainWindow::sampleEdited()
 {
-    if (Relief *relief = m_document.relief())
+    if (Relief *relief = m_bench.relief())
         relief->sampleHeight = static_cast<float>(m_editPage->sample());
 }
 

@@ -116,7 +116,7 @@ bool MainWindow::openFile(const QString &path, int)
     }
     if (_busy())
         return false;
-    m_document.endStroke();
+    m_bench.endStroke();
     return _load(path);
 }
 
@@ -124,7 +124,7 @@ void MainWindow::newRelief()
 {
     if (_busy())
         return;
-    m_document.endStroke();
+    m_bench.endStroke();
     NewReliefDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted && _mayLoseWork())
         _make(dialog);
@@ -151,18 +151,18 @@ bool MainWindow::_load(const QString &path)
 {
     const auto read = [&]() -> Loaded {
         try {
-            return openRelief(path, m_document.session().openingSettings());
+            return openRelief(path, m_bench.session().openingSettings());
         } catch (const std::bad_alloc &) {
             return Failure{tr("Open Failed"), tr("There is not enough memory for this file.")};
         }
     };
     Loaded loaded = read();
-    const bool modified = m_document.isModified();
+    const bool modified = m_bench.isModified();
     if (loaded && !_mayLoseWork())
         return false;
     // The question may have saved to the very file.
-    const QFileInfo own(m_document.workspaceFile());
-    if (loaded && modified && !m_document.workspaceFile().isEmpty() && own == QFileInfo(path))
+    const QFileInfo own(m_bench.workspaceFile());
+    if (loaded && modified && !m_bench.workspaceFile().isEmpty() && own == QFileInfo(path))
         loaded = read();
     if (!loaded) {
         _show(loaded.failure());
@@ -175,7 +175,7 @@ bool MainWindow::_load(const QString &path)
 void MainWindow::_install(std::unique_ptr<Relief> relief, const QString &path)
 {
     backstage()->setOpen(false);
-    m_document.take(std::move(relief), path);
+    m_bench.take(std::move(relief), path);
     if (path.isEmpty())
         return;
     QevSettings().setLastFile(path);
@@ -186,8 +186,8 @@ void MainWindow::_install(std::unique_ptr<Relief> relief, const QString &path)
 /// The unsaved-work guard: true when what is open may be replaced.
 bool MainWindow::_mayLoseWork()
 {
-    m_document.endStroke();
-    if (!m_document.isModified())
+    m_bench.endStroke();
+    if (!m_bench.isModified())
         return true;
     QMessageBox box(QMessageBox::Question, QString::fromLatin1("Marlowen"),
                     tr("The current model has been modified."),
@@ -232,17 +232,17 @@ void MainWindow::openRecentFile()
 
 bool MainWindow::saveWorkSpace()
 {
-    if (!m_document.relief())
+    if (!m_bench.relief())
         return false;
-    const QString path = m_document.workspaceFile();
+    const QString path = m_bench.workspaceFile();
     return path.isEmpty() ? saveWorkSpaceAs() : _saveTo(path);
 }
 
 bool MainWindow::saveWorkSpaceAs()
 {
-    if (!m_document.relief())
+    if (!m_bench.relief())
         return false;
-    const QString name = QFileInfo(m_document.name()).completeBaseName();
+    const QString name = QFileInfo(m_bench.name()).completeBaseName();
     const QString path = askForTarget(
         this, {tr("Save WorkSpace"), tr("Sculpt Work Space (*.scp);;"), QStringLiteral(".scp"),
                QStringLiteral(".scp"), QevSettings().lastFolder(), name});
@@ -251,12 +251,10 @@ bool MainWindow::saveWorkSpaceAs()
 
 bool MainWindow::_saveTo(const QString &path)
 {
-    m_document.endStroke();
-    if (const Outcome saved = saveWorkspace(*m_document.relief(), path); !saved) {
+    if (const Outcome saved = m_bench.save(path); !saved) {
         _show(saved.failure());
         return false;
     }
-    m_document.savedAs(path);
     QevSettings().setLastFile(path);
     m_recentFiles->refresh();
     setupControls();
@@ -266,17 +264,17 @@ bool MainWindow::_saveTo(const QString &path)
 
 void MainWindow::exportStlFile()
 {
-    if (!m_document.relief())
+    if (!m_bench.relief())
         return;
-    m_document.endStroke();
-    const QString name = QFileInfo(m_document.name()).completeBaseName();
+    m_bench.endStroke();
+    const QString name = QFileInfo(m_bench.name()).completeBaseName();
     const QString path =
         askForTarget(this, {tr("Export"), tr("Export (*.stl);;"), QStringLiteral("stl"),
                             QStringLiteral(".stl"), QevSettings().lastExportFolder(), name});
     if (path.isEmpty())
         return;
     ProgressBox progress(tr("Exporting"), this);
-    const Outcome written = exportGridStl(*m_document.relief(), path, &progress);
+    const Outcome written = exportGridStl(*m_bench.relief(), path, &progress);
     if (!written && !progress.cancelled())
         return _show(written.failure());
     if (!written)
@@ -315,10 +313,10 @@ void MainWindow::setExportPath(const QString &path)
 /// The relief goes to the sister program, which waits for this process to end.
 void MainWindow::exportToDrafteon()
 {
-    if (!m_document.relief() || m_exportPath.isEmpty())
+    if (!m_bench.relief() || m_exportPath.isEmpty())
         return;
-    m_document.endStroke();
-    if (const Outcome sent = exportDrafteonMap(*m_document.relief(), m_exportPath); !sent)
+    m_bench.endStroke();
+    if (const Outcome sent = exportDrafteonMap(*m_bench.relief(), m_exportPath); !sent)
         return _show(sent.failure());
     m_handedOver = true;
     _saveLayout();

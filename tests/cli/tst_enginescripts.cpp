@@ -30,7 +30,7 @@ public:
     }
     ScriptState &state() { return m_state; }
     Relief &relief() { return *m_state.relief(); }
-    SculptUndo &undo() { return m_state.undo(); }
+    SculptUndo &undo() { return m_state.bench.history(); }
 
 private:
     Progress m_progress;
@@ -143,7 +143,7 @@ void TestEngineScripts::mistakes()
     QCOMPARE(script.relief().sampleHeight, 0.0F);
     QVERIFY(!script.relief().selectionActive);
     QCOMPARE(script.undo().count(), 0);
-    QCOMPARE(script.state().tool.mode, static_cast<int>(Tool::Normal));
+    QCOMPARE(script.state().bench.tool.mode, static_cast<int>(Tool::Normal));
 }
 
 void TestEngineScripts::withoutARelief()
@@ -157,7 +157,7 @@ void TestEngineScripts::withoutARelief()
     // The tool and the alpha brush are there before any relief.
     Script script;
     QCOMPARE(script.run({R"({"do":"tool","size":0.5})", R"({"do":"alpha","file":null})"}), "");
-    QCOMPARE(script.state().tool.size, 0.5);
+    QCOMPARE(script.state().bench.tool.size, 0.5);
 }
 
 void TestEngineScripts::toolRecord()
@@ -170,7 +170,7 @@ void TestEngineScripts::toolRecord()
                          R"("smoothLength":12,"ceilingOrFloor":true,"tolerance":0.5,)"
                          R"("continuous":false})"}),
              "");
-    const ToolParams &tool = script.state().tool;
+    const ToolParams &tool = script.state().bench.tool;
     QCOMPARE(tool.type, static_cast<int>(Tool::UndoBrush));
     QCOMPARE(tool.mode, static_cast<int>(Tool::Lower));
     QCOMPARE(tool.form, static_cast<int>(Tool::Square));
@@ -215,7 +215,7 @@ void TestEngineScripts::strokeEqualsTheEngine()
     QCOMPARE(valuesOf(script.relief().heights()), valuesOf(relief.heights()));
     QVERIFY(script.relief().heightAt(42, 18) > 3.0F); // inverted, Remove raises
     QCOMPARE(script.undo().count(), 1);
-    QVERIFY(!script.state().engine().stroking());
+    QVERIFY(!script.state().bench.engine().stroking());
 }
 
 void TestEngineScripts::selections_data()
@@ -287,7 +287,7 @@ void TestEngineScripts::sampleAndFill()
     QCOMPARE(script.relief().heightAt(2, 3), 5.5F);
     QCOMPARE(script.relief().heightAt(3, 3), 2.0F);
     QCOMPARE(script.undo().count(), 1);
-    QCOMPARE(script.state().tool.type, static_cast<int>(Tool::Deposit));
+    QCOMPARE(script.state().bench.tool.type, static_cast<int>(Tool::Deposit));
 }
 
 void TestEngineScripts::historySteps()
@@ -382,7 +382,7 @@ void TestEngineScripts::newReliefStartsFresh()
     QVERIFY(!relief.symmetryX && !relief.invert && !relief.selectionActive);
     QCOMPARE(relief.sampleHeight, 0.0F);
     QCOMPARE(script.undo().count(), 0);
-    QCOMPARE(script.state().tool.size, 0.5);
+    QCOMPARE(script.state().bench.tool.size, 0.5);
     // Strokes and history work on the new relief, not on the one that is gone.
     QCOMPARE(script.run({R"({"do":"stroke","points":[[0,0],[2,0]]})", R"({"do":"undo"})"}), "");
     QCOMPARE(valuesOf(script.relief().heights()), QList<float>(24, 2.0F));

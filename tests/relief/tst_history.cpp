@@ -118,7 +118,7 @@ struct Surroundings
     int alphaMode;
 };
 
-struct Operation
+struct Action
 {
     std::function<void(Relief &relief, SculptEngine &engine, SculptUndo *undo)> run;
     int brush = -1; ///< the type of a stroke's tool
@@ -127,7 +127,7 @@ struct Operation
 /// One operation in the history: what it did, in which surroundings, and the state it led to.
 struct Step
 {
-    Operation operation;
+    Action operation;
     Surroundings surroundings;
     State after;
 };
@@ -169,7 +169,7 @@ ToolParams randomTool(Dice &dice)
     return tool;
 }
 
-Operation randomStroke(Dice &dice, const Relief &relief)
+Action randomStroke(Dice &dice, const Relief &relief)
 {
     const ToolParams tool = randomTool(dice);
     std::vector<QPointF> points;
@@ -194,7 +194,7 @@ void fill(Relief &, SculptEngine &engine, SculptUndo *)
     engine.endStroke({});
 }
 
-Operation randomResize(Dice &dice)
+Action randomResize(Dice &dice)
 {
     const QSize size(dice.whole(2, 70), dice.whole(2, 60));
     return {[size](Relief &target, SculptEngine &, SculptUndo *undo) {
@@ -202,7 +202,7 @@ Operation randomResize(Dice &dice)
     }};
 }
 
-Operation randomCrop(Dice &dice, const Relief &relief)
+Action randomCrop(Dice &dice, const Relief &relief)
 {
     const QList<QPointF> outline{dice.point(relief), dice.point(relief), dice.point(relief)};
     return {[outline](Relief &target, SculptEngine &, SculptUndo *undo) {
@@ -210,7 +210,7 @@ Operation randomCrop(Dice &dice, const Relief &relief)
     }};
 }
 
-Operation randomScale(Dice &dice)
+Action randomScale(Dice &dice)
 {
     const int scale = dice.whole(1, 3);
     return {[scale](Relief &target, SculptEngine &, SculptUndo *undo) {
@@ -218,14 +218,14 @@ Operation randomScale(Dice &dice)
     }};
 }
 
-Operation maskOperation(void (*operation)(Relief &, SculptUndo *))
+Action maskOperation(void (*operation)(Relief &, const EditRun &))
 {
     return {
         [operation](Relief &target, SculptEngine &, SculptUndo *undo) { operation(target, undo); }};
 }
 
 /// Any operation that history records.
-Operation randomOperation(Dice &dice, const Relief &relief)
+Action randomOperation(Dice &dice, const Relief &relief)
 {
     const int kind = dice.whole(0, 99);
     if (kind < 70)
@@ -350,7 +350,7 @@ private:
 
     void _operate()
     {
-        const Operation operation = randomOperation(m_dice, m_relief);
+        const Action operation = randomOperation(m_dice, m_relief);
         const Surroundings surroundings = Surroundings::of(m_relief);
         const int before = m_undo.cursor();
         operation.run(m_relief, m_engine, &m_undo);

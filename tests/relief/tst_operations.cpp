@@ -285,7 +285,7 @@ void TestOperations::resizeJoinsAnOpenGroup()
     const auto relief = filledRelief();
     const State before(*relief);
     SculptUndo undo;
-    QVERIFY(resize(*relief, 9, 9, &undo, false));
+    QVERIFY(resize(*relief, 9, 9, {&undo, nullptr, false}));
     setZScale(*relief, 2.0, &undo);
     undo.undo();
     QVERIFY(State(*relief) == before);

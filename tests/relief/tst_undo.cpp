@@ -15,9 +15,9 @@ namespace {
 class JournalEvent : public SculptUndoEvent
 {
 public:
-    JournalEvent(QStringList &journal, QString name, uint32_t bytes)
+    JournalEvent(QStringList &journal, QString entry, uint32_t bytes)
         : m_journal(journal)
-        , m_name(std::move(name))
+        , m_name(std::move(entry))
         , m_bytes(bytes)
     {
     }

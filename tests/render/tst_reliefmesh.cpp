@@ -1,10 +1,10 @@
+#include "relief/grid/heightscan.h"
 #include "relief/grid/relief.h"
+#include "relief/grid/reliefchanges.h"
 #include "relief/operations/operations.h"
 #include "relief/selection/selections.h"
 #include "relief/strokes/sculptengine.h"
 #include "relief/tools/tool.h"
-#include "render/views/heightscan.h"
-#include "render/views/reliefchanges.h"
 #include "render/views/reliefmesh.h"
 
 #include <QTest>

@@ -105,7 +105,7 @@ private:
     RibbonButton *_buttonOf(const QAction *action) const;
     void _stroke(ReliefView &view, QPoint from, QPoint to);
     void _modify();
-    Relief &_relief() { return *m_window->document().relief(); }
+    Relief &_relief() { return *m_window->workbench().relief(); }
     QString _path(const QString &name) const { return m_folder->filePath(name); }
     template <typename T>
     T *_child(const char *name) const
@@ -191,8 +191,7 @@ void TestMainWindow::_stroke(ReliefView &view, QPoint from, QPoint to)
 
 void TestMainWindow::_modify()
 {
-    setZScale(_relief(), _relief().zScale + 0.5, &m_window->document().history());
-    m_window->document().edited();
+    QVERIFY(m_window->workbench().apply(zScaleOperation(_relief().zScale + 0.5)));
 }
 
 void TestMainWindow::everyToolButtonChoosesItsTool()
@@ -223,7 +222,7 @@ void TestMainWindow::everyCommandDoesWhatItSays()
     _openDome();
     PersonAtHand person;
     const CommandSet &commands = m_window->commands();
-    Document &document = m_window->document();
+    Workbench &bench = m_window->workbench();
     QSet<QString> walked;
     const auto click = [&](const char *id) {
         walked.insert(QLatin1String(id));
@@ -321,7 +320,7 @@ void TestMainWindow::everyCommandDoesWhatItSays()
     _modify();
     QVERIFY(m_window->windowTitle().endsWith(QLatin1String(" *")));
     click("save");
-    QVERIFY(!document.isModified());
+    QVERIFY(!bench.isModified());
     const Result<std::unique_ptr<Relief>> read = loadWorkspace(_path(QStringLiteral("other.scp")));
     QVERIFY(read);
     QCOMPARE(heightsOf(*read.value()), heightsOf(_relief()));
@@ -329,14 +328,14 @@ void TestMainWindow::everyCommandDoesWhatItSays()
 
     person.path = _path(QStringLiteral("dome.scp"));
     click("open");
-    QCOMPARE(document.name(), QStringLiteral("dome.scp"));
+    QCOMPARE(bench.name(), QStringLiteral("dome.scp"));
     m_window->openFile(_path(QStringLiteral("other.scp")), 0);
     click("openLast");
-    QCOMPARE(document.name(), QStringLiteral("other.scp"));
+    QCOMPARE(bench.name(), QStringLiteral("other.scp"));
 
     person.answers = {QMessageBox::Ok};
     click("new");
-    QVERIFY(document.name().isEmpty());
+    QVERIFY(bench.name().isEmpty());
     QVERIFY(_relief().cells() > 4);
 
     person.titles.clear();
@@ -387,9 +386,9 @@ void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
     QVERIFY(!m_window->ribbonBar()->isPageVisible(MainWindow::Export));
     QVERIFY(m_window->openFile(_path(QStringLiteral("plate.PNG")), 0));
     QTest::qWait(60);
-    QVERIFY(m_window->document().importOpen());
+    QVERIFY(m_window->workbench().importOpen());
     QCOMPARE(m_window->findChild<SculptPanels *>()->currentIndex(), 1);
-    QVERIFY(!m_window->document().isModified());
+    QVERIFY(!m_window->workbench().isModified());
     const QPoint middle = m_window->sculptWin()->rect().center();
     const QByteArray opened = heightsOf(_relief());
     _stroke(*m_window->sculptWin(), middle, middle + QPoint(15, 0));
@@ -404,8 +403,8 @@ void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
     }
     QVERIFY(accept);
     QTest::mouseClick(accept, Qt::LeftButton);
-    QVERIFY(!m_window->document().importOpen());
-    QVERIFY(m_window->document().isModified());
+    QVERIFY(!m_window->workbench().importOpen());
+    QVERIFY(m_window->workbench().isModified());
     QVERIFY(m_window->ribbonBar()->isPageVisible(MainWindow::Export));
     QVERIFY(!m_window->ribbonBar()->isPageVisible(MainWindow::OrientScale));
 
@@ -466,10 +465,10 @@ void TestMainWindow::guardAsksOnceAndObeys()
         QCOMPARE(scaleInFile(), saved ? scale : before);
         if (!proceeds) {
             QCOMPARE(_relief().zScale, scale);
-            QVERIFY(m_window->document().isModified());
-            m_window->document().setModified(false);
+            QVERIFY(m_window->workbench().isModified());
+            m_window->undo();
         } else if (!closing) {
-            QVERIFY(m_window->document().importOpen());
+            QVERIFY(m_window->workbench().importOpen());
         }
     }
 }
@@ -512,7 +511,7 @@ void TestMainWindow::damagedFilesCostOneBox()
     file.close();
     _openDome();
     _modify();
-    const Relief *before = m_window->document().relief();
+    const Relief *before = m_window->workbench().relief();
     const QByteArray heights = heightsOf(*before);
     const QStringList recent = QevSettings().recentFiles();
 
@@ -527,10 +526,10 @@ void TestMainWindow::damagedFilesCostOneBox()
     QTRY_COMPARE(person.titles, QStringList{title});
     QTest::qWait(50);
     QCOMPARE(person.titles.size(), 1);
-    QCOMPARE(m_window->document().relief(), before);
+    QCOMPARE(m_window->workbench().relief(), before);
     QCOMPARE(heightsOf(*before), heights);
-    QVERIFY(m_window->document().isModified());
-    QVERIFY(m_window->document().history().canUndo());
+    QVERIFY(m_window->workbench().isModified());
+    QVERIFY(m_window->workbench().history().canUndo());
     QCOMPARE(QevSettings().recentFiles(), recent);
 }
 
@@ -540,7 +539,7 @@ void TestMainWindow::unknownFileOpensNothing()
     PersonAtHand person;
     QVERIFY(!m_window->openFile(_path(QStringLiteral("notes.txt")), 0));
     QVERIFY(!m_window->openFile(QString(), 0));
-    QCOMPARE(m_window->document().name(), QStringLiteral("dome.scp"));
+    QCOMPARE(m_window->workbench().name(), QStringLiteral("dome.scp"));
     QVERIFY(person.titles.isEmpty());
 }
 
@@ -558,7 +557,7 @@ void TestMainWindow::recentFileThatIsGone()
     QTRY_VERIFY(button->isVisible());
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(person.titles, QStringList{QStringLiteral("Open Failed")});
-    QCOMPARE(m_window->document().name(), QStringLiteral("plate.PNG"));
+    QCOMPARE(m_window->workbench().name(), QStringLiteral("plate.PNG"));
 }
 
 void TestMainWindow::sizesFollowTheLock_data()
@@ -646,7 +645,7 @@ void TestMainWindow::typedSizeResamplesAndComesBack()
     m_window->undo();
     QCOMPARE(_relief().width(), side);
     QCOMPARE(_relief().zScale, 1.0);
-    QVERIFY(!m_window->document().history().canUndo());
+    QVERIFY(!m_window->workbench().history().canUndo());
 }
 
 void TestMainWindow::tooLargeASizeIsRefused()
@@ -665,7 +664,7 @@ void TestMainWindow::tooLargeASizeIsRefused()
                             "Marlowen can work with is 1000 square inches."));
     QCOMPARE(_relief().width(), side);
     QCOMPARE(x->value(), 0.75);
-    QVERIFY(!m_window->document().isModified());
+    QVERIFY(!m_window->workbench().isModified());
 }
 
 void TestMainWindow::closingDuringAStrokeKeepsItAndAsks()
@@ -675,12 +674,12 @@ void TestMainWindow::closingDuringAStrokeKeepsItAndAsks()
     const QPoint middle = m_window->sculptWin()->rect().center();
     QTest::mousePress(m_window->sculptWin(), Qt::LeftButton, {}, middle);
     QTest::mouseMove(m_window->sculptWin(), middle + QPoint(10, 0));
-    QVERIFY(m_window->document().engine().stroking());
+    QVERIFY(m_window->workbench().engine().stroking());
     PersonAtHand person;
     person.answers = {QMessageBox::Cancel};
     QVERIFY(!m_window->close());
     QCOMPARE(person.sentences.size(), 1);
-    QVERIFY(!m_window->document().engine().stroking());
+    QVERIFY(!m_window->workbench().engine().stroking());
     const QByteArray stroked = heightsOf(_relief());
     QVERIFY(stroked != before);
     QTest::mouseRelease(m_window->sculptWin(), Qt::LeftButton, {}, middle + QPoint(10, 0));
@@ -700,7 +699,7 @@ void TestMainWindow::undoDuringAStrokeEndsItFirst()
     QTest::mouseMove(m_window->sculptWin(), middle + QPoint(10, 0));
     QTest::mouseRelease(m_window->sculptWin(), Qt::LeftButton, {}, middle + QPoint(10, 0));
     QCOMPARE(heightsOf(_relief()), before);
-    QVERIFY(m_window->document().history().canRedo());
+    QVERIFY(m_window->workbench().history().canRedo());
 }
 
 void TestMainWindow::pagesBringTheirViewForward()
@@ -829,8 +828,8 @@ void TestMainWindow::importFileComesAfterTheLoopRuns()
 {
     _show();
     m_window->setImportFile(_path(QStringLiteral("plate.PNG")));
-    QVERIFY(!m_window->document().relief());
-    QTRY_VERIFY(m_window->document().relief());
+    QVERIFY(!m_window->workbench().relief());
+    QTRY_VERIFY(m_window->workbench().relief());
     QVERIFY(m_window->windowTitle().contains(QLatin1String("plate.PNG")));
 }
 

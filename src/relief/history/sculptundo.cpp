@@ -21,6 +21,7 @@ void SculptUndo::push(std::unique_ptr<SculptUndoEvent> event)
     }
     // One event may account for more than the sum has room for.
     uint64_t total = uint64_t{m_total} + event->size();
+    event->serial = ++m_lastSerial;
     m_events.push_back(std::move(event));
     ++m_cursor;
     if (total > byteLimit) {
@@ -29,6 +30,7 @@ void SculptUndo::push(std::unique_ptr<SculptUndoEvent> event)
     }
     while (total > byteLimit && m_cursor >= 1) {
         total -= m_events.front()->size();
+        m_oldestState = m_events.front()->serial;
         m_events.erase(m_events.begin());
         --m_cursor;
     }
@@ -70,8 +72,49 @@ void SculptUndo::markGroupEnd()
         m_events[static_cast<size_t>(m_cursor) - 1]->groupEnd = true;
 }
 
+void SculptUndo::nameStep(const QString &name)
+{
+    if (m_cursor > 0)
+        m_events[static_cast<size_t>(m_cursor) - 1]->name = name;
+}
+
+void SculptUndo::takeOver(SculptUndo &other)
+{
+    for (std::unique_ptr<SculptUndoEvent> &event : other.m_events) {
+        event->groupEnd = false;
+        push(std::move(event));
+    }
+    markGroupEnd();
+    other.m_events.clear();
+    other.clear();
+}
+
+SculptUndo::Events SculptUndo::stepToUndo() const
+{
+    int first = m_cursor;
+    while (first > 0 && (first == m_cursor || !m_events[static_cast<size_t>(first) - 1]->groupEnd))
+        --first;
+    return Events(m_events).subspan(static_cast<size_t>(first),
+                                    static_cast<size_t>(m_cursor - first));
+}
+
+SculptUndo::Events SculptUndo::stepToRedo() const
+{
+    int end = m_cursor;
+    while (end < count() && (end == m_cursor || !m_events[static_cast<size_t>(end) - 1]->groupEnd))
+        ++end;
+    return Events(m_events).subspan(static_cast<size_t>(m_cursor),
+                                    static_cast<size_t>(end - m_cursor));
+}
+
+uint64_t SculptUndo::state() const
+{
+    return m_cursor > 0 ? m_events[static_cast<size_t>(m_cursor) - 1]->serial : m_oldestState;
+}
+
 void SculptUndo::clear()
 {
+    m_oldestState = ++m_lastSerial;
     m_events.clear();
     m_cursor = 0;
     m_total = 0;

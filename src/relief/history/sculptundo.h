@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QPointer>
+#include <QRect>
+#include <QString>
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 class QAction;
@@ -20,9 +23,14 @@ public:
     virtual void redo() = 0;
     /// Bytes the event accounts for.
     virtual uint32_t size() const = 0;
+    /// Cells of the relief, as it is now, whose heights or mask the event concerns; empty when
+    /// none.
+    virtual QRect cells() const { return {}; }
 
     bool undone = false;
     bool groupEnd = false;
+    QString name; ///< what the step is called, English; the group's is that of its last event
+    uint64_t serial = 0; ///< set by the history: higher than that of every event before it
 };
 
 /// The linear history of one relief, bounded by the bytes its events account for. Works with or
@@ -43,8 +51,20 @@ public:
     void redo();
     /// Marks the event just below the cursor, if any, as the last of its group.
     void markGroupEnd();
+    /// Names the event just below the cursor, if any.
+    void nameStep(const QString &name);
+    /// Pushes all events of another history as one group and empties that one.
+    void takeOver(SculptUndo &other);
     /// Forgets everything, as for a new relief.
     void clear();
+
+    using Events = std::span<const std::unique_ptr<SculptUndoEvent>>;
+    /// The group that undo() or redo() takes next, oldest first; empty at the end.
+    Events stepToUndo() const;
+    Events stepToRedo() const;
+    /// Which state of the relief the history stands at: the same number again exactly when undo or
+    /// redo led back to it.
+    uint64_t state() const;
 
     int cursor() const { return m_cursor; }
     int count() const { return static_cast<int>(m_events.size()); }
@@ -58,6 +78,8 @@ private:
     std::vector<std::unique_ptr<SculptUndoEvent>> m_events;
     int m_cursor = 0;
     uint32_t m_total = 0;
+    uint64_t m_lastSerial = 0;
+    uint64_t m_oldestState = 0; ///< of the relief before the oldest event
     QPointer<QAction> m_undoAction;
     QPointer<QAction> m_redoAction;
 };

@@ -89,6 +89,11 @@ uint32_t SculptPatchEvent::size() const
     return accounted(144, sizeof(float), m_before.count() + m_after.count());
 }
 
+QRect SculptPatchEvent::cells() const
+{
+    return m_after.region.boundingRect();
+}
+
 void SculptModifyEvent::_apply(const Patch &patch)
 {
     patch.pasteInto(m_relief.heights(), m_relief.width());
@@ -126,7 +131,8 @@ void SculptResizeEvent::redo()
     m_before.rangeMinimum = m_relief.rangeMinimum;
     m_before.rangeMaximum = m_relief.rangeMaximum;
     m_before.selectionActive = m_relief.selectionActive;
-    m_before.grid = m_relief.replaceGrid(resampledGrid(m_relief, m_newWidth, m_newHeight));
+    m_before.grid =
+        m_relief.replaceGrid(*resampledGrid(m_relief, {m_newWidth, m_newHeight}, nullptr));
 }
 
 uint32_t SculptResizeEvent::size() const

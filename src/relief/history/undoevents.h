@@ -38,6 +38,9 @@ public:
     void redo() override { _apply(m_after); }
     /// 144 and 4 for every float of both patches.
     uint32_t size() const override;
+    QRect cells() const override;
+    const Patch &before() const { return m_before; }
+    const Patch &after() const { return m_after; }
 
 protected:
     Relief &m_relief;
@@ -88,6 +91,7 @@ public:
     void redo() override;
     /// 104 and 16 for every cell of the old grid.
     uint32_t size() const override;
+    QRect cells() const override { return m_relief.rect(); }
 
 private:
     Relief &m_relief;

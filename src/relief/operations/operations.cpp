@@ -11,10 +11,11 @@ namespace marlowen {
 
 namespace {
 
-void pushStep(SculptUndo *undo, std::unique_ptr<SculptUndoEvent> event)
+void record(const EditRun &run, std::unique_ptr<SculptUndoEvent> event)
 {
-    undo->push(std::move(event));
-    undo->markGroupEnd();
+    run.undo->push(std::move(event));
+    if (run.closeGroup)
+        run.undo->markGroupEnd();
 }
 
 Patch wholePatch(const Relief &relief, const GridLayer &layer)
@@ -24,18 +25,18 @@ Patch wholePatch(const Relief &relief, const GridLayer &layer)
 
 /// Runs `change` on the mask and records it over the whole relief.
 template <typename Change>
-void changeMask(Relief &relief, SculptUndo *undo, Change change)
+void changeMask(Relief &relief, const EditRun &run, Change change)
 {
     // A stroke on the mask ends with the state it began with as its own way back.
     if (relief.tool())
         return;
     GridLayer &mask = relief.maskLayer();
-    Patch before = undo ? wholePatch(relief, mask) : Patch();
+    Patch before = run.undo ? wholePatch(relief, mask) : Patch();
     change(mask);
     relief.appearanceChanged = true;
-    if (undo)
-        pushStep(undo, std::make_unique<SculptMaskEvent>(relief, std::move(before),
-                                                         wholePatch(relief, mask)));
+    if (run.undo)
+        record(run, std::make_unique<SculptMaskEvent>(relief, std::move(before),
+                                                      wholePatch(relief, mask)));
 }
 
 /// Cells from first to last, both included; none when last < first.
@@ -87,35 +88,33 @@ void emptyOutside(Relief &relief, Span columns, Span rows)
 
 } // namespace
 
-bool resize(Relief &relief, int newWidth, int newHeight, SculptUndo *undo, bool closeGroup)
+bool resize(Relief &relief, int newWidth, int newHeight, const EditRun &run)
 {
     const bool same = newWidth == relief.width() && newHeight == relief.height();
     if (newWidth < 2 || newHeight < 2 || same || relief.tool())
         return false;
+    std::optional<Relief::Grid> grid = resampledGrid(relief, {newWidth, newHeight}, run.progress);
+    if (!grid)
+        return false;
     SculptResizeEvent::State before{
         {}, relief.rangeMinimum, relief.rangeMaximum, relief.selectionActive};
-    before.grid = relief.replaceGrid(resampledGrid(relief, newWidth, newHeight));
-    if (undo) {
-        undo->push(std::make_unique<SculptResizeEvent>(relief, std::move(before)));
-        if (closeGroup)
-            undo->markGroupEnd();
-    }
+    before.grid = relief.replaceGrid(std::move(*grid));
+    if (run.undo)
+        record(run, std::make_unique<SculptResizeEvent>(relief, std::move(before)));
     return true;
 }
 
-void setZScale(Relief &relief, double value, SculptUndo *undo)
+void setZScale(Relief &relief, double value, const EditRun &run)
 {
     if (value == relief.zScale || !std::isfinite(value))
         return;
-    if (undo)
-        undo->push(std::make_unique<SculptZScaleEvent>(relief, relief.zScale, value));
+    if (run.undo)
+        record(run, std::make_unique<SculptZScaleEvent>(relief, relief.zScale, value));
     relief.zScale = value;
     relief.appearanceChanged = true;
-    if (undo)
-        undo->markGroupEnd();
 }
 
-void cropApply(Relief &relief, const QList<QPointF> &outline, SculptUndo *undo)
+void cropApply(Relief &relief, const QList<QPointF> &outline, const EditRun &run)
 {
     QPointF low;
     QPointF high;
@@ -126,25 +125,65 @@ void cropApply(Relief &relief, const QList<QPointF> &outline, SculptUndo *undo)
                  cropSpan(low.y(), high.y(), relief.height()));
     relief.frameRegion += relief.rect();
     relief.heightsChanged = true;
-    if (undo)
-        pushStep(undo, std::make_unique<SculptModifyEvent>(
-                           relief, wholePatch(relief, relief.snapshotLayer()),
-                           wholePatch(relief, relief.heights())));
+    if (run.undo)
+        record(run, std::make_unique<SculptModifyEvent>(relief,
+                                                        wholePatch(relief, relief.snapshotLayer()),
+                                                        wholePatch(relief, relief.heights())));
 }
 
-void clearMask(Relief &relief, SculptUndo *undo)
+void clearMask(Relief &relief, const EditRun &run)
 {
-    changeMask(relief, undo, [](GridLayer &mask) { mask.clear(); });
+    changeMask(relief, run, [](GridLayer &mask) { mask.clear(); });
 }
 
-void invertMask(Relief &relief, SculptUndo *undo)
+void invertMask(Relief &relief, const EditRun &run)
 {
-    changeMask(relief, undo, [](GridLayer &mask) {
+    changeMask(relief, run, [](GridLayer &mask) {
         float *values = mask.data();
         const qsizetype count = mask.size();
         for (qsizetype i = 0; i < count; ++i)
             values[i] = 1.0F - values[i];
     });
+}
+
+Operation resizeOperation(int newWidth, int newHeight)
+{
+    return {QStringLiteral("Resize"), [=](Relief &relief, const EditRun &run) {
+                resize(relief, newWidth, newHeight, run);
+                return Outcome();
+            }};
+}
+
+Operation zScaleOperation(double value)
+{
+    return {QStringLiteral("Z Scale"), [=](Relief &relief, const EditRun &run) {
+                setZScale(relief, value, run);
+                return Outcome();
+            }};
+}
+
+Operation cropOperation(const QList<QPointF> &outline)
+{
+    return {QStringLiteral("Crop"), [=](Relief &relief, const EditRun &run) {
+                cropApply(relief, outline, run);
+                return Outcome();
+            }};
+}
+
+Operation clearMaskOperation()
+{
+    return {QStringLiteral("Clear Mask"), [](Relief &relief, const EditRun &run) {
+                clearMask(relief, run);
+                return Outcome();
+            }};
+}
+
+Operation invertMaskOperation()
+{
+    return {QStringLiteral("Invert Mask"), [](Relief &relief, const EditRun &run) {
+                invertMask(relief, run);
+                return Outcome();
+            }};
 }
 
 } // namespace marlowen

@@ -1,32 +1,37 @@
 #pragma once
 
+#include "relief/operations/operation.h"
+
 #include <QList>
 #include <QPointF>
 
 namespace marlowen {
 
-class Relief;
-class SculptUndo;
+/// Operations on the whole relief; each is one undo step where run.undo is given. All but the Z
+/// scale do nothing while a stroke is in progress. They throw std::bad_alloc.
 
-/// Operations on the whole relief. Where a stack is given each is one undo step. Those that would
-/// pull the ground from under a stroke in progress (all but the Z scale) do nothing until it ends.
-
-/// Resamples the relief to a new size (relief/resample.h). False, and nothing changed, below 2 x 2,
-/// at the size that is there, or while a stroke is in progress. With closeGroup false later events
-/// join the same step. Throws std::bad_alloc, with nothing changed.
-bool resize(Relief &relief, int newWidth, int newHeight, SculptUndo *undo, bool closeGroup = true);
+/// Resamples the relief to a new size (relief/operations/resample.h). False, and nothing changed,
+/// below 2 x 2, at the size that is there, while a stroke is in progress, or when cancelled.
+bool resize(Relief &relief, int newWidth, int newHeight, const EditRun &run);
 
 /// Nothing when the value is the current one, NaN or infinite.
-void setZScale(Relief &relief, double value, SculptUndo *undo);
+void setZScale(Relief &relief, double value, const EditRun &run);
 
 /// Empties every cell outside the bounding box of the outline (stroke points, each truncated to a
 /// whole number before it is turned into a cell). Points that are NaN or infinite do not count;
 /// without a point nothing happens.
-void cropApply(Relief &relief, const QList<QPointF> &outline, SculptUndo *undo);
+void cropApply(Relief &relief, const QList<QPointF> &outline, const EditRun &run);
 
 /// Every mask value becomes 0.
-void clearMask(Relief &relief, SculptUndo *undo);
+void clearMask(Relief &relief, const EditRun &run);
 /// Every mask value m becomes 1 - m.
-void invertMask(Relief &relief, SculptUndo *undo);
+void invertMask(Relief &relief, const EditRun &run);
+
+/// The same, ready to run.
+Operation resizeOperation(int newWidth, int newHeight);
+Operation zScaleOperation(double value);
+Operation cropOperation(const QList<QPointF> &outline);
+Operation clearMaskOperation();
+Operation invertMaskOperation();
 
 } // namespace marlowen

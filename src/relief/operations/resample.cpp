@@ -1,5 +1,6 @@
 #include "relief/operations/resample.h"
 
+#include "base/progress.h"
 #include "relief/grid/cellcode.h"
 
 #include <algorithm>
@@ -314,19 +315,45 @@ private:
     std::vector<float> m_covered;
 };
 
-GridLayer _resample(const GridLayer &layer, GridSize from, GridSize to, bool covers)
+/// A layer to be resampled; one of heights also tells covered cells from empty ones.
+struct LayerJob
 {
+    const GridLayer &layer;
+    GridSize from;
+    GridSize to;
+    bool covers;
+};
+
+/// What resampling a layer reports: shares of the whole, the first `done` of which are over.
+struct LayerProgress
+{
+    Progress &progress;
+    double done = 0.0;
+    double share = 1.0;
+};
+
+constexpr int rowsPerReport = 64;
+
+/// An incomplete layer when the progress was cancelled.
+GridLayer resampleLayer(const LayerJob &job, const LayerProgress &report)
+{
+    const GridSize from = job.from;
+    const GridSize to = job.to;
     GridLayer result(static_cast<qsizetype>(to.width) * to.height);
-    if (!layer.written())
+    if (!job.layer.written())
         return result;
     const Plan across = planLine(from.width, to.width);
     const Plan down = planLine(from.height, to.height);
-    RowPass rows(layer, from, across, covers);
+    RowPass rows(job.layer, from, across, job.covers);
     ColumnPass columns(rows, down, to.width);
     float *out = result.data();
-    for (const Taps &taps : down.taps) {
-        columns.makeRow(taps, out);
-        out += to.width;
+    for (int row = 0; row < to.height; ++row, out += to.width) {
+        if (row % rowsPerReport == 0) {
+            if (report.progress.cancelled())
+                break;
+            report.progress.advance(report.done + report.share * row / to.height);
+        }
+        columns.makeRow(down.taps[static_cast<size_t>(row)], out);
     }
     return result;
 }
@@ -340,24 +367,32 @@ void resample1D(Line<const float> source, Line<float> destination)
 
 GridLayer resample2D(const GridLayer &layer, GridSize from, GridSize to)
 {
-    return _resample(layer, from, to, false);
+    Progress silent;
+    return resampleLayer({layer, from, to, false}, {silent});
 }
 
 GridLayer resampleHeights(const GridLayer &layer, GridSize from, GridSize to)
 {
-    return _resample(layer, from, to, true);
+    Progress silent;
+    return resampleLayer({layer, from, to, true}, {silent});
 }
 
-Relief::Grid resampledGrid(const Relief &relief, int newWidth, int newHeight)
+std::optional<Relief::Grid> resampledGrid(const Relief &relief, GridSize to, Progress *progress)
 {
+    Progress silent;
+    Progress &shown = progress ? *progress : silent;
     const GridSize from{relief.width(), relief.height()};
-    const GridSize to{newWidth, newHeight};
-    return {newWidth,
-            newHeight,
-            resampleHeights(relief.heights(), from, to),
-            resample2D(relief.selectionLayer(), from, to),
-            resample2D(relief.maskLayer(), from, to),
-            resampleHeights(relief.referenceLayer(), from, to)};
+    constexpr double share = 0.25;
+    Relief::Grid grid{
+        to.width,
+        to.height,
+        resampleLayer({relief.heights(), from, to, true}, {shown, 0.0, share}),
+        resampleLayer({relief.selectionLayer(), from, to, false}, {shown, share, share}),
+        resampleLayer({relief.maskLayer(), from, to, false}, {shown, 2.0 * share, share}),
+        resampleLayer({relief.referenceLayer(), from, to, true}, {shown, 3.0 * share, share})};
+    if (shown.cancelled())
+        return std::nullopt;
+    return grid;
 }
 
 } // namespace marlowen

@@ -2,7 +2,11 @@
 
 #include "relief/grid/relief.h"
 
+#include <optional>
+
 namespace marlowen {
+
+class Progress;
 
 /// One line of evenly spaced floats.
 template <typename Float>
@@ -32,7 +36,8 @@ GridLayer resample2D(const GridLayer &layer, GridSize from, GridSize to);
 /// material is empty, and material at an edge keeps its height instead of fading toward zero.
 GridLayer resampleHeights(const GridLayer &layer, GridSize from, GridSize to);
 
-/// The relief's four layers at another size; the relief itself is left alone.
-Relief::Grid resampledGrid(const Relief &relief, int newWidth, int newHeight);
+/// The relief's four layers at another size; the relief itself is left alone. Nothing when
+/// `progress`, which may be null, was cancelled.
+std::optional<Relief::Grid> resampledGrid(const Relief &relief, GridSize to, Progress *progress);
 
 } // namespace marlowen

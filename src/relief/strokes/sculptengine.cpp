@@ -271,6 +271,8 @@ void SculptEngine::_pushEvent()
         event = std::make_unique<SculptMaskEvent>(relief, std::move(before), std::move(after));
     else
         event = std::make_unique<SculptModifyEvent>(relief, std::move(before), std::move(after));
+    if (const ToolRow *row = toolRow(type))
+        event->name = QLatin1String(row->label);
     m_undo->push(std::move(event));
     m_undo->markGroupEnd();
 }

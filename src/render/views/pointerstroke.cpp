@@ -1,8 +1,8 @@
 #include "render/views/pointerstroke.h"
 
 #include "relief/grid/relief.h"
+#include "relief/grid/reliefchanges.h"
 #include "relief/strokes/sculptengine.h"
-#include "render/views/reliefchanges.h"
 
 namespace marlowen {
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "relief/grid/reliefchanges.h"
 #include "relief/tools/toolparams.h"
 #include "render/views/pointerstroke.h"
-#include "render/views/reliefchanges.h"
 #include "render/views/reliefmesh.h"
 #include "render/views/surfaceview.h"
 
@@ -16,9 +16,9 @@ class FootprintPainter;
 class Relief;
 class SculptEngine;
 
-/// What both views of a relief have in common: vertex data, strokes from the pointer, the tool's
-/// footprint, the wheel on the tool. A derived view adds its shader, its vertices and what it draws
-/// on top. Views own neither the relief, the tool, the engine nor the changes.
+/// What both views of a relief have in common: vertex data, strokes from the pointer, the
+/// tool's footprint, the wheel on the tool. A derived view adds its shader, its vertices and
+/// what it draws on top. Views own neither the relief, the tool, the engine nor the changes.
 class ReliefView : public SurfaceView
 {
     Q_OBJECT
@@ -35,8 +35,8 @@ public:
     /// view's own record.
     void setTool(ToolParams *tool);
     ToolParams &tool() const { return *m_tool; }
-    /// Strokes go through it; without one, or while it is attached to another relief, the pointer
-    /// only looks.
+    /// Strokes go through it; without one, or while it is attached to another relief, the
+    /// pointer only looks.
     void setEngine(SculptEngine *engine) { m_engine = engine; }
     SculptEngine *engine() const { return m_engine; }
     /// Share one with the other views of the same relief; null: the view's own.
@@ -65,7 +65,8 @@ protected:
 
     /// Vertices carry normals.
     virtual bool hasNormals() const { return true; }
-    /// Computes these vertices (rectangle of vertex columns and rows) of the mesh from the relief.
+    /// Computes these vertices (rectangle of vertex columns and rows) of the mesh from the
+    /// relief.
     virtual void fillVertices(ReliefMesh &mesh, const QRect &vertices) = 0;
     /// Sets the shader's fields, `size` excepted; called before every picture.
     virtual void configureShader(Shader &shader) { (void)shader; }
@@ -88,8 +89,8 @@ protected:
     void invalidateVertices();
     /// Heights the vertices were computed with, unscaled, as of the last full rebuild.
     HeightRange heightRange() const { return m_range; }
-    /// Within drawOverlays: the tool's footprint on the surface under the pointer, if it hits and
-    /// the tool has one.
+    /// Within drawOverlays: the tool's footprint on the surface under the pointer, if it hits
+    /// and the tool has one.
     void drawFootprint(QOpenGLFunctions_2_1 &gl);
 
 private:

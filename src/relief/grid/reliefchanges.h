@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/views/heightscan.h"
+#include "relief/grid/heightscan.h"
 
 #include <QObject>
 #include <QRegion>

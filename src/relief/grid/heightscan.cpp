@@ -1,4 +1,4 @@
-#include "render/views/heightscan.h"
+#include "relief/grid/heightscan.h"
 #include "relief/grid/cellcode.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-#include "render/views/reliefchanges.h"
+#include "relief/grid/reliefchanges.h"
 
+#include "relief/grid/heightscan.h"
 #include "relief/grid/relief.h"
-#include "render/views/heightscan.h"
 
 #include <utility>
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/progress.h"
+#include "base/result.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace marlowen {
+
+class Relief;
+class SculptUndo;
+
+/// How an operation is run.
+struct EditRun
+{
+    EditRun(SculptUndo *history, Progress *shown = nullptr, bool close = true)
+        : undo(history)
+        , progress(shown)
+        , closeGroup(close)
+    {
+    }
+
+    bool cancelled() const { return progress && progress->cancelled(); }
+
+    SculptUndo *undo;   ///< null: nothing is recorded
+    Progress *progress; ///< null: nothing is shown and nothing cancels
+    bool closeGroup;    ///< false: later events join the same step
+};
+
+/// One edit of the whole relief, ready to run: what the step is called (English, for "Undo %1") and
+/// what it does. It marks the changes in the relief, records them in run.undo as one step, and
+/// leaves the relief as it was when it fails or is cancelled; to be cancelled is no failure.
+struct Operation
+{
+    QString name;
+    std::function<Outcome(Relief &relief, const EditRun &run)> run;
+};
+
+} // namespace marlowen
