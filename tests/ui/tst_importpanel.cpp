@@ -66,28 +66,6 @@ private slots:
         m_panel.reset();
     }
 
-    void slidersHaveTheirRanges_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("steps");
-        QTest::addColumn<int>("pageStep");
-        QTest::newRow("smoothing") << "Smoothing" << 50 << 5;
-        QTest::newRow("raise") << "Raise / Lower" << 200 << 10;
-        QTest::newRow("trim") << "Trim" << 20 << 1;
-        QTest::newRow("vertical") << "Vertical" << 200 << 20;
-        QTest::newRow("horizontal") << "Horizontal" << 200 << 20;
-    }
-
-    void slidersHaveTheirRanges()
-    {
-        QFETCH(QString, name);
-        const SliderField *field = _field(name);
-        QVERIFY(field);
-        QTEST(field->slider()->maximum(), "steps");
-        QTEST(field->slider()->pageStep(), "pageStep");
-        QCOMPARE(field->value(), 0.0);
-    }
-
     void withoutAnImportOnlyOpeningSettingsCanBeSet()
     {
         QVERIFY(_box("Flip Y")->isEnabled());

@@ -11,61 +11,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-#include <cmath>
-
 namespace marlowen {
-
-namespace {
-
-int tenths(double degrees)
-{
-    return int(std::lround(degrees * 10));
-}
-
-} // namespace
-
-const std::array<ImportPanel::CheckRow, ImportPanel::checkCount> &ImportPanel::_checkRows()
-{
-    static const std::array<CheckRow, checkCount> rows{{
-        {"Flip Y",
-         "Turns the picture top to bottom: reliefs count their rows from the bottom, so this sets "
-         "lettering right.",
-         &ImportSettings::flipY, true},
-        {"Preview", "Shows the result of the controls below; off, the picture as it is.",
-         &ImportSettings::preview, false},
-        {"Invert Z", "Dark becomes high and bright becomes low; the background stays empty.",
-         &ImportSettings::invertZ, true},
-        {"Transparency", "The empty background stays empty when the relief is smoothed.",
-         &ImportSettings::transparency, true},
-    }};
-    return rows;
-}
-
-const std::array<ImportPanel::NumberRow, ImportPanel::numberCount> &ImportPanel::_numberRows()
-{
-    using Range = SliderField::Range;
-    static const std::array<NumberRow, numberCount> rows{{
-        {"Smoothing", "Passes of smoothing.", Range{0, 5, 0.1, 0.5, 0, 1, {}},
-         [](const ImportSettings &s) { return s.smoothing; },
-         [](ImportSettings &s, double v) { s.smoothing = v; }, true},
-        {"Raise / Lower", "Sinks the figure into its background, or lifts it out.",
-         Range{-100, 100, 1, 10, 0, 0, QStringLiteral(" %")},
-         [](const ImportSettings &s) { return double(s.raiseLower); },
-         [](ImportSettings &s, double v) { s.raiseLower = int(std::lround(v)); }, false},
-        {"Trim", "Cells taken from the figure's outline.", Range{0, 20, 1, 1, 0, 0, {}},
-         [](const ImportSettings &s) { return double(s.trim); },
-         [](ImportSettings &s, double v) { s.trim = int(std::lround(v)); }, false},
-        {"Vertical", "Tilts the figure about the horizontal axis.",
-         Range{-10, 10, 0.1, 2, 0, 1, QStringLiteral("°")},
-         [](const ImportSettings &s) { return s.tiltVertical / 10.0; },
-         [](ImportSettings &s, double v) { s.tiltVertical = tenths(v); }, true},
-        {"Horizontal", "Tilts the figure about the vertical axis.",
-         Range{-10, 10, 0.1, 2, 0, 1, QStringLiteral("°")},
-         [](const ImportSettings &s) { return s.tiltHorizontal / 10.0; },
-         [](ImportSettings &s, double v) { s.tiltHorizontal = tenths(v); }, true},
-    }};
-    return rows;
-}
 
 ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
     : QWidget(parent)
@@ -74,31 +20,36 @@ ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
     m_handOver.setSingleShot(true);
     m_handOver.setInterval(0);
     connect(&m_handOver, &QTimer::timeout, this, &ImportPanel::flush);
-    _makeControls();
+    for (const auto check : {&ImportSettings::flipY, &ImportSettings::preview,
+                             &ImportSettings::invertZ, &ImportSettings::transparency})
+        _makeCheck(check);
     _makeButtons();
     _arrange();
     refresh();
 }
 
-void ImportPanel::_makeControls()
+void ImportPanel::_makeCheck(bool ImportSettings::*member)
 {
-    for (size_t i = 0; i < checkCount; ++i) {
-        const CheckRow &row = _checkRows()[i];
-        m_checks[i] = new QCheckBox(tr(row.label), this);
-        connect(m_checks[i], &QCheckBox::toggled, this, [this, &row](bool on) {
-            m_wanted.*row.member = on;
-            _changed();
-        });
-    }
-    for (size_t i = 0; i < numberCount; ++i) {
-        const NumberRow &row = _numberRows()[i];
-        m_numbers[i] = new SliderField(tr(row.label), row.range, this);
-        m_numbers[i]->setObjectName(QLatin1String(row.label));
-        connect(m_numbers[i], &SliderField::valueChanged, this, [this, &row](double value) {
-            row.store(m_wanted, value);
-            _changed();
-        });
-    }
+    const SettingField &field = fieldOf(importFields(), member);
+    QCheckBox *box = makeCheckBox(field.info, this);
+    m_checks.push_back({&field, box});
+    connect(box, &QCheckBox::toggled, this, [this, &field](bool on) {
+        field.store(m_wanted, on);
+        _changed();
+    });
+}
+
+template <typename Value>
+void ImportPanel::_makeNumber(Value ImportSettings::*member)
+{
+    const SettingField &field = fieldOf(importFields(), member);
+    SliderField *slider = makeSlider(field.info, field.initial(), this);
+    m_numbers.push_back({&field, slider});
+    layout()->addWidget(slider);
+    connect(slider, &SliderField::valueChanged, this, [this, &field](double value) {
+        field.storeShown(m_wanted, value);
+        _changed();
+    });
 }
 
 void ImportPanel::_makeButtons()
@@ -123,16 +74,18 @@ void ImportPanel::_arrange()
     auto *checks = new QGridLayout;
     checks->setHorizontalSpacing(16);
     checks->setVerticalSpacing(6);
-    for (size_t i = 0; i < checkCount; ++i)
-        checks->addWidget(m_checks[i], int(i) / 2, int(i) % 2);
+    for (int i = 0; i < int(m_checks.size()); ++i)
+        checks->addWidget(m_checks[size_t(i)].box, i / 2, i % 2);
     checks->setColumnStretch(2, 1);
     column->addLayout(checks);
     column->addSpacing(4);
-    for (const Number number : {Smoothing, RaiseLower, Trim})
-        column->addWidget(m_numbers[number]);
+    _makeNumber(&ImportSettings::smoothing);
+    _makeNumber(&ImportSettings::raiseLower);
+    const SliderField *widest = m_numbers.back().slider;
+    _makeNumber(&ImportSettings::trim);
     addSection(*column, tr("Tilt"));
-    column->addWidget(m_numbers[TiltVertical]);
-    column->addWidget(m_numbers[TiltHorizontal]);
+    _makeNumber(&ImportSettings::tiltVertical);
+    _makeNumber(&ImportSettings::tiltHorizontal);
     column->addSpacing(8);
     auto *buttons = new QHBoxLayout;
     buttons->addStretch(1);
@@ -140,7 +93,10 @@ void ImportPanel::_arrange()
     buttons->addWidget(m_accept);
     column->addLayout(buttons);
     column->addStretch(1);
-    alignFields(m_numbers, m_numbers[RaiseLower]->label()->sizeHint().width());
+    std::vector<SliderField *> sliders;
+    for (const NumberControl &number : m_numbers)
+        sliders.push_back(number.slider);
+    alignFields(sliders, widest->label()->sizeHint().width());
 }
 
 void ImportPanel::_changed()
@@ -154,7 +110,7 @@ void ImportPanel::flush()
 {
     m_handOver.stop();
     if (m_wanted != m_session->settings())
-        m_session->setSettings(m_wanted);
+        m_session->change(m_wanted);
     _enable();
 }
 
@@ -165,36 +121,36 @@ void ImportPanel::refresh()
         return;
     }
     m_wanted = m_session->settings();
-    for (size_t i = 0; i < checkCount; ++i) {
-        const QSignalBlocker quiet(m_checks[i]);
-        m_checks[i]->setChecked(m_wanted.*_checkRows()[i].member);
+    for (const CheckControl &check : m_checks) {
+        const QSignalBlocker quiet(check.box);
+        check.box->setChecked(check.field->value(m_wanted) != 0.0);
     }
-    for (size_t i = 0; i < numberCount; ++i)
-        m_numbers[i]->showValue(_numberRows()[i].shown(m_wanted));
+    for (const NumberControl &number : m_numbers)
+        number.slider->showValue(number.field->shown(m_wanted));
     _enable();
+}
+
+QString ImportPanel::_reason(const SettingField &field) const
+{
+    const bool open = m_session->active();
+    if (!open && !field.info.has(StartsNextImport))
+        return tr("No import is open.");
+    const bool waits = open && !m_wanted.preview && field.info.has(NeedsPreview);
+    return waits ? tr("Check Preview first.") : QString();
 }
 
 void ImportPanel::_enable()
 {
-    const bool open = m_session->active();
-    const QString closed = tr("No import is open.");
-    for (size_t i = 0; i < checkCount; ++i) {
-        const CheckRow &row = _checkRows()[i];
-        showReason(*m_checks[i], tr(row.hint), open || row.opening ? QString() : closed);
-    }
-    for (size_t i = 0; i < numberCount; ++i) {
-        const NumberRow &row = _numberRows()[i];
-        QString reason = open || row.opening ? QString() : closed;
-        if (open && !m_wanted.preview)
-            reason = tr("Check Preview first.");
-        showReason(*m_numbers[i], tr(row.hint), reason);
-    }
+    for (const CheckControl &check : m_checks)
+        showReason(*check.box, fieldText(check.field->info.hint), _reason(*check.field));
+    for (const NumberControl &number : m_numbers)
+        showReason(*number.slider, fieldText(number.field->info.hint), _reason(*number.field));
     // Without a generator there is nothing that an update could add.
     m_update->setVisible(bool(m_session->basReliefGenerator));
-    showReason(*m_update, tr("Makes the bas-relief anew."),
+    showReason(*m_update, tr("Computes the bas-relief again."),
                m_session->dirty() ? QString() : tr("The bas-relief is up to date."));
     showReason(*m_accept, tr("Ends the import; the relief is ready to be sculpted."),
-               open ? QString() : closed);
+               m_session->active() ? QString() : tr("No import is open."));
 }
 
 } // namespace marlowen

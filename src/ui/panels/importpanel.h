@@ -6,7 +6,7 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <array>
+#include <vector>
 
 class QCheckBox;
 class QPushButton;
@@ -40,33 +40,23 @@ signals:
     void AcceptClicked();
 
 private:
-    enum Check { FlipY, Preview, InvertZ, Transparency };
-    enum Number { Smoothing, RaiseLower, Trim, TiltVertical, TiltHorizontal };
-    static constexpr size_t checkCount = 4;
-    static constexpr size_t numberCount = 5;
-
-    /// A check box bound to one truth value of the settings.
-    struct CheckRow
+    using SettingField = Field<ImportSettings>;
+    struct CheckControl
     {
-        const char *label;
-        const char *hint;
-        bool ImportSettings::*member;
-        bool opening; ///< the next opened file starts with it
+        const SettingField *field;
+        QCheckBox *box;
     };
-    /// A slider bound to one number of the settings.
-    struct NumberRow
+    struct NumberControl
     {
-        const char *label;
-        const char *hint;
-        SliderField::Range range;
-        double (*shown)(const ImportSettings &);
-        void (*store)(ImportSettings &, double);
-        bool opening;
+        const SettingField *field;
+        SliderField *slider;
     };
-    static const std::array<CheckRow, checkCount> &_checkRows();
-    static const std::array<NumberRow, numberCount> &_numberRows();
 
-    void _makeControls();
+    void _makeCheck(bool ImportSettings::*member);
+    template <typename Value>
+    void _makeNumber(Value ImportSettings::*member);
+    /// Why the control of a field cannot be used; empty when it can.
+    QString _reason(const SettingField &field) const;
     void _makeButtons();
     void _arrange();
     void _changed();
@@ -76,8 +66,8 @@ private:
     /// What the controls show; handed over by flush().
     ImportSettings m_wanted;
     QTimer m_handOver;
-    std::array<QCheckBox *, checkCount> m_checks{};
-    std::array<SliderField *, numberCount> m_numbers{};
+    std::vector<CheckControl> m_checks;
+    std::vector<NumberControl> m_numbers;
     QPushButton *m_update = nullptr;
     QPushButton *m_accept = nullptr;
 };

@@ -1,8 +1,9 @@
 #include "ui/panels/panelcontrols.h"
 
 #include "ui/ribbon/numberfield.h"
-#include "ui/ribbon/sliderfield.h"
 
+#include <QCheckBox>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QSlider>
 #include <QVBoxLayout>
@@ -27,6 +28,38 @@ void showReason(SliderField &field, const QString &hint, const QString &reason)
     field.label()->setToolTip(reason);
     field.slider()->setToolTip(reason);
     field.number()->setToolTip(reason);
+}
+
+QString fieldText(const char *text)
+{
+    return QCoreApplication::translate("Fields", text);
+}
+
+SliderField::Range sliderRange(const FieldInfo &info, double initial)
+{
+    const FieldControl &control = info.control;
+    return {control.minimum,
+            control.maximum,
+            control.step,
+            control.pageStep,
+            control.scale.shown(initial),
+            control.decimals,
+            QString::fromUtf8(control.unit)};
+}
+
+SliderField *makeSlider(const FieldInfo &info, double initial, QWidget *parent)
+{
+    auto *slider = new SliderField(fieldText(info.label), sliderRange(info, initial), parent);
+    slider->setObjectName(QLatin1String(info.label));
+    slider->setAccessibleName(fieldText(info.label));
+    return slider;
+}
+
+QCheckBox *makeCheckBox(const FieldInfo &info, QWidget *parent)
+{
+    auto *box = new QCheckBox(fieldText(info.label), parent);
+    box->setObjectName(QLatin1String(info.label));
+    return box;
 }
 
 void alignFields(std::span<SliderField *const> fields, int labelWidth)

@@ -1,21 +1,31 @@
 #pragma once
 
+#include "base/fieldtable.h"
+#include "ui/ribbon/sliderfield.h"
+
 #include <QString>
 
 #include <span>
 
+class QCheckBox;
 class QLabel;
 class QVBoxLayout;
 class QWidget;
 
 namespace marlowen {
 
-class SliderField;
-
 /// Enables the control when there is no reason against it and shows the hint; otherwise disables it
 /// and shows the reason.
 void showReason(QWidget &control, const QString &hint, const QString &reason);
 void showReason(SliderField &field, const QString &hint, const QString &reason);
+
+/// A text of a field table, in the user's language.
+QString fieldText(const char *text);
+/// The range of a field's slider; the default is the stored value given.
+SliderField::Range sliderRange(const FieldInfo &info, double initial);
+/// The controls of a field, without their hint; the object name is the field's label.
+SliderField *makeSlider(const FieldInfo &info, double initial, QWidget *parent);
+QCheckBox *makeCheckBox(const FieldInfo &info, QWidget *parent);
 
 /// Gives the labels this width and the numbers the widest one's, so that fields below each other
 /// align.
