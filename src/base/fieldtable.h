@@ -69,13 +69,15 @@ enum class FieldType { Flag, Whole, Real };
 /// What is known of a field but for its place in the record.
 struct FieldInfo
 {
-    const char *key;    ///< name in scripts and settings
-    const char *label;  ///< text beside its control
-    const char *hint;   ///< one sentence: what it does
-    unsigned flags = 0; ///< bits whose meaning is the record's
-    FieldRange range = {};
+    const char *key;       ///< name in scripts and settings
+    const char *label;     ///< text beside its control
+    const char *hint;      ///< one sentence: what it does
+    unsigned flags = 0;    ///< bits whose meaning is the record's
+    FieldRange range = {}; ///< what a person, a script or a file may set
     FieldControl control = {};
     const char *choices = ""; ///< of a whole number: the words for 0, 1, ..., "Normal|Raise|Lower"
+    const char *icons = "";   ///< of its choices, as the words; empty: none
+    FieldRange usable = {};   ///< what the record's reader can work with, where that is more
     bool anyCase = false;     ///< the words are taken in any case
     FieldOption option = {};
 
@@ -130,15 +132,20 @@ const Field<Record> &fieldOf(FieldTable<Record> table, Value Record::*member)
     });
 }
 
-/// The record with every value moved into its field's range; NaN becomes the default.
+/// The record with every value moved into its field's range; what is not finite, and a choice that
+/// there is none of, becomes the default.
 template <typename Record>
-Record clampedFields(FieldTable<Record> table, Record record)
+Record clampedFields(FieldTable<Record> table, Record record,
+                     FieldRange FieldInfo::*range = &FieldInfo::range)
 {
     for (const Field<Record> &field : table) {
+        const FieldRange &allowed = field.info.*range;
         const double value = field.value(record);
-        const double usable = std::isnan(value) ? field.initial() : field.info.range.clamped(value);
-        if (usable != value)
-            field.store(record, usable);
+        const bool lost = *field.info.choices && !allowed.contains(value);
+        if (lost || !std::isfinite(value))
+            field.store(record, field.initial());
+        else if (!allowed.contains(value))
+            field.store(record, allowed.clamped(value));
     }
     return record;
 }

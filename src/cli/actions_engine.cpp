@@ -13,8 +13,6 @@ namespace marlowen {
 
 namespace {
 
-constexpr char alphaModeNames[] = "Shape|Tile|Stamp";
-
 Outcome toolAction(ScriptState &state, const QJsonObject &arguments)
 {
     changeTool(state.bench.tool, arguments);

@@ -1,8 +1,8 @@
 #include "ui/panels/toolpanel.h"
 
 #include "picture.h"
+#include "relief/tools/tooltable.h"
 #include "ui/panels/choicerow.h"
-#include "ui/panels/toolnames.h"
 #include "ui/ribbon/numberfield.h"
 #include "ui/ribbon/sliderfield.h"
 
@@ -79,34 +79,6 @@ private slots:
     }
 
     void cleanup() { m_panel.reset(); }
-
-    void slidersShowTheDefaultsAndMoveOverTheirRanges_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<double>("lowest");
-        QTest::addColumn<double>("highest");
-        QTest::addColumn<int>("steps");
-        QTest::addColumn<double>("shown");
-        QTest::newRow("size") << "Tool Size" << 1.0 << 100.0 << 99 << 30.0;
-        QTest::newRow("strength") << "Tool Strength" << 1.0 << 100.0 << 99 << 50.0;
-        QTest::newRow("hardness") << "Tool Hardness" << 0.0 << 100.0 << 100 << 50.0;
-        QTest::newRow("aspect") << "Aspect" << 1.0 << 15.0 << 140 << 1.0;
-        QTest::newRow("angle") << "Angle" << -90.0 << 90.0 << 180 << 0.0;
-        QTest::newRow("decay") << "Decay Length" << 0.0 << 100.0 << 100 << 50.0;
-        QTest::newRow("smooth") << "Smooth Length" << 10.0 << 200.0 << 190 << 50.0;
-        QTest::newRow("tolerance") << "Tolerance" << 0.01 << 0.99 << 98 << 0.02;
-    }
-
-    void slidersShowTheDefaultsAndMoveOverTheirRanges()
-    {
-        QFETCH(QString, name);
-        SliderField *field = _field(*m_panel, name.toLatin1());
-        QVERIFY(field);
-        QTEST(field->range().minimum, "lowest");
-        QTEST(field->range().maximum, "highest");
-        QTEST(field->slider()->maximum(), "steps");
-        QTEST(field->value(), "shown");
-    }
 
     void typedNumbersReachTheRecordAndTheSignal()
     {
@@ -317,8 +289,8 @@ private slots:
 
     void labelsAreNotClipped()
     {
-        for (const ToolName &name : toolNames()) {
-            _showTool(*m_panel, name.type);
+        for (const ToolRow *row : toolsInOrder()) {
+            _showTool(*m_panel, row->type);
             for (const QLabel *label : m_panel->findChildren<QLabel *>()) {
                 if (label->isVisible())
                     QVERIFY2(label->width() >= label->sizeHint().width(),

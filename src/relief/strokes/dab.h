@@ -25,6 +25,9 @@ struct Dab
     bool skipEmpty = false;  ///< cells of height 0 stay as they are
     bool skipUnselected = false;
     bool maskWeakens = true; ///< unmasked is 1 - mask; otherwise 1
+    float direction =
+        0.0F;           ///< 1 for a tool that raises, -1 for one that lowers, turned round inverted
+    double plane = 0.0; ///< only for UsesPlane: mean of the footprint when the stroke began
 
     const ToolParams &params() const { return tool.params(); }
 };

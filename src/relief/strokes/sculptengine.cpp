@@ -5,6 +5,7 @@
 #include "relief/grid/relief.h"
 #include "relief/history/sculptundo.h"
 #include "relief/history/undoevents.h"
+#include "relief/strokes/brushes/plane.h"
 #include "relief/strokes/dab.h"
 #include "relief/strokes/strokepath.h"
 #include "relief/tools/tooltable.h"
@@ -27,10 +28,16 @@ void unite(QRegion &region, const QRect &rect)
         region = region.boundingRect();
 }
 
+bool paintsMask(int type)
+{
+    const ToolRow *row = toolRow(type);
+    return row && row->has(PaintsMask);
+}
+
 /// The layer that a tool works on.
 GridLayer &paintedLayer(Relief &relief, int type)
 {
-    return type == Tool::Mask ? relief.maskLayer() : relief.heights();
+    return paintsMask(type) ? relief.maskLayer() : relief.heights();
 }
 
 /// Columns and rows from the centre beyond which no dab touches the relief.
@@ -55,14 +62,14 @@ std::optional<double> decayCubed(const Tool &tool)
     return decay * decay * decay;
 }
 
-/// The row whose dabs a stroke of this type applies.
-const ToolRow *effectiveRow(const Relief &relief, int type)
+/// Which way the dabs of an acting row move heights. A tool whose inverse acts in its place is not
+/// turned round a second time.
+float directionOf(const ToolRow &row, bool inverted)
 {
-    if (relief.invert && type == Tool::Deposit)
-        type = Tool::Remove;
-    else if (relief.invert && type == Tool::Remove)
-        type = Tool::Deposit;
-    return toolRow(type);
+    if (row.effect == ToolEffect::None)
+        return 0.0F;
+    const bool turned = inverted && row.has(Inverts) && row.inverse == Tool::None;
+    return (row.effect == ToolEffect::Raise) != turned ? 1.0F : -1.0F;
 }
 
 /// Sets the selected cells of a row; the first and last of them, or none.
@@ -210,7 +217,7 @@ void SculptEngine::applyAt(QPointF point)
 void SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
 {
     Tool &tool = *m_relief->tool();
-    const ToolRow *row = effectiveRow(*m_relief, tool.params().type);
+    const ToolRow *row = actingRow(toolRow(tool.params().type), m_relief->invert);
     if (!row || (!row->dab && row->kind == ToolKind::Click && row->type != Tool::Magic)) {
         logWarning() << "Unhandled tool type: " << tool.params().type << "\n";
         return;
@@ -226,13 +233,16 @@ void SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
     dab.skipEmpty = row->has(KeepsEmpty) && tool.params().keepTransparency;
     dab.skipUnselected = row->has(KeepsUnselected) && m_relief->selectionActive;
     dab.maskWeakens = row->has(HeedsMask);
+    dab.direction = directionOf(*row, m_relief->invert);
     mapColumns(dab);
+    if (row->has(UsesPlane))
+        dab.plane = footprintMean(dab);
     if (!function(dab))
         return;
     unite(m_relief->frameRegion, box);
     unite(m_relief->strokeRegion, box);
     m_relief->heightsChanged = true;
-    m_relief->appearanceChanged |= row->type == Tool::Mask;
+    m_relief->appearanceChanged |= row->has(PaintsMask);
 }
 
 void SculptEngine::_fill()
@@ -267,7 +277,7 @@ void SculptEngine::_pushEvent()
     Patch before = copyPatch(relief.snapshotLayer(), relief.width(), rect);
     Patch after = copyPatch(paintedLayer(relief, type), relief.width(), rect);
     std::unique_ptr<SculptUndoEvent> event;
-    if (type == Tool::Mask)
+    if (paintsMask(type))
         event = std::make_unique<SculptMaskEvent>(relief, std::move(before), std::move(after));
     else
         event = std::make_unique<SculptModifyEvent>(relief, std::move(before), std::move(after));

@@ -23,14 +23,14 @@ struct StrokeBuffers
     WarmBuffer<double> distance;
     WarmBuffer<float> weights;
     WarmBuffer<FootprintWeights::Extent> extents;
-    WarmBuffer<float> gated;     ///< a row of weights with the skipped cells taken out
-    WarmBuffer<float> unmasked;  ///< a row of 1 - mask
-    WarmBuffer<float> samples;   ///< a row of heights that will be painted
-    WarmBuffer<float> ones;      ///< a row of 1
-    WarmBuffer<float> zeros;     ///< a row of 0, read in place of layers nobody wrote to
-    WarmBuffer<float> copy;      ///< heights as they were before the dab
-    WarmBuffer<float> pickup[4]; ///< Smudge: material by footprint cell, negative for none
-    std::vector<ColumnRun> runs; ///< columns of the dab being applied
+    WarmBuffer<float> gated;                ///< a row of weights with the skipped cells taken out
+    WarmBuffer<float> unmasked;             ///< a row of 1 - mask
+    WarmBuffer<float> samples;              ///< a row of heights that will be painted
+    WarmBuffer<float> ones;                 ///< a row of 1
+    WarmBuffer<float> zeros;                ///< a row of 0, read in place of layers nobody wrote to
+    WarmBuffer<float> copy;                 ///< heights as they were before the dab
+    std::unique_ptr<BrushState> brushState; ///< of the last brush that had one
+    std::vector<ColumnRun> runs;            ///< columns of the dab being applied
 
     static std::unique_ptr<StrokeBuffers> take();
     static void giveBack(std::unique_ptr<StrokeBuffers> buffers);

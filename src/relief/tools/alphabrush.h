@@ -5,6 +5,9 @@
 
 namespace marlowen {
 
+/// The words for AlphaBrush::Mode.
+inline constexpr char alphaModeNames[] = "Shape|Tile|Stamp";
+
 /// The grey image that can shape or texture every footprint; one for the process.
 class AlphaBrush
 {

@@ -3,6 +3,7 @@
 #include "relief/grid/cellcode.h"
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/alphasample.h"
+#include "relief/tools/tooltable.h"
 
 #include <QPoint>
 
@@ -15,14 +16,9 @@ namespace marlowen {
 
 namespace {
 
-bool ignoresAlpha(const ToolParams &params)
-{
-    return params.type == Tool::Flatten || params.type == Tool::Scrape;
-}
-
 bool usesAlpha(const ToolParams &params)
 {
-    return AlphaBrush::instance().loaded() && !ignoresAlpha(params);
+    return AlphaBrush::instance().loaded() && heedsAlpha(params.type);
 }
 
 /// The falloff profile: weight 0..1 at t = 0 (middle) .. 1 (rim); flat up to the hardness.

@@ -5,6 +5,8 @@
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/falloff.h"
 #include "relief/tools/footprint.h"
+#include "relief/tools/toolfields.h"
+#include "relief/tools/tooltable.h"
 
 #include <QElapsedTimer>
 #include <QtDebug>
@@ -28,11 +30,6 @@ std::unique_ptr<StrokeBuffers> &spareBuffers()
     return spare;
 }
 
-double usable(double value, double fallback, double low, double high)
-{
-    return std::isfinite(value) ? std::clamp(value, low, high) : fallback;
-}
-
 } // namespace
 
 std::unique_ptr<StrokeBuffers> StrokeBuffers::take()
@@ -48,20 +45,10 @@ void StrokeBuffers::giveBack(std::unique_ptr<StrokeBuffers> buffers)
 
 ToolParams usableParams(ToolParams params)
 {
-    const ToolParams defaults;
-    params.size = usable(params.size, defaults.size, 0.0, 10.0);
-    params.strength = usable(params.strength, defaults.strength, 0.0, 1.0);
-    params.hardness = usable(params.hardness, defaults.hardness, 0.0, 1.0);
-    // Not so flat or so tall that its outline cannot be walked in a moment.
-    params.aspect =
-        params.aspect > 0.0 ? usable(params.aspect, defaults.aspect, 0.01, 1e6) : defaults.aspect;
-    params.angle = usable(params.angle, defaults.angle, -1e6, 1e6);
-    params.decayLength = usable(params.decayLength, defaults.decayLength, 0.0, 1e6);
-    params.tolerance = usable(params.tolerance, defaults.tolerance, 0.0, 1.0);
-    params.smoothLength = std::max(2, params.smoothLength);
-    if (params.falloff < Tool::SmoothFalloff || params.falloff > Tool::ConstantFalloff)
-        params.falloff = Tool::SmoothFalloff;
-    return params;
+    // A footprint without height has no form that could be repaired.
+    if (!(params.aspect > 0.0))
+        params.aspect = ToolParams{}.aspect;
+    return clampedFields(toolFields(), params, &FieldInfo::usable);
 }
 
 bool usablePoint(QPointF point)
@@ -96,6 +83,8 @@ Tool::Tool(const ToolParams &params, QPointF firstPoint, double scale)
     m_weights.values = weights;
     m_weights.rows = extents;
 
+    if (m_buffers->brushState)
+        m_buffers->brushState->beginStroke();
     m_buffers->gated.need(side);
     m_buffers->unmasked.need(side);
     m_buffers->samples.need(side);
@@ -106,6 +95,17 @@ Tool::Tool(const ToolParams &params, QPointF firstPoint, double scale)
 Tool::~Tool()
 {
     StrokeBuffers::giveBack(std::move(m_buffers));
+}
+
+BrushState *Tool::_brushState() const
+{
+    return m_buffers->brushState.get();
+}
+
+BrushState &Tool::_setBrushState(std::unique_ptr<BrushState> state)
+{
+    m_buffers->brushState = std::move(state);
+    return *m_buffers->brushState;
 }
 
 const unsigned char *Tool::footprint() const
@@ -123,7 +123,8 @@ void Tool::addPoint(QPointF point, bool finalPoint, QPointF reach)
     if (!usablePoint(point))
         return;
     double spacing = 1.0;
-    if (m_params.type != Smudge && m_radius > 50.0)
+    const ToolRow *row = toolRow(m_params.type);
+    if (m_radius > 50.0 && !(row && row->has(DabsAtCells)))
         spacing = (m_radius / 50.0) * (m_radius / 50.0);
     m_lastPoint = resample({m_lastPoint, point, spacing, finalPoint, reach}, pending);
 }

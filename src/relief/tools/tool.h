@@ -29,6 +29,16 @@ struct FootprintWeights
     int side() const { return 2 * reach + 1; }
 };
 
+/// What a brush keeps from one dab of a stroke to the next. The object is handed on to later
+/// strokes of the brush for the sake of its memory.
+class BrushState
+{
+public:
+    virtual ~BrushState() = default;
+    /// Another stroke begins.
+    virtual void beginStroke() = 0;
+};
+
 /// The tool of one stroke: footprint, distance map, weights, spacing. Owned by the relief while the
 /// stroke lasts. Everything that cannot change during a stroke is computed when it is built, with
 /// the parameters and the alpha image of that moment, in buffers that strokes hand on to each
@@ -36,7 +46,8 @@ struct FootprintWeights
 class Tool
 {
 public:
-    enum Type {
+    /// The tools that code names. Others follow None, by their place in the tool table.
+    enum Type : int {
         Smooth,
         Smudge,
         Deposit,
@@ -98,7 +109,15 @@ public:
     double travelled = 0.0;       ///< path length applied so far, in cells
     QPointF lastApplied;          ///< where the last dab went
     bool dabbed = false;          ///< the first dab is over
-    bool pickedUp[4] = {};        ///< Smudge: the mirror images that have their material
+
+    /// The state of this stroke's brush, made when it is first asked for. One brush asks for one
+    /// type.
+    template <typename State>
+    State &brushState()
+    {
+        auto *state = dynamic_cast<State *>(_brushState());
+        return state ? *state : static_cast<State &>(_setBrushState(std::make_unique<State>()));
+    }
 
     /// Radius in cells, kept within 1 .. 2048, so that the footprint takes no more than 300 MB.
     static double radiusCells(const ToolParams &params, double scale);
@@ -107,6 +126,9 @@ public:
     static void genDistMap(double *map, unsigned char *footprint, int dimension);
 
 private:
+    BrushState *_brushState() const;
+    BrushState &_setBrushState(std::unique_ptr<BrushState> state);
+
     ToolParams m_params;
     QPointF m_firstPoint;
     QPointF m_lastPoint;

@@ -1,69 +1,127 @@
 #include "relief/tools/tooltable.h"
 
-#include "relief/strokes/brushes/brushes.h"
+#include <QtGlobal>
 
-#include <iterator>
+#include <algorithm>
+#include <array>
 
 namespace marlowen {
 
+// The brushes, one file each in strokes/brushes. Every function applies one dab and returns whether
+// a stored value changed.
+bool dabSmooth(const Dab &dab);
+bool dabSmudge(const Dab &dab);
+bool dabDeposit(const Dab &dab);
+bool dabRemove(const Dab &dab);
+bool dabClay(const Dab &dab);
+bool dabFlatten(const Dab &dab);
+bool dabScrape(const Dab &dab);
+bool dabUndo(const Dab &dab);
+bool dabErase(const Dab &dab);
+bool dabHeight(const Dab &dab);
+bool dabMask(const Dab &dab);
+bool dabMove(const Dab &dab);
+bool dabPinch(const Dab &dab);
+bool dabStamp(const Dab &dab);
+
 namespace {
 
-constexpr unsigned shaped = UsesFootprint | KeepsEmpty | KeepsUnselected | Decays;
-constexpr unsigned weighted = shaped | UsesStrength | UsesFalloff | UsesAlpha | HeedsMask;
+constexpr unsigned shaped = UsesFootprint | UsesAlpha | KeepsEmpty | KeepsUnselected | Decays;
+constexpr unsigned weighted = shaped | UsesStrength | UsesFalloff | HeedsMask;
+/// For the brushes that leave the footprint's form to the outline, whatever the alpha image.
 constexpr unsigned plain = weighted & ~static_cast<unsigned>(UsesAlpha);
 constexpr unsigned reverting = weighted & ~static_cast<unsigned>(KeepsEmpty | KeepsUnselected);
 constexpr unsigned moving = weighted & ~static_cast<unsigned>(UsesStrength);
-constexpr unsigned masking = UsesFootprint | UsesStrength | UsesFalloff | UsesAlpha | UsesMode;
-
-using enum ToolKind;
+constexpr unsigned masking =
+    UsesFootprint | UsesStrength | UsesFalloff | UsesAlpha | UsesMode | PaintsMask;
 
 // clang-format off
-constexpr ToolRow rows[] = {
-    {Tool::Smooth, Brush, "Smooth", "Smooth", "smooth_tool", "",
-     weighted | UsesMode, dabSmooth, nullptr},
-    {Tool::Smudge, Brush, "Smudge", "Smudge", "smudge_tool", "",
-     weighted | UsesMode, dabSmudge, nullptr},
-    {Tool::Deposit, Brush, "Deposit", "Deposit", "deposit_tool", "Ceiling",
-     weighted | UsesOption | Inverts, dabDeposit, dabStampRaise},
-    {Tool::Remove, Brush, "Remove", "Remove", "remove_tool", "Floor",
-     weighted | UsesOption | Inverts, dabRemove, dabStampLower},
-    {Tool::UndoBrush, Brush, "Undo", "Undo", "undo_tool", "",
-     reverting, dabUndo, nullptr},
-    {Tool::Erase, Brush, "Erase", "Erase", "erase_tool", "",
-     shaped, dabErase, nullptr},
-    {Tool::Magic, Click, "Magic", "Magic", "magic_selection_tool", "",
-     UsesTolerance, nullptr, nullptr},
-    {Tool::Rectangle, Shape, "Rectangle", "Rectangle", "rectangle_selection_tool", "",
-     0, nullptr, nullptr},
-    {Tool::Elliptical, Shape, "Elliptical", "Elliptical", "elliptical_selection_tool", "",
-     0, nullptr, nullptr},
-    {Tool::Polygon, Shape, "Polygon", "Polygon", "polygon_selection_tool", "",
-     0, nullptr, nullptr},
-    {Tool::Crop, Shape, "Crop", "Crop", "crop_tool", "",
-     0, nullptr, nullptr},
-    {Tool::HeightBrush, Brush, "Brush", "Brush", "paint_selection_tool", "",
-     shaped | UsesSample, dabHeight, nullptr},
-    {Tool::Sample, Click, "Sample", "Sample", "sample_selection", "",
-     UsesSample, nullptr, nullptr},
-    {Tool::Fill, Click, "Fill", "Fill", "fill_selection", "",
-     UsesSample, nullptr, nullptr},
-    {Tool::Clay, Brush, "Clay", "Clay", "clay_tool", "",
-     weighted | Inverts, dabClay, dabStampClay},
-    {Tool::Flatten, Brush, "Flatten", "Flatten", "flatten_tool", "",
-     plain, dabFlatten, nullptr},
-    {Tool::Scrape, Brush, "Scrape", "Scrape", "scrape_tool", "",
-     plain | Inverts, dabScrape, nullptr},
-    {Tool::Pinch, Brush, "Pinch", "Pinch", "pinch_tool", "",
-     weighted, dabPinch, nullptr},
-    {Tool::Move, Brush, "Move", "Move", "move_tool", "",
-     moving, dabMove, nullptr},
-    {Tool::Mask, Brush, "Mask", "Mask", "mask_tool", "",
-     masking, dabMask, nullptr},
-    {Tool::None, None, "None", "", "", "",
-     0, nullptr, nullptr},
+#define TEXT(text) QT_TRANSLATE_NOOP("Tools", text)
+
+/// In the order of Tool::Type; tools that the type does not name follow None.
+constexpr ToolRow written[] = {
+    {.id = "Smooth", .label = TEXT("Smooth"), .icon = "smooth_tool", .keys = "S",
+     .hint = TEXT("Evens out roughness."),
+     .group = ToolGroup::Sculpting, .order = 1, .uses = weighted | UsesMode, .dab = dabSmooth},
+    {.id = "Smudge", .label = TEXT("Smudge"), .icon = "smudge_tool", .keys = "G",
+     .hint = TEXT("Picks up material where the stroke begins and drags it along."),
+     .group = ToolGroup::Sculpting, .order = 7, .uses = weighted | UsesMode | DabsAtCells,
+     .dab = dabSmudge},
+    {.id = "Deposit", .label = TEXT("Deposit"), .icon = "deposit_tool", .keys = "D",
+     .hint = TEXT("Adds material."),
+     .group = ToolGroup::Sculpting, .order = 3, .uses = weighted | UsesOption | Inverts,
+     .effect = ToolEffect::Raise, .inverse = Tool::Remove, .optionLabel = TEXT("Ceiling"),
+     .optionHint = TEXT("Deposit stops at the highest height under the brush."),
+     .dab = dabDeposit, .stamp = dabStamp},
+    {.id = "Remove", .label = TEXT("Remove"), .icon = "remove_tool", .keys = "R",
+     .hint = TEXT("Removes material."),
+     .group = ToolGroup::Sculpting, .order = 4, .uses = weighted | UsesOption | Inverts,
+     .effect = ToolEffect::Lower, .inverse = Tool::Deposit, .optionLabel = TEXT("Floor"),
+     .optionHint = TEXT("Remove stops at the lowest height under the brush."),
+     .dab = dabRemove, .stamp = dabStamp},
+    {.id = "Undo", .label = TEXT("Undo"), .icon = "undo_tool", .keys = "U",
+     .hint = TEXT("Brings back the relief as it was opened or imported."),
+     .group = ToolGroup::Restoring, .order = 1, .uses = reverting, .dab = dabUndo},
+    {.id = "Erase", .label = TEXT("Erase"), .icon = "erase_tool", .keys = "E",
+     .hint = TEXT("Cuts holes: the height becomes 0."),
+     .group = ToolGroup::Restoring, .order = 2, .uses = shaped, .dab = dabErase},
+    {.id = "Magic", .label = TEXT("Magic"), .icon = "magic_selection_tool", .keys = "W",
+     .hint = TEXT("Selects cells of about the height of the cell you click."),
+     .kind = ToolKind::Click, .group = ToolGroup::Picking, .uses = UsesTolerance},
+    {.id = "Rectangle", .label = TEXT("Rectangle"), .icon = "rectangle_selection_tool", .keys = "B",
+     .hint = TEXT("Selects a rectangle."),
+     .kind = ToolKind::Shape, .group = ToolGroup::Shapes, .order = 2},
+    {.id = "Elliptical", .label = TEXT("Elliptical"), .icon = "elliptical_selection_tool", .keys = "O",
+     .hint = TEXT("Selects an ellipse."),
+     .kind = ToolKind::Shape, .group = ToolGroup::Shapes, .order = 1},
+    {.id = "Polygon", .label = TEXT("Polygon"), .icon = "polygon_selection_tool", .keys = "Y",
+     .hint = TEXT("Selects the polygon between the corners you click."),
+     .kind = ToolKind::Shape, .group = ToolGroup::Shapes, .order = 3},
+    {.id = "Crop", .label = TEXT("Crop"), .icon = "crop_tool", .keys = "X",
+     .hint = TEXT("Drag a box around the part to keep, then Apply."),
+     .kind = ToolKind::Shape, .group = ToolGroup::Cropping},
+    {.id = "Brush", .label = TEXT("Brush"), .icon = "paint_selection_tool", .keys = "H",
+     .hint = TEXT("Paints the sampled height."),
+     .group = ToolGroup::Heights, .order = 2, .uses = shaped | UsesSample, .dab = dabHeight},
+    {.id = "Sample", .label = TEXT("Sample"), .icon = "sample_selection", .keys = "I",
+     .hint = TEXT("Picks up the height you click, for Brush and Fill."),
+     .kind = ToolKind::Click, .group = ToolGroup::Heights, .order = 1, .uses = UsesSample},
+    {.id = "Fill", .label = TEXT("Fill"), .icon = "fill_selection", .keys = "J",
+     .hint = TEXT("Fills the selection with the sampled height."),
+     .kind = ToolKind::Click, .group = ToolGroup::Heights, .order = 3, .uses = UsesSample},
+    {.id = "Clay", .label = TEXT("Clay"), .icon = "clay_tool", .keys = "C",
+     .hint = TEXT("Adds flat strips of clay."),
+     .group = ToolGroup::Sculpting, .order = 5, .uses = weighted | Inverts | UsesPlane,
+     .effect = ToolEffect::Raise, .dab = dabClay, .stamp = dabStamp},
+    {.id = "Flatten", .label = TEXT("Flatten"), .icon = "flatten_tool", .keys = "L",
+     .hint = TEXT("Moves heights toward the mean height under the brush."),
+     .group = ToolGroup::Sculpting, .order = 2, .uses = plain | UsesPlane, .dab = dabFlatten},
+    {.id = "Scrape", .label = TEXT("Scrape"), .icon = "scrape_tool", .keys = "A",
+     .hint = TEXT("Cuts down what stands above the mean height under the brush."),
+     .group = ToolGroup::Sculpting, .order = 6, .uses = plain | Inverts | UsesPlane,
+     .effect = ToolEffect::Lower, .dab = dabScrape},
+    {.id = "Pinch", .label = TEXT("Pinch"), .icon = "pinch_tool", .keys = "P",
+     .hint = TEXT("Pulls material toward the centre."),
+     .group = ToolGroup::Sculpting, .order = 8, .uses = weighted, .dab = dabPinch},
+    {.id = "Move", .label = TEXT("Move"), .icon = "move_tool", .keys = "M",
+     .hint = TEXT("Drags the heights along with the pointer."),
+     .group = ToolGroup::Sculpting, .order = 9, .uses = moving, .dab = dabMove},
+    {.id = "Mask", .label = TEXT("Mask"), .icon = "mask_tool", .keys = "K",
+     .hint = TEXT("Protects what it paints from the other brushes; Lower removes the mask."),
+     .group = ToolGroup::Masking, .uses = masking, .dab = dabMask},
+    {.id = "None", .label = "", .icon = "", .keys = "", .hint = "", .kind = ToolKind::None},
 };
+#undef TEXT
 // clang-format on
-static_assert(std::size(rows) == Tool::None + 1);
+static_assert(std::size(written) > Tool::None);
+
+/// The rows with their types, which are their places.
+constexpr auto rows = [] {
+    auto numbered = std::to_array(written);
+    for (size_t i = 0; i < numbered.size(); ++i)
+        numbered[i].type = static_cast<Tool::Type>(i);
+    return numbered;
+}();
 
 } // namespace
 
@@ -74,7 +132,34 @@ std::span<const ToolRow> toolTable()
 
 const ToolRow *toolRow(int type)
 {
-    return type >= 0 && type <= Tool::None ? &rows[type] : nullptr;
+    return type >= 0 && type < static_cast<int>(rows.size()) ? &rows[static_cast<size_t>(type)]
+                                                             : nullptr;
+}
+
+const std::vector<const ToolRow *> &toolsInOrder()
+{
+    static const std::vector<const ToolRow *> sorted = [] {
+        std::vector<const ToolRow *> list;
+        for (const ToolRow &row : rows) {
+            if (row.kind != ToolKind::None)
+                list.push_back(&row);
+        }
+        std::ranges::stable_sort(
+            list, {}, [](const ToolRow *row) { return std::pair(row->group, row->order); });
+        return list;
+    }();
+    return sorted;
+}
+
+bool heedsAlpha(int type)
+{
+    const ToolRow *row = toolRow(type);
+    return !row || row->has(UsesAlpha);
+}
+
+const ToolRow *actingRow(const ToolRow *row, bool inverted)
+{
+    return row && inverted && row->inverse != Tool::None ? toolRow(row->inverse) : row;
 }
 
 } // namespace marlowen

@@ -80,8 +80,7 @@ bool hasFootprint(int toolType)
 
 bool usesAlphaFootprint(const ToolParams &tool, const AlphaBrush &brush)
 {
-    return brush.loaded() && brush.mode != AlphaBrush::Tile && tool.type != Tool::Flatten &&
-           tool.type != Tool::Scrape;
+    return brush.loaded() && brush.mode != AlphaBrush::Tile && heedsAlpha(tool.type);
 }
 
 double innerRingFraction(const ToolParams &tool)

@@ -1,7 +1,9 @@
 #include "ui/pages/editpage.h"
 
+#include "relief/tools/toolfields.h"
 #include "ui/commandset.h"
 #include "ui/pages/toolspage.h"
+#include "ui/panels/panelcontrols.h"
 #include "ui/ribbon/numberfield.h"
 #include "ui/ribbon/ribbonbutton.h"
 #include "ui/ribbon/ribbongroup.h"
@@ -24,7 +26,7 @@ constexpr CommandRow commandRows[] = {
     {"modeAdditive", "Additive", "additive_selection", "The next shape is added to the selection.",
      "", "", true},
     {"modeSubtractive", "Subtractive", "subtractive_selection",
-     "The next shape is taken out of the selection.", "", "", true},
+     "The next shape is subtracted from the selection.", "", "", true},
     {"selectNone", "Select None", "select_none", "Lets tools act everywhere again.", "Ctrl+D",
      "Nothing is selected."},
 };
@@ -54,11 +56,10 @@ EditPage::EditPage(RibbonPage &page, CommandSet &commands, const ToolActions &to
 void EditPage::_addShapes(RibbonPage &page, const ToolActions &tools)
 {
     m_group = page.addGroup(tr("Selection"));
-    m_group->addLargeButton(tools.action(Tool::Crop));
+    _addTools(tools, ToolGroup::Cropping);
     m_group->addSmallButton(m_commands["cropApply"]);
     m_group->addSeparator();
-    for (const Tool::Type type : {Tool::Elliptical, Tool::Rectangle, Tool::Polygon})
-        m_group->addLargeButton(tools.action(type));
+    _addTools(tools, ToolGroup::Shapes);
     m_group->breakColumn();
     auto *modes = new QActionGroup(this);
     int modifier = 0;
@@ -78,16 +79,17 @@ void EditPage::_addShapes(RibbonPage &page, const ToolActions &tools)
 void EditPage::_addMagic(const ToolActions &tools)
 {
     m_group->addSeparator();
-    m_group->addLargeButton(tools.action(Tool::Magic));
-    m_tolerance = new SliderField(QString(), {0.01, 0.99, 0.01, 0.1, 0.02, 2, {}});
+    _addTools(tools, ToolGroup::Picking);
+    const auto &tolerance = fieldOf(toolFields(), &ToolParams::tolerance);
+    const auto &continuous = fieldOf(toolFields(), &ToolParams::continuous);
+    m_tolerance = new SliderField(QString(), sliderRange(tolerance.info, tolerance.initial()));
     m_tolerance->setObjectName(QStringLiteral("tolerance"));
     m_tolerance->setMinimumWidth(140);
-    m_tolerance->setHint(
-        tr("How much higher or lower than the clicked cell, as a share of the relief's range."));
-    m_group->addRow(m_tolerance, tr("Tolerance"));
-    m_continuous = new QCheckBox(tr("Continuous"));
+    m_tolerance->setHint(fieldText(tolerance.info.hint));
+    m_group->addRow(m_tolerance, fieldText(tolerance.info.label));
+    m_continuous = new QCheckBox(fieldText(continuous.info.label));
     m_continuous->setObjectName(QStringLiteral("continuous"));
-    m_continuous->setToolTip(tr("Only cells that touch the clicked one through their sides"));
+    m_continuous->setToolTip(fieldText(continuous.info.hint));
     m_group->addRow(m_continuous);
     connect(m_tolerance, &SliderField::valueChanged, this, &EditPage::toleranceChanged);
     connect(m_continuous, &QCheckBox::clicked, this, &EditPage::continuousChanged);
@@ -96,7 +98,6 @@ void EditPage::_addMagic(const ToolActions &tools)
 void EditPage::_addHeights(const ToolActions &tools)
 {
     m_group->addSeparator();
-    m_group->addLargeButton(tools.action(Tool::Sample));
     m_sample = new NumberField;
     m_sample->setObjectName(QStringLiteral("sampleValue"));
     m_sample->setDecimals(1);
@@ -105,11 +106,20 @@ void EditPage::_addHeights(const ToolActions &tools)
     m_sample->setFixedWidth(72);
     m_sample->setAccessibleName(tr("Sampled height"));
     m_sample->setToolTip(tr("The height that Brush and Fill use"));
-    m_group->addRow(m_sample);
-    for (const Tool::Type type : {Tool::HeightBrush, Tool::Fill})
-        m_group->addLargeButton(tools.action(type));
+    _addTools(tools, ToolGroup::Heights);
     m_group->addLargeButton(tools.selectionErase());
     connect(m_sample, &NumberField::valueChanged, this, &EditPage::sampleEdited);
+}
+
+void EditPage::_addTools(const ToolActions &tools, ToolGroup group)
+{
+    for (const ToolRow *row : toolsInOrder()) {
+        if (row->group != group)
+            continue;
+        m_group->addLargeButton(tools.action(row->type));
+        if (row->type == Tool::Sample)
+            m_group->addRow(m_sample);
+    }
 }
 
 void EditPage::showParams(const ToolParams &params)

@@ -2,6 +2,7 @@
 
 #include "relief/selection/selections.h"
 #include "relief/tools/toolparams.h"
+#include "relief/tools/tooltable.h"
 
 #include <QObject>
 
@@ -45,6 +46,7 @@ private:
     void _addShapes(RibbonPage &page, const ToolActions &tools);
     void _addMagic(const ToolActions &tools);
     void _addHeights(const ToolActions &tools);
+    void _addTools(const ToolActions &tools, ToolGroup group);
 
     CommandSet &m_commands;
     RibbonGroup *m_group = nullptr;

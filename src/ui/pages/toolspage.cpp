@@ -2,7 +2,7 @@
 
 #include "relief/tools/tooltable.h"
 #include "ui/commandset.h"
-#include "ui/panels/toolnames.h"
+#include "ui/panels/panelcontrols.h"
 #include "ui/ribbon/ribbonbutton.h"
 #include "ui/ribbon/ribbongroup.h"
 #include "ui/ribbon/ribbonpage.h"
@@ -15,40 +15,17 @@ namespace marlowen {
 
 namespace {
 
-struct ToolKey
-{
-    Tool::Type type;
-    const char *keys;
-};
-constexpr ToolKey toolKeys[] = {
-    {Tool::Smooth, "S"}, {Tool::Flatten, "L"},    {Tool::Deposit, "D"},     {Tool::Remove, "R"},
-    {Tool::Clay, "C"},   {Tool::Scrape, "A"},     {Tool::Smudge, "G"},      {Tool::Pinch, "P"},
-    {Tool::Move, "M"},   {Tool::Mask, "K"},       {Tool::UndoBrush, "U"},   {Tool::Erase, "E"},
-    {Tool::Crop, "X"},   {Tool::Elliptical, "O"}, {Tool::Rectangle, "B"},   {Tool::Polygon, "Y"},
-    {Tool::Magic, "W"},  {Tool::Sample, "I"},     {Tool::HeightBrush, "H"}, {Tool::Fill, "J"},
-};
-
 constexpr CommandRow commandRows[] = {
-    {"maskClear", "Clear", "mask_clear", "Takes the mask off the whole relief.", "", ""},
+    {"maskClear", "Clear", "mask_clear", "Removes the mask from the whole relief.", "", ""},
     {"maskInvert", "Invert", "mask_invert", "Masks what is free and frees what is masked.", "", ""},
 };
 
-const char *keysOf(Tool::Type type)
-{
-    for (const ToolKey &key : toolKeys) {
-        if (key.type == type)
-            return key.keys;
-    }
-    return "";
-}
-
-QAction *makeAction(CommandSet &commands, const ToolName &tool, const char *iconName,
+QAction *makeAction(CommandSet &commands, const ToolRow &row, const char *iconName,
                     const char *keys)
 {
-    const ToolRow &row = *toolRow(tool.type);
     const QByteArray longName = longToolName(row).toUtf8();
     QAction *action = commands.add(
-        {iconName, row.label, iconName, tool.effect, keys, "", true, longName.constData()});
+        {iconName, row.label, iconName, row.hint, keys, "", true, longName.constData()});
     action->setData(row.type);
     return action;
 }
@@ -61,10 +38,10 @@ ToolActions::ToolActions(CommandSet &commands, QObject *parent)
     , m_group(new QActionGroup(this))
     , m_selectionErase(nullptr)
 {
-    for (const ToolName &tool : toolNames()) {
-        m_group->addAction(makeAction(commands, tool, toolRow(tool.type)->icon, keysOf(tool.type)));
-        if (tool.type == Tool::Erase)
-            m_selectionErase = makeAction(commands, tool, "erase_selection_tool", "");
+    for (const ToolRow *row : toolsInOrder()) {
+        m_group->addAction(makeAction(commands, *row, row->icon, row->keys));
+        if (row->type == Tool::Erase)
+            m_selectionErase = makeAction(commands, *row, "erase_selection_tool", "");
     }
     connect(m_group, &QActionGroup::triggered, this, [this](const QAction *action) {
         emit chosen(static_cast<Tool::Type>(action->data().toInt()));
@@ -103,57 +80,46 @@ void ToolsPage::addCommands(CommandSet &commands)
 ToolsPage::ToolsPage(RibbonPage &page, CommandSet &commands, const ToolActions &tools,
                      QObject *parent)
     : QObject(parent)
-    , m_ceiling(_limitBox(tr("Ceiling"), QStringLiteral("ceiling")))
-    , m_floor(_limitBox(tr("Floor"), QStringLiteral("floor")))
+    , m_group(page.addGroup(tr("Sculpting Tools")))
 {
-    RibbonGroup *group = page.addGroup(tr("Sculpting Tools"));
-    const auto add = [&](Tool::Type type) { group->addLargeButton(tools.action(type)); };
-    add(Tool::Smooth);
-    add(Tool::Flatten);
-    add(Tool::Deposit);
-    group->addRow(m_ceiling);
-    add(Tool::Remove);
-    group->addRow(m_floor);
-    for (const Tool::Type type : {Tool::Clay, Tool::Scrape, Tool::Smudge, Tool::Pinch, Tool::Move})
-        add(type);
-    group->addSeparator();
-    add(Tool::Mask);
-    group->addSmallButton(commands["maskClear"]);
-    group->addSmallButton(commands["maskInvert"]);
-    group->addSeparator();
-    add(Tool::UndoBrush);
-    add(Tool::Erase);
+    _addTools(tools, ToolGroup::Sculpting);
+    m_group->addSeparator();
+    _addTools(tools, ToolGroup::Masking);
+    m_group->addSmallButton(commands["maskClear"]);
+    m_group->addSmallButton(commands["maskInvert"]);
+    m_group->addSeparator();
+    _addTools(tools, ToolGroup::Restoring);
 }
 
-QCheckBox *ToolsPage::_limitBox(const QString &label, const QString &name)
+void ToolsPage::_addTools(const ToolActions &tools, ToolGroup group)
 {
-    auto *box = new QCheckBox(label);
-    box->setObjectName(name);
+    for (const ToolRow *row : toolsInOrder()) {
+        if (row->group != group)
+            continue;
+        m_group->addLargeButton(tools.action(row->type));
+        if (*row->optionLabel)
+            _addLimit(*row);
+    }
+}
+
+void ToolsPage::_addLimit(const ToolRow &row)
+{
+    auto *box = new QCheckBox(toolText(row.optionLabel));
+    box->setObjectName(QString::fromLatin1(row.optionLabel).toLower());
     connect(box, &QCheckBox::clicked, this, &ToolsPage::limitChanged);
-    return box;
+    m_group->addRow(box);
+    m_limits.push_back({&row, box});
 }
 
 void ToolsPage::showLimit(Tool::Type type, bool on, const QString &reason)
 {
-    struct Limit
-    {
-        QCheckBox *box;
-        Tool::Type tool;
-        QString effect;
-        QString otherTool;
-    };
-    const Limit limits[] = {
-        {m_ceiling, Tool::Deposit, tr("Deposit stops at the highest height under the brush."),
-         tr("Choose the Deposit tool first.")},
-        {m_floor, Tool::Remove, tr("Remove stops at the lowest height under the brush."),
-         tr("Choose the Remove tool first.")},
-    };
-    for (const Limit &limit : limits) {
-        const bool own = type == limit.tool;
-        const QString why = reason.isEmpty() && !own ? limit.otherTool : reason;
+    for (const Limit &limit : m_limits) {
+        const bool own = type == limit.tool->type;
+        const QString other = tr("Choose the %1 first.").arg(longToolName(*limit.tool));
+        const QString why = reason.isEmpty() && !own ? other : reason;
         limit.box->setEnabled(why.isEmpty());
         limit.box->setChecked(own && on);
-        limit.box->setToolTip(why.isEmpty() ? limit.effect : why);
+        limit.box->setToolTip(why.isEmpty() ? toolText(limit.tool->optionHint) : why);
     }
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "relief/tools/tool.h"
+#include "relief/tools/tooltable.h"
 
 #include <QObject>
+
+#include <vector>
 
 class QActionGroup;
 class QCheckBox;
@@ -11,6 +13,7 @@ class QAction;
 namespace marlowen {
 
 class CommandSet;
+class RibbonGroup;
 class RibbonPage;
 
 /// The actions that choose a tool, one a tool, exclusive; each carries its shortcut. "Erase" has a
@@ -48,18 +51,26 @@ public:
 
     static void addCommands(CommandSet &commands);
 
-    /// Shows the tool's "Ceiling" or "Floor"; the other one belongs to the other tool. A reason
-    /// says why neither can be used now.
+    /// Shows the tool's "Ceiling" or "Floor"; those of other tools are disabled. A reason says why
+    /// none can be used now.
     void showLimit(Tool::Type type, bool on, const QString &reason);
 
 signals:
     void limitChanged(bool on);
 
 private:
-    QCheckBox *_limitBox(const QString &label, const QString &name);
+    /// The check box of a tool's "Ceiling" or "Floor".
+    struct Limit
+    {
+        const ToolRow *tool;
+        QCheckBox *box;
+    };
 
-    QCheckBox *m_ceiling;
-    QCheckBox *m_floor;
+    void _addTools(const ToolActions &tools, ToolGroup group);
+    void _addLimit(const ToolRow &row);
+
+    RibbonGroup *m_group;
+    std::vector<Limit> m_limits;
 };
 
 } // namespace marlowen

@@ -9,7 +9,7 @@
 
 namespace marlowen {
 
-ChoiceRow::ChoiceRow(const QString &label, std::initializer_list<Choice> choices, QWidget *parent)
+ChoiceRow::ChoiceRow(const QString &label, const std::vector<Choice> &choices, QWidget *parent)
     : QWidget(parent)
     , m_label(new QLabel(label, this))
     , m_group(new QButtonGroup(this))
@@ -22,14 +22,13 @@ ChoiceRow::ChoiceRow(const QString &label, std::initializer_list<Choice> choices
     int id = 0;
     for (const Choice &choice : choices) {
         auto *button = new QToolButton(this);
-        const QString text = tr(choice.text);
-        button->setText(text);
-        button->setAccessibleName(QStringLiteral("%1: %2").arg(label, text));
+        button->setText(choice.text);
+        button->setAccessibleName(QStringLiteral("%1: %2").arg(label, choice.text));
         button->setCheckable(true);
         button->setAutoRaise(true);
         button->setFocusPolicy(Qt::StrongFocus);
-        if (*choice.icon) {
-            button->setIcon(icon(QLatin1String(choice.icon)));
+        if (!choice.icon.isEmpty()) {
+            button->setIcon(icon(choice.icon));
             button->setIconSize(QSize(16, 16));
         }
         m_group->addButton(button, id++);

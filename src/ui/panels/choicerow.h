@@ -3,7 +3,7 @@
 #include <QString>
 #include <QWidget>
 
-#include <initializer_list>
+#include <vector>
 
 class QButtonGroup;
 class QLabel;
@@ -19,13 +19,12 @@ class ChoiceRow : public QWidget
 public:
     struct Choice
     {
-        const char *text;
-        const char *icon; ///< for icon(); empty for a button with its text only
+        QString text;
+        QString icon; ///< for icon(); empty for a button with its text only
     };
 
     /// Buttons with an icon show it alone and carry the text as tool tip and accessible name.
-    ChoiceRow(const QString &label, std::initializer_list<Choice> choices,
-              QWidget *parent = nullptr);
+    ChoiceRow(const QString &label, const std::vector<Choice> &choices, QWidget *parent = nullptr);
 
     /// Index of the button that is down.
     int choice() const;

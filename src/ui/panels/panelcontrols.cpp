@@ -1,5 +1,7 @@
 #include "ui/panels/panelcontrols.h"
 
+#include "relief/tools/tooltable.h"
+#include "ui/panels/choicerow.h"
 #include "ui/ribbon/numberfield.h"
 
 #include <QCheckBox>
@@ -35,6 +37,16 @@ QString fieldText(const char *text)
     return QCoreApplication::translate("Fields", text);
 }
 
+QString toolText(const char *text)
+{
+    return QCoreApplication::translate("Tools", text);
+}
+
+QString longToolName(const ToolRow &row)
+{
+    return toolText("%1 Tool").arg(toolText(row.label));
+}
+
 SliderField::Range sliderRange(const FieldInfo &info, double initial)
 {
     const FieldControl &control = info.control;
@@ -60,6 +72,16 @@ QCheckBox *makeCheckBox(const FieldInfo &info, QWidget *parent)
     auto *box = new QCheckBox(fieldText(info.label), parent);
     box->setObjectName(QLatin1String(info.label));
     return box;
+}
+
+ChoiceRow *makeChoices(const FieldInfo &info, QWidget *parent)
+{
+    const QStringList words = QString::fromLatin1(info.choices).split(QLatin1Char('|'));
+    const QStringList icons = QString::fromLatin1(info.icons).split(QLatin1Char('|'));
+    std::vector<ChoiceRow::Choice> choices;
+    for (qsizetype i = 0; i < words.size(); ++i)
+        choices.push_back({fieldText(words[i].toLatin1().constData()), icons.value(i)});
+    return new ChoiceRow(fieldText(info.label), choices, parent);
 }
 
 void alignFields(std::span<SliderField *const> fields, int labelWidth)

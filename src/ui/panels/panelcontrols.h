@@ -14,6 +14,9 @@ class QWidget;
 
 namespace marlowen {
 
+class ChoiceRow;
+struct ToolRow;
+
 /// Enables the control when there is no reason against it and shows the hint; otherwise disables it
 /// and shows the reason.
 void showReason(QWidget &control, const QString &hint, const QString &reason);
@@ -21,11 +24,16 @@ void showReason(SliderField &field, const QString &hint, const QString &reason);
 
 /// A text of a field table, in the user's language.
 QString fieldText(const char *text);
+/// The same for the tool table.
+QString toolText(const char *text);
+/// "Smooth Tool".
+QString longToolName(const ToolRow &row);
 /// The range of a field's slider; the default is the stored value given.
 SliderField::Range sliderRange(const FieldInfo &info, double initial);
 /// The controls of a field, without their hint; the object name is the field's label.
 SliderField *makeSlider(const FieldInfo &info, double initial, QWidget *parent);
 QCheckBox *makeCheckBox(const FieldInfo &info, QWidget *parent);
+ChoiceRow *makeChoices(const FieldInfo &info, QWidget *parent);
 
 /// Gives the labels this width and the numbers the widest one's, so that fields below each other
 /// align.

@@ -1,9 +1,10 @@
 #include "ui/panels/toolpanel.h"
 
+#include "relief/tools/toolfields.h"
+#include "relief/tools/tooltable.h"
 #include "ui/icons.h"
 #include "ui/panels/choicerow.h"
 #include "ui/panels/panelcontrols.h"
-#include "ui/panels/toolnames.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -18,8 +19,6 @@
 namespace marlowen {
 
 namespace {
-
-constexpr double percentSteps = 100.0;
 
 /// A check box in the label column with the slider that it switches on.
 QWidget *switchedRow(QCheckBox *box, SliderField *field)
@@ -37,44 +36,21 @@ QWidget *switchedRow(QCheckBox *box, SliderField *field)
 
 const std::array<ToolPanel::NumberRow, ToolPanel::numberCount> &ToolPanel::_numberRows()
 {
-    using Range = SliderField::Range;
+    using P = ToolParams;
+    const auto field = [](auto member) { return &fieldOf(toolFields(), member); };
     static const std::array<NumberRow, numberCount> rows{{
-        {"Tool Size", "Radius of the brush: 100 is a tenth of the relief's diagonal. Keys [ and ].",
-         Range{1, 100, 1, 10, 30, 0, {}}, UsesFootprint,
-         [](const ToolParams &p) { return p.size * percentSteps; },
-         [](ToolParams &p, double v) { p.size = v / percentSteps; },
-         [](ToolPanel &t) { emit t.ToolSizeChanged(t.m_params.size); }},
-        {"Tool Strength", "How much one touch does.", Range{1, 100, 1, 10, 50, 0, {}}, UsesStrength,
-         [](const ToolParams &p) { return std::sqrt(p.strength) * percentSteps; },
-         [](ToolParams &p, double v) { p.strength = (v / percentSteps) * (v / percentSteps); },
+        {field(&P::size), [](ToolPanel &t) { emit t.ToolSizeChanged(t.m_params.size); }},
+        {field(&P::strength),
          [](ToolPanel &t) { emit t.ToolStrengthChanged(t.m_params.strength); }},
-        {"Tool Hardness", "How far from the centre the full effect reaches.",
-         Range{0, 100, 1, 10, 50, 0, {}}, UsesFalloff,
-         [](const ToolParams &p) { return p.hardness * percentSteps; },
-         [](ToolParams &p, double v) { p.hardness = v / percentSteps; },
+        {field(&P::hardness),
          [](ToolPanel &t) { emit t.ToolHardnessChanged(t.m_params.hardness); }},
-        {"Aspect", "How many times longer than wide the brush is.", Range{1, 15, 0.1, 1, 1, 1, {}},
-         UsesFootprint, [](const ToolParams &p) { return p.aspect; },
-         [](ToolParams &p, double v) { p.aspect = v; },
-         [](ToolPanel &t) { emit t.ToolAspectChanged(t.m_params.aspect); }},
-        {"Angle", "Turns the brush.", Range{-90, 90, 1, 15, 0, 0, QStringLiteral("°")},
-         UsesFootprint, [](const ToolParams &p) { return p.angle; },
-         [](ToolParams &p, double v) { p.angle = v; },
-         [](ToolPanel &t) { emit t.ToolAngleChanged(t.m_params.angle); }},
-        {"Decay Length", "How long the stroke lasts: 100 is a hundred radii.",
-         Range{0, 100, 1, 10, 50, 0, {}}, Decays,
-         [](const ToolParams &p) { return p.decayLength * percentSteps; },
-         [](ToolParams &p, double v) { p.decayLength = v / percentSteps; },
+        {field(&P::aspect), [](ToolPanel &t) { emit t.ToolAspectChanged(t.m_params.aspect); }},
+        {field(&P::angle), [](ToolPanel &t) { emit t.ToolAngleChanged(t.m_params.angle); }},
+        {field(&P::decayLength),
          [](ToolPanel &t) { emit t.ToolDecayLengthChanged(t.m_params.decayLength); }},
-        {"Smooth Length", "Points that are drawn into one smooth curve.",
-         Range{10, 200, 1, 10, 50, 0, {}}, UsesFootprint,
-         [](const ToolParams &p) { return double(p.smoothLength); },
-         [](ToolParams &p, double v) { p.smoothLength = int32_t(std::lround(v)); },
+        {field(&P::smoothLength),
          [](ToolPanel &t) { emit t.ToolSmoothLengthChanged(t.m_params.smoothLength); }},
-        {"Tolerance", "How much of the relief's range the heights may differ.",
-         Range{0.01, 0.99, 0.01, 0.1, 0.02, 2, {}}, UsesTolerance,
-         [](const ToolParams &p) { return p.tolerance; },
-         [](ToolParams &p, double v) { p.tolerance = v; },
+        {field(&P::tolerance),
          [](ToolPanel &t) { emit t.ToolToleranceChanged(t.m_params.tolerance); }},
     }};
     return rows;
@@ -82,19 +58,14 @@ const std::array<ToolPanel::NumberRow, ToolPanel::numberCount> &ToolPanel::_numb
 
 const std::array<ToolPanel::CheckRow, ToolPanel::checkCount> &ToolPanel::_checkRows()
 {
+    using P = ToolParams;
+    const auto field = [](auto member) { return &fieldOf(toolFields(), member); };
     static const std::array<CheckRow, checkCount> rows{{
-        {"Keep Transparency", "Empty cells, whose height is 0, stay empty.", KeepsEmpty,
-         &ToolParams::keepTransparency, &ToolPanel::ToolKeepTransparencyChanged},
-        {"Decay Length", "The stroke fades out along its way.", Decays, &ToolParams::useDecay,
-         &ToolPanel::ToolUseDecayLengthChanged},
-        {"Smooth Tool Paths", "The stroke follows a smooth curve through the pointer's way.",
-         UsesFootprint, &ToolParams::smoothToolPaths, &ToolPanel::ToolUseSmoothingChanged},
-        {"Ceiling",
-         "Nothing is built above the highest, or cut below the lowest, place under the "
-         "brush.",
-         UsesOption, &ToolParams::ceilingOrFloor, &ToolPanel::ToolCeilingOrFloorChanged},
-        {"Continuous", "Only what is joined to the place you click.", UsesTolerance,
-         &ToolParams::continuous, &ToolPanel::ToolContinuousChanged},
+        {field(&P::keepTransparency), &ToolPanel::ToolKeepTransparencyChanged},
+        {field(&P::useDecay), &ToolPanel::ToolUseDecayLengthChanged},
+        {field(&P::smoothToolPaths), &ToolPanel::ToolUseSmoothingChanged},
+        {field(&P::ceilingOrFloor), &ToolPanel::ToolCeilingOrFloorChanged},
+        {field(&P::continuous), &ToolPanel::ToolContinuousChanged},
     }};
     return rows;
 }
@@ -124,11 +95,10 @@ void ToolPanel::_makeControls()
 {
     m_tool = new QComboBox(this);
     m_tool->setAccessibleName(tr("Tool"));
-    m_tool->setMaxVisibleItems(int(toolNames().size()));
-    for (const ToolName &name : toolNames()) {
-        const ToolRow &row = *toolRow(name.type);
-        m_tool->addItem(icon(QLatin1String(row.icon)), longToolName(row), int(row.type));
-        m_tool->setItemData(m_tool->count() - 1, toolEffect(row.type), Qt::ToolTipRole);
+    m_tool->setMaxVisibleItems(int(toolsInOrder().size()));
+    for (const ToolRow *row : toolsInOrder()) {
+        m_tool->addItem(icon(QLatin1String(row->icon)), longToolName(*row), int(row->type));
+        m_tool->setItemData(m_tool->count() - 1, toolText(row->hint), Qt::ToolTipRole);
     }
     connect(m_tool, &QComboBox::activated, this, &ToolPanel::_toolChosen);
     _makeNumbers();
@@ -141,15 +111,14 @@ void ToolPanel::_makeNumbers()
 {
     for (size_t i = 0; i < numberCount; ++i) {
         const NumberRow &row = _numberRows()[i];
-        const bool switched = i == DecayLength || i == SmoothLength;
-        auto *field = new SliderField(switched ? QString() : tr(row.label), row.range, this);
-        field->setObjectName(QLatin1String(row.label));
-        field->setAccessibleName(tr(row.label));
-        connect(field, &SliderField::valueChanged, this, [this, &row](double value) {
-            row.store(m_params, value);
+        SliderField *slider = makeSlider(row.field->info, row.field->initial(), this);
+        if (i == DecayLength || i == SmoothLength) // the check box before it is its label
+            slider->label()->hide();
+        connect(slider, &SliderField::valueChanged, this, [this, &row](double value) {
+            row.field->storeShown(m_params, value);
             row.notify(*this);
         });
-        m_numbers[i] = field;
+        m_numbers[i] = slider;
     }
 }
 
@@ -157,9 +126,9 @@ void ToolPanel::_makeChecks()
 {
     for (size_t i = 0; i < checkCount; ++i) {
         const CheckRow &row = _checkRows()[i];
-        m_checks[i] = new QCheckBox(tr(row.label), this);
+        m_checks[i] = makeCheckBox(row.field->info, this);
         connect(m_checks[i], &QCheckBox::toggled, this, [this, &row](bool on) {
-            m_params.*row.member = on;
+            row.field->store(m_params, on);
             _enable();
             emit(this->*row.notify)(on);
         });
@@ -177,34 +146,33 @@ void ToolPanel::_makeChecks()
     m_flags[SymmetryY]->setAccessibleName(tr("Symmetry Y"));
 }
 
+ChoiceRow *ToolPanel::_makeChoice(int32_t ToolParams::*member, void (*notify)(ToolPanel &))
+{
+    const ParamField &field = fieldOf(toolFields(), member);
+    ChoiceRow *row = makeChoices(field.info, this);
+    connect(row, &ChoiceRow::chosen, this, [this, &field, notify](int choice) {
+        field.store(m_params, choice);
+        _enable();
+        notify(*this);
+    });
+    return row;
+}
+
 void ToolPanel::_makeChoices()
 {
-    m_mode = new ChoiceRow(tr("Mode"), {{"Normal", ""}, {"Raise", ""}, {"Lower", ""}}, this);
-    connect(m_mode, &ChoiceRow::chosen, this, [this](int mode) {
-        m_params.mode = mode;
-        emit ToolModeChanged(Tool::Mode(mode));
-    });
-    m_form = new ChoiceRow(tr("Form"), {{"Round", "form_round"}, {"Square", "form_square"}}, this);
-    connect(m_form, &ChoiceRow::chosen, this, [this](int form) {
-        m_params.form = form;
-        emit ToolFormChanged(Tool::Form(form));
-    });
-    m_falloff = new ChoiceRow(tr("Falloff"),
-                              {{"Smooth", "falloff_smooth"},
-                               {"Linear", "falloff_linear"},
-                               {"Sphere", "falloff_sphere"},
-                               {"Constant", "falloff_constant"}},
-                              this);
-    connect(m_falloff, &ChoiceRow::chosen, this, [this](int falloff) {
-        m_params.falloff = falloff;
-        _enable();
-        emit ToolFalloffChanged(Tool::Falloff(falloff));
+    m_mode = _makeChoice(&ToolParams::mode,
+                         [](ToolPanel &t) { emit t.ToolModeChanged(Tool::Mode(t.m_params.mode)); });
+    m_form = _makeChoice(&ToolParams::form,
+                         [](ToolPanel &t) { emit t.ToolFormChanged(Tool::Form(t.m_params.form)); });
+    m_falloff = _makeChoice(&ToolParams::falloff, [](ToolPanel &t) {
+        emit t.ToolFalloffChanged(Tool::Falloff(t.m_params.falloff));
     });
 }
 
 void ToolPanel::_makeAlpha()
 {
-    m_alphaMode = new ChoiceRow(tr("Alpha"), {{"Shape", ""}, {"Tile", ""}, {"Stamp", ""}}, this);
+    m_alphaMode = makeChoices(
+        {.key = "alphaMode", .label = "Alpha", .hint = "", .choices = alphaModeNames}, this);
     connect(m_alphaMode, &ChoiceRow::chosen, this, [this](int mode) {
         AlphaBrush::instance().mode = mode;
         _enable();
@@ -302,10 +270,10 @@ void ToolPanel::_showRecord()
 {
     m_tool->setCurrentIndex(m_tool->findData(int(m_params.type)));
     for (size_t i = 0; i < numberCount; ++i)
-        m_numbers[i]->showValue(_numberRows()[i].shown(m_params));
+        m_numbers[i]->showValue(_numberRows()[i].field->shown(m_params));
     for (size_t i = 0; i < checkCount; ++i) {
         const QSignalBlocker quiet(m_checks[i]);
-        m_checks[i]->setChecked(m_params.*_checkRows()[i].member);
+        m_checks[i]->setChecked(_checkRows()[i].field->value(m_params) != 0.0);
     }
     m_mode->showChoice(m_params.mode);
     m_form->showChoice(m_params.form);
@@ -313,16 +281,9 @@ void ToolPanel::_showRecord()
     refreshAlpha();
 }
 
-/// Flatten and Scrape are the only brushes that an alpha brush leaves as they are.
-QString ToolPanel::_noAlphaReason() const
-{
-    const bool deaf = m_params.type == Tool::Flatten || m_params.type == Tool::Scrape;
-    return _reason(deaf ? UsesAlpha : UsesFootprint);
-}
-
 bool ToolPanel::_alphaActs() const
 {
-    return AlphaBrush::instance().loaded() && _noAlphaReason().isEmpty();
+    return AlphaBrush::instance().loaded() && _reason(UsesAlpha).isEmpty();
 }
 
 QString ToolPanel::_reason(unsigned use) const
@@ -340,22 +301,23 @@ QString ToolPanel::_alphaReason(unsigned use, bool overridden) const
     return reason.isEmpty() && overridden ? tr("The alpha brush decides this.") : reason;
 }
 
-/// Inverted, Deposit and Remove change places.
+/// Inverted, the label of the tool that acts in this one's place.
 QString ToolPanel::_limitLabel() const
 {
-    const bool inverted = m_flags[Invert]->isChecked();
-    int type = m_params.type;
-    if (inverted && (type == Tool::Deposit || type == Tool::Remove))
-        type = type == Tool::Deposit ? Tool::Remove : Tool::Deposit;
-    const ToolRow *row = toolRow(type);
-    return row && *row->optionLabel ? tr(row->optionLabel) : tr("Ceiling / Floor");
+    const ToolRow *row = actingRow(toolRow(m_params.type), m_flags[Invert]->isChecked());
+    if (!row || !*row->optionLabel)
+        return fieldText(_checkRows()[Limit].field->info.label);
+    return toolText(row->optionLabel);
 }
 
 void ToolPanel::_enable()
 {
-    m_tool->setToolTip(toolEffect(Tool::Type(m_params.type)));
-    for (size_t i = 0; i < checkCount; ++i)
-        showReason(*m_checks[i], tr(_checkRows()[i].hint), _reason(_checkRows()[i].use));
+    const ToolRow *tool = toolRow(m_params.type);
+    m_tool->setToolTip(tool && *tool->hint ? toolText(tool->hint) : QString());
+    for (size_t i = 0; i < checkCount; ++i) {
+        const FieldInfo &info = _checkRows()[i].field->info;
+        showReason(*m_checks[i], fieldText(info.hint), _reason(info.flags));
+    }
     for (size_t i = 0; i < flagCount; ++i)
         showReason(*m_flags[i], tr(_flagRows()[i].hint), _reason(_flagRows()[i].use));
     m_checks[Limit]->setText(_limitLabel());
@@ -371,7 +333,7 @@ void ToolPanel::_enableNumbers()
     const bool shaped = _alphaActs() && alphaMode != AlphaBrush::Tile;
     std::array<QString, numberCount> reasons;
     for (size_t i = 0; i < numberCount; ++i)
-        reasons[i] = _reason(_numberRows()[i].use);
+        reasons[i] = _reason(_numberRows()[i].field->info.flags);
     reasons[Hardness] = _alphaReason(UsesFalloff, stamped);
     if (reasons[Hardness].isEmpty() && m_params.falloff == Tool::ConstantFalloff)
         reasons[Hardness] = tr("A constant falloff has no hardness.");
@@ -381,14 +343,14 @@ void ToolPanel::_enableNumbers()
     if (reasons[SmoothLength].isEmpty() && !m_params.smoothToolPaths)
         reasons[SmoothLength] = tr("Check Smooth Tool Paths first.");
     for (size_t i = 0; i < numberCount; ++i)
-        showReason(*m_numbers[i], tr(_numberRows()[i].hint), reasons[i]);
+        showReason(*m_numbers[i], fieldText(_numberRows()[i].field->info.hint), reasons[i]);
     m_falloff->setReason(_alphaReason(UsesFalloff, stamped));
     m_form->setReason(_alphaReason(UsesFootprint, shaped));
 }
 
 void ToolPanel::_enableAlpha()
 {
-    QString reason = _noAlphaReason();
+    QString reason = _reason(UsesAlpha);
     if (reason.isEmpty() && !AlphaBrush::instance().loaded())
         reason = tr("Choose an alpha brush in the library first.");
     m_alphaMode->setReason(reason);

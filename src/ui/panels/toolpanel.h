@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/fieldtable.h"
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/tool.h"
 #include "relief/tools/toolparams.h"
@@ -69,24 +70,17 @@ private:
     static constexpr size_t checkCount = 5;
     static constexpr size_t flagCount = 3;
 
+    using ParamField = Field<ToolParams>;
     /// A slider bound to one number of the record.
     struct NumberRow
     {
-        const char *label;
-        const char *hint;
-        SliderField::Range range;
-        unsigned use;
-        double (*shown)(const ToolParams &);
-        void (*store)(ToolParams &, double);
+        const ParamField *field;
         void (*notify)(ToolPanel &);
     };
     /// A check box bound to one truth value of the record.
     struct CheckRow
     {
-        const char *label;
-        const char *hint;
-        unsigned use;
-        bool ToolParams::*member;
+        const ParamField *field;
         void (ToolPanel::*notify)(bool);
     };
     /// A check box bound to a flag of the relief.
@@ -106,6 +100,7 @@ private:
     void _makeNumbers();
     void _makeChecks();
     void _makeChoices();
+    ChoiceRow *_makeChoice(int32_t ToolParams::*member, void (*notify)(ToolPanel &));
     void _makeAlpha();
     void _arrange();
     void _alignLabels(int width);
@@ -116,7 +111,6 @@ private:
     void _enableAlpha();
     QString _reason(unsigned use) const;
     QString _alphaReason(unsigned use, bool overridden) const;
-    QString _noAlphaReason() const;
     bool _alphaActs() const;
     QString _limitLabel() const;
 

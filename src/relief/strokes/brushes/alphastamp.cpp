@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -27,19 +26,10 @@ CELL_LOOP bool stamp(const Dab &dab, float direction)
 
 } // namespace
 
-bool dabStampRaise(const Dab &dab)
+/// Presses the alpha image into the heights that the stroke began with, in the tool's direction.
+bool dabStamp(const Dab &dab)
 {
-    return stamp(dab, 1.0F);
-}
-
-bool dabStampLower(const Dab &dab)
-{
-    return stamp(dab, -1.0F);
-}
-
-bool dabStampClay(const Dab &dab)
-{
-    return stamp(dab, dab.relief.invert ? -1.0F : 1.0F);
+    return stamp(dab, dab.direction);
 }
 
 } // namespace marlowen

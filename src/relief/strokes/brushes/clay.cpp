@@ -1,5 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
-#include "relief/strokes/brushes/plane.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -29,18 +27,18 @@ CELL_LOOP bool pullToPlane(const Dab &dab, double level, float direction)
 
 } // namespace
 
+/// Fills up to a plane just above the mean of the footprint at the start of the stroke; inverted,
+/// cuts down to one just below it.
 bool dabClay(const Dab &dab)
 {
     const double thickness = dab.params().strength * dab.relief.diagonal() * 0.02;
-    const double mean = footprintMean(dab);
-    if (dab.relief.invert)
-        return pullToPlane(dab, mean - thickness, -1.0F);
-    return pullToPlane(dab, mean + thickness, 1.0F);
+    return pullToPlane(dab, dab.plane + dab.direction * thickness, dab.direction);
 }
 
+/// Cuts down to the mean of the footprint at the start of the stroke; inverted, fills up to it.
 bool dabScrape(const Dab &dab)
 {
-    return pullToPlane(dab, footprintMean(dab), dab.relief.invert ? 1.0F : -1.0F);
+    return pullToPlane(dab, dab.plane, dab.direction);
 }
 
 } // namespace marlowen

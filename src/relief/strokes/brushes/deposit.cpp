@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -42,6 +41,7 @@ CELL_LOOP bool raise(const Dab &dab, float ceiling)
 
 } // namespace
 
+/// Raises by diag * 0.001 * s * w, up to the highest cell of the footprint with the ceiling on.
 bool dabDeposit(const Dab &dab)
 {
     const bool capped = dab.params().ceilingOrFloor;

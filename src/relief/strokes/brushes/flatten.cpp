@@ -1,5 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
-#include "relief/strokes/brushes/plane.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -19,9 +17,10 @@ CELL_LOOP static bool flatten(const Dab &dab, double level)
     });
 }
 
+/// Toward the mean of the footprint at the start of the stroke.
 bool dabFlatten(const Dab &dab)
 {
-    return flatten(dab, footprintMean(dab));
+    return flatten(dab, dab.plane);
 }
 
 } // namespace marlowen

@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -14,6 +13,7 @@ CELL_LOOP static bool paintMask(const Dab &dab, float step)
     });
 }
 
+/// Paints the mask; Lower takes it away.
 bool dabMask(const Dab &dab)
 {
     const auto step = static_cast<float>(dab.params().strength + 0.15);

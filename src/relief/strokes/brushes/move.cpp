@@ -1,5 +1,4 @@
 #include "relief/strokes/brushes/boxcopy.h"
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <cmath>
@@ -21,6 +20,7 @@ CELL_LOOP static void dragRow(const BoxCopy &before, const CellSpan &row, QPoint
     }
 }
 
+/// Drags the heights along with the pointer.
 bool dabMove(const Dab &dab)
 {
     const double dx = std::abs(dab.shift.x());

@@ -1,5 +1,4 @@
 #include "relief/strokes/brushes/boxcopy.h"
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -38,6 +37,7 @@ CELL_LOOP void gatherRow(const BoxCopy &before, const CellSpan &row, const Pull 
 
 } // namespace
 
+/// Gathers the heights toward the middle of the dab.
 bool dabPinch(const Dab &dab)
 {
     const double cells = 0.25 * dab.tool.radius();

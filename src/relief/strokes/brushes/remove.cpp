@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -46,6 +45,7 @@ CELL_LOOP bool lower(const Dab &dab, float floor)
 
 } // namespace
 
+/// Lowers by diag * 0.001 * s * w, down to 0, or to the lowest filled cell with the floor on.
 bool dabRemove(const Dab &dab)
 {
     return lower(dab, dab.params().ceilingOrFloor ? lowestFilledCell(dab) : 0.0F);

@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 namespace marlowen {
@@ -10,11 +9,13 @@ CELL_LOOP static bool setCells(const Dab &dab, float value)
     });
 }
 
+/// Empties the cells.
 bool dabErase(const Dab &dab)
 {
     return setCells(dab, 0.0F);
 }
 
+/// Sets the cells to the sampled height.
 bool dabHeight(const Dab &dab)
 {
     return setCells(dab, paintableHeight(dab.relief.sampleHeight));

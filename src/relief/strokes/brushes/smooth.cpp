@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -135,6 +134,8 @@ CELL_LOOP bool smooth(const Dab &dab, float direction)
 
 } // namespace
 
+/// Toward the mean of the cell and its neighbours, weighed 4, 2, 1; Raise and Lower keep to their
+/// direction.
 bool dabSmooth(const Dab &dab)
 {
     const int mode = dab.params().mode;

@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 #include <algorithm>
@@ -7,6 +6,15 @@
 namespace marlowen {
 
 namespace {
+
+/// What a stroke carries, by mirror image: heights by footprint cell, negative for none.
+struct Material : BrushState
+{
+    WarmBuffer<float> heights[4];
+    bool pickedUp[4] = {};
+
+    void beginStroke() override { std::fill_n(pickedUp, 4, false); }
+};
 
 /// Remembers the heights of the box by the footprint cell they lie under. Heights are never
 /// negative, so that a negative value can stand for a footprint cell that lies off the relief.
@@ -41,13 +49,15 @@ CELL_LOOP bool layDown(const Dab &dab, const float *material, float direction)
 
 } // namespace
 
+/// Lays down, all along the stroke, the material that lay under its first dab.
 bool dabSmudge(const Dab &dab)
 {
     const auto side = static_cast<size_t>(dab.tool.weights().side());
-    float *material = dab.tool.buffers().pickup[dab.image].need(side * side);
-    if (!dab.tool.pickedUp[dab.image]) {
+    auto &carried = dab.tool.brushState<Material>();
+    float *material = carried.heights[dab.image].need(side * side);
+    if (!carried.pickedUp[dab.image]) {
         pickUp(dab, material);
-        dab.tool.pickedUp[dab.image] = true;
+        carried.pickedUp[dab.image] = true;
         return false;
     }
     const int mode = dab.params().mode;

@@ -1,4 +1,3 @@
-#include "relief/strokes/brushes/brushes.h"
 #include "relief/strokes/dab.h"
 
 namespace marlowen {
@@ -15,6 +14,7 @@ CELL_LOOP static bool revert(const Dab &dab)
     });
 }
 
+/// Toward the reference heights.
 bool dabUndo(const Dab &dab)
 {
     return revert(dab);

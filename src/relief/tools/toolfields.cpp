@@ -1,0 +1,115 @@
+#include "relief/tools/toolfields.h"
+
+#include "relief/tools/tooltable.h"
+
+#include <QtGlobal>
+
+#include <array>
+#include <limits>
+#include <string>
+
+namespace marlowen {
+
+namespace {
+
+using P = ToolParams;
+
+constexpr FieldControl percent{0, 100, 1, 10, 0, "", percentScale};
+
+// clang-format off
+#define TEXT(text) QT_TRANSLATE_NOOP("Fields", text)
+
+constexpr Field<P> writtenRows[] = {
+    {&P::type, {.key = "type", .label = TEXT("Tool"), .hint = ""}},
+    {&P::mode,
+     {.key = "mode", .label = TEXT("Mode"), .hint = "", .flags = UsesMode, .range = {0, 2},
+      .choices = "Normal|Raise|Lower"}},
+    {&P::form,
+     {.key = "form", .label = TEXT("Form"), .hint = "", .flags = UsesFootprint, .range = {0, 1},
+      .choices = "Round|Square", .icons = "form_round|form_square"}},
+    {&P::size,
+     {.key = "size", .label = TEXT("Tool Size"),
+      .hint = TEXT("Radius of the brush: 100 is a tenth of the relief's diagonal. Keys [ and ]."),
+      .flags = UsesFootprint, .range = {0.01, 1.0}, .control = {1, 100, 1, 10, 0, "", percentScale},
+      .usable = {0, 10}}},
+    {&P::strength,
+     {.key = "strength", .label = TEXT("Tool Strength"), .hint = TEXT("How much one dab does."),
+      .flags = UsesStrength, .range = {0, 1},
+      .control = {1, 100, 1, 10, 0, "", squaredPercentScale}, .usable = {0, 1}}},
+    {&P::hardness,
+     {.key = "hardness", .label = TEXT("Tool Hardness"),
+      .hint = TEXT("How far from the centre the full effect reaches."),
+      .flags = UsesFalloff, .range = {0, 1}, .control = percent, .usable = {0, 1}}},
+    // Not so flat or so tall that its outline cannot be walked in a moment.
+    {&P::aspect,
+     {.key = "aspect", .label = TEXT("Aspect"),
+      .hint = TEXT("How many times longer than wide the brush is."),
+      .flags = UsesFootprint, .range = {0.01, 1000}, .control = {1, 15, 0.1, 1, 1},
+      .usable = {0.01, 1e6}}},
+    {&P::angle,
+     {.key = "angle", .label = TEXT("Angle"), .hint = TEXT("Turns the brush."),
+      .flags = UsesFootprint, .range = {-360, 360}, .control = {-90, 90, 1, 15, 0, "°"},
+      .usable = {-1e6, 1e6}}},
+    {&P::useDecay,
+     {.key = "useDecay", .label = TEXT("Decay Length"),
+      .hint = TEXT("The stroke fades out along its way."), .flags = Decays}},
+    {&P::decayLength,
+     {.key = "decayLength", .label = TEXT("Decay Length"),
+      .hint = TEXT("Length of the stroke: 100 is a hundred radii."),
+      .flags = Decays, .range = {0, 1}, .control = percent, .usable = {0, 1e6}}},
+    {&P::keepTransparency,
+     {.key = "keepTransparency", .label = TEXT("Keep Transparency"),
+      .hint = TEXT("Empty cells, whose height is 0, stay empty."), .flags = KeepsEmpty}},
+    {&P::smoothToolPaths,
+     {.key = "smoothToolPaths", .label = TEXT("Smooth Tool Paths"),
+      .hint = TEXT("The stroke follows a smooth curve along the pointer's path."),
+      .flags = UsesFootprint}},
+    {&P::smoothLength,
+     {.key = "smoothLength", .label = TEXT("Smooth Length"),
+      .hint = TEXT("Points that are drawn into one smooth curve."),
+      .flags = UsesFootprint, .range = {1, 1e6}, .control = {10, 200, 1, 10},
+      .usable = {2, std::numeric_limits<int>::max()}}},
+    {&P::ceilingOrFloor,
+     {.key = "ceilingOrFloor", .label = TEXT("Ceiling / Floor"),
+      .hint = TEXT("Heights stay below the highest, or above the lowest, height under the brush."),
+      .flags = UsesOption}},
+    {&P::tolerance,
+     {.key = "tolerance", .label = TEXT("Tolerance"),
+      .hint = TEXT("How much higher or lower than the clicked cell, as a share of the relief's range."),
+      .flags = UsesTolerance, .range = {0.01, 0.99}, .control = {0.01, 0.99, 0.01, 0.1, 2},
+      .usable = {0, 1}}},
+    {&P::continuous,
+     {.key = "continuous", .label = TEXT("Continuous"),
+      .hint = TEXT("Only cells that touch the clicked one through their sides."),
+      .flags = UsesTolerance}},
+    {&P::falloff,
+     {.key = "falloff", .label = TEXT("Falloff"), .hint = "", .flags = UsesFalloff, .range = {0, 3},
+      .choices = "Smooth|Linear|Sphere|Constant",
+      .icons = "falloff_smooth|falloff_linear|falloff_sphere|falloff_constant", .usable = {0, 3}}},
+};
+#undef TEXT
+// clang-format on
+
+/// The names of all tools in the order of Tool::Type.
+std::string typeNames()
+{
+    std::string names;
+    for (const ToolRow &row : toolTable())
+        names += (names.empty() ? "" : "|") + std::string(row.id);
+    return names;
+}
+
+} // namespace
+
+FieldTable<ToolParams> toolFields()
+{
+    static const std::string types = typeNames();
+    static const auto rows = [] {
+        auto complete = std::to_array(writtenRows);
+        complete.front().info.choices = types.c_str();
+        return complete;
+    }();
+    return rows;
+}
+
+} // namespace marlowen

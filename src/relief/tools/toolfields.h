@@ -1,0 +1,12 @@
+#pragma once
+
+#include "base/fieldtable.h"
+#include "relief/tools/toolparams.h"
+
+namespace marlowen {
+
+/// One row a tool parameter, in the order of the record. The flags are the ToolUse bits of the
+/// tools that use it.
+FieldTable<ToolParams> toolFields();
+
+} // namespace marlowen
