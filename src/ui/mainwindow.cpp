@@ -266,6 +266,8 @@ void MainWindow::setupControls()
     SculptEngine *engine = needsEditing.isEmpty() ? &m_bench.engine() : nullptr;
     m_sculptWin->setEngine(engine);
     m_flatWin->setEngine(engine);
+    m_sculptWin->setReason(needsEditing);
+    m_flatWin->setReason(needsEditing);
     (*m_commands)["openLast"]->setEnabled(!QevSettings().recentFiles().isEmpty());
     ribbonBar()->setPageVisible(Export, needsEditing.isEmpty());
 }

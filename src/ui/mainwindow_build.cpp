@@ -227,7 +227,8 @@ void MainWindow::_connectViews()
         connect(view, &ReliefView::reliefEdited, &m_bench, &Workbench::strokeEnded);
     }
     connect(m_sculptWin, &ReliefView::cameraChanged, this, &MainWindow::_showZoom);
-    connect(m_flatWin, &FlatWin::selectionChanged, this, &MainWindow::setupControls);
+    connect(m_sculptWin, &ReliefView::selectionChanged, this, &MainWindow::setupControls);
+    connect(m_flatWin, &ReliefView::selectionChanged, this, &MainWindow::setupControls);
     connect(m_flatWin, &FlatWin::cropChanged, this, &MainWindow::setupControls);
     connect(m_flatWin, &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
 }

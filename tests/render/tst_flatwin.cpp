@@ -39,6 +39,7 @@ private slots:
     void outlineLiesOnCellEdges();
     void panAndZoomOnly();
     void footprintOnlyForItsTools();
+    void maskIsShown();
     void oddReliefsAndWindows();
 };
 
@@ -248,6 +249,18 @@ void TestFlatWin::footprintOnlyForItsTools()
     QCOMPARE(stage.settle(), plain);
     stage.setTool(Tool::HeightBrush);
     QVERIFY(stage.settle() != plain);
+}
+
+void TestFlatWin::maskIsShown()
+{
+    Stage stage(Tool::None);
+    const QRgb plain = stage.pixel(stage.at(60, 40));
+    for (int row = 30; row < 50; ++row)
+        std::fill_n(stage.relief->maskLayer().data() + stage.relief->index(50, row), 20, 1.0F);
+    stage.relief->appearanceChanged = true;
+    stage.changes.notify();
+    const QRgb masked = stage.pixel(stage.at(60, 40));
+    QVERIFY(masked != plain && qRed(masked) > 20 && qBlue(masked) > qRed(masked));
 }
 
 void TestFlatWin::oddReliefsAndWindows()

@@ -127,7 +127,7 @@ private slots:
                          qPrintable(QString("%1, %2").arg(i).arg(j)));
     }
 
-    void selectionIsTheLargerOfSelectionAndMask()
+    void maskIsANegativeSelection()
     {
         Relief relief(8, 2);
         ReliefMesh mesh;
@@ -138,7 +138,7 @@ private slots:
         relief.maskLayer().data()[4] = 0.25F;
         relief.selectionLayer().data()[4] = 1.0F;
         fillSculptVertices(mesh, relief, mesh.vertices());
-        const std::vector<float> expected = {0.0F, 0.25F, 1.0F, 0.0F};
+        const std::vector<float> expected = {0.0F, -0.25F, 1.0F, 0.0F};
         QCOMPARE(std::vector<float>(mesh.selection(), mesh.selection() + 4), expected);
     }
 

@@ -1,3 +1,4 @@
+#include "relief/selection/selections.h"
 #include "relief/tools/tool.h"
 #include "relief/tools/tooltable.h"
 #include "render/overlays/gizmo.h"
@@ -64,7 +65,8 @@ private slots:
         QCOMPARE(b.view.mode(), int(ReliefView::NoMode));
         b.view.zoomAll();
         QCOMPARE(b.view.camera().pan, QPoint(0, 0));
-        QCOMPARE(b.view.camera().zoom, 2.0);
+        const double zoom = b.view.camera().zoom;
+        QVERIFY(std::abs(zoom - 0.92 * 360 / 150) < 1e-9);
 
         b.press(c, Qt::MiddleButton);
         QCOMPARE(b.view.mode(), int(ReliefView::RotateMode));
@@ -83,7 +85,7 @@ private slots:
         QCOMPARE(b.view.camera(), before);
         b.view.setMode(ReliefView::ZoomMode);
         b.drag({c, c + QPoint(0, 60)});
-        QCOMPARE(b.view.camera().zoom, 2.2);
+        QCOMPARE(b.view.camera().zoom, zoom + 0.2);
         QCOMPARE(b.view.mode(), int(ReliefView::ZoomMode));
     }
 
@@ -242,16 +244,70 @@ private slots:
         QCOMPARE(b.view.mode(), int(ReliefView::NoMode));
     }
 
-    void pressesOffTheReliefDoNothing()
+    void strokesBeginWhereTheyEnterTheRelief()
     {
         SculptBench b(medal(240, 180));
-        const auto before = copyOf(b.relief->heights());
-        b.drag({{470, 350}, b.centre(), b.centre() + QPoint(20, 20)});
-        QCOMPARE(copyOf(b.relief->heights()), before);
+        b.tool.size = 0.1; // radius 3
+        b.tool.keepTransparency = false;
+        const QPoint c = b.centre();
+        b.drag({c - QPoint(200, 0), c - QPoint(150, 0)});
         QCOMPARE(b.undo.count(), 0);
+        b.drag({c - QPoint(200, 0), c - QPoint(100, 0), c - QPoint(60, 0)});
+        QCOMPARE(b.undo.count(), 1);
+        const QRect touched = b.relief->strokeRegion.boundingRect();
+        QVERIFY(touched.left() <= 1 && touched.right() > 55 && touched.right() < 66);
+        const auto before = copyOf(b.relief->heights());
         b.view.setEngine(nullptr);
-        b.drag({b.centre(), b.centre() + QPoint(20, 20)});
+        b.view.setReason("Not now.");
+        QSignalSpy status(&b.view, &ReliefView::statusChanged);
+        b.drag({c, c + QPoint(20, 20)});
         QCOMPARE(copyOf(b.relief->heights()), before);
+        QCOMPARE(status.first().first().toString(), QString("Not now."));
+    }
+
+    void escapeTakesTheStrokeBack()
+    {
+        for (const int type : {int(Tool::Deposit), int(Tool::Mask)}) {
+            SculptBench b(medal(240, 180));
+            b.tool.type = type;
+            const auto heights = copyOf(b.relief->heights());
+            const auto mask = copyOf(b.relief->maskLayer());
+            const QImage picture = b.paint();
+            b.press(b.centre());
+            b.moveTo(b.centre() + QPoint(30, 0));
+            QTest::keyClick(&b.view, Qt::Key_Escape);
+            b.moveTo(b.centre() + QPoint(50, 0));
+            b.release({479, 359});
+            QCOMPARE(copyOf(b.relief->heights()), heights);
+            QCOMPARE(copyOf(b.relief->maskLayer()), mask);
+            QCOMPARE(b.undo.count(), 0);
+            b.moveTo({479, 359});
+            QVERIFY(b.paint().copy(160, 0, 300, 340) == picture.copy(160, 0, 300, 340));
+        }
+    }
+
+    void keysAndNewReliefsShowTheTop()
+    {
+        SculptBench b(medal(240, 180));
+        const Quaternion skew = rotationAbout({0.6, 0.8, 0}, 40);
+        b.view.zoomAll();
+        const Camera top = b.view.camera();
+        const auto other = medal(240, 180);
+        b.view.setRotation(skew);
+        b.view.setRelief(other.get(), true);
+        QCOMPARE(b.view.camera(), top);
+        b.view.setRotation(skew);
+        b.view.zoomAll();
+        QCOMPARE(b.view.rotation(), skew);
+        b.view.zoomAll();
+        QCOMPARE(b.view.camera(), top);
+        for (const auto &[key, face] : {std::pair(Qt::Key_2, 4), {Qt::Key_3, 6}, {Qt::Key_4, 5}}) {
+            QTest::keyClick(&b.view, key);
+            QCOMPARE(b.view.rotation(), presetOrientation(face));
+        }
+        QTest::keyClick(&b.view, Qt::Key_Home);
+        QCOMPARE(b.view.camera(), top);
+        b.view.setRelief(b.relief.get());
     }
 
     void aLostReleaseEndsTheStroke()
@@ -282,6 +338,11 @@ private slots:
         b.drag({b.centre(), b.centre() + QPoint(3, 3)});
         QCOMPARE(samples.count(), 1);
         QVERIFY(samples.first().first().toDouble() > 40.0);
+        QSignalSpy selected(&b.view, &ReliefView::selectionChanged);
+        b.tool.type = Tool::Magic;
+        b.drag({b.centre(), b.centre()});
+        QCOMPARE(selected.count(), 1);
+        selectNone(*b.relief);
         b.tool.type = Tool::Fill; // without a selection
         b.drag({b.centre(), b.centre()});
         b.tool.type = Tool::None;
@@ -303,6 +364,8 @@ private slots:
         QCoreApplication::processEvents();
         QCOMPARE(frames.count(), 0);
         QCOMPARE(status.count(), 1);
+        b.moveTo({5, 149}); // beside the relief
+        QTRY_COMPARE(status.last().first().toString(), QString());
     }
 };
 

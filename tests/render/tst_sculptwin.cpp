@@ -260,6 +260,43 @@ private slots:
         QVERIFY(side.point.z > 5 && side.point.z < 29);
     }
 
+    void materialAboveTheOldRangeIsSeen()
+    {
+        auto relief = std::make_unique<Relief>(200, 200);
+        std::fill_n(relief->heights().data(), relief->cells(), 1.0F);
+        SculptBench b(std::move(relief));
+        b.view.pick(b.centre());
+        const QRect block(80, 80, 40, 40);
+        for (int y = block.top(); y <= block.bottom(); ++y)
+            std::fill_n(b.relief->heights().data() + b.relief->index(80, y), 40, 5000.0F);
+        b.relief->frameRegion = block;
+        b.relief->heightsChanged = true;
+        b.view.changes()->notify();
+        const QImage image = b.paint();
+        QVERIFY(b.colorAt(image, b.centre()) != b.colorAt(image, {5, 355}));
+        const auto at = b.view.pick(b.centre());
+        QVERIFY(at.hit && std::abs(at.point.z - 5000) < 1);
+    }
+
+    void symmetryIsDrawn()
+    {
+        SculptBench b(medal(240, 180));
+        b.moveTo(b.centre() + QPoint(50, 20));
+        const QImage plain = b.paint();
+        b.relief->symmetryX = true;
+        b.view.refresh();
+        const QImage mirrored = b.paint();
+        const auto redder = [&](QPoint at) {
+            return b.colorAt(mirrored, at).red() > b.colorAt(plain, at).red() + 20;
+        };
+        QVERIFY(redder(b.centre() + QPoint(-50, 20)));
+        QVERIFY(!redder(b.centre() + QPoint(-50, -40)));
+        int axis = 0;
+        for (int y = -60; y < 60; ++y)
+            axis += redder(QPoint(240, 180 + y)) || redder(QPoint(239, 180 + y)) ? 1 : 0;
+        QVERIFY(axis > 30);
+    }
+
     void viewsShareTheChanges()
     {
         SculptBench b(medal(240, 180));

@@ -3,6 +3,7 @@
 #include "relief/grid/heightscan.h"
 #include "relief/grid/relief.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace marlowen {
@@ -27,7 +28,7 @@ void ReliefChanges::removeView(int view)
 void ReliefChanges::setRelief(Relief *relief)
 {
     m_relief = relief;
-    m_rangeStale = true;
+    m_rangeStale = m_extentStale = true;
     _spread(true, {});
 }
 
@@ -40,6 +41,10 @@ void ReliefChanges::collect()
     const bool appearance = std::exchange(m_relief->appearanceChanged, false);
     if (heights || !cells.isEmpty())
         m_rangeStale = true;
+    if (heights && cells.isEmpty())
+        m_extentStale = true;
+    else
+        _growExtent(cells);
     _spread(appearance || (heights && cells.isEmpty()), cells);
 }
 
@@ -73,7 +78,29 @@ HeightRange ReliefChanges::heightRange()
         m_range = scanHeights(heights.constData(), heights.size());
         m_rangeStale = false;
     }
+    m_extent = m_range;
+    m_extentStale = false;
     return m_range;
+}
+
+HeightRange ReliefChanges::extent()
+{
+    return m_extentStale ? heightRange() : m_extent;
+}
+
+void ReliefChanges::_growExtent(const QRegion &cells)
+{
+    if (m_extentStale)
+        return;
+    for (const QRect &rect : cells & m_relief->rect()) {
+        for (int row = rect.top(); row <= rect.bottom(); ++row) {
+            const float *first =
+                m_relief->heights().constData() + m_relief->index(rect.left(), row);
+            const HeightRange some = scanHeights(first, rect.width());
+            m_extent.minimum = std::min(m_extent.minimum, some.minimum);
+            m_extent.maximum = std::max(m_extent.maximum, some.maximum);
+        }
+    }
 }
 
 void ReliefChanges::notify()

@@ -53,6 +53,8 @@ public:
 
     /// Of the followed relief; the cells are scanned only when heights changed since the last call.
     HeightRange heightRange();
+    /// A range that holds all heights: exact after heightRange(), grown by what changed since.
+    HeightRange extent();
 
 public slots:
     /// Collects and tells the views.
@@ -68,10 +70,13 @@ private:
         PendingCells pending;
     };
     void _spread(bool full, const QRegion &cells);
+    void _growExtent(const QRegion &cells);
 
     Relief *m_relief = nullptr;
     std::vector<Reader> m_readers;
     HeightRange m_range;
+    HeightRange m_extent;
+    bool m_extentStale = true;
     bool m_rangeStale = true;
 };
 

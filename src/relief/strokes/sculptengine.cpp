@@ -301,4 +301,23 @@ void SculptEngine::endStroke(QPointF point, bool hit)
     m_relief->takeTool();
 }
 
+void SculptEngine::cancelStroke()
+{
+    const Tool *tool = _currentTool();
+    if (!tool)
+        return;
+    Relief &relief = *m_relief;
+    const int type = tool->params().type;
+    const QRect rect = relief.strokeRegion.boundingRect();
+    if (!rect.isEmpty() && type != Tool::Fill) { // a Fill is an event of its own already
+        const Patch before = copyPatch(relief.snapshotLayer(), relief.width(), rect);
+        before.pasteInto(paintedLayer(relief, type), relief.width());
+        unite(relief.frameRegion, rect);
+        relief.heightsChanged = true;
+        relief.appearanceChanged |= type == Tool::Mask;
+        relief.strokeRegion = {};
+    }
+    relief.takeTool();
+}
+
 } // namespace marlowen

@@ -44,6 +44,8 @@ public:
     /// Adds the last point (unless `hit` is false: then the stroke ends where it was), applies what
     /// is pending, pushes the undo event, releases the Tool.
     void endStroke(QPointF point, bool hit = true);
+    /// Gives the cells that the stroke in progress changed their values back and releases the Tool.
+    void cancelStroke();
     /// True from the beginning of a stroke (of a tool that has one) to its end.
     bool stroking() const;
 

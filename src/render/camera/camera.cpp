@@ -13,6 +13,8 @@ namespace {
 constexpr double smallestZoom = 1e-6;
 constexpr double largestZoom = 1e6;
 constexpr double largestPan = 1e8;
+/// Of the tighter direction of a widget that shows the whole model.
+constexpr double filledShare = 0.92;
 
 int rounded(double value)
 {
@@ -68,9 +70,15 @@ double SceneBox::diagonal() const
     return std::sqrt(width * width + height * height + depth * depth);
 }
 
+double SceneBox::reach() const
+{
+    const double depth = std::max(std::abs(zMin), std::abs(zMax));
+    return std::sqrt((width * width + height * height) / 4.0 + depth * depth);
+}
+
 ClipPlanes clipPlanes(const SceneBox &box, double zoom)
 {
-    const double reach = box.diagonal() * zoom;
+    const double reach = std::max(box.diagonal(), box.reach()) * zoom;
     if (!(reach > 0.0) || !std::isfinite(reach))
         return {};
     return {-reach, reach};
@@ -154,6 +162,12 @@ Camera zoomedToAll(const Camera &camera, const SceneBox &box, QSize widget)
         if (!small && bounds.width() <= widget.width() && bounds.height() <= widget.height())
             break;
         result.zoom = std::clamp(result.zoom * (small ? 2.0 : 0.5), smallestZoom, largestZoom);
+    }
+    if (bounds.width() > 0.0 || bounds.height() > 0.0) {
+        const double room = std::min(widget.width() / std::max(bounds.width(), 1e-9),
+                                     widget.height() / std::max(bounds.height(), 1e-9));
+        result.zoom = std::clamp(result.zoom * filledShare * room, smallestZoom, largestZoom);
+        bounds = screenBounds(box, viewMatrices(result, box, widget));
     }
     const QPointF centre = bounds.center();
     result.pan = {rounded(widget.width() / 2 - centre.x()),

@@ -34,6 +34,8 @@ struct SceneBox
 
     /// Length from corner to opposite corner.
     double diagonal() const;
+    /// Distance of the farthest point from the origin.
+    double reach() const;
     /// There is nothing to see.
     bool isEmpty() const { return width <= 0.0 || height <= 0.0; }
 };
@@ -65,7 +67,8 @@ struct ClipPlanes
     double far = 5000.0;
 };
 
-/// -d * zoom and d * zoom for the box's diagonal d; -5000 and 5000 when that is zero.
+/// -d * zoom and d * zoom for the box's diagonal or its reach d, whichever is longer; -5000 and
+/// 5000 when that is zero.
 ClipPlanes clipPlanes(const SceneBox &box, double zoom);
 
 /// Orthographic projection of the range -width/2..width/2, -height/2..height/2, near..far, as
@@ -84,8 +87,8 @@ Vector project(const Vector &model, const ViewMatrices &view);
 /// inverted.
 Vector unproject(const Vector &window, const ViewMatrices &view);
 
-/// Camera of the same rotation that shows the whole box, centred; the zoom is a power of two that
-/// fills at least half of one direction. The camera itself for an empty widget.
+/// Camera of the same rotation that shows the whole box, centred; the box fills 92 % of the tighter
+/// direction. The camera itself for an empty widget.
 Camera zoomedToAll(const Camera &camera, const SceneBox &box, QSize widget);
 
 /// One wheel movement (angle delta; positive away from the user zooms out) about the pointer. A

@@ -21,7 +21,7 @@ struct ShaderMesh
     std::span<const float> positions;  ///< x, y, z a vertex
     std::span<const float> normals;    ///< x, y, z a vertex, of any length; the 2D classes ignore
                                        ///< them
-    std::span<const float> selection;  ///< one value a vertex, 0 is not selected
+    std::span<const float> selection;  ///< one value a vertex, 0 is not selected, negative a mask
     std::span<const uint32_t> indices; ///< triangle strips, separated by 0xFFFFFFFF
 };
 

@@ -7,7 +7,10 @@ namespace marlowen {
 
 namespace {
 
-constexpr double half = 37.5;
+constexpr double half = gizmoHalf;
+/// Logical pixels a unit of the gizmo, and from its centre to the edges of the widget.
+constexpr double scale = 0.8;
+constexpr double fromEdge = 56.0;
 constexpr Vector corner[] = {{-half, -half, half}, {half, -half, half},   {half, half, half},
                              {-half, half, half},  {-half, -half, -half}, {half, -half, -half},
                              {half, half, -half},  {-half, half, -half}};
@@ -63,6 +66,11 @@ ViewMatrices gizmoMatrices(const Matrix &rotation, const QRect &viewport, int wi
     const int side = std::max(1, viewport.width());
     view.projection = orthographic({double(side), double(side)}, {-5000.0, 5000.0});
     view.modelview = rotation;
+    for (size_t i = 0; i < 12; ++i)
+        view.modelview[i] *= scale;
+    const double toCorner = std::max(0.0, side / 2.0 - fromEdge);
+    view.modelview[12] -= toCorner;
+    view.modelview[13] += toCorner;
     view.modelview[14] += 4000.0;
     view.viewport = {viewport.x(), widgetHeight - viewport.y() - viewport.height(), side, side};
     return view;
@@ -96,20 +104,14 @@ Quaternion presetOrientation(int face)
 {
     constexpr Vector xAxis{1, 0, 0};
     constexpr Vector yAxis{0, 1, 0};
-    switch (face) {
-    case 2:
+    constexpr Vector zAxis{0, 0, 1};
+    if (face == 2)
         return rotationAbout(yAxis, 180);
-    case 3:
-        return rotationAbout(xAxis, 90);
-    case 4:
-        return rotationAbout(xAxis, -90);
-    case 5:
-        return rotationAbout(yAxis, -90);
-    case 6:
-        return rotationAbout(yAxis, 90);
-    default:
+    // How far the model turns on its base before it is tipped up to show a side.
+    constexpr double turns[] = {180, 0, -90, 90}; // faces 3 to 6
+    if (face < 3 || face > 6)
         return {};
-    }
+    return multiplied(rotationAbout(xAxis, -90), rotationAbout(zAxis, turns[face - 3]));
 }
 
 } // namespace marlowen

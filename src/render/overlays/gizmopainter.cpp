@@ -3,10 +3,12 @@
 #include "render/camera/depthimage.h"
 #include "render/engines/keptpicture.h"
 #include "render/overlays/gizmo.h"
+#include "render/overlays/gizmolabels.h"
 #include "render/overlays/overlaylight.h"
 
 #include <QOpenGLFramebufferObject>
 #include <QOpenGLFunctions_2_1>
+#include <QOpenGLTexture>
 
 #include <GL/glu.h>
 
@@ -15,8 +17,8 @@ namespace marlowen {
 namespace {
 
 constexpr int slices = 16;
-constexpr double axisStart = -24.375;
-constexpr double axisLength = 48.75;
+constexpr double axisStart = gizmoAxisStart;
+constexpr double axisLength = gizmoAxisEnd - gizmoAxisStart;
 
 struct Axis
 {
@@ -31,7 +33,7 @@ constexpr Axis axes[] = {
 void drawCube(QOpenGLFunctions_2_1 &gl)
 {
     constexpr float both[] = {0.25F, 0.3F, 1.0F, 0.15F};
-    constexpr float diffuse[] = {0.6F, 0.6F, 0.6F, 0.5F};
+    constexpr float diffuse[] = {0.5F, 0.53F, 0.58F, 0.35F};
     const OverlayLight light(gl);
     gl.glDepthMask(GL_FALSE);
     gl.glMaterialfv(GL_FRONT, GL_AMBIENT_AND_DIFFUSE, both);
@@ -127,12 +129,20 @@ void GizmoPainter::_update(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, con
     gl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     drawCube(gl);
     drawAxes(gl);
-    gl.glDisable(GL_BLEND);
     gl.glDisable(GL_DEPTH_TEST);
+    _drawLabels(gl, gizmoLabels(view, place.ratio));
+    gl.glDisable(GL_BLEND);
     gl.glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
     m_smooth->release();
     QOpenGLFramebufferObject::blitFramebuffer(m_plain.get(), m_smooth.get());
     QOpenGLFramebufferObject::bindDefault();
+}
+
+void GizmoPainter::_drawLabels(QOpenGLFunctions_2_1 &gl, const QImage &labels)
+{
+    QOpenGLTexture texture(labels.mirrored(), QOpenGLTexture::DontGenerateMipMaps);
+    texture.setMinMagFilters(QOpenGLTexture::Nearest, QOpenGLTexture::Nearest);
+    drawTextureOverViewport(gl, texture.textureId());
 }
 
 } // namespace marlowen

@@ -7,6 +7,7 @@
 #include <memory>
 
 class QOpenGLFramebufferObject;
+class QImage;
 class QOpenGLFunctions_2_1;
 
 namespace marlowen {
@@ -34,6 +35,7 @@ public:
 
 private:
     void _update(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, const Place &place);
+    static void _drawLabels(QOpenGLFunctions_2_1 &gl, const QImage &labels);
 
     std::unique_ptr<QOpenGLFramebufferObject> m_smooth; ///< several samples a pixel
     std::unique_ptr<QOpenGLFramebufferObject> m_plain;  ///< what is drawn

@@ -31,9 +31,13 @@ void main()
     vec3 color = AmbientMaterial.rgb * AmbientMaterial.w + df * DiffuseMaterial.rgb
                  + sf * SpecularMaterial.rgb;
 
-    if (selected != 0.0) {
+    if (selected > 0.0) {
         float mag = length(color);
         color = normalize(vec3(1.0, 0.0, 0.0) + color) * mag;
+    } else if (selected < 0.0) {
+        // The mask: violet, the more the stronger it is.
+        float grey = dot(color, vec3(0.3, 0.59, 0.11));
+        color = mix(color, vec3(0.45, 0.25, 0.7) * (0.35 + 0.9 * grey), 0.75 * min(-selected, 1.0));
     }
     if (vZPos <= 0.0 && selected == 0.0)
         gl_FragColor = vec4(texture2D(TexUnit0, vTexCoord).rgb, 0.5);

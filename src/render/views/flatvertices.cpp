@@ -54,18 +54,15 @@ void fillFlatVertices(ReliefMesh &mesh, const Relief &relief, const QRect &verti
                       const HeightLevels &levels)
 {
     const Leveller levelled(levels);
-    const bool anySelected = relief.selectionLayer().written();
     const double halfWidth = relief.width() * 0.5;
     for (int j = vertices.top(); j <= vertices.bottom(); ++j) {
         const int row = mesh.region().top() + j * mesh.step();
         const int firstColumn = mesh.region().left() + vertices.left() * mesh.step();
         const qsizetype cell = relief.index(firstColumn, row);
         const float *height = relief.heights().constData() + cell;
-        const float *selected = relief.selectionLayer().constData() + cell;
         const auto vertex = static_cast<size_t>(j) * static_cast<size_t>(mesh.columns()) +
                             static_cast<size_t>(vertices.left());
         float *position = mesh.positions() + 3 * vertex;
-        float *selection = mesh.selection() + vertex;
         const auto y = static_cast<float>(row - relief.height() * 0.5);
         for (int i = 0; i < vertices.width(); ++i) {
             const qsizetype offset = static_cast<qsizetype>(i) * mesh.step();
@@ -74,8 +71,9 @@ void fillFlatVertices(ReliefMesh &mesh, const Relief &relief, const QRect &verti
             position[3 * i + 1] = y;
             position[3 * i + 2] =
                 static_cast<float>(levelled(static_cast<double>(height[offset])) * relief.zScale);
-            selection[i] = anySelected ? selected[offset] : 0.0F;
         }
+        fillSelection(relief, {firstColumn, row, mesh.step(), vertices.width()},
+                      mesh.selection() + vertex);
     }
 }
 

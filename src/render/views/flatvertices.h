@@ -21,8 +21,8 @@ struct HeightLevels
 double levelledHeight(double height, const HeightLevels &levels);
 
 /// Positions and selection of a rectangle of vertices (columns and rows of the mesh), no normals:
-/// position = (column - width / 2, row - height / 2, levelled height * zScale), selection = the
-/// cell's own.
+/// position = (column - width / 2, row - height / 2, levelled height * zScale), selection as
+/// fillSelection() has it.
 void fillFlatVertices(ReliefMesh &mesh, const Relief &relief, const QRect &vertices,
                       const HeightLevels &levels);
 

@@ -290,6 +290,8 @@ void FlatWin::mousePressEvent(QMouseEvent *event)
     _syncTool();
     if (event->button() != Qt::LeftButton || mode() != NoMode) {
         ReliefView::mousePressEvent(event);
+    } else if (m_shape.usable() && !canEdit()) {
+        showReason();
     } else if (m_shape.usable()) {
         m_shape.press(_gridAt(event->position()), _pixelInCells());
         _shapeChanged();
@@ -305,14 +307,12 @@ void FlatWin::_pressEngine(QMouseEvent *event)
     if (engine())
         engine()->setSelectionModifier(m_modifier);
     ReliefView::mousePressEvent(event);
-    if (tool().type == Tool::Magic)
-        emit selectionChanged();
 }
 
 void FlatWin::mouseMoveEvent(QMouseEvent *event)
 {
     ReliefView::mouseMoveEvent(event);
-    if (!relief() || !m_shape.usable())
+    if (!relief() || !m_shape.usable() || !canEdit())
         return;
     event->accept();
     m_shape.moveTo(_gridAt(event->position()), _pixelInCells());
@@ -325,14 +325,14 @@ void FlatWin::mouseReleaseEvent(QMouseEvent *event)
         ReliefView::mouseReleaseEvent(event);
         return;
     }
-    if (m_shape.release(_gridAt(event->position()), _pixelInCells()))
+    if (canEdit() && m_shape.release(_gridAt(event->position()), _pixelInCells()))
         _finishShape();
     _shapeChanged();
 }
 
 void FlatWin::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton || !relief() || !m_shape.usable()) {
+    if (event->button() != Qt::LeftButton || !canEdit() || !m_shape.usable()) {
         mousePressEvent(event);
         return;
     }

@@ -60,8 +60,6 @@ public slots:
     void cancelShape();
 
 signals:
-    /// A shape, a magic selection or selectNone() changed the selection.
-    void selectionChanged();
     /// The crop box appeared or vanished.
     void cropChanged(bool present);
     /// Enter or a double-click in the crop box.

@@ -46,6 +46,15 @@ bool PointerStroke::end(const Point &release)
     return m_edited;
 }
 
+void PointerStroke::cancel()
+{
+    if (!m_running)
+        return;
+    _throughEngine([](SculptEngine &engine) { engine.cancelStroke(); });
+    forget();
+    m_target.changes->notify();
+}
+
 void PointerStroke::forget()
 {
     m_running = false;

@@ -48,6 +48,8 @@ public:
     void moveTo(const Point &point);
     /// True when the stroke changed the relief.
     bool end(const Point &release);
+    /// Takes the stroke back.
+    void cancel();
     /// Forgets the stroke, without the engine.
     void forget();
 

@@ -138,21 +138,28 @@ void writeRun(const VertexRun &run, int width)
         writeStepped(inner);
 }
 
-// The larger of selection and mask of every step-th cell; a null layer is all 0.
-void writeSelection(const float *selection, const float *mask, const VertexRun &run, float *out)
-{
-    for (int i = 0; i < run.count; ++i) {
-        const int c = run.column + i * run.step;
-        out[i] = std::max(selection ? selection[c] : 0.0F, mask ? mask[c] : 0.0F);
-    }
-}
-
 const float *rowOf(const GridLayer &layer, qsizetype offset)
 {
     return layer.written() ? layer.constData() + offset : nullptr;
 }
 
 } // namespace
+
+void fillSelection(const Relief &relief, const SelectionRun &run, float *out)
+{
+    const qsizetype row = relief.index(0, run.row);
+    const float *selection = rowOf(relief.selectionLayer(), row);
+    const float *mask = rowOf(relief.maskLayer(), row);
+    if (!selection && !mask) {
+        std::fill_n(out, run.count, 0.0F);
+        return;
+    }
+    for (int i = 0; i < run.count; ++i) {
+        const int c = run.column + i * run.step;
+        const float selected = selection ? selection[c] : 0.0F;
+        out[i] = selected > 0.0F || !mask ? selected : -mask[c];
+    }
+}
 
 bool ReliefMesh::layOut(const QRect &region, int step, bool withNormals)
 {
@@ -240,8 +247,7 @@ void fillSculptVertices(ReliefMesh &mesh, const Relief &relief, const QRect &ver
         run.position = mesh.positions() + 3 * vertex;
         run.normal = mesh.normals() + 3 * vertex;
         writeRun(run, width);
-        writeSelection(rowOf(relief.selectionLayer(), offsetOf(row)),
-                       rowOf(relief.maskLayer(), offsetOf(row)), run, mesh.selection() + vertex);
+        fillSelection(relief, {run.column, row, run.step, run.count}, mesh.selection() + vertex);
     }
 }
 

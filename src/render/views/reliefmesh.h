@@ -65,11 +65,24 @@ private:
 /// upper row in turn, then 0xFFFFFFFF.
 void fillStripIndices(std::vector<uint32_t> &indices, int columns, int rows);
 
+/// Cells of a row: `count` of them from `column` on, every step-th.
+struct SelectionRun
+{
+    int column = 0;
+    int row = 0;
+    int step = 1;
+    int count = 0;
+};
+
+/// The selection values that the shaders take: the cell's selection where it is selected, else its
+/// mask as a negative number.
+void fillSelection(const Relief &relief, const SelectionRun &run, float *out);
+
 /// Positions, normals and selection of a rectangle of vertices, lit in model space:
 ///  - position = (column - width / 2, row - height / 2, height * zScale);
 ///  - normal from the six neighbours that share a triangle with the cell, z 1, not of unit length;
 ///    cells beyond the relief's edge count as the edge cell;
-///  - selection = the larger of the cell's selection and mask.
+///  - selection as fillSelection() has it.
 void fillSculptVertices(ReliefMesh &mesh, const Relief &relief, const QRect &vertices);
 
 } // namespace marlowen

@@ -1,15 +1,18 @@
 #include "render/views/reliefview.h"
 
 #include "relief/grid/relief.h"
+#include "relief/strokes/sculptengine.h"
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/tool.h"
 #include "render/camera/levelofdetail.h"
 #include "render/engines/shader.h"
 #include "render/overlays/footprint.h"
 #include "render/overlays/footprintpainter.h"
+#include "render/overlays/symmetrypainter.h"
 #include "render/views/statustext.h"
 
 #include <QCursor>
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -40,8 +43,13 @@ ReliefView::~ReliefView()
 void ReliefView::setRelief(Relief *relief, bool resize)
 {
     m_stroke.forget();
+    m_strokeWaits = false;
     holdDepth(false);
+    const bool another = relief != m_relief;
     m_relief = relief;
+    // It is shown from above.
+    if (another && rotation() != Quaternion())
+        setRotation({});
     m_changes->setRelief(relief);
     invalidateVertices();
     if (resize)
@@ -73,19 +81,16 @@ SceneBox ReliefView::sceneBox() const
 {
     if (!m_relief)
         return {};
+    const HeightRange extent = m_changes->extent();
     return {double(m_relief->width()), double(m_relief->height()),
-            m_range.minimum * m_relief->zScale, m_range.maximum * m_relief->zScale};
+            extent.minimum * m_relief->zScale, extent.maximum * m_relief->zScale};
 }
 
 SceneBox ReliefView::wholeBox()
 {
-    SceneBox box = sceneBox();
-    if (m_relief) {
-        const HeightRange range = m_changes->heightRange();
-        box.zMin = range.minimum * m_relief->zScale;
-        box.zMax = range.maximum * m_relief->zScale;
-    }
-    return box;
+    if (m_relief)
+        m_changes->heightRange(); // makes the extent exact
+    return sceneBox();
 }
 
 void ReliefView::refresh()
@@ -180,17 +185,38 @@ void ReliefView::drawSurface(Shader &shader)
 
 void ReliefView::drawFootprint(QOpenGLFunctions_2_1 &gl)
 {
-    if (!m_relief || !pointerInside() || !hasFootprint(m_tool->type))
+    if (!canEdit() || !hasFootprint(m_tool->type))
+        return;
+    drawSymmetryAxes(gl, *m_relief, camera().zoom, devicePixelRatioF());
+    if (!pointerInside())
         return;
     const PickResult at = pick(lastPos());
-    if (at.hit)
-        m_footprint->draw(gl, *m_relief, *m_tool,
-                          {{at.point.x, at.point.y}, camera().zoom, devicePixelRatioF()});
+    if (!at.hit)
+        return;
+    for (const QPointF &image : mirrorImages(*m_relief, {at.point.x, at.point.y}))
+        m_footprint->draw(gl, *m_relief, *m_tool, {image, camera().zoom, devicePixelRatioF()});
 }
 
-QString ReliefView::statusText(const PickResult &at) const
+QString ReliefView::statusText(const Vector &point) const
 {
-    return marlowen::statusText(at.point, sceneBox());
+    return marlowen::statusText(point, sceneBox());
+}
+
+void ReliefView::setEngine(SculptEngine *engine)
+{
+    m_engine = engine;
+    update();
+}
+
+bool ReliefView::canEdit() const
+{
+    return m_relief && m_engine && m_engine->relief() == m_relief;
+}
+
+void ReliefView::showReason()
+{
+    if (m_relief && !m_reason.isEmpty())
+        emit statusChanged(m_reason);
 }
 
 PointerStroke::Point ReliefView::_pointAt(QPoint position, Qt::KeyboardModifiers keys)
@@ -203,18 +229,48 @@ void ReliefView::beginStroke(const QMouseEvent &event)
 {
     m_stroke.forget();
     holdDepth(false);
-    if (!m_engine || !m_relief)
+    m_strokeWaits = false;
+    if (!canEdit()) {
+        showReason();
         return;
-    const PointerStroke::Target target{m_relief, m_engine, m_changes};
-    if (!m_stroke.begin(target, *m_tool, _pointAt(lastPos(), event.modifiers())))
+    }
+    if (_startStroke(_pointAt(lastPos(), event.modifiers())))
         return;
+    m_strokeWaits = hasFootprint(m_tool->type);
+    m_strokeFrom = lastPos();
+}
+
+bool ReliefView::_startStroke(const PointerStroke::Point &press)
+{
+    if (!m_stroke.begin({m_relief, m_engine, m_changes}, *m_tool, press))
+        return false;
     holdDepth(true);
     if (m_tool->type == Tool::Sample)
         emit sampleChanged(double(m_relief->sampleHeight));
+    if (m_tool->type == Tool::Magic)
+        emit selectionChanged();
+    return true;
+}
+
+// Halves the way until the pixel where the pointer came onto the relief is found.
+void ReliefView::_enterRelief(QPoint outside, QPoint inside, Qt::KeyboardModifiers keys)
+{
+    while ((inside - outside).manhattanLength() > 1) {
+        const QPoint middle = (outside + inside) / 2;
+        if (middle == outside || middle == inside)
+            break;
+        (pick(middle).hit ? inside : outside) = middle;
+    }
+    m_strokeWaits = !_startStroke(_pointAt(inside, keys));
 }
 
 void ReliefView::continueStroke(const QMouseEvent &event)
 {
+    if (m_strokeWaits) {
+        const QPoint from = std::exchange(m_strokeFrom, lastPos());
+        if (pick(lastPos()).hit)
+            _enterRelief(from, lastPos(), event.modifiers());
+    }
     if (!m_stroke.running())
         return;
     const QPoint position = m_stroke.onLine(lastPos());
@@ -226,14 +282,38 @@ void ReliefView::continueStroke(const QMouseEvent &event)
 
 void ReliefView::finishStroke(QPoint position)
 {
+    m_strokeWaits = false;
     if (!m_stroke.running())
         return;
-    const PointerStroke::Point last = _pointAt(m_stroke.onLine(position), {});
-    // The engine's last dabs are drawn with the depth still held.
-    const bool edited = m_stroke.end(last);
+    const bool edited = m_stroke.end(_pointAt(m_stroke.onLine(position), {}));
     holdDepth(false);
+    refreshStatus();
     if (edited)
         emit reliefEdited();
+}
+
+void ReliefView::_cancelStroke()
+{
+    m_stroke.cancel();
+    holdDepth(false);
+    refreshStatus();
+}
+
+bool ReliefView::event(QEvent *event)
+{
+    // Esc takes a stroke back, whatever shortcut the window has on it.
+    if (event->type() == QEvent::ShortcutOverride && m_stroke.running() &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        event->accept();
+    return SurfaceView::event(event);
+}
+
+void ReliefView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && m_stroke.running())
+        _cancelStroke();
+    else
+        SurfaceView::keyPressEvent(event);
 }
 
 bool ReliefView::wheelTurned(Qt::KeyboardModifiers keys, int delta)

@@ -35,10 +35,12 @@ public:
     /// view's own record.
     void setTool(ToolParams *tool);
     ToolParams &tool() const { return *m_tool; }
-    /// Strokes go through it; without one, or while it is attached to another relief, the
-    /// pointer only looks.
-    void setEngine(SculptEngine *engine) { m_engine = engine; }
+    /// Strokes go through it; without one, or while it is attached to another relief, the pointer
+    /// only looks.
+    void setEngine(SculptEngine *engine);
     SculptEngine *engine() const { return m_engine; }
+    /// Why the pointer only looks: shown in the status line by a press that would edit.
+    void setReason(const QString &reason) { m_reason = reason; }
     /// Share one with the other views of the same relief; null: the view's own.
     void setChanges(ReliefChanges *changes);
     ReliefChanges *changes() const { return m_changes; }
@@ -59,6 +61,8 @@ signals:
     void reliefEdited();
     /// The Sample tool picked a height.
     void sampleChanged(double height);
+    /// A shape, a magic selection or selectNone() changed the selection.
+    void selectionChanged();
 
 protected:
     // What a derived view supplies.
@@ -79,7 +83,9 @@ protected:
     bool updateSurface(Shader &shader) override;
     void drawSurface(Shader &shader) override;
     void releaseOverlays(QOpenGLFunctions_2_1 &gl) override;
-    QString statusText(const PickResult &at) const override;
+    QString statusText(const Vector &point) const override;
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void beginStroke(const QMouseEvent &event) override;
     void continueStroke(const QMouseEvent &event) override;
     void finishStroke(QPoint position) override;
@@ -87,16 +93,23 @@ protected:
 
     /// All vertices must be computed anew though the relief did not change.
     void invalidateVertices();
+    /// The engine works on this relief.
+    bool canEdit() const;
+    /// Tells why an edit is refused.
+    void showReason();
     /// Heights the vertices were computed with, unscaled, as of the last full rebuild.
     HeightRange heightRange() const { return m_range; }
-    /// Within drawOverlays: the tool's footprint on the surface under the pointer, if it hits
-    /// and the tool has one.
+    /// Within drawOverlays: the tool's footprint on the surface under the pointer and at its mirror
+    /// images, if it hits and the tool has one, and the axes of the symmetry.
     void drawFootprint(QOpenGLFunctions_2_1 &gl);
 
 private:
     void _rebuildVertices(Shader &shader, const QRect &visible);
     void _refreshVertices(Shader &shader, const QRegion &cells);
     PointerStroke::Point _pointAt(QPoint position, Qt::KeyboardModifiers keys);
+    bool _startStroke(const PointerStroke::Point &press);
+    void _enterRelief(QPoint outside, QPoint inside, Qt::KeyboardModifiers keys);
+    void _cancelStroke();
     void _changeToolSize(double by);
 
     Relief *m_relief = nullptr;
@@ -111,6 +124,9 @@ private:
     ReliefMesh m_mesh;
     QSize m_grid; ///< size of the relief that the mesh was built for
     PointerStroke m_stroke;
+    QPoint m_strokeFrom;        ///< of a press beside the relief: where the pointer was last
+    bool m_strokeWaits = false; ///< the press was beside the relief
+    QString m_reason;
     std::unique_ptr<FootprintPainter> m_footprint;
     bool m_verticesStale = true;
     bool m_indicesStale = true;

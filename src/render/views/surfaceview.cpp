@@ -71,9 +71,20 @@ void SurfaceView::zoomAll()
         m_zoomAllPending = true;
         return;
     }
+    if (!_fitCamera() && rotation() != Quaternion()) {
+        setRotation({});
+        _fitCamera();
+    }
+}
+
+// False when the camera shows the whole surface already.
+bool SurfaceView::_fitCamera()
+{
     const SceneBox box = wholeBox();
+    const Camera before = m_camera;
     if (!box.isEmpty())
         setCamera(zoomedToAll(m_camera, box, size()));
+    return m_camera != before;
 }
 
 void SurfaceView::invalidatePicture()
@@ -181,6 +192,7 @@ void SurfaceView::_rasterise()
     ++m_counters.pictures;
     m_pictureStale = false;
     m_depthStale = true;
+    m_statusPending = true;
 }
 
 void SurfaceView::_paintOverPicture()
@@ -240,13 +252,16 @@ SurfaceView::PickResult SurfaceView::pick(QPoint position)
     _ensureDepth();
     const double depth = m_depth.at(position, devicePixelRatioF());
     const double y = height() - 1 - position.y();
-    return {depth < 1.0, unproject({double(position.x()), y, depth}, m_drawn)};
+    return {depth < 1.0, unproject({double(position.x()), y, depth}, m_depthMatrices)};
 }
 
 void SurfaceView::_ensureDepth()
 {
     const bool moved = matrices() != m_drawn;
-    if (!m_shader || (!moved && (m_depthHeld || !m_depthStale)))
+    // The surface itself may reach out of the old clip planes while the depth is held.
+    const bool held = m_depthHeld && m_camera == m_depthCamera &&
+                      m_depth.size() == physicalSize(size(), devicePixelRatioF());
+    if (!m_shader || held || (!moved && !m_depthStale))
         return;
     const bool painting = QOpenGLContext::currentContext() == context();
     if (!painting)
@@ -257,14 +272,22 @@ void SurfaceView::_ensureDepth()
         m_picture->readDepth(*m_gl, m_depth);
         ++m_counters.depthReads;
         m_depthStale = false;
+        m_depthMatrices = m_drawn;
+        m_depthCamera = m_camera;
     }
     if (!painting)
         doneCurrent();
 }
 
-QString SurfaceView::statusText(const PickResult &) const
+QString SurfaceView::statusText(const Vector &) const
 {
     return {};
+}
+
+void SurfaceView::showStatus(const QString &text)
+{
+    if (text != std::exchange(m_status, text))
+        emit statusChanged(text);
 }
 
 void SurfaceView::statusTimeout()
@@ -274,9 +297,8 @@ void SurfaceView::statusTimeout()
     if (!m_statusPending || !isValid() || moving || sceneBox().isEmpty() || matrices() != m_drawn)
         return;
     m_statusPending = false;
-    const QString text = statusText(pick(m_lastPos));
-    if (!text.isEmpty())
-        emit statusChanged(text);
+    const PickResult at = pick(m_lastPos);
+    showStatus(at.hit && m_pointerInside ? statusText(at.point) : QString());
 }
 
 } // namespace marlowen

@@ -51,7 +51,8 @@ public:
         Vector point; ///< model space
     };
     /// The surface under a logical position, from the depth of the picture; draws that first when
-    /// the camera moved since. While the depth is held it is that of the moment it was held.
+    /// the camera moved since. While the depth is held it is that of the moment it was held, as
+    /// long as the camera stands still.
     PickResult pick(QPoint position);
 
     /// Work done since construction.
@@ -75,11 +76,13 @@ public:
     void setRotation(const Quaternion &rotation);
 
 public slots:
+    /// Shows the whole surface; a turned view that shows it already turns to the top.
     void zoomAll();
     /// Percent of the normal size of the mouse pointers of all views; stored in the settings.
     void setCursorScale(int percent);
 
 signals:
+    /// Text for the status line; empty when the pointer left the surface.
     void statusChanged(const QString &text);
     void cameraChanged();
 
@@ -108,8 +111,8 @@ protected:
     /// Releases what drawOverlays made; the context is current.
     virtual void releaseOverlays(QOpenGLFunctions_2_1 &gl);
 
-    /// Text of the status line for the point under the pointer; empty for none.
-    virtual QString statusText(const PickResult &at) const;
+    /// Text of the status line for a point of the surface.
+    virtual QString statusText(const Vector &point) const;
     /// Mode that a press starts, NoMode when the press is not the view's.
     virtual int modeForPress(const QMouseEvent &event);
     /// A press started SculptMode.
@@ -129,6 +132,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
 
@@ -146,6 +150,10 @@ protected:
     const ViewMatrices &drawnMatrices() const { return m_drawn; }
     QPoint lastPos() const { return m_lastPos; }
     void setLastPos(QPoint position) { m_lastPos = position; }
+    /// The status line is due: what is under the pointer may have changed.
+    void refreshStatus() { m_statusPending = true; }
+    /// Tells the status line, unless it was told the same last.
+    void showStatus(const QString &text);
     bool pointerInside() const { return m_pointerInside; }
     Counters &work() { return m_counters; }
     void releaseGL();
@@ -161,12 +169,15 @@ private:
     void _paintMessage();
     void _logErrors();
     void _ensureDepth();
+    bool _fitCamera();
     void _dragCamera(QPoint from, QPoint to);
     void _endInteraction(QPoint position);
 
     Camera m_camera;
     ViewMatrices m_drawn;
     DepthImage m_depth;
+    ViewMatrices m_depthMatrices; ///< of the picture that the depth was read from
+    Camera m_depthCamera;
     QOpenGLFunctions_2_1 *m_gl = nullptr; ///< owned by the context
     std::unique_ptr<Shader> m_shader;
     std::unique_ptr<KeptPicture> m_picture;
@@ -186,6 +197,7 @@ private:
     Qt::MouseButton m_heldButton = Qt::NoButton;
     QPoint m_lastPos;
     QTimer m_statusTimer;
+    QString m_status;
 };
 
 } // namespace marlowen

@@ -1,9 +1,13 @@
 #include "render/overlays/gizmo.h"
 #include "render/views/surfaceview.h"
 #include "render/views/turntable.h"
+#include "render/views/wheeldirection.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
+
+#include <algorithm>
 
 namespace marlowen {
 
@@ -12,6 +16,15 @@ namespace marlowen {
 namespace {
 
 constexpr double zoomDragDivisor = 300.0;
+
+/// Keys that look straight at a face of the gizmo.
+struct ViewKey
+{
+    int key;
+    int face;
+};
+constexpr ViewKey viewKeys[] = {
+    {Qt::Key_Home, 1}, {Qt::Key_1, 1}, {Qt::Key_2, 4}, {Qt::Key_3, 6}, {Qt::Key_4, 5}};
 
 QPoint positionOf(const QSinglePointEvent &event)
 {
@@ -165,7 +178,21 @@ void SurfaceView::wheelEvent(QWheelEvent *event)
     const int delta = angle.y() != 0 ? angle.y() : angle.x();
     if (delta == 0 || wheelTurned(event->modifiers(), delta))
         return;
-    setCamera(wheelZoomed(m_camera, delta, positionOf(*event), size()));
+    const int zoomBy = wheelZoomsIn() ? -delta : delta;
+    setCamera(wheelZoomed(m_camera, zoomBy, positionOf(*event), size()));
+}
+
+void SurfaceView::keyPressEvent(QKeyEvent *event)
+{
+    const auto row = std::find_if(std::begin(viewKeys), std::end(viewKeys), [&](const ViewKey &k) {
+        return k.key == event->key() && !(event->modifiers() & ~Qt::KeypadModifier);
+    });
+    if (!m_turntable || row == std::end(viewKeys)) {
+        QOpenGLWidget::keyPressEvent(event);
+        return;
+    }
+    setRotation(presetOrientation(row->face));
+    _fitCamera();
 }
 
 void SurfaceView::enterEvent(QEnterEvent *event)
@@ -178,6 +205,7 @@ void SurfaceView::enterEvent(QEnterEvent *event)
 void SurfaceView::leaveEvent(QEvent *event)
 {
     m_pointerInside = false;
+    showStatus({});
     update();
     QOpenGLWidget::leaveEvent(event);
 }
