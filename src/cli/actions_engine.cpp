@@ -80,10 +80,10 @@ void click(ScriptState &state, Tool::Type type, QPointF point)
 
 Outcome stroke(ScriptState &state, const QJsonObject &arguments)
 {
-    const QList<QPointF> points = pointsOf(arguments.value(QLatin1String("points")));
+    const QList<StrokePoint> points = strokePointsOf(arguments.value(QLatin1String("points")));
     SculptEngine &engine = state.bench.engine();
     engine.beginStroke(state.bench.tool, points.front());
-    for (const QPointF &point : points.mid(1)) {
+    for (const StrokePoint &point : points.mid(1)) {
         engine.addStrokePoint(point);
         engine.flush();
     }
@@ -145,7 +145,7 @@ const std::vector<ScriptAction> &strokeActions()
           {"repeat", KeyType::Integer, false, 1.0, 1000.0}},
          alpha,
          false},
-        {"stroke", {{"points", KeyType::Points, true}}, stroke},
+        {"stroke", {{"points", KeyType::StrokePoints, true}}, stroke},
         {"sample", {{"point", KeyType::Point, true}}, sample},
         {"setSample",
          {{"height", KeyType::Number, true, 0.0, std::numeric_limits<float>::max()}},

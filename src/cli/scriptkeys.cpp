@@ -33,6 +33,17 @@ bool isList(const QJsonValue &value, bool whole)
     });
 }
 
+bool isStrokePoint(const QJsonValue &value)
+{
+    QJsonArray numbers = value.toArray();
+    if (numbers.size() == 3) {
+        const QJsonValue pressure = numbers.takeAt(2);
+        if (!pressure.isDouble() || pressure.toDouble() < 0.0 || pressure.toDouble() > 1.0)
+            return false;
+    }
+    return isPair(numbers, false);
+}
+
 /// The system's file calls end a name at its first NUL: the rest would be ignored.
 bool isText(const QJsonValue &value)
 {
@@ -99,6 +110,12 @@ const TypeRow typeRows[] = {
      "a pair of numbers"},
     {KeyType::Points, [](const QJsonValue &v, const ScriptKey &) { return isList(v, false); },
      "a list of one or more pairs of numbers"},
+    {KeyType::StrokePoints,
+     [](const QJsonValue &v, const ScriptKey &) {
+         const QJsonArray list = v.toArray();
+         return !list.isEmpty() && std::all_of(list.begin(), list.end(), isStrokePoint);
+     },
+     "a list of one or more pairs of numbers, each with a pressure from 0 to 1 if wanted"},
     {KeyType::Cells, [](const QJsonValue &v, const ScriptKey &) { return isList(v, true); },
      "a list of one or more pairs of whole numbers"},
     {KeyType::Three,

@@ -20,13 +20,14 @@ enum class KeyType {
     Number,
     Text,
     TextOrNull,
-    Choice, ///< one of the words in `choices`
-    Point,  ///< [x, y]
-    Points, ///< [[x, y], ...], at least one
-    Cells,  ///< [[column, row], ...] of integers, at least one
-    Three,  ///< [x, y, z], each within the range
-    Words,  ///< a list of the words in `choices`
-    Object  ///< an object of the keys in `nested`
+    Choice,       ///< one of the words in `choices`
+    Point,        ///< [x, y]
+    Points,       ///< [[x, y], ...], at least one
+    StrokePoints, ///< [[x, y], [x, y, pressure 0..1], ...], at least one
+    Cells,        ///< [[column, row], ...] of integers, at least one
+    Three,        ///< [x, y, z], each within the range
+    Words,        ///< a list of the words in `choices`
+    Object        ///< an object of the keys in `nested`
 };
 
 /// One key that an action takes.

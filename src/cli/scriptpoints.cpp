@@ -17,6 +17,14 @@ QList<QPointF> pointsOf(const QJsonValue &list)
     return points;
 }
 
+QList<StrokePoint> strokePointsOf(const QJsonValue &list)
+{
+    QList<StrokePoint> points;
+    for (const QJsonValue value : list.toArray())
+        points << StrokePoint(pointOf(value), value.toArray().at(2).toDouble(1.0));
+    return points;
+}
+
 QList<QPoint> cellsOf(const QJsonValue &list)
 {
     QList<QPoint> cells;

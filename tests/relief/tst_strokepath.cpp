@@ -15,7 +15,7 @@ constexpr double infinite = std::numeric_limits<double>::infinity();
 
 using Points = QList<QPointF>;
 
-Points fromVector(const std::vector<QPointF> &points)
+Points fromVector(const std::vector<StrokePoint> &points)
 {
     return Points(points.begin(), points.end());
 }
@@ -57,7 +57,7 @@ private slots:
         QFETCH(double, spacing);
         QFETCH(bool, finalPoint);
         QFETCH(Points, expected);
-        std::vector<QPointF> points;
+        std::vector<StrokePoint> points;
         const QPointF last = resample({{1.0, 2.0}, to, spacing, finalPoint, {150, 200}}, points);
         QCOMPARE(points.size(), size_t(expected.size()));
         for (size_t i = 0; i < points.size(); ++i)
@@ -94,7 +94,7 @@ private slots:
 
     void longMovesStayShort()
     {
-        std::vector<QPointF> points;
+        std::vector<StrokePoint> points;
         const QPointF last = resample({{-5e8, 10.0}, {5e8, 30.0}, 1.0, false, {100, 50}}, points);
         QVERIFY(points.size() < 300);
         QVERIFY(near(last, points.back()) && last.x() > 4.99e8);
@@ -128,7 +128,7 @@ private slots:
         QFETCH(Points, points);
         QFETCH(Points, expected);
         const Points path =
-            fromVector(smoothPath(std::vector<QPointF>(points.begin(), points.end())));
+            fromVector(smoothPath(std::vector<StrokePoint>(points.begin(), points.end())));
         QCOMPARE(path.size(), expected.size());
         for (int i = 0; i < path.size(); ++i)
             QVERIFY2(near(path[i], expected[i]),
@@ -137,10 +137,10 @@ private slots:
 
     void curvesFollowAnArc()
     {
-        std::vector<QPointF> arc;
+        std::vector<StrokePoint> arc;
         for (int i = 0; i <= 40; ++i)
             arc.push_back({20.0 * std::cos(i * 0.03), 20.0 * std::sin(i * 0.03)});
-        const std::vector<QPointF> path = smoothPath(arc);
+        const std::vector<StrokePoint> path = smoothPath(arc);
         QCOMPARE(path.size(), arc.size());
         for (const QPointF &point : path)
             QVERIFY(std::abs(std::hypot(point.x(), point.y()) - 20.0) < 0.05);

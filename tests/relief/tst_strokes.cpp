@@ -1,6 +1,7 @@
 #include "base/datafolder.h"
 #include "base/sessionlog.h"
 #include "relief/operations/operations.h"
+#include "relief/strokes/strokepath.h"
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/tooltable.h"
 #include "sculptbench.h"
@@ -86,6 +87,26 @@ private slots:
         b.engine.endStroke({7.5, 0.0});
         QCOMPARE(b.undo.count(), 1);
         QVERIFY(!b.engine.stroking());
+    }
+
+    void pressureWeakensTheDabs()
+    {
+        Bench b;
+        b.engine.beginStroke(b.params, {0.0, 0.0, 0.5});
+        b.engine.endStroke({0.0, 0.0}, false);
+        QCOMPARE(b.dabs(150, 200), 0.5);
+        // It rises from 0 to 1 along ten cells.
+        b.engine.beginStroke(b.params, {0.0, 50.0, 0.0});
+        b.engine.endStroke({10.0, 50.0, 1.0});
+        QVERIFY(std::abs(b.dabs(150, 250) - 0.1) < 1e-5);
+        QVERIFY(std::abs(b.dabs(155, 250) - (0.4 + 0.5 + 0.6)) < 1e-5);
+        b.params.type = Tool::Erase; // has no weights
+        b.engine.beginStroke(b.params, {0.0, 50.0, 0.0});
+        b.engine.endStroke({0.0, 50.0}, false);
+        QCOMPARE(b.relief.heightAt(150, 250), 0.0F);
+        const std::vector<StrokePoint> path =
+            smoothPath(std::vector<StrokePoint>{{0, 0, 0.2}, {1, 0, 0.9}, {2, 0, 0.4}});
+        QCOMPARE(path[1].pressure, 0.9);
     }
 
     void smoothedPathsWaitForTheirGroup()

@@ -83,13 +83,18 @@ private slots:
     void strips()
     {
         std::vector<uint32_t> indices;
-        fillStripIndices(indices, 3, 3);
+        appendStrips(indices, 3, 3);
         const std::vector<uint32_t> expected = {3, 0, 4, 1, 5, 2, 0xFFFFFFFF,
                                                 6, 3, 7, 4, 8, 5, 0xFFFFFFFF};
         QCOMPARE(indices, expected);
-        fillStripIndices(indices, 5, 1);
-        QVERIFY(indices.empty());
-        fillStripIndices(indices, 0, 0);
+        // Every second column and row, and the last of each.
+        indices.clear();
+        appendStrips(indices, 4, 3, 2);
+        const std::vector<uint32_t> coarse = {8, 0, 10, 2, 11, 3, 0xFFFFFFFF};
+        QCOMPARE(indices, coarse);
+        indices.clear();
+        appendStrips(indices, 5, 1);
+        appendStrips(indices, 0, 0);
         QVERIFY(indices.empty());
     }
 
@@ -118,8 +123,7 @@ private slots:
         ReliefMesh mesh;
         QVERIFY(mesh.layOut(region, step, true));
         QCOMPARE(mesh.columns(), int(std::ceil(region.width() / double(step))));
-        QCOMPARE(mesh.arrays().indices.size(),
-                 size_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
+        QCOMPARE(mesh.strips(false).count, uint32_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
         fillSculptVertices(mesh, *relief, mesh.vertices());
         for (int j = 0; j < mesh.rows(); ++j)
             for (int i = 0; i < mesh.columns(); ++i)

@@ -260,6 +260,34 @@ private slots:
         QVERIFY(side.point.z > 5 && side.point.z < 29);
     }
 
+    // The test runs without graphics hardware.
+    void picturesAreFinishedAtRest()
+    {
+        SculptBench b(medal(240, 180));
+        const QImage full = b.paint();
+        QVERIFY(b.view.pictureComplete());
+        b.wheel(b.centre(), {0, -120});
+        b.wheel(b.centre(), {0, 107}); // not quite back
+        const Camera there = b.view.camera();
+        b.paint();
+        QVERIFY(!b.view.pictureComplete());
+        QTRY_VERIFY(b.view.pictureComplete());
+        QCOMPARE(b.view.camera(), there);
+        // A stroke draws every vertex, and is finished when the button goes up.
+        b.drag({b.centre(), b.centre() + QPoint(20, 0)});
+        b.undo.undo();
+        b.view.zoomAll();
+        b.paint();
+        QVERIFY(b.view.pictureComplete());
+        b.press(b.centre(), Qt::MiddleButton);
+        b.moveTo(b.centre() + QPoint(9, 0));
+        b.paint();
+        QVERIFY(!b.view.pictureComplete());
+        b.release(b.centre() + QPoint(9, 0));
+        b.paint();
+        QVERIFY(b.view.pictureComplete());
+    }
+
     void materialAboveTheOldRangeIsSeen()
     {
         auto relief = std::make_unique<Relief>(200, 200);

@@ -21,6 +21,14 @@ CELL_LOOP void subtractFromOne(float *result, const float *values, int count)
         result[i] = 1.0F - values[i];
 }
 
+/// Weights under a light pen; cells outside the footprint keep their negative weight.
+CELL_LOOP void weaken(float *weakened, const float *weights, float pressure, int count)
+{
+#pragma omp simd
+    for (int i = 0; i < count; ++i)
+        weakened[i] = weights[i] < 0.0F ? weights[i] : weights[i] * pressure;
+}
+
 /// A bound of a dab's box as a cell; the clamp keeps what lies far off representable.
 int truncated(double bound)
 {
@@ -88,6 +96,10 @@ CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row)
     if (dab.skipUnselected) {
         const float *selected = rowUnder(dab, relief.selectionLayer(), span);
         dropZeros(buffers.gated.data(), span.weight, selected, span.count);
+        span.weight = buffers.gated.data();
+    }
+    if (dab.pressure != 1.0F) {
+        weaken(buffers.gated.data(), span.weight, dab.pressure, span.count);
         span.weight = buffers.gated.data();
     }
     span.unmasked = buffers.ones.data();

@@ -122,7 +122,7 @@ Tool *SculptEngine::_currentTool()
     return m_relief->tool();
 }
 
-void SculptEngine::beginStroke(const ToolParams &params, QPointF point, bool)
+void SculptEngine::beginStroke(const ToolParams &params, StrokePoint point, bool)
 {
     if (stroking())
         endStroke({}, false);
@@ -153,7 +153,7 @@ void SculptEngine::beginStroke(const ToolParams &params, QPointF point, bool)
         applyAt(point);
 }
 
-void SculptEngine::addStrokePoint(QPointF point, bool finalPoint)
+void SculptEngine::addStrokePoint(StrokePoint point, bool finalPoint)
 {
     Tool *tool = _currentTool();
     if (tool && tool->params().type != Tool::Fill) // the press has filled already
@@ -171,29 +171,29 @@ void SculptEngine::flush()
 void SculptEngine::_applyPending(bool all)
 {
     Tool &tool = *m_relief->tool();
-    std::vector<QPointF> points;
+    std::vector<StrokePoint> points;
     points.swap(tool.pending);
     if (!tool.params().smoothToolPaths) {
-        for (const QPointF &point : points)
+        for (const StrokePoint &point : points)
             applyAt(point);
         return;
     }
     const auto group = static_cast<size_t>(tool.params().smoothLength);
-    std::span<const QPointF> rest(points);
+    std::span<const StrokePoint> rest(points);
     while (rest.size() >= group) {
-        for (const QPointF &point : smoothPath(rest.first(group)))
+        for (const StrokePoint &point : smoothPath(rest.first(group)))
             applyAt(point);
         rest = rest.subspan(group - 1);
     }
     if (all) {
-        for (const QPointF &point : smoothPath(rest))
+        for (const StrokePoint &point : smoothPath(rest))
             applyAt(point);
         rest = {};
     }
     tool.pending.assign(rest.begin(), rest.end());
 }
 
-void SculptEngine::applyAt(QPointF point)
+void SculptEngine::applyAt(StrokePoint point)
 {
     Tool *tool = _currentTool();
     if (!tool || !usablePoint(point))
@@ -207,14 +207,14 @@ void SculptEngine::applyAt(QPointF point)
         const auto mirrored = [=](QPointF p) {
             return QPointF(mirrorX ? -p.x() : p.x(), mirrorY ? -p.y() : p.y());
         };
-        _dabAt(mirrored(point), mirrored(shift), image);
+        _dabAt({mirrored(point), point.pressure}, mirrored(shift), image);
     }
     tool->dabbed = true;
     tool->travelled += std::sqrt(shift.x() * shift.x() + shift.y() * shift.y());
     tool->lastApplied = point;
 }
 
-void SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
+void SculptEngine::_dabAt(StrokePoint point, QPointF shift, int image)
 {
     Tool &tool = *m_relief->tool();
     const ToolRow *row = actingRow(toolRow(tool.params().type), m_relief->invert);
@@ -230,6 +230,7 @@ void SculptEngine::_dabAt(QPointF point, QPointF shift, int image)
         return;
 
     Dab dab{*m_relief, tool, centre, shift, box, image, *decay};
+    dab.pressure = static_cast<float>(point.pressure);
     dab.skipEmpty = row->has(KeepsEmpty) && tool.params().keepTransparency;
     dab.skipUnselected = row->has(KeepsUnselected) && m_relief->selectionActive;
     dab.maskWeakens = row->has(HeedsMask);
@@ -287,7 +288,7 @@ void SculptEngine::_pushEvent()
     m_undo->markGroupEnd();
 }
 
-void SculptEngine::endStroke(QPointF point, bool hit)
+void SculptEngine::endStroke(StrokePoint point, bool hit)
 {
     if (hit)
         addStrokePoint(point, true);

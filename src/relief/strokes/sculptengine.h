@@ -1,6 +1,7 @@
 #pragma once
 
 #include "relief/selection/selections.h"
+#include "relief/tools/strokepoint.h"
 #include "relief/tools/toolparams.h"
 
 #include <QPointF>
@@ -14,8 +15,8 @@ class SculptUndo;
 
 /// Runs strokes on one relief: press, drag, release. Owns neither the relief nor the undo stack;
 /// both outlive their time in the engine. Points are stroke points (cells from the relief's
-/// centre); points that are NaN, infinite or farther than 1e9 cells away are ignored. A stroke
-/// whose grid was replaced in the middle of it ends without a trace.
+/// centre, with the pen's pressure); points that are NaN, infinite or farther than 1e9 cells away
+/// are ignored. A stroke whose grid was replaced in the middle of it ends without a trace.
 class SculptEngine
 {
 public:
@@ -33,17 +34,17 @@ public:
     /// Magic and Fill do all their work here; shape selections and Crop do nothing. The parameters
     /// and the alpha image are those of this moment until the stroke ends. `finalPoint` makes no
     /// difference to a stroke's first point.
-    void beginStroke(const ToolParams &params, QPointF point, bool finalPoint = false);
+    void beginStroke(const ToolParams &params, StrokePoint point, bool finalPoint = false);
     /// Resamples the way to the point into the Tool's pending points.
-    void addStrokePoint(QPointF point, bool finalPoint = false);
+    void addStrokePoint(StrokePoint point, bool finalPoint = false);
     /// Applies pending points and sets the heights-changed flag. Smoothed paths wait for whole
     /// groups of points.
     void flush();
     /// One dab and its mirror images.
-    void applyAt(QPointF point);
+    void applyAt(StrokePoint point);
     /// Adds the last point (unless `hit` is false: then the stroke ends where it was), applies what
     /// is pending, pushes the undo event, releases the Tool.
-    void endStroke(QPointF point, bool hit = true);
+    void endStroke(StrokePoint point, bool hit = true);
     /// Gives the cells that the stroke in progress changed their values back and releases the Tool.
     void cancelStroke();
     /// True from the beginning of a stroke (of a tool that has one) to its end.
@@ -52,7 +53,7 @@ public:
 private:
     Tool *_currentTool();
     void _applyPending(bool all);
-    void _dabAt(QPointF point, QPointF shift, int image);
+    void _dabAt(StrokePoint point, QPointF shift, int image);
     void _fill();
     void _pushEvent();
 

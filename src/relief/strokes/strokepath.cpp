@@ -48,7 +48,7 @@ struct CubicBezier
 };
 
 /// Share of the path's length at which each point lies; empty for a path without length.
-std::vector<double> chordParameters(std::span<const QPointF> points)
+std::vector<double> chordParameters(std::span<const StrokePoint> points)
 {
     std::vector<double> parameters(points.size(), 0.0);
     for (size_t i = 1; i < points.size(); ++i)
@@ -84,7 +84,7 @@ struct FitSystem
     }
 };
 
-CubicBezier fit(std::span<const QPointF> points)
+CubicBezier fit(std::span<const StrokePoint> points)
 {
     CubicBezier curve;
     curve.p0 = points.front();
@@ -107,7 +107,7 @@ CubicBezier fit(std::span<const QPointF> points)
 
 } // namespace
 
-QPointF resample(const PointerMove &move, std::vector<QPointF> &points)
+StrokePoint resample(const PointerMove &move, std::vector<StrokePoint> &points)
 {
     const QPointF delta = move.to - move.from;
     const double distance = length(delta);
@@ -115,7 +115,12 @@ QPointF resample(const PointerMove &move, std::vector<QPointF> &points)
         return move.from;
     const QPointF unit = delta / distance;
     const double steps = std::trunc(distance / move.spacing);
-    const QPointF last = move.from + unit * (move.spacing * steps);
+    const double rise = (move.to.pressure - move.from.pressure) / distance;
+    const auto pointAt = [&](double k) {
+        const double way = move.spacing * k;
+        return StrokePoint(move.from + unit * way, move.from.pressure + rise * way);
+    };
+    const StrokePoint last = pointAt(steps);
     StepRange range{0.0, steps};
     if (steps > longMove) {
         const QPointF step = unit * move.spacing;
@@ -124,21 +129,22 @@ QPointF resample(const PointerMove &move, std::vector<QPointF> &points)
         range.first = std::max(0.0, range.first - 1.0);
     }
     for (double k = range.first; k <= range.last; k += 1.0)
-        points.push_back(move.from + unit * (move.spacing * k));
+        points.push_back(pointAt(k));
     if (range.last < steps)
         points.push_back(last);
     return last;
 }
 
-std::vector<QPointF> smoothPath(std::span<const QPointF> points)
+std::vector<StrokePoint> smoothPath(std::span<const StrokePoint> points)
 {
-    std::vector<QPointF> path;
+    std::vector<StrokePoint> path;
     if (points.empty())
         return path;
     const CubicBezier curve = fit(points);
     path.reserve(points.size());
     for (size_t i = 0; i < points.size(); ++i)
-        path.push_back(curve.at(static_cast<double>(i) / static_cast<double>(points.size())));
+        path.push_back({curve.at(static_cast<double>(i) / static_cast<double>(points.size())),
+                        points[i].pressure});
     return path;
 }
 

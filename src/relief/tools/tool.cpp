@@ -57,7 +57,7 @@ bool usablePoint(QPointF point)
     return std::abs(point.x()) <= farthestPoint && std::abs(point.y()) <= farthestPoint;
 }
 
-Tool::Tool(const ToolParams &params, QPointF firstPoint, double scale)
+Tool::Tool(const ToolParams &params, StrokePoint firstPoint, double scale)
     : lastApplied(firstPoint)
     , m_params(usableParams(params))
     , m_firstPoint(firstPoint)
@@ -118,7 +118,7 @@ const double *Tool::distanceMap() const
     return m_buffers->distance.data();
 }
 
-void Tool::addPoint(QPointF point, bool finalPoint, QPointF reach)
+void Tool::addPoint(StrokePoint point, bool finalPoint, QPointF reach)
 {
     if (!usablePoint(point))
         return;

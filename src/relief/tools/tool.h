@@ -1,5 +1,6 @@
 #pragma once
 
+#include "relief/tools/strokepoint.h"
 #include "relief/tools/toolparams.h"
 
 #include <QPointF>
@@ -76,7 +77,7 @@ public:
 
     /// `scale` is the relief's diagonal in cells. Parameters outside their ranges are mended first
     /// (usableParams).
-    explicit Tool(const ToolParams &params = {}, QPointF firstPoint = {}, double scale = 1.0);
+    explicit Tool(const ToolParams &params = {}, StrokePoint firstPoint = {}, double scale = 1.0);
     Tool(const Tool &) = delete;
     Tool &operator=(const Tool &) = delete;
     virtual ~Tool();
@@ -102,13 +103,13 @@ public:
     /// one batch is the first of the next. Points that are NaN, infinite or farther than 1e9 cells
     /// from the centre are ignored. Of a batch of more than 100000 points those that lie farther
     /// than `reach` columns and rows from the relief's centre are left out.
-    void addPoint(QPointF point, bool finalPoint, QPointF reach);
-    QPointF lastPoint() const { return m_lastPoint; }
+    void addPoint(StrokePoint point, bool finalPoint, QPointF reach);
+    StrokePoint lastPoint() const { return m_lastPoint; }
 
-    std::vector<QPointF> pending; ///< resampled points not applied yet
-    double travelled = 0.0;       ///< path length applied so far, in cells
-    QPointF lastApplied;          ///< where the last dab went
-    bool dabbed = false;          ///< the first dab is over
+    std::vector<StrokePoint> pending; ///< resampled points not applied yet
+    double travelled = 0.0;           ///< path length applied so far, in cells
+    QPointF lastApplied;              ///< where the last dab went
+    bool dabbed = false;              ///< the first dab is over
 
     /// The state of this stroke's brush, made when it is first asked for. One brush asks for one
     /// type.
@@ -131,7 +132,7 @@ private:
 
     ToolParams m_params;
     QPointF m_firstPoint;
-    QPointF m_lastPoint;
+    StrokePoint m_lastPoint;
     double m_radius;
     int m_dimension;
     bool m_stamping;

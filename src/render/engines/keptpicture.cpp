@@ -7,6 +7,20 @@
 
 namespace marlowen {
 
+namespace {
+
+QOpenGLFramebufferObjectFormat formatOf(int samples)
+{
+    QOpenGLFramebufferObjectFormat format;
+    format.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
+    // Without alpha: the half-transparent floor is blended with the backdrop here, once.
+    format.setInternalTextureFormat(GL_RGB8);
+    format.setSamples(samples);
+    return format;
+}
+
+} // namespace
+
 KeptPicture::KeptPicture() = default;
 KeptPicture::~KeptPicture() = default;
 
@@ -14,23 +28,24 @@ bool KeptPicture::resize(QSize size)
 {
     if (size.isEmpty()) {
         m_buffer.reset();
+        m_samples.reset();
         return false;
     }
     if (m_buffer && m_buffer->size() == size)
         return false;
-    QOpenGLFramebufferObjectFormat format;
-    format.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
-    // Without alpha: the half-transparent floor is blended with the backdrop here, once.
-    format.setInternalTextureFormat(GL_RGB8);
-    m_buffer = std::make_unique<QOpenGLFramebufferObject>(size, format);
+    m_samples.reset();
+    m_buffer = std::make_unique<QOpenGLFramebufferObject>(size, formatOf(0));
     if (!m_buffer->isValid())
         m_buffer.reset();
     return true;
 }
 
-void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop)
+void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool smooth)
 {
-    m_buffer->bind();
+    if (smooth && !m_samples)
+        m_samples = std::make_unique<QOpenGLFramebufferObject>(m_buffer->size(), formatOf(4));
+    m_target = smooth && m_samples->isValid() ? m_samples.get() : m_buffer.get();
+    m_target->bind();
     gl.glViewport(0, 0, m_buffer->width(), m_buffer->height());
     gl.glDepthMask(GL_TRUE);
     gl.glClearColor(backdrop.redF(), backdrop.greenF(), backdrop.blueF(), 1.0F);
@@ -39,7 +54,10 @@ void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop)
 
 void KeptPicture::end()
 {
-    m_buffer->release();
+    if (m_target != m_buffer.get())
+        QOpenGLFramebufferObject::blitFramebuffer(
+            m_buffer.get(), m_samples.get(), GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT, GL_NEAREST);
+    QOpenGLFramebufferObject::bindDefault();
 }
 
 void KeptPicture::draw(QOpenGLFunctions_2_1 &gl) const

@@ -25,8 +25,9 @@ public:
     bool resize(QSize size);
     bool isValid() const { return m_buffer != nullptr; }
 
-    /// Directs drawing into the picture, cleared to this colour, until end().
-    void begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop);
+    /// Directs drawing into the picture, cleared to this colour, until end(). A smooth one is drawn
+    /// with several samples a pixel where the driver can.
+    void begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool smooth);
     void end();
 
     /// Fills the current viewport with it. Matrices are lost.
@@ -35,6 +36,8 @@ public:
 
 private:
     std::unique_ptr<QOpenGLFramebufferObject> m_buffer;
+    std::unique_ptr<QOpenGLFramebufferObject> m_samples; ///< made for the first smooth picture
+    QOpenGLFramebufferObject *m_target = nullptr;        ///< between begin() and end()
 };
 
 /// A texture stretched over the current viewport, colours as they are. Matrices are lost.

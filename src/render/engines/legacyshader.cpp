@@ -54,7 +54,8 @@ void LegacyEngine::draw()
     if (!positions || !selection || !m_mesh.indices.data() || (lit && !normals))
         return;
     m_gl->glBegin(GL_TRIANGLE_STRIP);
-    for (const uint32_t index : m_mesh.indices) {
+    const auto [first, count] = _drawnIndices();
+    for (const uint32_t index : m_mesh.indices.subspan(first, count)) {
         if (index == stripEnd) {
             m_gl->glEnd();
             m_gl->glBegin(GL_TRIANGLE_STRIP);

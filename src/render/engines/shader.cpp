@@ -13,6 +13,7 @@
 #include <QOpenGLFunctions_2_1>
 #include <QOpenGLVersionFunctionsFactory>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 
@@ -157,6 +158,13 @@ void Shader::_bindProgram(ShaderType type)
     }
     m_gl->glEnable(GL_BLEND);
     m_gl->glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+}
+
+Shader::IndexRange Shader::_drawnIndices() const
+{
+    const auto all = m_indexBytes / static_cast<uint32_t>(sizeof(uint32_t));
+    const uint32_t first = std::min(drawn.first, all);
+    return {first, std::min(drawn.count, all - first)};
 }
 
 void Shader::_uploadMaterial()

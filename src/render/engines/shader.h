@@ -52,7 +52,8 @@ public:
     virtual void bind() = 0;
     /// Undoes what bind enabled.
     virtual void release() = 0;
-    /// Issues the strips; draws nothing while the data is incomplete or the index array is empty.
+    /// Issues the strips of `drawn`; draws nothing while the data is incomplete or the index array
+    /// is empty.
     virtual void draw() = 0;
     /// Replaces the whole data.
     virtual void setData(const ShaderMesh &mesh) = 0;
@@ -66,6 +67,14 @@ public:
     /// Bytes handed to OpenGL since construction; the legacy engine uploads none.
     uint64_t uploadedVertexBytes() const { return m_uploadedVertexBytes; }
     uint64_t uploadedIndexBytes() const { return m_uploadedIndexBytes; }
+
+    /// A part of the indices; the default is all of them.
+    struct IndexRange
+    {
+        uint32_t first = 0;
+        uint32_t count = UINT32_MAX;
+    };
+    IndexRange drawn;
 
     using Vector3 = std::array<float, 3>;
     using Rgba = std::array<float, 4>; ///< 0..1; a material's alpha is the strength of its term
@@ -109,6 +118,8 @@ protected:
     /// Builds the program of the two resource files and looks up the uniforms of the kind. Throws a
     /// C string when it does not compile or link; the compile log goes to the debug messages.
     void _buildProgram(const char *vertexFile, const char *fragmentFile, ShaderType type);
+    /// What there is of `drawn`.
+    IndexRange _drawnIndices() const;
     /// What bind does on both engines.
     void _bindProgram(ShaderType type);
 

@@ -146,9 +146,12 @@ void VboEngine::draw()
 {
     const bool complete = m_positionBytes && m_selectionBytes && m_indexBytes &&
                           (m_normalBytes || m_type == Shader2d);
-    if (complete)
-        m_buffers->glDrawElements(GL_TRIANGLE_STRIP, static_cast<GLsizei>(m_indexBytes / 4),
-                                  GL_UNSIGNED_INT, nullptr);
+    if (!complete)
+        return;
+    const auto [first, count] = _drawnIndices();
+    const auto *offset = reinterpret_cast<const void *>(sizeof(uint32_t) * uintptr_t{first});
+    m_buffers->glDrawElements(GL_TRIANGLE_STRIP, static_cast<GLsizei>(count), GL_UNSIGNED_INT,
+                              offset);
 }
 
 VboShader::VboShader()

@@ -12,6 +12,7 @@ namespace marlowen {
 namespace {
 
 constexpr uint32_t stripEnd = 0xFFFFFFFF;
+constexpr int coarseStep = 3;
 
 int stepsOver(int length, int step)
 {
@@ -177,8 +178,12 @@ bool ReliefMesh::layOut(const QRect &region, int step, bool withNormals)
     m_positions = std::make_unique_for_overwrite<float[]>(3 * count);
     m_normals = withNormals ? std::make_unique_for_overwrite<float[]>(3 * count) : nullptr;
     m_selection = std::make_unique_for_overwrite<float[]>(count);
-    if (!sameGrid)
-        fillStripIndices(m_indices, columns, rows);
+    if (!sameGrid) {
+        m_indices.clear();
+        appendStrips(m_indices, columns, rows);
+        m_fineIndices = static_cast<uint32_t>(m_indices.size());
+        appendStrips(m_indices, columns, rows, coarseStep);
+    }
     return !sameGrid;
 }
 
@@ -210,17 +215,34 @@ QRegion ReliefMesh::verticesTouchedBy(const QRegion &cells) const
     return result;
 }
 
-void fillStripIndices(std::vector<uint32_t> &indices, int columns, int rows)
+Shader::IndexRange ReliefMesh::strips(bool coarse) const
 {
+    const auto all = static_cast<uint32_t>(m_indices.size());
+    return coarse ? Shader::IndexRange{m_fineIndices, all - m_fineIndices}
+                  : Shader::IndexRange{0, m_fineIndices};
+}
+
+void appendStrips(std::vector<uint32_t> &indices, int columns, int rows, int step)
+{
+    if (columns < 1 || rows < 2)
+        return;
     const auto wide = static_cast<uint32_t>(columns);
-    const auto strips = static_cast<uint32_t>(std::max(0, rows - 1));
-    indices.resize((2 * size_t{wide} + 1) * strips);
-    uint32_t *out = indices.data();
-    for (uint32_t row = 0; row < strips; ++row) {
-        for (uint32_t column = 0; column < wide; ++column) {
-            *out++ = (row + 1) * wide + column;
-            *out++ = row * wide + column;
+    const auto across = static_cast<size_t>(stepsOver(columns - 1, step)) + 1;
+    const auto strips = static_cast<size_t>(stepsOver(rows - 1, step));
+    const size_t before = indices.size();
+    indices.resize(before + (2 * across + 1) * strips);
+    uint32_t *out = indices.data() + before;
+    const auto stride = static_cast<uint32_t>(step);
+    const auto last = static_cast<uint32_t>(rows - 1);
+    for (uint32_t row = 0; row < last; row += stride) {
+        const uint32_t upper = row * wide;
+        const uint32_t lower = std::min(row + stride, last) * wide;
+        for (uint32_t column = 0; column < wide - 1; column += stride) {
+            *out++ = lower + column;
+            *out++ = upper + column;
         }
+        *out++ = lower + wide - 1;
+        *out++ = upper + wide - 1;
         *out++ = stripEnd;
     }
 }

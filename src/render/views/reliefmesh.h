@@ -42,8 +42,11 @@ public:
     float *positions() { return m_positions.get(); }
     float *normals() { return m_normals.get(); }
     float *selection() { return m_selection.get(); }
-    /// Everything, as a Shader takes it.
+    /// Everything, as a Shader takes it: the strips of all vertices, then those of the coarse mesh.
     ShaderMesh arrays() const;
+    /// Where the strips of all vertices, or those of every third column and row, are in the
+    /// indices.
+    Shader::IndexRange strips(bool coarse) const;
 
     /// The vertices whose position, normal or selection depends on one of these cells: those on
     /// them and, for the normals, on the cells around them.
@@ -59,11 +62,13 @@ private:
     std::unique_ptr<float[]> m_normals;
     std::unique_ptr<float[]> m_selection;
     std::vector<uint32_t> m_indices;
+    uint32_t m_fineIndices = 0;
 };
 
-/// (2 * columns + 1) * (rows - 1) values: for each pair of rows the vertices of the lower and the
-/// upper row in turn, then 0xFFFFFFFF.
-void fillStripIndices(std::vector<uint32_t> &indices, int columns, int rows);
+/// Appends the strips of a vertex grid: for each pair of rows the vertices of the lower and the
+/// upper row in turn, then 0xFFFFFFFF. With a step above 1 only every step-th column and row, and
+/// the last of each.
+void appendStrips(std::vector<uint32_t> &indices, int columns, int rows, int step = 1);
 
 /// Cells of a row: `count` of them from `column` on, every step-th.
 struct SelectionRun

@@ -172,12 +172,13 @@ void ReliefView::_refreshVertices(Shader &shader, const QRegion &vertices)
     verticesChanged();
 }
 
-void ReliefView::drawSurface(Shader &shader)
+void ReliefView::drawSurface(Shader &shader, bool coarse)
 {
     if (m_mesh.vertexCount() == 0)
         return;
     shader.size = std::max(m_relief->width(), m_relief->height());
     configureShader(shader);
+    shader.drawn = m_mesh.strips(coarse);
     shader.bind();
     shader.draw();
     shader.release();

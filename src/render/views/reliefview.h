@@ -81,7 +81,7 @@ protected:
     SceneBox wholeBox() override;
     void prepareGL(QOpenGLFunctions_2_1 &gl) override;
     bool updateSurface(Shader &shader) override;
-    void drawSurface(Shader &shader) override;
+    void drawSurface(Shader &shader, bool coarse) override;
     void releaseOverlays(QOpenGLFunctions_2_1 &gl) override;
     QString statusText(const Vector &point) const override;
     bool event(QEvent *event) override;

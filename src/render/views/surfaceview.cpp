@@ -11,7 +11,25 @@
 #include <QOpenGLVersionFunctionsFactory>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace marlowen {
+
+namespace {
+
+constexpr int restInterval = 80; ///< milliseconds
+
+/// The driver draws with the processor.
+bool isSoftwareDriver(QOpenGLFunctions_2_1 &gl)
+{
+    const QByteArray name(reinterpret_cast<const char *>(gl.glGetString(GL_RENDERER)));
+    constexpr const char *software[] = {"llvmpipe",    "softpipe", "swrast",
+                                        "SwiftShader", "Software", "GDI Generic"};
+    return std::any_of(std::begin(software), std::end(software),
+                       [&name](const char *word) { return name.contains(word); });
+}
+
+} // namespace
 
 SurfaceView::SurfaceView(QWidget *parent)
     : QOpenGLWidget(parent)
@@ -25,6 +43,9 @@ SurfaceView::SurfaceView(QWidget *parent)
     setFont(viewFont);
     connect(&m_statusTimer, &QTimer::timeout, this, &SurfaceView::statusTimeout);
     m_statusTimer.start(100);
+    m_restTimer.setSingleShot(true);
+    m_restTimer.setInterval(restInterval);
+    connect(&m_restTimer, &QTimer::timeout, this, [this] { update(); });
 }
 
 SurfaceView::~SurfaceView()
@@ -108,6 +129,7 @@ void SurfaceView::initializeGL()
         return;
     m_picture = std::make_unique<KeptPicture>();
     m_pictureStale = m_depthStale = true;
+    m_quality = Nothing;
     m_gl->glShadeModel(GL_SMOOTH);
     m_gl->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
     m_gl->glDepthFunc(GL_LEQUAL);
@@ -118,6 +140,7 @@ void SurfaceView::initializeGL()
     m_gl->glEnable(GL_LINE_SMOOTH);
     m_gl->glLineWidth(1.0F);
     _logErrors();
+    m_slowDriver = isSoftwareDriver(*m_gl);
     prepareGL(*m_gl);
 }
 
@@ -172,21 +195,32 @@ void SurfaceView::_updatePicture()
     const bool changed = updateSurface(*m_shader);
     const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
     const ViewMatrices now = matrices();
-    if (!m_picture->isValid() || !(changed || resized || m_pictureStale || now != m_drawn))
+    const bool due = changed || resized || m_pictureStale || now != m_drawn;
+    if (!m_picture->isValid() || !(due || m_quality < _wantedQuality()))
         return;
     m_drawn = now;
     _rasterise();
 }
 
+SurfaceView::Quality SurfaceView::_wantedQuality() const
+{
+    if (!m_slowDriver)
+        return Complete;
+    if (m_restTimer.isActive())
+        return Coarse;
+    return m_heldButton != Qt::NoButton && m_mode == SculptMode ? Draft : Complete;
+}
+
 void SurfaceView::_rasterise()
 {
-    m_picture->begin(*m_gl, m_backdrop);
+    m_quality = _wantedQuality();
+    m_picture->begin(*m_gl, m_backdrop, m_quality == Complete);
     m_gl->glMatrixMode(GL_PROJECTION);
     m_gl->glLoadMatrixd(m_drawn.projection.data());
     m_gl->glMatrixMode(GL_MODELVIEW);
     m_gl->glLoadMatrixd(m_drawn.modelview.data());
     m_gl->glEnable(GL_DEPTH_TEST);
-    drawSurface(*m_shader);
+    drawSurface(*m_shader, m_quality == Coarse);
     m_gl->glDisable(GL_DEPTH_TEST);
     m_picture->end();
     ++m_counters.pictures;
@@ -261,12 +295,13 @@ void SurfaceView::_ensureDepth()
     // The surface itself may reach out of the old clip planes while the depth is held.
     const bool held = m_depthHeld && m_camera == m_depthCamera &&
                       m_depth.size() == physicalSize(size(), devicePixelRatioF());
-    if (!m_shader || held || (!moved && !m_depthStale))
+    const bool unfinished = m_quality < _wantedQuality();
+    if (!m_shader || held || !(moved || unfinished || m_depthStale))
         return;
     const bool painting = QOpenGLContext::currentContext() == context();
     if (!painting)
         makeCurrent();
-    if (moved)
+    if (moved || unfinished)
         _updatePicture();
     if (m_picture->isValid() && m_depthStale) {
         m_picture->readDepth(*m_gl, m_depth);
@@ -293,7 +328,8 @@ void SurfaceView::showStatus(const QString &text)
 void SurfaceView::statusTimeout()
 {
     // Reading the depth would hold up a moving camera.
-    const bool moving = m_heldButton != Qt::NoButton && m_mode != SculptMode;
+    const bool moving =
+        (m_heldButton != Qt::NoButton && m_mode != SculptMode) || m_restTimer.isActive();
     if (!m_statusPending || !isValid() || moving || sceneBox().isEmpty() || matrices() != m_drawn)
         return;
     m_statusPending = false;

@@ -23,7 +23,8 @@ class Turntable;
 /// views that turn the orientation gizmo. A derived view supplies the surface.
 ///
 /// The surface is drawn into a framebuffer object, anew only when surface, camera, shader fields or
-/// size changed; overlays are drawn over it in every frame.
+/// size changed; overlays are drawn over it in every frame. On a slow driver (without graphics
+/// hardware) the picture is a draft while the pointer works on it, and drawn in full at rest.
 class SurfaceView : public QOpenGLWidget
 {
     Q_OBJECT
@@ -65,6 +66,8 @@ public:
         int depthReads = 0;
     };
     const Counters &counters() const { return m_counters; }
+    /// The picture is not a draft.
+    bool pictureComplete() const { return m_quality == Complete; }
     /// Null before the first paint or when no drawing engine could be made.
     const Shader *shader() const { return m_shader.get(); }
     /// Why nothing can be drawn; empty as long as something can.
@@ -102,8 +105,9 @@ protected:
     /// Hands the shader what changed, before every frame; true when the picture must be drawn anew
     /// for it.
     virtual bool updateSurface(Shader &shader) = 0;
-    /// Draws the surface; matrices, viewport and depth test are set.
-    virtual void drawSurface(Shader &shader) = 0;
+    /// Draws the surface, or a coarser one that takes less time; matrices, viewport and depth test
+    /// are set.
+    virtual void drawSurface(Shader &shader, bool coarse) = 0;
     /// Over the surface, in every frame. The fixed-function matrices and the viewport are those of
     /// the picture; blending, depth test, lighting and texturing are off. To be called last by an
     /// override: it draws the gizmo and loses the matrices.
@@ -164,6 +168,9 @@ private slots:
 private:
     void _makeShader();
     void _updatePicture();
+    /// Of a picture, from worst to best: nothing, a coarse surface, one sample a pixel, everything.
+    enum Quality { Nothing, Coarse, Draft, Complete };
+    Quality _wantedQuality() const;
     void _rasterise();
     void _paintOverPicture();
     void _paintMessage();
@@ -187,6 +194,8 @@ private:
     QColor m_backdrop{56, 58, 62};
 
     bool m_pictureStale = true;
+    Quality m_quality = Nothing;
+    bool m_slowDriver = false;
     bool m_depthStale = true;
     bool m_depthHeld = false;
     bool m_zoomAllPending = false;
@@ -197,6 +206,7 @@ private:
     Qt::MouseButton m_heldButton = Qt::NoButton;
     QPoint m_lastPos;
     QTimer m_statusTimer;
+    QTimer m_restTimer; ///< runs since the camera was last moved
     QString m_status;
 };
 

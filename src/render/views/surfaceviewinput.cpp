@@ -92,8 +92,10 @@ void SurfaceView::mousePressEvent(QMouseEvent *event)
     m_heldButton = event->button();
     m_savedMode = m_mode;
     setMode(mode);
-    if (mode == SculptMode)
+    if (mode == SculptMode) {
+        m_restTimer.stop();
         beginStroke(*event);
+    }
     update();
 }
 
@@ -137,6 +139,7 @@ void SurfaceView::_endInteraction(QPoint position)
 {
     const int mode = m_mode;
     m_heldButton = Qt::NoButton;
+    m_restTimer.stop();
     setMode(std::exchange(m_savedMode, int(NoMode)));
     if (mode == SculptMode)
         finishStroke(position);
@@ -164,6 +167,7 @@ void SurfaceView::_dragCamera(QPoint from, QPoint to)
     default:
         break;
     }
+    m_restTimer.start();
     setCamera(camera);
 }
 
@@ -178,6 +182,7 @@ void SurfaceView::wheelEvent(QWheelEvent *event)
     const int delta = angle.y() != 0 ? angle.y() : angle.x();
     if (delta == 0 || wheelTurned(event->modifiers(), delta))
         return;
+    m_restTimer.start();
     const int zoomBy = wheelZoomsIn() ? -delta : delta;
     setCamera(wheelZoomed(m_camera, zoomBy, positionOf(*event), size()));
 }

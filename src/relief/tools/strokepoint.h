@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPointF>
+
+#include <algorithm>
+
+namespace marlowen {
+
+/// A point of a stroke: cells from the relief's centre, and how hard the pen is pressed there,
+/// 0..1; 1 for whatever has no pressure.
+struct StrokePoint : QPointF
+{
+    StrokePoint() = default;
+    StrokePoint(double x, double y, double penPressure = 1.0)
+        : QPointF(x, y)
+        , pressure(usablePressure(penPressure))
+    {
+    }
+    StrokePoint(QPointF point, double penPressure = 1.0)
+        : StrokePoint(point.x(), point.y(), penPressure)
+    {
+    }
+
+    /// 1 for NaN.
+    static double usablePressure(double value)
+    {
+        return value >= 0.0 ? std::min(value, 1.0) : value < 0.0 ? 0.0 : 1.0;
+    }
+
+    double pressure = 1.0;
+};
+
+} // namespace marlowen
