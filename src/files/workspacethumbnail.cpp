@@ -1,7 +1,7 @@
 #include "files/workspacethumbnail.h"
 
+#include "files/heightpicture.h"
 #include "files/safefile.h"
-
 #include "relief/grid/floatgrid.h"
 
 #include <QFile>
@@ -78,36 +78,10 @@ std::optional<SampledHeights> sample(QFile &file, int side)
             return {};
         for (int x = 0; x < grid.width; ++x) {
             const auto column = qint64((x + 0.5) * sampled.stride);
-            const double height = realAt(row.constData() + column * cellBytes);
-            grid.row(y)[x] = std::isfinite(height) && height > 0.0 ? float(height) : 0.0F;
+            grid.row(y)[x] = static_cast<float>(realAt(row.constData() + column * cellBytes));
         }
     }
     return sampled;
-}
-
-/// Diffuse light from the top left on a warm material.
-QImage lit(const SampledHeights &sampled)
-{
-    const FloatGrid &grid = sampled.heights;
-    const double slope = sampled.zScale / (2.0 * sampled.stride);
-    QImage image(grid.width, grid.height, QImage::Format_ARGB32);
-    const auto at = [&grid](int x, int y) {
-        return grid.row(std::clamp(y, 0, grid.height - 1))[std::clamp(x, 0, grid.width - 1)];
-    };
-    for (int y = 0; y < grid.height; ++y) {
-        auto *line = reinterpret_cast<QRgb *>(image.scanLine(grid.height - 1 - y));
-        for (int x = 0; x < grid.width; ++x) {
-            const double dx = double(at(x + 1, y) - at(x - 1, y)) * slope;
-            const double dy = double(at(x, y + 1) - at(x, y - 1)) * slope;
-            // Light direction (-0.5, 0.5, 0.707), normal (-dx, -dy, 1).
-            const double cosine = (0.5 * dx - 0.5 * dy + 0.707) / std::sqrt(dx * dx + dy * dy + 1);
-            const double light = std::clamp(0.18 + 0.95 * cosine, 0.0, 1.15);
-            const auto shade = [light](double full) { return std::min(255, int(full * light)); };
-            line[x] =
-                at(x, y) == 0.0F ? qRgba(0, 0, 0, 0) : qRgb(shade(232), shade(205), shade(170));
-        }
-    }
-    return image;
 }
 
 } // namespace
@@ -118,7 +92,11 @@ QImage workspaceThumbnail(const QString &path, int side)
     if (side < 1 || !openRegularFile(file, {}))
         return {};
     const std::optional<SampledHeights> sampled = sample(file, side);
-    return sampled ? lit(*sampled) : QImage();
+    if (!sampled)
+        return {};
+    const FloatGrid &grid = sampled->heights;
+    return litHeights({grid.values.data(), grid.width, grid.height},
+                      sampled->zScale / sampled->stride);
 }
 
 } // namespace marlowen
