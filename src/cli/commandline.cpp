@@ -8,6 +8,7 @@
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
 #include "cli/toolrecord.h"
+#include "files/formats.h"
 #include "files/safefile.h"
 
 #include <QFile>
@@ -63,10 +64,11 @@ QString convertHelp()
 
 QString infoHelp()
 {
-    return QStringLiteral(
-        "Prints what a file that convert reads holds, as text or as one JSON object: "
-        "of a\nmesh its corners, facets, problems, box and area, of others size, Z "
-        "scale, range\nand heights.\n");
+    return QStringLiteral("Prints what a file that convert reads holds, as text or as one JSON "
+                          "object: of a\nmesh its "
+                          "corners, facets, problems, box and area, of others size, Z scale, "
+                          "range\nand heights, of a "
+                          "pattern also its title, author, unit, time and thumbnail size.\n");
 }
 
 QString runHelp()
@@ -141,7 +143,14 @@ Result<QJsonObject> describeFile(const QString &path, Progress &progress)
     const Result<std::unique_ptr<Relief>> opened = openFile(path, {});
     if (!opened)
         return opened.failure();
-    return describe(*opened.value());
+    QJsonObject description = describe(*opened.value());
+    const Format *format = formatOf(path);
+    if (format && format->attributes) {
+        const QJsonObject attributes = format->attributes(path);
+        for (auto entry = attributes.begin(); entry != attributes.end(); ++entry)
+            description.insert(entry.key(), entry.value());
+    }
+    return description;
 }
 
 int infoCommand(const QStringList &arguments)

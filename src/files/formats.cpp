@@ -3,8 +3,10 @@
 #include "files/boundedimage.h"
 #include "files/export/meshexport.h"
 #include "files/heightmaps.h"
+#include "files/patternfile.h"
 #include "files/workspacefile.h"
 #include "files/workspacethumbnail.h"
+#include "relief/grid/physicalsize.h"
 
 #include <QtGlobal>
 
@@ -50,6 +52,40 @@ Result<QString> writeObj(const ExportJob &job)
     return writeMesh(job, MeshFormat::Obj);
 }
 
+Result<QString> writePattern(const ExportJob &job)
+{
+    Progress quiet;
+    const PatternToSave pattern{newPatternAttributes(job.path, QLatin1String(lengthUnits[0].label)),
+                                job.relief.zScale, heightsOf(job.relief)};
+    return quietly(savePattern(pattern, job.path, job.progress ? *job.progress : quiet));
+}
+
+QImage patternThumbnail(const QString &path, int side)
+{
+    const Result<PatternInfo> info = readPatternInfo(path);
+    if (!info)
+        return {};
+    const QImage &image = info.value().thumbnail;
+    if (image.width() <= side && image.height() <= side)
+        return image;
+    return image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+QJsonObject patternAttributes(const QString &path)
+{
+    const Result<PatternInfo> info = readPatternInfo(path);
+    if (!info)
+        return {};
+    const PatternAttributes &attributes = info.value().attributes;
+    const QSize thumbnail = info.value().thumbnail.size();
+    return {{QStringLiteral("title"), attributes.title},
+            {QStringLiteral("author"), attributes.author},
+            {QStringLiteral("units"), attributes.units},
+            {QStringLiteral("created"), attributes.created},
+            {QStringLiteral("thumbnail"),
+             QStringLiteral("%1 x %2").arg(thumbnail.width()).arg(thumbnail.height())}};
+}
+
 Result<QString> writePfm(const ExportJob &job)
 {
     return quietly(savePfm(heightsOf(job.relief), job.path));
@@ -74,6 +110,15 @@ constexpr Format rows[] = {
      .save = writeWorkspace,
      .written = QT_TRANSLATE_NOOP("Formats", "workspace"),
      .thumbnail = workspaceThumbnail},
+    {.ending = ".ptr",
+     .label = QT_TRANSLATE_NOOP("Formats", "pattern"),
+     .opensAs = OpensAs::Relief,
+     .inWindow = true,
+     .load = openPattern,
+     .save = writePattern,
+     .written = QT_TRANSLATE_NOOP("Formats", "pattern with its name, time and thumbnail"),
+     .thumbnail = patternThumbnail,
+     .attributes = patternAttributes},
     {.ending = ".stl",
      .label = QT_TRANSLATE_NOOP("Formats", "STL mesh"),
      .opensAs = OpensAs::Model,

@@ -5,6 +5,7 @@
 #include "relief/grid/relief.h"
 
 #include <QImage>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -48,6 +49,8 @@ struct Format
     unsigned exportOptions = 0; ///< ExportOption bits
     /// At most so many pixels wide and high; a null image on failure. May be null.
     QImage (*thumbnail)(const QString &path, int side) = nullptr;
+    /// What the file says besides its relief, as texts; empty when it cannot be read. May be null.
+    QJsonObject (*attributes)(const QString &path) = nullptr;
 };
 
 std::span<const Format> formats();

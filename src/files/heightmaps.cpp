@@ -141,6 +141,16 @@ Result<FloatGrid> loadPfm(const QString &path)
     }
 }
 
+std::unique_ptr<Relief> reliefOf(const FloatGrid &grid)
+{
+    auto relief = std::make_unique<Relief>(grid.width, grid.height);
+    std::copy(grid.values.begin(), grid.values.end(), relief->heights().data());
+    relief->referenceLayer().copyFrom(relief->heights());
+    const auto [lowest, highest] = std::minmax_element(grid.values.begin(), grid.values.end());
+    relief->rangeMaximum = static_cast<double>(*highest) - static_cast<double>(*lowest);
+    return relief;
+}
+
 Result<std::unique_ptr<Relief>> loadHeightMap(const QString &path)
 {
     Result<FloatGrid> loaded = loadPfm(path);
@@ -148,12 +158,7 @@ Result<std::unique_ptr<Relief>> loadHeightMap(const QString &path)
         return loaded.failure();
     FloatGrid grid = loaded.take();
     repairHeights(grid.values.data(), grid.cells());
-    auto relief = std::make_unique<Relief>(grid.width, grid.height);
-    std::copy(grid.values.begin(), grid.values.end(), relief->heights().data());
-    relief->referenceLayer().copyFrom(relief->heights());
-    const auto [lowest, highest] = std::minmax_element(grid.values.begin(), grid.values.end());
-    relief->rangeMaximum = static_cast<double>(*highest) - static_cast<double>(*lowest);
-    return relief;
+    return reliefOf(grid);
 }
 
 Outcome saveHeightPng(const GridView &grid, const QString &path)

@@ -19,8 +19,10 @@ Outcome savePfm(const GridView &grid, const QString &path);
 /// Reads grey maps ("Pf") of either byte order. Values may be anything, NaN included. Takes no
 /// memory for cells that the file does not hold.
 Result<FloatGrid> loadPfm(const QString &path);
-/// A grey map as a relief: heights and reference layer are its values, values that no relief may
-/// hold become 0, and the range is that of the values.
+/// A grid as a relief: heights and reference layer are its values, and the range is that of the
+/// values, which must be those a relief may hold. Throws std::bad_alloc.
+std::unique_ptr<Relief> reliefOf(const FloatGrid &grid);
+/// A grey map as a relief; values that no relief may hold become 0.
 Result<std::unique_ptr<Relief>> loadHeightMap(const QString &path);
 
 /// 16-bit grey PNG: the lowest height black, the highest white; a flat relief is black.

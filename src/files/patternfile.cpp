@@ -4,6 +4,7 @@
 #include "files/fio/fio.h"
 #include "files/fio/fioheader.h"
 #include "files/heightblocks.h"
+#include "files/heightmaps.h"
 #include "files/heightpicture.h"
 #include "files/safefile.h"
 #include "relief/grid/reliefstream.h"
@@ -120,13 +121,16 @@ bool readWhole(Fio &fio, const QFile &file, Pattern &pattern, Progress &progress
 }
 
 /// Messages of the container that say enough on their own are kept; the others become the detail.
-Failure invalidPattern(const FioStream &fio)
+Failure invalidPattern(const FioStream &fio, const QFile &file)
 {
     const QString title = QStringLiteral("Invalid File");
     if (fio.errorString() == FioStream::newerVersionMessage())
         return {title, fio.errorString()};
+    // A device has no words for a read that ends early.
+    const bool ended =
+        file.error() == QFileDevice::NoError && fio.errorString() == file.errorString();
     return {title, QStringLiteral("Error! The pattern file is damaged or not a pattern file"),
-            fio.errorString()};
+            ended ? QStringLiteral("the file ends too early") : fio.errorString()};
 }
 
 void repair(Pattern &pattern, const QString &path)
@@ -172,14 +176,14 @@ Outcome savePattern(const PatternToSave &pattern, const QString &path, Progress 
 Result<Pattern> loadPattern(const QString &path, Progress &progress)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return openFailed(file.errorString());
+    if (const Outcome opened = openRegularFile(file, openFailed()); !opened)
+        return opened.failure();
     Fio fio;
     fio.attach(&file);
     Pattern pattern;
     try {
         if (!readWhole(fio, file, pattern, progress))
-            return progress.cancelled() ? loadFailed() : invalidPattern(fio);
+            return progress.cancelled() ? loadFailed() : invalidPattern(fio, file);
     } catch (const std::bad_alloc &) {
         return loadFailed(QStringLiteral("not enough memory"));
     }
@@ -187,17 +191,32 @@ Result<Pattern> loadPattern(const QString &path, Progress &progress)
     return pattern;
 }
 
+Result<std::unique_ptr<Relief>> openPattern(const QString &path)
+{
+    Progress quiet;
+    const Result<Pattern> loaded = loadPattern(path, quiet);
+    if (!loaded)
+        return loaded.failure();
+    try {
+        std::unique_ptr<Relief> relief = reliefOf(loaded.value().heights);
+        relief->zScale = loaded.value().info.zScale;
+        return relief;
+    } catch (const std::bad_alloc &) {
+        return loadFailed(QStringLiteral("not enough memory"));
+    }
+}
+
 Result<PatternInfo> readPatternInfo(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return openFailed(file.errorString());
+    if (const Outcome opened = openRegularFile(file, openFailed()); !opened)
+        return opened.failure();
     Fio fio;
     fio.attach(&file);
     PatternInfo info;
     QByteArray thumbnail;
     if (!readInfo(fio, info, thumbnail) || !decodeThumbnail(fio, thumbnail, info.thumbnail))
-        return invalidPattern(fio);
+        return invalidPattern(fio, file);
     return info;
 }
 

@@ -3,9 +3,12 @@
 #include "base/progress.h"
 #include "base/result.h"
 #include "relief/grid/floatgrid.h"
+#include "relief/grid/relief.h"
 
 #include <QImage>
 #include <QString>
+
+#include <memory>
 
 namespace marlowen {
 
@@ -60,6 +63,9 @@ Outcome savePattern(const PatternToSave &pattern, const QString &path, Progress 
 /// no relief may hold become 0 and the session log says how many. Memory is taken as the heights
 /// arrive. Fails with loadFailed() when cancelled.
 Result<Pattern> loadPattern(const QString &path, Progress &progress);
+
+/// A pattern as a relief of its heights and Z scale; fails as loadPattern().
+Result<std::unique_ptr<Relief>> openPattern(const QString &path);
 
 /// Reads what precedes the heights, without the digest.
 Result<PatternInfo> readPatternInfo(const QString &path);

@@ -84,13 +84,14 @@ private slots:
         _write("broken.png", _contents("disc.png").left(200));
         _write("precious.scp", "precious");
         QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("folder.png")));
-        for (const char *name : {"full.scp", "full.stl", "full.obj", "full.pfm", "full.png"})
+        for (const char *name :
+             {"full.scp", "full.ptr", "full.stl", "full.obj", "full.pfm", "full.png"})
             QVERIFY(QFile::link(QStringLiteral("/dev/full"), _path(name)));
     }
 
     void aPictureTakesEveryForm()
     {
-        for (const char *name : {"out.scp", "out.stl", "out.pfm", "out.PNG"}) {
+        for (const char *name : {"out.scp", "out.ptr", "out.stl", "out.pfm", "out.PNG"}) {
             const Ran ran = _run({"convert", "disc.png", name, "--smoothing", "1.5", "--trim=1"});
             QCOMPARE(ran.errors, QByteArray());
             QCOMPARE(ran.status, 0);
@@ -100,6 +101,12 @@ private slots:
         QVERIFY(workspace && map);
         QVERIFY(std::equal(map.value().values.begin(), map.value().values.end(),
                            workspace.value()->heights().constData()));
+        QCOMPARE(_run({"convert", "out.ptr", "back.pfm"}).status, 0);
+        QVERIFY(_contents("back.pfm") == _contents("out.pfm"));
+        const QByteArray info = _run({"info", "out.ptr", "--json"}).output;
+        for (const char *part : {"\"title\":\"out\"", "\"author\":\"\"", "\"units\":\"in.\"",
+                                 "\"created\":\"20", "\"width\":60", "\"thumbnail\":\"60 x 40\""})
+            QVERIFY2(info.contains(part), info);
         QCOMPARE(QImage(_path("out.PNG")).size(), QSize(60, 40));
         const QByteArray stl = _contents("out.stl");
         QVERIFY(stl.size() > 84 && (stl.size() - 84) % 50 == 0);
@@ -236,7 +243,8 @@ private slots:
             << convert("none.png", "x.scp") << QByteArray("No such file or directory");
         QTest::newRow("a folder called picture")
             << convert("folder.png", "x.scp") << QByteArray("folder.png: ");
-        for (const char *name : {"full.scp", "full.stl", "full.obj", "full.pfm", "full.png"})
+        for (const char *name :
+             {"full.scp", "full.ptr", "full.stl", "full.obj", "full.pfm", "full.png"})
             QTest::addRow("full disk, %s", name)
                 << convert("disc.png", name) << QByteArray(name) + ": ";
         QTest::newRow("info") << QStringList{"info", "none.scp"} << QByteArray("none.scp: ");
