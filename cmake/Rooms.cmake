@@ -1,12 +1,12 @@
 # marlowen_room(NAME [LINK target...] [PCH header...])
 #
 # One static library a room: every .cpp and .h below src/NAME. Headers are included by room
-# ("relief/relief.h"); a room that is not in LINK compiles but does not link.
+# ("relief/grid/relief.h"); a room that is not in LINK compiles but does not link.
 function(marlowen_room name)
     cmake_parse_arguments(ROOM "" "" "LINK;PCH" ${ARGN})
-    file(GLOB_RECURSE sources CONFIGURE_DEPENDS
-         ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
-    file(GLOB_RECURSE resources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.qrc)
+    set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
+    file(GLOB_RECURSE resources CONFIGURE_DEPENDS ${folder}/*.qrc)
     list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
     add_library(marlowen_${name} STATIC ${sources} ${resources})
     set_target_properties(marlowen_${name} PROPERTIES AUTOMOC ON AUTORCC ON LINKER_LANGUAGE CXX)
@@ -17,33 +17,37 @@ function(marlowen_room name)
     endif()
 endfunction()
 
-# marlowen_tests(ROOM [LINK target...])
+# marlowen_program(NAME ROOM): the program whose main function is src/ROOM/main.cpp.
+function(marlowen_program name room)
+    add_executable(${name} ${room}/main.cpp)
+    target_link_libraries(${name} PRIVATE marlowen_${room})
+    install(TARGETS ${name} RUNTIME)
+endfunction()
+
+# marlowen_tests(ROOM LINK target... [DISPLAY test...])
 #
-# Every tests/ROOM/tst_*.cpp is one Qt Test program and one ctest entry. Its home and settings
-# lie in the build tree, never in the developer's own. DISPLAY marks tests that need one; the others
-# are built by the target headless_tests.
+# Every tests/ROOM/tst_*.cpp is one Qt Test program and one ctest entry, with a home folder of its
+# own (tests/testhome.cpp). Those named under DISPLAY draw with OpenGL or need a window manager: they
+# carry the label "display" and each runs on a virtual display of its own. The others run on Qt's
+# offscreen platform.
 function(marlowen_tests room)
-    cmake_parse_arguments(T "DISPLAY" "" "LINK" ${ARGN})
+    cmake_parse_arguments(T "" "" "LINK;DISPLAY" ${ARGN})
     file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${room}/tst_*.cpp)
     foreach(file ${files})
         get_filename_component(name ${file} NAME_WE)
         add_executable(${name} ${file})
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
         target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-        target_compile_definitions(${name} PRIVATE
-            MARLOWEN_SOURCE_DIR="${CMAKE_SOURCE_DIR}" MARLOWEN_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
-        target_link_libraries(${name} PRIVATE ${T_LINK} Qt6::Test)
-        add_test(NAME ${room}.${name} COMMAND ${name})
-        set(home ${CMAKE_BINARY_DIR}/testhome/${name})
-        file(MAKE_DIRECTORY ${home})
-        set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/.config;XDG_RUNTIME_DIR=${home}")
-        list(APPEND environment "LC_ALL=C.UTF-8")
-        if(T_DISPLAY)
-            list(APPEND environment "QT_QPA_PLATFORM=xcb")
-            set_tests_properties(${room}.${name} PROPERTIES LABELS display RUN_SERIAL ON)
+        target_link_libraries(${name} PRIVATE
+            ${T_LINK} marlowen_test marlowen_testhome marlowen_quick_link)
+        set(environment "LC_ALL=C.UTF-8" "QT_QPA_PLATFORM=offscreen"
+            "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/lsan.supp:print_suppressions=0")
+        if(name IN_LIST T_DISPLAY)
+            add_test(NAME ${room}.${name}
+                     COMMAND ${CMAKE_SOURCE_DIR}/scripts/own-display $<TARGET_FILE:${name}>)
+            set_tests_properties(${room}.${name} PROPERTIES LABELS display)
         else()
-            add_dependencies(headless_tests ${name})
-            list(APPEND environment "QT_QPA_PLATFORM=offscreen")
+            add_test(NAME ${room}.${name} COMMAND ${name})
         endif()
         set_tests_properties(${room}.${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300)
     endforeach()
@@ -59,6 +63,7 @@ function(marlowen_bench room)
     endif()
     add_executable(bench_${room} ${files})
     target_include_directories(bench_${room} PRIVATE ${CMAKE_SOURCE_DIR}/bench)
-    target_link_libraries(bench_${room} PRIVATE ${B_LINK} benchmark::benchmark_main)
+    target_link_libraries(bench_${room} PRIVATE
+        ${B_LINK} benchmark::benchmark_main marlowen_quick_link)
     add_dependencies(benchmarks bench_${room})
 endfunction()

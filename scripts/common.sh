@@ -4,12 +4,15 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
 
 build_packages=(
-    build-essential g++ cmake ninja-build ccache
+    build-essential g++ cmake ninja-build ccache mold
     qt6-base-dev libqt6opengl6-dev qt6-svg-dev zlib1g-dev qt6-tools-dev qt6-qpa-plugins
     libgl1-mesa-dev libglu1-mesa-dev libgl1-mesa-dri libbenchmark-dev
 )
 display_packages=(xvfb xauth xdotool openbox x11-utils)
-test_packages=(python3 imagemagick admesh assimp-utils)
+test_packages=(
+    python3 imagemagick admesh assimp-utils
+    appstream desktop-file-utils shared-mime-info libglib2.0-bin
+)
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -38,13 +41,15 @@ ensure_packages() {
         apt-get -q install -y --no-install-recommends $missing </dev/null >&2
 }
 
-# build PRESET [TARGET...]: configures when needed and builds the targets (all without any).
+# build PRESET [TARGET...]: configures when needed (afresh when the presets have changed since) and
+# builds the targets (all without any).
 build() {
     local preset=$1
     shift
     cd "$root"
-    if [ ! -f "build/$preset/build.ninja" ]; then
-        cmake --preset "$preset" >&2
+    if [ ! -f "build/$preset/build.ninja" ] ||
+        [ CMakePresets.json -nt "build/$preset/CMakeCache.txt" ]; then
+        cmake --fresh --preset "$preset" >&2
     fi
     cmake --build --preset "$preset" -j "$jobs" ${1:+--target "$@"} >&2
 }

@@ -2,8 +2,9 @@
 
 namespace marlowen {
 
-/// Version text printed at start-up and sent in update checks.
-inline constexpr char versionText[] = "3.000.00019";
+/// Version text printed at start-up and sent in update checks, "M.mmm.bbbbb": major, minor with
+/// three digits, build with five. Set by the version of the CMake project.
+extern const char *const versionText;
 /// Product name as the window title shows it.
 inline constexpr char productName[] = "Brindlemark Marlowen 3";
 

@@ -7,6 +7,7 @@
 #include "cli/scriptrunner.h"
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
+#include "cli/thumbnailcommand.h"
 #include "cli/toolrecord.h"
 #include "files/formats.h"
 #include "files/safefile.h"
@@ -32,6 +33,7 @@ constexpr char usageText[] =
     "marlowen-cli convert INPUT OUTPUT [options]\n"
     "marlowen-cli info FILE [--json]\n"
     "marlowen-cli run SCRIPT          SCRIPT is a file, or - for standard input\n"
+    "marlowen-cli thumbnail FILE PICTURE [--size N]\n"
     "marlowen-cli COMMAND --help | --help | --version\n";
 
 void printOut(const QString &text)
@@ -74,6 +76,12 @@ QString infoHelp()
 QString runHelp()
 {
     return QStringLiteral("Runs a script of one JSON object a line.\n") + toolRecordHelp();
+}
+
+QString thumbnailHelp()
+{
+    return QStringLiteral("Writes a small picture of a workspace, a pattern or an image as PNG, at "
+                          "most N pixels\nwide and high (16 to 1024, 256 without --size).\n");
 }
 
 int helpCommand(const QStringList &)
@@ -214,6 +222,15 @@ int scriptCommand(const QStringList &arguments)
     return done ? Done : fail(oneLine(done.failure()), WorkFailed);
 }
 
+int thumbnailCommand(const QStringList &arguments)
+{
+    const Result<ThumbnailJob> job = parseThumbnail(arguments);
+    if (!job)
+        return wrongUsage(oneLine(job.failure()));
+    const Outcome done = runThumbnail(job.value());
+    return done ? Done : workFailed(done.failure());
+}
+
 /// One row a command.
 struct Command
 {
@@ -228,6 +245,8 @@ constexpr Command commands[] = {
     {"info", infoCommand, "marlowen-cli info FILE [--json]\n\n", infoHelp},
     {"run", scriptCommand, "marlowen-cli run SCRIPT (a file, or - for standard input)\n\n",
      runHelp},
+    {"thumbnail", thumbnailCommand, "marlowen-cli thumbnail FILE PICTURE [--size N]\n\n",
+     thumbnailHelp},
     {"--help", helpCommand},
     {"-h", helpCommand},
     {"--version", versionCommand}};

@@ -2,7 +2,7 @@
 
 #include "base/qevsettings.h"
 #include "base/version.h"
-#include "ui/filethumbnail.h"
+#include "files/filethumbnail.h"
 #include "ui/icons.h"
 
 #include <QCheckBox>

@@ -1,3 +1,5 @@
+#include "programs.h"
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -40,7 +42,7 @@ public:
         QStringList full = QProcess::systemEnvironment();
         full << "HOME=" + m_home.path() << "XDG_CONFIG_HOME=" + m_home.filePath(".config");
         m_process.setEnvironment(full + given.environment);
-        m_process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen"), arguments);
+        m_process.start(programPath("marlowen"), arguments);
         m_process.waitForStarted();
         m_pid = m_process.processId(); // the process object forgets it when the process has gone
         m_log = m_home.filePath(QStringLiteral("Marlowen3/marlowen3_%1.log").arg(m_pid, 0, 16));

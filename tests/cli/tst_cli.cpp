@@ -1,6 +1,7 @@
 #include "files/formats.h"
 #include "files/heightmaps.h"
 #include "files/workspacefile.h"
+#include "programs.h"
 
 #include <QFile>
 #include <QImage>
@@ -11,6 +12,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <csignal>
 
 #include <sys/stat.h>
 
@@ -61,7 +63,7 @@ class TestCli : public QObject
     {
         QProcess process;
         process.setWorkingDirectory(m_folder.path());
-        process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen-cli"), arguments);
+        process.start(programPath("marlowen-cli"), arguments);
         process.write(input);
         process.closeWriteChannel();
         if (!process.waitForFinished(60000))
@@ -78,7 +80,7 @@ class TestCli : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY(QFile::exists(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen-cli")));
+        QVERIFY(QFile::exists(programPath("marlowen-cli")));
         QVERIFY(disc().save(_path("disc.png")));
         QVERIFY(disc().scaled(30, 20).save(_path("small.bmp")));
         _write("broken.png", _contents("disc.png").left(200));
@@ -183,6 +185,19 @@ private slots:
         QCOMPARE(relief.value()->rangeMaximum, 1.5);
     }
 
+    void thumbnails()
+    {
+        QCOMPARE(_run({"convert", "disc.png", "thumb.scp"}).status, 0);
+        for (const char *name : {"thumb.scp", "disc.png"}) {
+            const Ran ran = _run({"thumbnail", name, "thumb.png", "--size", "32"});
+            QCOMPARE(ran.errors, QByteArray());
+            const QImage picture(_path("thumb.png"));
+            QCOMPARE(picture.width(), 32);
+            QVERIFY(qGray(picture.pixel(16, picture.height() / 2)) > 20);
+            QVERIFY(QFile::remove(_path("thumb.png")));
+        }
+    }
+
     void wrongCommandLines_data()
     {
         QTest::addColumn<QStringList>("arguments");
@@ -210,6 +225,9 @@ private slots:
             << QStringList{"convert", "precious.scp", "a.scp", "--flip-y"};
         QTest::newRow("info without file") << QStringList{"info", "--json"};
         QTest::newRow("run without script") << QStringList{"run"};
+        QTest::newRow("thumbnail without picture") << QStringList{"thumbnail", "disc.png"};
+        QTest::newRow("thumbnail too large")
+            << QStringList{"thumbnail", "disc.png", "t.png", "--size", "5000"};
     }
 
     void wrongCommandLines()
@@ -248,6 +266,8 @@ private slots:
             QTest::addRow("full disk, %s", name)
                 << convert("disc.png", name) << QByteArray(name) + ": ";
         QTest::newRow("info") << QStringList{"info", "none.scp"} << QByteArray("none.scp: ");
+        QTest::newRow("thumbnail")
+            << QStringList{"thumbnail", "broken.png", "x.scp"} << QByteArray("broken.png: ");
         QTest::newRow("script") << QStringList{"run", "none.txt"} << QByteArray("none.txt: ");
     }
 
@@ -261,6 +281,31 @@ private slots:
         QVERIFY2(ran.errors.contains(named), ran.errors);
         QCOMPARE(_contents("precious.scp"), QByteArray("precious"));
         QVERIFY(!QFile::exists(_path("x.scp")));
+    }
+
+    void interruptedExportLeavesTheOldFile()
+    {
+        QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("export")));
+        _write("wide.pfm", "Pf\n2500 2500\n-1\n" + QByteArray(4 * 2500 * 2500, 'A'));
+        _write("export/precious.stl", "precious");
+        const auto names = [this] { return QDir(_path("export")).entryList(QDir::Files); };
+        QProcess process;
+        process.setWorkingDirectory(m_folder.path());
+        process.start(programPath("marlowen-cli"), {"convert", "wide.pfm", "export/precious.stl"});
+        // The temporary has no name of its own yet, but the process holds it open.
+        const QDir open(QStringLiteral("/proc/%1/fd").arg(process.processId()));
+        const auto writes = [&] {
+            const auto files = open.entryInfoList(QDir::Files | QDir::System);
+            return std::ranges::any_of(files, [](const QFileInfo &file) {
+                return file.symLinkTarget().contains(QLatin1String("/export/"));
+            });
+        };
+        QVERIFY(QTest::qWaitFor(writes, 60000));
+        QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+        QVERIFY(process.waitForFinished(60000));
+        QVERIFY(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 1);
+        QCOMPARE(names(), QStringList{"precious.stl"});
+        QCOMPARE(_contents("export/precious.stl"), QByteArray("precious"));
     }
 
     void outputThatCannotBeWrittenIsAFailure_data()
@@ -277,7 +322,7 @@ private slots:
         QProcess process;
         process.setWorkingDirectory(m_folder.path());
         process.setStandardOutputFile(QStringLiteral("/dev/full"));
-        process.start(QStringLiteral(MARLOWEN_BIN_DIR "/marlowen-cli"), arguments);
+        process.start(programPath("marlowen-cli"), arguments);
         process.write("{\"do\":\"new\",\"width\":3,\"height\":3}\n{\"do\":\"info\"}\n");
         process.closeWriteChannel();
         QVERIFY(process.waitForFinished(60000));
@@ -421,7 +466,7 @@ private slots:
         const Ran help = _run({"convert", "--help"});
         QCOMPARE(help.status, 0);
         QVERIFY(help.output.contains("--tilt H,V") && !help.output.contains("SCRIPT"));
-        QFile readme(QStringLiteral(MARLOWEN_SOURCE_DIR "/README.md"));
+        QFile readme(QLatin1String(sourceFolder) + QLatin1String("/README.md"));
         QVERIFY(readme.open(QIODevice::ReadOnly));
         const QByteArray text = readme.readAll();
         for (const Format &format : formats())

@@ -135,17 +135,6 @@ private slots:
         QCOMPARE(titleOf(loadWorkspace(path)), title);
     }
 
-    void everyTruncationOfAWorkspaceIsRefused()
-    {
-        const QString path = _path("a.scp");
-        QVERIFY(saveWorkspace(*ramp(3, 2), path));
-        const QByteArray whole = contents(path);
-        for (qsizetype length = 0; length < whole.size(); ++length) {
-            writeFile(path, whole.left(length));
-            QCOMPARE(titleOf(loadWorkspace(path)), length < 8 ? "Invalid File" : "Load Failed");
-        }
-    }
-
     void theMessagesAreTheKnownOnes()
     {
         QCOMPARE(loadWorkspace(_path("none.scp")).failure().title, "Open Failed");
@@ -292,17 +281,6 @@ private slots:
         const auto loaded = loadPfm(_path("a.pfm"));
         QVERIFY(loaded);
         QVERIFY(loaded.value().values == std::vector<float>({1.0F, 2.0F}));
-    }
-
-    void everyTruncationOfAPfmIsRefused()
-    {
-        const QString path = _path("a.pfm");
-        QVERIFY(savePfm(viewOf(*ramp(3, 2)), path));
-        const QByteArray whole = contents(path);
-        for (qsizetype length = 0; length < whole.size(); ++length) {
-            writeFile(path, whole.left(length));
-            QVERIFY2(!loadPfm(path), QByteArray::number(length));
-        }
     }
 
     void heightPngSpansBlackToWhite()

@@ -79,8 +79,6 @@ private slots:
         }
     }
     void properties();
-    void undoRestores_data() { properties_data(); }
-    void undoRestores();
     void strengthZero_data() { properties_data(); }
     void strengthZero();
     void emptyGridStaysEmpty_data() { properties_data(); }
@@ -130,46 +128,6 @@ void TestBrushProperties::properties()
                 QVERIFY(maskBefore[k] < 1.0F);
             QVERIFY(relief.strokeRegion.contains(cell));
         }
-    }
-}
-
-void TestBrushProperties::undoRestores()
-{
-    QFETCH(int, type);
-    QFETCH(bool, stamp);
-    std::mt19937 random(static_cast<unsigned>(type) + 99U);
-    Relief relief(80, 61);
-    SculptUndo undo;
-    SculptEngine engine;
-    engine.attach(&relief, &undo);
-    roughen(relief, random);
-    if (stamp)
-        stampImage();
-    std::vector<std::pair<Layer, Layer>> states{
-        {copyOf(relief.heights()), copyOf(relief.maskLayer())}};
-    const auto is = [&](const std::pair<Layer, Layer> &state) {
-        return copyOf(relief.heights()) == state.first &&
-               copyOf(relief.maskLayer()) == state.second;
-    };
-    for (int i = 0; i < 8; ++i) {
-        relief.symmetryX = i % 2;
-        relief.symmetryY = i % 3 == 0;
-        const int count = undo.count();
-        wander(engine, randomParams(random, type), random);
-        if (undo.count() == count)
-            QVERIFY(is(states.back()));
-        else
-            states.push_back({copyOf(relief.heights()), copyOf(relief.maskLayer())});
-    }
-    QCOMPARE(size_t(undo.count()) + 1, states.size());
-    QVERIFY(states.size() > 2);
-    for (size_t i = states.size() - 1; i-- > 0;) {
-        undo.undo();
-        QVERIFY(is(states[i]));
-    }
-    for (size_t i = 1; i < states.size(); ++i) {
-        undo.redo();
-        QVERIFY(is(states[i]));
     }
 }
 

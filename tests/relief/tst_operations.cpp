@@ -110,7 +110,6 @@ class TestOperations : public QObject
 private slots:
     void line_data();
     void line();
-    void stridedLine();
     void layer_data();
     void layer();
     void island();
@@ -151,14 +150,6 @@ void TestOperations::line()
     QFETCH(Floats, source);
     QFETCH(Floats, result);
     QCOMPARE(resampled(source, static_cast<int>(result.size())), result);
-}
-
-void TestOperations::stridedLine()
-{
-    const Floats source{0, -1, -1, 8, -1, -1};
-    Floats result(8, 99.0F);
-    resample1D({source.data(), 2, 3}, {result.data(), 4, 2});
-    QCOMPARE(result, Floats({0, 99, 2, 99, 6, 99, 8, 99}));
 }
 
 void TestOperations::layer_data()

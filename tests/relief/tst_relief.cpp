@@ -81,23 +81,6 @@ class TestRelief : public QObject
     Q_OBJECT
 
 private slots:
-    void aFreshReliefIsEmpty()
-    {
-        Relief relief(5, 3);
-        for (const GridLayer *layer :
-             {&relief.heights(), &relief.selectionLayer(), &relief.maskLayer(), &relief.workLayer(),
-              &relief.snapshotLayer(), &relief.referenceLayer()}) {
-            QCOMPARE(layer->size(), 15);
-            QVERIFY(!layer->written());
-            QVERIFY(allZero(*layer));
-        }
-        QCOMPARE(relief.zScale, 1.0);
-        QCOMPARE(relief.rangeMinimum, 0.0);
-        QCOMPARE(relief.rangeMaximum, 0.0);
-        QVERIFY(relief.heightsChanged && relief.appearanceChanged && !relief.selectionActive);
-        QVERIFY(!relief.tool() && !relief.source());
-    }
-
     void aReliefTakesHeightsAndRangeFromItsSource()
     {
         const Relief relief(std::make_unique<FlatSource>());
@@ -210,14 +193,6 @@ private slots:
         QVERIFY(sameValues(read.relief->heights(), relief->heights()));
         QVERIFY(sameValues(read.relief->referenceLayer(), relief->referenceLayer()));
         QVERIFY(allZero(read.relief->maskLayer()));
-    }
-
-    void aShortStreamYieldsNoRelief()
-    {
-        const QByteArray whole = streamed(*ramp(3, 2));
-        for (qsizetype length = 0; length < whole.size(); ++length)
-            QVERIFY2(!readBack(whole.left(length)).relief, QByteArray::number(length));
-        QVERIFY(readBack(whole + "more").relief);
     }
 
     void sizesThatTheStreamCannotHoldTakeNoMemory_data()

@@ -297,7 +297,7 @@ void TestSelections::ellipseEqualsFloodFill()
     std::mt19937 random(11);
     std::uniform_real_distribution<double> coordinate(-25.0, 60.0);
     const Relief grid(40, 33);
-    for (int trial = 0; trial < 250; ++trial) {
+    for (int trial = 0; trial < 60; ++trial) {
         QPointF from(coordinate(random), coordinate(random));
         QPointF to(coordinate(random), coordinate(random));
         if (trial % 3 == 0) // whole cells, as people draw them, and thin ones
@@ -360,7 +360,7 @@ void TestSelections::polygonEqualsFloodFill()
     std::mt19937 random(5);
     std::uniform_real_distribution<double> share(0.0, 0.8);
     const Relief grid(90, 61);
-    for (int trial = 0; trial < 100; ++trial) {
+    for (int trial = 0; trial < 25; ++trial) {
         // Corners in the order of their angles around a middle: no edge crosses another.
         QPolygon corners;
         for (int i = 0; i < 7; ++i) {

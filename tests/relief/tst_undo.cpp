@@ -3,8 +3,6 @@
 #include "relief/tools/tool.h"
 
 #include <QAction>
-#include <QDir>
-#include <QFile>
 #include <QTest>
 
 using namespace marlowen;
@@ -68,12 +66,9 @@ private slots:
     void singleEventBeyondTheLimit();
     void sizesBeyond32Bits();
     void actionsFollowTheStack();
-    void trimmingIsLogged();
     void patchRestoresItsRectangleOnly();
     void untouchedPatchesClearTheLayer();
     void modifyEvent();
-    void maskEvent();
-    void zScaleEvent();
     void eventSizes();
     void resizeEventDropsAStroke();
 };
@@ -211,19 +206,6 @@ void TestUndo::actionsFollowTheStack()
     QCOMPARE(journal.undo.cursor(), 0);
 }
 
-void TestUndo::trimmingIsLogged()
-{
-    Journal journal;
-    journal.step("a", 150000000);
-    journal.step("b", 150000001);
-    const QDir folder(QDir::homePath() + "/Marlowen3");
-    const QStringList logs = folder.entryList({"marlowen3_*.log"}, QDir::Files, QDir::Time);
-    QVERIFY(!logs.isEmpty());
-    QFile log(folder.filePath(logs.front()));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QVERIFY(log.readAll().contains("Info: Undo size = 300000001 limit = 300000000 ... Trimming\n"));
-}
-
 void TestUndo::patchRestoresItsRectangleOnly()
 {
     const auto relief = pictures::relief({"12345", "67891", "23456"});
@@ -274,35 +256,6 @@ void TestUndo::modifyEvent()
     event.redo();
     QCOMPARE(relief->heightAt(2, 1), 9.0F);
     QCOMPARE(relief->heightAt(3, 1), 8.0F);
-}
-
-void TestUndo::maskEvent()
-{
-    Relief relief(4, 2);
-    Patch before = patchOf(relief, relief.maskLayer(), {0, 0, 2, 1});
-    relief.maskLayer().data()[1] = 0.5F;
-    SculptMaskEvent event(relief, std::move(before),
-                          patchOf(relief, relief.maskLayer(), {0, 0, 2, 1}));
-    relief.heightsChanged = false;
-    relief.appearanceChanged = false;
-    event.undo();
-    QCOMPARE(relief.maskLayer().constData()[1], 0.0F);
-    QVERIFY(relief.appearanceChanged);
-    QVERIFY(!relief.heightsChanged);
-    event.redo();
-    QCOMPARE(relief.maskLayer().constData()[1], 0.5F);
-}
-
-void TestUndo::zScaleEvent()
-{
-    Relief relief(2, 2);
-    SculptZScaleEvent event(relief, 1.0, 2.5);
-    relief.appearanceChanged = false;
-    event.undo(); // the scale is 1 already
-    QVERIFY(!relief.appearanceChanged);
-    event.redo();
-    QCOMPARE(relief.zScale, 2.5);
-    QVERIFY(relief.appearanceChanged);
 }
 
 void TestUndo::eventSizes()

@@ -228,13 +228,6 @@ private slots:
         QCOMPARE(AlphaBrush::instance().side(), 1024);
     }
 
-    void picturesForTheEye()
-    {
-        _click(QStringLiteral("Leaf"));
-        QTest::qWait(300);
-        keepPictures(*m_panel, QStringLiteral("library"));
-    }
-
 private:
     void _makePanel()
     {

@@ -132,13 +132,6 @@ private slots:
         QCOMPARE(rejected.size(), 1);
     }
 
-    void picturesForTheEye()
-    {
-        keepPictures(*m_dialog, QStringLiteral("newrelief"));
-        _type("Width", QStringLiteral("40000"));
-        keepPictures(*m_dialog, QStringLiteral("newrelief-large"));
-    }
-
 private:
     static QString _text(const char *column)
     {

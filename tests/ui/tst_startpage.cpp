@@ -1,12 +1,12 @@
 #include "ui/startpage.h"
 
 #include "base/qevsettings.h"
+#include "files/filethumbnail.h"
 #include "files/workspacefile.h"
 #include "files/workspacethumbnail.h"
 #include "picture.h"
 #include "relief/grid/relief.h"
 #include "ui/aboutbox.h"
-#include "ui/filethumbnail.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -143,60 +143,6 @@ private slots:
         QCOMPARE(qAlpha(image.pixel(2, 2)), 0);
         // Lit from the top left.
         QVERIFY(qGray(image.pixel(26, 7)) > qGray(image.pixel(34, 13)) + 30);
-    }
-
-    void thumbnailsAreCheap()
-    {
-        const QString path = _savedDome(QStringLiteral("large.scp"), 3000, 2000);
-        QElapsedTimer clock;
-        clock.start();
-        QCOMPARE(fileThumbnail(path, 256).width(), 256);
-        qInfo("thumbnail of a 96 MB workspace: %lld ms", clock.elapsed());
-        QVERIFY(clock.elapsed() < 500);
-    }
-
-    void damagedFilesHaveNoThumbnail()
-    {
-        const QString path = _savedDome(QStringLiteral("small.scp"), 8, 6);
-        QFile whole(path);
-        QVERIFY(whole.open(QIODevice::ReadOnly));
-        const QByteArray bytes = whole.readAll();
-        QVERIFY(!workspaceThumbnail(path, 32).isNull());
-        const QString damaged = m_folder->filePath(QStringLiteral("damaged.scp"));
-        for (qsizetype length = 0; length < bytes.size(); ++length) {
-            QFile file(damaged);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(bytes.left(length));
-            file.close();
-            QVERIFY(workspaceThumbnail(damaged, 32).isNull());
-        }
-        QByteArray huge = bytes;
-        huge.replace(8, 8, QByteArray::fromHex("7fffffff7fffffff"));
-        QFile file(damaged);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(huge);
-        file.close();
-        QVERIFY(workspaceThumbnail(damaged, 32).isNull());
-        QVERIFY(fileThumbnail(m_folder->filePath(QStringLiteral("none.png")), 32).isNull());
-    }
-
-    void picturesForTheEye()
-    {
-        _savedDome(QStringLiteral("medal.scp"), 400, 400);
-        QImage image(300, 200, QImage::Format_RGB32);
-        image.fill(Qt::darkGreen);
-        const QString picture = m_folder->filePath(QStringLiteral("leaf photo.png"));
-        QVERIFY(image.save(picture));
-        QevSettings().setLastFile(picture);
-        const QString gone = _savedDome(QStringLiteral("gone.scp"));
-        QVERIFY(QFile::remove(gone));
-        _show();
-        QTest::qWait(300);
-        keepPictures(*m_page, QStringLiteral("startpage"));
-        AboutBox about;
-        about.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&about));
-        keepPictures(about, QStringLiteral("about"));
     }
 
 private:

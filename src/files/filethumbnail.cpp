@@ -1,4 +1,4 @@
-#include "ui/filethumbnail.h"
+#include "files/filethumbnail.h"
 
 #include "files/formats.h"
 

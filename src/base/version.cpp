@@ -1,0 +1,7 @@
+#include "base/version.h"
+
+namespace marlowen {
+
+const char *const versionText = MARLOWEN_VERSION_TEXT;
+
+} // namespace marlowen

@@ -1,0 +1,74 @@
+// Linked into every test program: gives it an empty home folder of its own in the build tree before
+// main begins, so that a test never touches the logs, alphas and settings of the person who runs
+// it.
+
+#include "programs.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+const char *const sourceFolder = MARLOWEN_SOURCE_DIR;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Set while a test program runs; a process that it starts keeps the home that the test gave it.
+constexpr char marker[] = "MARLOWEN_TEST_HOME";
+
+class TestHome
+{
+public:
+    TestHome()
+    {
+        if (std::getenv(marker))
+            return;
+        fs::create_directories(MARLOWEN_TEST_HOMES);
+        m_folder = std::string(MARLOWEN_TEST_HOMES "/") + program_invocation_short_name + ".XXXXXX";
+        if (!mkdtemp(m_folder.data())) {
+            std::perror(m_folder.c_str());
+            std::_Exit(1);
+        }
+        m_owner = getpid();
+        set(marker, "");
+        set("HOME", "");
+        set("XDG_CONFIG_HOME", "/.config");
+        set("XDG_CACHE_HOME", "/.cache");
+        set("XDG_DATA_HOME", "/.local/share");
+        set("XDG_STATE_HOME", "/.local/state");
+        set("XDG_RUNTIME_DIR", "/.run");
+        mkdir((m_folder + "/.run").c_str(), S_IRWXU);
+        // Compiled shaders are worth keeping from test to test.
+        setenv("MESA_SHADER_CACHE_DIR", MARLOWEN_TEST_HOMES "/mesa", 0);
+    }
+
+    /// Removes the folder, unless this is a fork of the test.
+    ~TestHome()
+    {
+        std::error_code ignored;
+        if (m_owner == getpid())
+            fs::remove_all(m_folder, ignored);
+    }
+
+    TestHome(const TestHome &) = delete;
+    TestHome &operator=(const TestHome &) = delete;
+
+private:
+    void set(const char *variable, const char *below) const
+    {
+        setenv(variable, (m_folder + below).c_str(), 1);
+    }
+
+    std::string m_folder;
+    pid_t m_owner = -1;
+};
+
+/// Constructed before, and destroyed after, every other static object of the program.
+[[gnu::init_priority(101)]] const TestHome home;
+
+} // namespace
