@@ -111,14 +111,14 @@ private slots:
         QVERIFY(run("{'do':'orient','rotate':['flip'],'scale':[2,1,4],'units':'in'}"));
 
         QCOMPARE(state.relief()->width(), 5);
-        const QJsonObject mesh = describe(*state.model)["mesh"].toObject();
+        const QJsonObject mesh = describe(*state.bench.model)["mesh"].toObject();
         const QByteArray expected(
             "{'area':4,'facets':2,'high':[-2,2,-4],'low':[-6,1,-6],'problems':1,"
             "'tooBig':false,'units':'in','vertices':4}");
         QCOMPARE(QJsonDocument(mesh).toJson(QJsonDocument::Compact).replace('"', '\''), expected);
 
         QVERIFY(run("{'do':'rasterize'}"));
-        QVERIFY(!state.model);
+        QVERIFY(!state.bench.model);
         QCOMPARE(state.relief()->width(), 513);
         QCOMPARE(state.relief()->heightAt(512, 64), 0.0F);
         QVERIFY(run("{'do':'import','invertZ':false}"));
@@ -133,7 +133,7 @@ private slots:
         const QByteArray open = "{\"do\":\"open\",\"file\":\"" + _path("relative.obj").toUtf8();
         QVERIFY(!runScriptLine(state, open + "\"}"));
         QVERIFY(runScriptLine(state, open + "\",\"relativeIndices\":true}"));
-        QVERIFY(state.model && !state.relief());
+        QVERIFY(state.bench.model && !state.relief());
     }
 };
 
