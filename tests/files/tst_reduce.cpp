@@ -67,6 +67,7 @@ void addGrids()
         << makeGrid(90, 90, [](int c, int r) { return c + 2 * r < 130 ? 1.0 : 64.0; });
     QTest::newRow("two rows") << makeGrid(500, 2, wave);
     QTest::newRow("two columns") << makeGrid(2, 500, wave);
+    QTest::newRow("much longer than wide") << makeGrid(3, 10000, wave);
     QTest::newRow("checkerboard") << makeGrid(
         40, 41, [](int c, int r) { return (c + r) % 2 == 0 ? 12.0 : 0.0; });
     QTest::newRow("thin empty lines")

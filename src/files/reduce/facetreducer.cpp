@@ -6,6 +6,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace marlowen {
 
@@ -14,6 +15,9 @@ namespace {
 /// Large triangles are looked at through about this many of their points as long as those do not
 /// meet the tolerance: they will be split many times before it matters.
 constexpr int64_t sampledPoints = 4096;
+
+/// Cells along a grid, at least, before it is cut into lengths.
+constexpr int shortestPiece = 4096;
 
 /// Keeps triangulation, states and heap within 250 MB.
 constexpr size_t mostTriangles = 5'000'000;
@@ -58,13 +62,50 @@ void FacetReducer::start()
     m_states.reserve(most);
     m_heap.reserve(most);
     m_outline = Outline(m_grid);
+    cutIntoLengths();
     m_states.resize(m_triangulation.count());
     for (uint32_t triangle = 0; triangle < m_states.size(); ++triangle)
         examine(triangle);
-    const Size size = sizeOf({0, 1});
+    std::vector<uint32_t> all(m_states.size());
+    std::iota(all.begin(), all.end(), 0);
+    const Size size = sizeOf(all);
     m_facets = size.facets;
     m_border = size.border;
     updateProgress();
+}
+
+/// A grid that is much longer than wide begins with shorter pieces: facets from one end to the
+/// other would have to be looked at again and again.
+void FacetReducer::cutIntoLengths()
+{
+    const bool isWide = m_grid.width > m_grid.height;
+    const int shortSide = isWide ? m_grid.height : m_grid.width;
+    const int longSide = isWide ? m_grid.width : m_grid.height;
+    const int piece = std::max(shortestPiece, std::min(shortSide, longSide / 64) * 64);
+    for (int at = piece; at + piece / 2 < longSide; at += piece) {
+        for (const int across : {0, shortSide - 1}) {
+            const int column = isWide ? at : across;
+            const int row = isWide ? across : at;
+            insertBorderCell(static_cast<uint32_t>(row) * static_cast<uint32_t>(m_grid.width) +
+                             static_cast<uint32_t>(column));
+        }
+    }
+}
+
+void FacetReducer::insertBorderCell(uint32_t cell)
+{
+    const CellPoint p = m_triangulation.point(cell);
+    for (auto triangle = static_cast<uint32_t>(m_triangulation.count()); triangle-- > 0;) {
+        const CellTriangle &corners = m_triangulation.corners(triangle);
+        const CellPoint a = m_triangulation.point(corners[0]);
+        const CellPoint b = m_triangulation.point(corners[1]);
+        const CellPoint c = m_triangulation.point(corners[2]);
+        if (twiceArea(a, b, p) < 0 || twiceArea(b, c, p) < 0 || twiceArea(c, a, p) < 0)
+            continue;
+        m_triangulation.findCavity(cell, triangle);
+        m_triangulation.fillCavity();
+        return;
+    }
 }
 
 int64_t FacetReducer::area(uint32_t triangle) const

@@ -14,9 +14,10 @@ namespace marlowen {
 struct ReductionGoal
 {
     double toleranceInches = 0.0; ///< along z, at every grid point; 0 or more
-    uint64_t facetLimit = 0; ///< the most facets, 0 for no limit; the first two are always made
-    bool solid = false;      ///< facets of a base like the surface and of walls count too
-    double zFactor = 1.0;    ///< on all heights
+    uint64_t facetLimit = 0;      ///< the most facets, 0 for no limit; the first two are always
+                                  ///< made (more on a grid over 64 times as long as wide)
+    bool solid = false;           ///< facets of a base like the surface and of walls count too
+    double zFactor = 1.0;         ///< on all heights
 };
 
 /// Why a reduction ended.
@@ -85,6 +86,8 @@ private:
     FacetScan scan(uint32_t triangle, int stride) const;
     bool exceeds(float error) const;
     void start();
+    void cutIntoLengths();
+    void insertBorderCell(uint32_t cell);
     void examine(uint32_t triangle);
     uint64_t urgency(const State &state) const;
     bool refineOnce();
