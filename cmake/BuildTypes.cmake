@@ -14,7 +14,9 @@ set(CMAKE_CXX_FLAGS_ASAN
     "${CMAKE_CXX_FLAGS_DEV} ${sanitizers} -fno-sanitize-recover=undefined -fno-omit-frame-pointer")
 set(CMAKE_EXE_LINKER_FLAGS_ASAN ${sanitizers})
 
-add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Werror -fno-math-errno -fno-trapping-math)
+# What every target of the tree is compiled with.
+set(MARLOWEN_COMPILE_OPTIONS
+    -Wall -Wextra -Wshadow -Wconversion -Werror -fno-math-errno -fno-trapping-math)
 
 # Tests and benchmarks, and everything in a Dev or Asan build, link with mold when it is there.
 find_program(MOLD mold)

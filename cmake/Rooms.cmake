@@ -1,16 +1,25 @@
 # marlowen_room(NAME [LINK target...] [PCH header...])
 #
 # One static library a room: every .cpp and .h below src/NAME. Headers are included by room
-# ("relief/grid/relief.h"); a room that is not in LINK compiles but does not link.
+# ("relief/grid/relief.h"). In Release and Asan builds, which the scripts make, each room has an include
+# folder of its own that holds nothing but a link to the room: what is not in LINK cannot be included.
+# In Dev builds messages and debuggers name the files themselves.
 function(marlowen_room name)
     cmake_parse_arguments(ROOM "" "" "LINK;PCH" ${ARGN})
     set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${name})
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
     file(GLOB_RECURSE resources CONFIGURE_DEPENDS ${folder}/*.qrc)
     list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+    set(include ${CMAKE_CURRENT_SOURCE_DIR})
+    if(CMAKE_BUILD_TYPE MATCHES "^(Release|Asan)$")
+        set(include ${CMAKE_BINARY_DIR}/include/${name})
+        file(MAKE_DIRECTORY ${include})
+        file(CREATE_LINK ${folder} ${include}/${name} SYMBOLIC)
+    endif()
     add_library(marlowen_${name} STATIC ${sources} ${resources})
     set_target_properties(marlowen_${name} PROPERTIES AUTOMOC ON AUTORCC ON LINKER_LANGUAGE CXX)
-    target_include_directories(marlowen_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_include_directories(marlowen_${name} PUBLIC ${include})
+    target_compile_options(marlowen_${name} PRIVATE ${MARLOWEN_COMPILE_OPTIONS})
     target_link_libraries(marlowen_${name} PUBLIC ${ROOM_LINK})
     if(ROOM_PCH)
         target_precompile_headers(marlowen_${name} PRIVATE ${ROOM_PCH})
@@ -20,6 +29,7 @@ endfunction()
 # marlowen_program(NAME ROOM): the program whose main function is src/ROOM/main.cpp.
 function(marlowen_program name room)
     add_executable(${name} ${room}/main.cpp)
+    target_compile_options(${name} PRIVATE ${MARLOWEN_COMPILE_OPTIONS})
     target_link_libraries(${name} PRIVATE marlowen_${room})
     install(TARGETS ${name} RUNTIME)
 endfunction()
@@ -37,6 +47,7 @@ function(marlowen_tests room)
         get_filename_component(name ${file} NAME_WE)
         add_executable(${name} ${file})
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
+        target_compile_options(${name} PRIVATE ${MARLOWEN_COMPILE_OPTIONS})
         target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
         target_link_libraries(${name} PRIVATE
             ${T_LINK} marlowen_test marlowen_testhome marlowen_quick_link)
@@ -62,6 +73,7 @@ function(marlowen_bench room)
         return()
     endif()
     add_executable(bench_${room} ${files})
+    target_compile_options(bench_${room} PRIVATE ${MARLOWEN_COMPILE_OPTIONS})
     target_include_directories(bench_${room} PRIVATE ${CMAKE_SOURCE_DIR}/bench)
     target_link_libraries(bench_${room} PRIVATE
         ${B_LINK} benchmark::benchmark_main marlowen_quick_link)
