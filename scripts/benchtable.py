@@ -1,7 +1,8 @@
 """benchtable.py FOLDER: prints one table of the Google Benchmark results (*.json) in the folder.
 
 The columns are the time of one iteration, then every counter that a benchmark reports whose name
-begins with "x_" (a ratio to a baseline measured beside it), then the rate in bytes a second.
+begins with "x_" (a ratio to a baseline measured beside it) or "q_" (a figure of quality), then the
+rate in bytes a second.
 """
 
 import json
@@ -25,6 +26,7 @@ def rows(folder):
 
 def ratios(run):
     found = [f"{key[2:]} x {value:.2f}" for key, value in run.items() if key.startswith("x_")]
+    found += [f"{key[2:]} {value:.3f}" for key, value in run.items() if key.startswith("q_")]
     return ", ".join(found) or "-"
 
 

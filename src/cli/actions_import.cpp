@@ -26,10 +26,7 @@ Outcome updateAction(ScriptState &state, const QJsonObject &)
 {
     if (const Outcome open = needImport(state); !open)
         return open;
-    ImportSession &session = state.bench.session();
-    if (session.settings().basRelief && !session.basReliefGenerator)
-        return scriptFailure(QStringLiteral("a bas-relief cannot be made by this version"));
-    session.update(&state.progress());
+    state.bench.session().update(&state.progress());
     return {};
 }
 

@@ -97,9 +97,6 @@ Outcome shape(ScriptState &state, const ConvertJob &job)
 {
     if (state.bench.importOpen()) {
         ImportSession &session = state.bench.session();
-        if (job.settings.basRelief && !session.basReliefGenerator)
-            return aboutFile(job.input, scriptFailure(QStringLiteral(
-                                            "a bas-relief cannot be made by this version")));
         if (job.settings.basRelief)
             session.update(&state.progress());
         state.bench.acceptImport();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "import/bas/basutil.h"
 #include "import/importsource.h"
 
 #include <functional>
@@ -15,8 +16,8 @@ class ImportSession
 public:
     /// Called after every change of the settings or the heights: redraw, enable "Update".
     std::function<void()> changed;
-    /// Makes bas-reliefs; while empty, the bas-relief settings are kept but have no effect.
-    BasReliefGenerator basReliefGenerator;
+    /// Makes bas-reliefs.
+    BasReliefGenerator basReliefGenerator = makeBasRelief;
 
     /// The relief whose source (an ImportSource or nothing) the changes act on; null for none.
     /// Does not own it. The settings become the source's, when there is one.

@@ -132,23 +132,19 @@ private slots:
         QVERIFY(_field("Trim")->isEnabled());
     }
 
-    void updateIsThereWithAGeneratorAndEnabledWhenDirty()
+    void updateIsThereWithABasReliefAndEnabledWhenDirty()
     {
         const auto relief = openRelief(24, 18);
         _open(*relief);
         QVERIFY(!_button("Update")->isVisible());
-        m_session->basReliefGenerator = [](const BasReliefInput &input, Progress &) {
-            const float *end = input.heights + size_t(input.width) * size_t(input.height);
-            return std::vector<float>(input.heights, end);
-        };
+        ImportSettings settings = m_session->settings();
+        settings.basRelief = true;
+        m_session->change(settings);
         m_panel->refresh();
         QVERIFY(_button("Update")->isVisible());
         QCOMPARE(_button("Update")->isEnabled(), m_session->dirty());
         connect(m_panel.get(), &ImportPanel::UpdateClicked, m_panel.get(), [this] {
             Progress progress;
-            ImportSettings settings = m_session->settings();
-            settings.basRelief = true;
-            m_session->change(settings);
             m_session->update(&progress);
         });
         QTest::mouseClick(_button("Update"), Qt::LeftButton);

@@ -145,8 +145,8 @@ void ImportPanel::_enable()
         showReason(*check.box, fieldText(check.field->info.hint), _reason(*check.field));
     for (const NumberControl &number : m_numbers)
         showReason(*number.slider, fieldText(number.field->info.hint), _reason(*number.field));
-    // Without a generator there is nothing that an update could add.
-    m_update->setVisible(bool(m_session->basReliefGenerator));
+    // Without a bas-relief there is nothing that an update could add.
+    m_update->setVisible(m_session->settings().basRelief);
     showReason(*m_update, tr("Computes the bas-relief again."),
                m_session->dirty() ? QString() : tr("The bas-relief is up to date."));
     showReason(*m_accept, tr("Ends the import; the relief is ready to be sculpted."),
