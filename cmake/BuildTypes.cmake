@@ -18,6 +18,14 @@ set(CMAKE_EXE_LINKER_FLAGS_ASAN ${sanitizers})
 set(MARLOWEN_COMPILE_OPTIONS
     -Wall -Wextra -Wshadow -Wconversion -Werror -fno-math-errno -fno-trapping-math)
 
+if(MARLOWEN_FUZZ)
+    # Another compiler has other warnings; those of the ordinary build are the ones that count.
+    list(APPEND MARLOWEN_COMPILE_OPTIONS
+         -w -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer
+         -fno-sanitize-recover=undefined)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+
 # Tests and benchmarks, and everything in a Dev or Asan build, link with mold when it is there.
 find_program(MOLD mold)
 add_library(marlowen_quick_link INTERFACE)

@@ -9,6 +9,7 @@ build_packages=(
     libgl1-mesa-dev libglu1-mesa-dev libgl1-mesa-dri libbenchmark-dev
 )
 display_packages=(xvfb xauth xdotool openbox x11-utils)
+fuzz_packages=(clang libclang-rt-14-dev)
 test_packages=(
     python3 imagemagick admesh assimp-utils
     appstream desktop-file-utils shared-mime-info libglib2.0-bin

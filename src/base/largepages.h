@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <vector>
@@ -12,12 +13,27 @@
 namespace marlowen {
 
 /// Memory for arrays of many megabytes: asks the system for large pages, so that filling fresh
-/// memory does not cost a fault every 4 KiB. Small arrays lie on the heap as usual.
+/// memory does not cost a fault every 4 KiB.
+
+inline constexpr size_t largePageBytes = size_t{2} << 20;
+
+/// To be called before the memory is first written to. A wish: without it pages are small.
+inline void wishLargePages([[maybe_unused]] void *memory, [[maybe_unused]] size_t bytes)
+{
+#ifdef __linux__
+    const auto start = reinterpret_cast<uintptr_t>(memory);
+    const uintptr_t first = (start + largePageBytes - 1) / largePageBytes * largePageBytes;
+    const uintptr_t end = (start + bytes) / largePageBytes * largePageBytes;
+    if (first < end)
+        madvise(reinterpret_cast<void *>(first), end - first, MADV_HUGEPAGE);
+#endif
+}
+
+/// A vector's allocator that wishes so; large arrays begin with a page.
 template <typename T>
 struct LargePageAllocator
 {
     using value_type = T;
-    static constexpr size_t pageBytes = size_t{2} << 20;
 
     LargePageAllocator() = default;
     template <typename U>
@@ -27,33 +43,21 @@ struct LargePageAllocator
 
     T *allocate(size_t count)
     {
-        if (count > (size_t(-1) - pageBytes) / sizeof(T))
+        if (count > (size_t(-1) - largePageBytes) / sizeof(T))
             throw std::bad_array_new_length();
         const size_t bytes = count * sizeof(T);
-        void *memory = nullptr;
-        if (bytes < 2 * pageBytes) {
-            memory = std::malloc(bytes);
-        } else {
-            const size_t whole = (bytes + pageBytes - 1) / pageBytes * pageBytes;
-            memory = std::aligned_alloc(pageBytes, whole);
-#ifdef __linux__
-            if (memory)
-                madvise(memory, whole, MADV_HUGEPAGE); // a wish; without it pages are small
-#endif
-        }
+        const size_t whole = (bytes + largePageBytes - 1) / largePageBytes * largePageBytes;
+        const bool large = bytes >= 2 * largePageBytes;
+        void *memory = large ? std::aligned_alloc(largePageBytes, whole) : std::malloc(bytes);
         if (!memory)
             throw std::bad_alloc();
+        if (large)
+            wishLargePages(memory, whole);
         return static_cast<T *>(memory);
     }
-    void deallocate(T *memory, size_t)
-    {
-        std::free(memory);
-    }
+    void deallocate(T *memory, size_t) { std::free(memory); }
 
-    bool operator==(const LargePageAllocator &) const
-    {
-        return true;
-    }
+    bool operator==(const LargePageAllocator &) const { return true; }
 };
 
 template <typename T>

@@ -199,18 +199,28 @@ void TestRasterise::betweenGridPoints()
 
 void TestRasterise::nearlyOnTheGrid()
 {
-    // The upper edge runs along row 2, less than the tolerance below it or more.
-    for (const bool within : {true, false}) {
-        const double y = 2.0 - (within ? 5e-7 : 5e-6);
+    // The upper edge of a facet rises from just below row 2 to just above it. Grid points of that
+    // row count that are nearer than the tolerance to the edge, although the facet ends before.
+    for (const int columns : {8, 80}) {
+        const double tilt = 5e-6;
         TriangleMesh mesh;
-        mesh.positions = {{0, 0, 0}, {8, y, 4}, {0, y, 4}, {8, 3, 0}};
+        mesh.positions = {{0, 2 - tilt, 4},
+                          {columns + 0.0, 2 + tilt, 4},
+                          {columns / 2.0, 0, 4},
+                          {0, 0, 0},
+                          {1, 3, 0}};
         for (MeshPoint &point : mesh.positions) {
             for (double &value : point)
                 value /= 128;
         }
-        mesh.triangles = {{0, 1, 2}, {3, 0, 0}};
+        mesh.triangles = {{0, 1, 2}, {3, 4, 4}};
         const FloatGrid grid = rasterised({std::move(mesh), 0});
-        QVERIFY(std::abs(grid.row(2)[4] - (within ? 4.0 : 0.0)) < 1e-3);
+        for (int c = 1; c < columns; ++c) {
+            const double outside = tilt * (1.0 - 2.0 * c / columns);
+            if (std::abs(outside - 1e-6) > 4e-7)
+                QVERIFY2(grid.row(2)[c] == (outside < 1e-6 ? 4.0F : 0.0F),
+                         QByteArray::number(c) + " of " + QByteArray::number(columns));
+        }
     }
 }
 

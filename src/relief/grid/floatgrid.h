@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/largepages.h"
+
 #include <QtGlobal>
 
 #include <cstddef>
@@ -16,8 +18,11 @@ struct FloatGrid
     FloatGrid(int columns, int rows)
         : width(columns)
         , height(rows)
-        , values(static_cast<size_t>(columns) * static_cast<size_t>(rows))
     {
+        const size_t count = static_cast<size_t>(columns) * static_cast<size_t>(rows);
+        values.reserve(count);
+        wishLargePages(values.data(), count * sizeof(float));
+        values.resize(count);
     }
     FloatGrid(int columns, int rows, std::vector<float> cells)
         : width(columns)
