@@ -50,7 +50,7 @@ static void baseMapping(benchmark::State &state)
     const ImportSettings settings{
         .flipY = state.range(0) != 0, .invertZ = true, .raiseLower = 10, .depth = 50.0};
     baseline::measure(state, bytesOf(side), [&] {
-        mapBase({source.values.data(), side, side, {0.0, 255.0}}, settings, heights.data());
+        mapBase(source.view(), {0.0, 255.0}, settings, heights.data());
     });
 }
 BENCHMARK(baseMapping)
@@ -68,15 +68,13 @@ static void measureStep(benchmark::State &state, Step step)
     FloatGrid heights = source;
     baseline::measure(
         state, bytesOf(side), [&] { heights.values = source.values; },
-        [&] {
-            step(HeightsView{heights.values.data(), side, side});
-        });
+        [&] { step(heights.view()); });
 }
 
 static void trimPass(benchmark::State &state)
 {
     const int passes = static_cast<int>(state.range(0));
-    measureStep(state, [passes](const HeightsView &heights) { trim(heights, passes); });
+    measureStep(state, [passes](const MutableGridView &heights) { trim(heights, passes); });
 }
 BENCHMARK(trimPass)
     ->Arg(1)
@@ -89,7 +87,7 @@ static void smoothingPass(benchmark::State &state)
 {
     const bool keepZeros = state.range(0) != 0;
     measureStep(state,
-                [keepZeros](const HeightsView &heights) { smooth(heights, 1.0, keepZeros); });
+                [keepZeros](const MutableGridView &heights) { smooth(heights, 1.0, keepZeros); });
 }
 BENCHMARK(smoothingPass)
     ->Arg(0)

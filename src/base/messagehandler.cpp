@@ -10,7 +10,7 @@ namespace marlowen {
 
 namespace {
 
-const char *_prefix(QtMsgType type)
+const char *prefixOf(QtMsgType type)
 {
     switch (type) {
     case QtDebugMsg:
@@ -42,7 +42,7 @@ void writeMessage(QtMsgType type, const QMessageLogContext &context, const QStri
 {
     QTextStream &stream = debugStream();
 
-    if (const char *prefix = _prefix(type)) {
+    if (const char *prefix = prefixOf(type)) {
         stream << prefix << message;
         if (type != QtDebugMsg) {
             stream << " File: " << (context.file ? context.file : "")

@@ -16,7 +16,7 @@ namespace {
 
 using FailureHandler = std::function<void(const QString &, const QString &)>;
 
-FailureHandler &_failureHandler()
+FailureHandler &failureHandler()
 {
     static FailureHandler handler;
     return handler;
@@ -42,9 +42,9 @@ public:
         // What follows is lost, without a complaint of the toolkit about every entry.
         m_file.setFileName(QProcess::nullDevice());
         m_file.open(QIODevice::WriteOnly);
-        if (_failureHandler()) {
-            _failureHandler()(QStringLiteral("Error opening Log"),
-                              QStringLiteral("Could not open log file for writing"));
+        if (failureHandler()) {
+            failureHandler()(QStringLiteral("Error opening Log"),
+                             QStringLiteral("Could not open log file for writing"));
         }
     }
 
@@ -66,54 +66,54 @@ private:
     QTextStream m_stream;
 };
 
-std::unique_ptr<SessionLog> &_log()
+std::unique_ptr<SessionLog> &currentLog()
 {
     static std::unique_ptr<SessionLog> log;
     return log;
 }
 
-QTextStream &_entry(const char *prefix)
+QTextStream &newEntry(const char *prefix)
 {
-    if (!_log()) {
+    if (!currentLog()) {
         // Kept before it is opened: the failure handler may run an event loop that writes entries.
-        _log() = std::make_unique<SessionLog>();
-        _log()->open();
+        currentLog() = std::make_unique<SessionLog>();
+        currentLog()->open();
     }
-    return _log()->stream() << prefix;
+    return currentLog()->stream() << prefix;
 }
 
 } // namespace
 
 QTextStream &logInfo()
 {
-    return _entry("Info: ");
+    return newEntry("Info: ");
 }
 
 QTextStream &logWarning()
 {
-    return _entry("Warning: ");
+    return newEntry("Warning: ");
 }
 
 QTextStream &logCritical()
 {
-    return _entry("Critical: ");
+    return newEntry("Critical: ");
 }
 
 void logFlush()
 {
-    if (_log())
-        _log()->stream().flush();
+    if (currentLog())
+        currentLog()->stream().flush();
 }
 
 void logClose()
 {
-    if (_log())
-        _log()->close();
+    if (currentLog())
+        currentLog()->close();
 }
 
 void setLogFailureHandler(FailureHandler handler)
 {
-    _failureHandler() = std::move(handler);
+    failureHandler() = std::move(handler);
 }
 
 } // namespace marlowen

@@ -95,7 +95,7 @@ Outcome resizeAction(ScriptState &state, const QJsonObject &arguments)
     const int height = arguments.value(QLatin1String("height")).toInt();
     if (static_cast<qint64>(width) * height > std::numeric_limits<int>::max())
         return scriptFailure(QStringLiteral("resize: the relief would have too many cells"));
-    // The size that is there is as good as done.
+    // The present size is no error.
     return state.bench.apply(resizeOperation(width, height), &state.progress());
 }
 

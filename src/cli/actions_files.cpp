@@ -87,7 +87,7 @@ void fit(std::vector<float> &values, Layer layer)
         std::replace_if(
             values.begin(), values.end(), [](float v) { return std::isnan(v); }, 0.0F);
     else
-        repairHeights(values.data(), static_cast<qsizetype>(values.size()));
+        repairHeights(values);
     if (layer == Layer::Mask)
         std::replace_if(
             values.begin(), values.end(), [](float v) { return v > 1.0F; }, 1.0F);

@@ -18,7 +18,7 @@ QString oneLine(const Failure &failure);
 /// The failure of a file, its name in front of the sentence.
 Failure aboutFile(const QString &path, const Failure &failure);
 
-/// As openRelief(), without the noise of image decoders. The failure names the file.
+/// As openRelief(), without what image decoders print. The failure names the file.
 Result<std::unique_ptr<Relief>> openFile(const QString &path, const ImportSettings &settings);
 
 /// As exportFile(); prints what the writer has to say on standard error. The failure names the

@@ -26,7 +26,7 @@ QStringList takeOptions(const QStringList &arguments, const std::vector<CommandO
 /// One line an option, or more where the text is long.
 QString optionsHelp(const std::vector<CommandOption> &options);
 
-/// Numbers as they stand on a command line; false when the text is none or out of range.
+/// Numbers of a command line; false when the text is none or out of range.
 bool parseWhole(const QString &text, const FieldRange &range, int &value);
 bool parseReal(const QString &text, const FieldRange &range, double &value);
 

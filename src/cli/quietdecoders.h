@@ -2,8 +2,8 @@
 
 namespace marlowen {
 
-/// While it lives, what libraries print on standard error goes nowhere: a failure is one line, and
-/// image decoders and encoders have much to say about damaged files and full disks.
+/// While it lives, what libraries print on standard error is discarded: a failure is one line, and
+/// image decoders and encoders print several about damaged files and full disks.
 class QuietDecoders
 {
 public:

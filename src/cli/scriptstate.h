@@ -13,7 +13,7 @@ namespace marlowen {
 class ScriptState
 {
 public:
-    /// `progress` is told of long work and outlives the state.
+    /// `progress` receives the progress of long work and outlives the state.
     explicit ScriptState(Progress &progress)
         : m_progress(progress)
     {

@@ -5,8 +5,9 @@
 
 namespace marlowen {
 
-/// Reads an image, told by its contents and turned as its camera was held, at most `side` pixels
-/// wide and high; scaled while it is decoded where the format can. Null when it cannot be read.
+/// Reads an image, recognised by its contents, with its EXIF orientation applied, at most `side`
+/// pixels wide and high; scaled while it is decoded where the format can. Null when it cannot be
+/// read.
 QImage readImageWithin(const QString &path, int side);
 
 } // namespace marlowen

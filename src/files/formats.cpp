@@ -14,11 +14,6 @@ namespace marlowen {
 
 namespace {
 
-GridView heightsOf(const Relief &relief)
-{
-    return {relief.heights().constData(), relief.width(), relief.height()};
-}
-
 /// The outcome of a writer that has nothing to say.
 Result<QString> quietly(const Outcome &done)
 {
@@ -56,7 +51,7 @@ Result<QString> writePattern(const ExportJob &job)
 {
     Progress quiet;
     const PatternToSave pattern{newPatternAttributes(job.path, QLatin1String(lengthUnits[0].label)),
-                                job.relief.zScale, heightsOf(job.relief)};
+                                job.relief.zScale, heightView(job.relief)};
     return quietly(savePattern(pattern, job.path, job.progress ? *job.progress : quiet));
 }
 
@@ -88,12 +83,12 @@ QJsonObject patternAttributes(const QString &path)
 
 Result<QString> writePfm(const ExportJob &job)
 {
-    return quietly(savePfm(heightsOf(job.relief), job.path));
+    return quietly(savePfm(heightView(job.relief), job.path));
 }
 
 Result<QString> writePng(const ExportJob &job)
 {
-    return quietly(saveHeightPng(heightsOf(job.relief), job.path));
+    return quietly(saveHeightPng(heightView(job.relief), job.path));
 }
 
 constexpr unsigned meshOptions = TakesQuality | TakesTolerance | TakesFacets | TakesSolid;

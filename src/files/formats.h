@@ -21,10 +21,11 @@ enum class OpensAs {
     Nothing, ///< the format is only written
     Relief,  ///< `load` makes the relief
     Model,   ///< a mesh, which is oriented and rasterised before it is a relief
-    Picture, ///< an open import of its grey levels; its contents tell which kind of picture it is
+    Picture, ///< an open import of its grey levels; the kind of picture is recognised by its
+             ///< contents
 };
 
-/// One relief on its way into a file.
+/// One relief to be written to a file.
 struct ExportJob
 {
     const Relief &relief;

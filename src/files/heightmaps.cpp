@@ -157,7 +157,7 @@ Result<std::unique_ptr<Relief>> loadHeightMap(const QString &path)
     if (!loaded)
         return loaded.failure();
     FloatGrid grid = loaded.take();
-    repairHeights(grid.values.data(), grid.cells());
+    repairHeights(grid.values);
     return reliefOf(grid);
 }
 

@@ -135,8 +135,7 @@ Failure invalidPattern(const FioStream &fio, const QFile &file)
 
 void repair(Pattern &pattern, const QString &path)
 {
-    const qsizetype repaired =
-        repairHeights(pattern.heights.values.data(), pattern.heights.cells());
+    const qsizetype repaired = repairHeights(pattern.heights.values);
     if (repaired == 0)
         return;
     logWarning() << path << ": " << repaired << " invalid values were replaced\n";

@@ -16,7 +16,7 @@ namespace marlowen {
 
 class Relief;
 
-/// A height grid on its way into a binary STL.
+/// A height grid to be written as a binary STL.
 struct StlGrid
 {
     GridView heights;

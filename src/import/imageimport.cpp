@@ -33,7 +33,7 @@ void greyRow(const QRgb *pixels, float *values, int count)
 }
 
 /// Rows [first, first + count) of an image, without a copy.
-QImage _strip(const QImage &image, int first, int count)
+QImage stripOf(const QImage &image, int first, int count)
 {
     QImage strip(image.constScanLine(first), image.width(), count, image.bytesPerLine(),
                  image.format());
@@ -82,7 +82,7 @@ FloatGrid greyGrid(const QImage &image)
     FloatGrid grey(image.width(), image.height());
     for (int first = 0; first < image.height(); first += stripRows) {
         const int rows = std::min(stripRows, image.height() - first);
-        const QImage colours = _strip(image, first, rows).convertToFormat(QImage::Format_ARGB32);
+        const QImage colours = stripOf(image, first, rows).convertToFormat(QImage::Format_ARGB32);
         for (int row = 0; row < rows; ++row)
             greyRow(reinterpret_cast<const QRgb *>(colours.constScanLine(row)),
                     grey.row(first + row), image.width());

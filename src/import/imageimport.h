@@ -12,13 +12,14 @@
 
 namespace marlowen {
 
-/// Opens an image (".jpg", ".jpeg", ".png", ".bmp", told by its contents) as a relief whose import
-/// is open: its source is an ImportSource with these settings. Fails with "Open Failed" / "Error!
-/// File Open Failed".
+/// Opens an image (".jpg", ".jpeg", ".png", ".bmp", recognised by its contents) as a relief whose
+/// import is open: its source is an ImportSource with these settings. Fails with "Open Failed" /
+/// "Error! File Open Failed".
 Result<std::unique_ptr<Relief>> importImage(const QString &path, const ImportSettings &settings);
 
-/// Reads an image file, told by its contents and turned as its camera was held. Fails with "Open
-/// Failed" / "Error! File Open Failed" also when the file lacks its end. Throws std::bad_alloc.
+/// Reads an image file, recognised by its contents, with its EXIF orientation applied. Fails with
+/// "Open Failed" / "Error! File Open Failed" also when the file lacks its end. Throws
+/// std::bad_alloc.
 Result<QImage> readWholeImage(const QString &path);
 
 /// Grey level 0..255 of every pixel, (11 red + 16 green + 5 blue) / 32 in integers, row 0 at the

@@ -28,8 +28,8 @@ public:
     /// A bas-relief setting changed since the last result: exactly then "Update" is enabled.
     bool dirty() const { return active() && m_source->dirty; }
     const ImportSettings &settings() const { return m_settings; }
-    /// What a file opened now starts with: some settings as the controls stand (StartsNextImport),
-    /// everything else at its default.
+    /// What a file opened now starts with: some settings keep the values of the controls
+    /// (StartsNextImport), everything else at its default.
     ImportSettings openingSettings() const;
 
     /// What the controls do with one or more changed settings: stores them, recomputes at once

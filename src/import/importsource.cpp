@@ -9,15 +9,15 @@ namespace marlowen {
 
 ImportSource::ImportSource(FloatGrid values, const ImportSettings &settings)
     : m_values(std::move(values))
-    , m_range(rangeOf(m_values.values.data(), m_values.cells()))
+    , m_range(rangeOf(m_values.values))
     , m_settings(settings)
 {
 }
 
 void ImportSource::setSettings(const ImportSettings &settings)
 {
-    // The slope is a slope of the finished heights, so the depth tells how steep it is in source
-    // units.
+    // The slope is a slope of the finished heights, so the depth decides how steep it is in
+    // source units.
     const bool sameTilt = settings.tiltHorizontal == m_settings.tiltHorizontal &&
                           settings.tiltVertical == m_settings.tiltVertical &&
                           settings.depth == m_settings.depth;
@@ -30,12 +30,11 @@ void ImportSource::computeHeights(float *heights)
     if (std::exchange(tiltDirty, false))
         _rebuildTilt();
     const bool tilt = !m_tilted.empty();
-    mapBase({tilt ? m_tilted.data() : m_values.values.data(), width(), height(),
-             tilt ? m_tiltedRange : m_range},
-            m_settings, heights);
+    const GridView source{tilt ? m_tilted.data() : m_values.values.data(), width(), height()};
+    mapBase(source, tilt ? m_tiltedRange : m_range, m_settings, heights);
     if (!m_settings.preview)
         return;
-    const HeightsView view{heights, width(), height()};
+    const MutableGridView view{heights, width(), height()};
     trim(view, m_settings.trim);
     smooth(view, m_settings.smoothing, m_settings.transparency);
 }
@@ -46,7 +45,7 @@ void ImportSource::_rebuildTilt()
     if (!m_settings.tilted())
         return;
     m_tilted = tiltedValues(m_values, tiltSlope(m_settings, valueRange()));
-    m_tiltedRange = rangeOf(m_tilted.data(), m_values.cells());
+    m_tiltedRange = rangeOf(m_tilted);
 }
 
 namespace {

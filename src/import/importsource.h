@@ -2,21 +2,13 @@
 
 #include "import/basrelief.h"
 #include "import/importsettings.h"
+#include "import/valuerange.h"
 #include "relief/grid/floatgrid.h"
 #include "relief/grid/relief.h"
 
 #include <vector>
 
 namespace marlowen {
-
-/// Lowest and highest of a set of values.
-struct ValueRange
-{
-    double lowest = 0.0;
-    double highest = 0.0;
-    double span() const { return highest - lowest; }
-    bool operator==(const ValueRange &) const = default;
-};
 
 /// What an open import works from: the padded grid of source values (grey levels 0..255 of an
 /// image, heights of a mesh; 0 is background) and the settings that turn them into heights. Owned

@@ -78,7 +78,7 @@ __attribute__((always_inline)) inline void mapCells(const float *values, float *
     }
 }
 
-CELL_LOOP void _mapRow(const float *values, float *heights, int count, const Mapping &mapping)
+CELL_LOOP void mapRowUpright(const float *values, float *heights, int count, const Mapping &mapping)
 {
     mapCells<false>(values, heights, count, mapping);
 }
@@ -196,26 +196,23 @@ void smoothOneRow(const SmoothRow &row, float *values, int count)
 }
 
 /// One pass in place: a row is overwritten only after the sums of the next one are taken.
-void smoothPass(const HeightsView &heights, double blend, bool keepZeros)
+void smoothPass(const MutableGridView &heights, double blend, bool keepZeros)
 {
     const size_t columns = static_cast<size_t>(heights.width);
     const std::vector<double> nothing(columns, 0.0);
     std::array<std::vector<double>, 3> sums;
     sums.fill(nothing);
-    const auto rowAt = [&heights, columns](int y) {
-        return heights.values + static_cast<size_t>(y) * columns;
-    };
     const auto sumsOf = [&sums](int y) { return sums[static_cast<size_t>(y) % 3].data(); };
-    sumRow(rowAt(0), sumsOf(0), heights.width);
+    sumRow(heights.row(0), sumsOf(0), heights.width);
     for (int y = 0; y < heights.height; ++y) {
         const bool first = y == 0;
         const bool last = y + 1 == heights.height;
         if (!last)
-            sumRow(rowAt(y + 1), sumsOf(y + 1), heights.width);
+            sumRow(heights.row(y + 1), sumsOf(y + 1), heights.width);
         smoothOneRow({first ? nothing.data() : sumsOf(y - 1), sumsOf(y),
                       last ? nothing.data() : sumsOf(y + 1), 4.0 - (first ? 1 : 0) - (last ? 1 : 0),
                       blend, keepZeros ? 0.0F : std::numeric_limits<float>::quiet_NaN()},
-                     rowAt(y), heights.width);
+                     heights.row(y), heights.width);
     }
 }
 
@@ -257,8 +254,10 @@ FloatGrid padded(FloatGrid grid, const Padding &padding)
     return result;
 }
 
-CELL_LOOP ValueRange rangeOf(const float *values, qsizetype count)
+CELL_LOOP ValueRange rangeOf(std::span<const float> all)
 {
+    const float *values = all.data();
+    const auto count = static_cast<qsizetype>(all.size());
     // Sixteen independent lanes, because a single running minimum cannot be vectorised.
     constexpr qsizetype lanes = 16;
     float lowest[lanes];
@@ -280,55 +279,52 @@ CELL_LOOP ValueRange rangeOf(const float *values, qsizetype count)
     return {*std::min_element(lowest, lowest + lanes), *std::max_element(highest, highest + lanes)};
 }
 
-void mapBase(const MappingSource &source, const ImportSettings &settings, float *heights)
+void mapBase(const GridView &source, const ValueRange &range, const ImportSettings &settings,
+             float *heights)
 {
-    const size_t columns = static_cast<size_t>(source.width);
-    if (source.range.span() == 0.0) {
-        std::fill_n(heights, columns * static_cast<size_t>(source.height), 0.0F);
+    if (range.span() == 0.0) {
+        std::fill_n(heights, source.cells(), 0.0F);
         return;
     }
-    const Mapping mapping = mappingOf(source.range, settings);
+    const Mapping mapping = mappingOf(range, settings);
+    const auto mapRow = settings.invertZ ? mapRowInverted : mapRowUpright;
     for (int y = 0; y < source.height; ++y) {
         const int from = settings.flipY ? source.height - 1 - y : y;
-        const auto mapRow = settings.invertZ ? mapRowInverted : _mapRow;
-        mapRow(source.values + static_cast<size_t>(from) * columns,
-               heights + static_cast<size_t>(y) * columns, source.width, mapping);
+        mapRow(source.row(from), heights, source.width, mapping);
+        heights += source.width;
     }
 }
 
 // All passes at once: a cell survives n of them exactly when every cell of the (2n + 1) square
 // around it exists and is not 0.
-void trim(const HeightsView &heights, int passes)
+void trim(const MutableGridView &heights, int passes)
 {
     if (passes <= 0)
         return;
-    const size_t columns = static_cast<size_t>(heights.width);
+    const auto columns = static_cast<size_t>(heights.width);
     const int window = 2 * passes + 1;
     const int centres = heights.width - window + 1;
     if (centres <= 0 || heights.height < window) {
-        std::fill_n(heights.values, columns * static_cast<size_t>(heights.height), 0.0F);
+        std::ranges::fill(heights.span(), 0.0F);
         return;
     }
-    const auto rowAt = [&heights, columns](int y) {
-        return heights.values + static_cast<size_t>(y) * columns;
-    };
     std::vector<uint8_t> flags(columns);
     std::vector<uint8_t> rows(static_cast<size_t>(centres), 0);
     for (int y = 0; y < heights.height; ++y) {
-        markSolid(rowAt(y), flags.data(), heights.width);
+        markSolid(heights.row(y), flags.data(), heights.width);
         joinRuns(flags.data(), heights.width, window);
         countRows(rows.data(), flags.data(), centres, static_cast<uint8_t>(window));
         if (y < passes)
             continue;
-        float *centre = rowAt(y - passes);
+        float *centre = heights.row(y - passes);
         std::fill_n(centre, passes, 0.0F);
         keepWhere(centre + passes, rows.data(), centres, static_cast<uint8_t>(window));
         std::fill_n(centre + passes + centres, passes, 0.0F);
     }
-    std::fill_n(rowAt(heights.height - passes), columns * static_cast<size_t>(passes), 0.0F);
+    std::fill_n(heights.row(heights.height - passes), columns * static_cast<size_t>(passes), 0.0F);
 }
 
-void smooth(const HeightsView &heights, double amount, bool keepZeros)
+void smooth(const MutableGridView &heights, double amount, bool keepZeros)
 {
     const int passes = static_cast<int>(std::ceil(amount));
     const double fraction = amount - std::floor(amount);

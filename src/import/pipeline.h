@@ -1,6 +1,7 @@
 #pragma once
 
-#include "import/importsource.h"
+#include "import/importsettings.h"
+#include "import/valuerange.h"
 #include "relief/grid/floatgrid.h"
 
 namespace marlowen {
@@ -23,33 +24,20 @@ struct Padding
 Padding paddingFor(const FloatGrid &grid);
 FloatGrid padded(FloatGrid grid, const Padding &padding);
 
-/// Lowest and highest of `count` values, at least one.
-ValueRange rangeOf(const float *values, qsizetype count);
+/// Lowest and highest of the values, at least one.
+ValueRange rangeOf(std::span<const float> values);
 
-/// Source values (tilted or not) with their range.
-struct MappingSource
-{
-    const float *values = nullptr;
-    int width = 0;
-    int height = 0;
-    ValueRange range;
-};
-/// Flip, invert, raise or lower, depth. Writes source.width x source.height heights, none negative.
-void mapBase(const MappingSource &source, const ImportSettings &settings, float *heights);
+/// Flip, invert, raise or lower, depth, from source values (tilted or not) and their range. Writes
+/// as many heights, none negative.
+void mapBase(const GridView &source, const ValueRange &range, const ImportSettings &settings,
+             float *heights);
 
-/// A grid of heights that a step changes in place.
-struct HeightsView
-{
-    float *values = nullptr;
-    int width = 0;
-    int height = 0;
-};
-/// Eats `passes` cells (0..100) from every outline and from the border of the grid: a pass keeps a
-/// cell only when it and its eight neighbours exist and are not 0.
-void trim(const HeightsView &heights, int passes);
+/// Removes `passes` cells (0..100) from every outline and from the border of the grid: a pass keeps
+/// a cell only when it and its eight neighbours exist and are not 0.
+void trim(const MutableGridView &heights, int passes);
 /// `amount` passes of the 3 x 3 mean weighted 4-2-1, the last one blended by its fraction. With
 /// keepZeros, cells of height 0 stay 0.
-void smooth(const HeightsView &heights, double amount, bool keepZeros);
+void smooth(const MutableGridView &heights, double amount, bool keepZeros);
 
 /// A plane through the real centre of the grid, in source units.
 struct TiltSlope

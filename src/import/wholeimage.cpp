@@ -50,7 +50,7 @@ bool jpegCutShort(const QByteArray &bytes)
     return true;
 }
 
-/// Only the plain row formats tell their length beforehand.
+/// Only uncompressed formats have a length that is known beforehand.
 bool bmpCutShort(const QByteArray &header, qint64 size)
 {
     constexpr qsizetype plainHeader = 34;

@@ -33,7 +33,7 @@ struct Unit
 };
 
 /// Cells, then the units of length.
-Unit _unit(int index)
+Unit unitAt(int index)
 {
     if (index <= 0)
         return {"cells", 1.0, 0, 1};
@@ -69,7 +69,7 @@ NewReliefDialog::NewReliefDialog(QWidget *parent)
 {
     setWindowTitle(tr("New Relief"));
     for (int i = 0; i <= int(lengthUnits.size()); ++i)
-        m_units->addItem(tr(_unit(i).label));
+        m_units->addItem(tr(unitAt(i).label));
     m_width->setAccessibleName(tr("Width"));
     m_height->setAccessibleName(tr("Height"));
     m_level->setAccessibleName(tr("Start height"));
@@ -137,7 +137,7 @@ void NewReliefDialog::_unitChosen(int index)
 
 void NewReliefDialog::_showIn(int unitIndex, QSize cells, double levelCells)
 {
-    const Unit unit = _unit(unitIndex);
+    const Unit unit = unitAt(unitIndex);
     m_cellsPerUnit = unit.cells;
     showAmount(*m_width, unit, {double(cells.width()), largestSide, unit.sizeDecimals});
     showAmount(*m_height, unit, {double(cells.height()), largestSide, unit.sizeDecimals});

@@ -17,7 +17,7 @@ struct Registered
     std::optional<int> installedMode;
 };
 
-Registered &_registered()
+Registered &registry()
 {
     static Registered registered;
     return registered;
@@ -27,12 +27,12 @@ Registered &_registered()
 
 void setStyleFactory(StyleFactory factory)
 {
-    _registered() = {std::move(factory), std::nullopt};
+    registry() = {std::move(factory), std::nullopt};
 }
 
 void installStyle(int mode)
 {
-    Registered &registered = _registered();
+    Registered &registered = registry();
     if (!registered.factory || registered.installedMode == mode)
         return;
     QApplication::setStyle(registered.factory(mode));

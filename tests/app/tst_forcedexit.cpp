@@ -10,7 +10,7 @@ using namespace marlowen;
 
 namespace {
 
-void _handOver()
+void handOver()
 {
     armForcedExit(exitAtOnce);
     QCoreApplication::quit();
@@ -18,14 +18,14 @@ void _handOver()
 
 int quitPlainly()
 {
-    QTimer::singleShot(0, qApp, _handOver);
+    QTimer::singleShot(0, qApp, handOver);
     return QCoreApplication::exec();
 }
 
 int quitIntoNestedLoop()
 {
     QTimer::singleShot(0, qApp, [] {
-        _handOver();
+        handOver();
         for (;;)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     });

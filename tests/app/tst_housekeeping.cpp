@@ -11,7 +11,7 @@ namespace {
 
 constexpr qint64 hour = 60 * 60;
 
-void _make(const QDir &folder, const QString &name)
+void makeEntry(const QDir &folder, const QString &name)
 {
     if (name.endsWith('/')) {
         folder.mkpath(name);
@@ -23,7 +23,7 @@ void _make(const QDir &folder, const QString &name)
 }
 
 /// Pretends that everything in the folder is `hours` old by moving the clock instead of the files.
-void _tidy(const QDir &folder, qint64 hours)
+void tidyFolder(const QDir &folder, qint64 hours)
 {
     const QDateTime now = QDateTime::currentDateTime().addSecs(hours * hour);
     scrubOldLogs(folder.path(), now);
@@ -70,8 +70,8 @@ private slots:
         const QTemporaryDir home;
         const QDir folder(home.path());
         for (const QString &name : made)
-            _make(folder, name);
-        _tidy(folder, hours);
+            makeEntry(folder, name);
+        tidyFolder(folder, hours);
         left.sort();
         QCOMPARE(listing(folder), left);
     }
@@ -81,8 +81,8 @@ private slots:
         const QTemporaryDir home;
         const QDir folder(home.path());
         for (const QString name : {"tmp_1/stltmp1", "tmp_1/stltmp2", "tmp_1/notes.txt"})
-            _make(folder, name);
-        _tidy(folder, 25);
+            makeEntry(folder, name);
+        tidyFolder(folder, 25);
         QCOMPARE(listing(QDir(folder.filePath("tmp_1"))), QStringList{"notes.txt"});
     }
 
@@ -90,9 +90,9 @@ private slots:
     {
         const QTemporaryDir home;
         const QTemporaryDir elsewhere;
-        _make(QDir(elsewhere.path()), "stltmp1");
+        makeEntry(QDir(elsewhere.path()), "stltmp1");
         QVERIFY(QFile::link(elsewhere.path(), home.filePath("tmp_link")));
-        _tidy(QDir(home.path()), 25);
+        tidyFolder(QDir(home.path()), 25);
         QVERIFY(QFile::exists(elsewhere.filePath("stltmp1")));
     }
 
@@ -111,13 +111,13 @@ private slots:
         QFETCH(int, hours);
         QFETCH(bool, stays);
         const QTemporaryDir home;
-        _make(QDir(home.path()), "a.log");
+        makeEntry(QDir(home.path()), "a.log");
         QFile file(home.filePath("a.log"));
         QVERIFY(file.open(QIODevice::ReadWrite));
         const QDateTime modified = QDateTime::currentDateTime().addSecs(-modifiedHoursAgo * hour);
         QVERIFY(file.setFileTime(modified, QFileDevice::FileModificationTime));
         file.close();
-        _tidy(QDir(home.path()), hours);
+        tidyFolder(QDir(home.path()), hours);
         QCOMPARE(file.exists(), stays);
     }
 };

@@ -9,7 +9,7 @@ using namespace marlowen;
 
 namespace {
 
-QSettings _previousStore()
+QSettings previousStore()
 {
     const QevSettings current;
     return QSettings(QSettings::UserScope, current.organizationName(), QStringLiteral("Marlowen2"));
@@ -123,7 +123,7 @@ private slots:
     void migrationFillsGapsOnce()
     {
         {
-            QSettings previous = _previousStore();
+            QSettings previous = previousStore();
             previous.setValue("lastDir", "old");
             previous.setValue("material", "gold");
             previous.setValue("ui/themeMode", 1);
@@ -138,7 +138,7 @@ private slots:
         QCOMPARE(current.value("/state/view/cursorScale").toInt(), 200);
         QVERIFY(current.value("migratedFromMarlowen2").toBool());
 
-        _previousStore().setValue("splitterState", "late");
+        previousStore().setValue("splitterState", "late");
         migrateSettings();
         QVERIFY(!current.contains("splitterState"));
     }
@@ -147,7 +147,7 @@ private slots:
     {
         migrateSettings();
         QVERIFY(QevSettings().value("migratedFromMarlowen2").toBool());
-        _previousStore().setValue("material", "gold");
+        previousStore().setValue("material", "gold");
         migrateSettings();
         QVERIFY(!QevSettings().contains("material"));
     }

@@ -91,7 +91,7 @@ private slots:
             QVERIFY(QFile::link(QStringLiteral("/dev/full"), _path(name)));
     }
 
-    void aPictureTakesEveryForm()
+    void convertWritesEveryFormat()
     {
         for (const char *name : {"out.scp", "out.ptr", "out.stl", "out.pfm", "out.PNG"}) {
             const Ran ran = _run({"convert", "disc.png", name, "--smoothing", "1.5", "--trim=1"});
@@ -114,7 +114,7 @@ private slots:
         QVERIFY(stl.size() > 84 && (stl.size() - 84) % 50 == 0);
     }
 
-    void inputsThatWouldMisleadAreErrors()
+    void ambiguousInputsAreErrors()
     {
         const Ran hidden = _script(QByteArray("# a\n# b\0c\n{\"do\":\"info\"}\n", 25));
         QCOMPARE(hidden.status, 1);
@@ -411,7 +411,7 @@ private slots:
         QCOMPARE(_contents("l.scp").size(), 40 + 96);
     }
 
-    void invalidValuesDoNotEnterLayers()
+    void invalidLayerValuesAreReplaced()
     {
         // -1, NaN, 2 and infinity.
         _write("bad.pfm",

@@ -135,7 +135,7 @@ private slots:
         QCOMPARE(titleOf(loadWorkspace(path)), title);
     }
 
-    void theMessagesAreTheKnownOnes()
+    void failureMessages()
     {
         QCOMPARE(loadWorkspace(_path("none.scp")).failure().title, "Open Failed");
         QCOMPARE(loadWorkspace(_path("none.scp")).failure().sentence, "Error! File Open Failed");
@@ -147,7 +147,7 @@ private slots:
         QCOMPARE(saveFailed().sentence, "Error! File I/O Error");
     }
 
-    void aFailedWriteCostsNothing_data()
+    void aFailedWriteKeepsTheTarget_data()
     {
         QTest::addColumn<QString>("target");
         QTest::newRow("missing folder") << "nowhere/a.scp";
@@ -155,7 +155,7 @@ private slots:
         QTest::newRow("full device") << "full";
     }
 
-    void aFailedWriteCostsNothing()
+    void aFailedWriteKeepsTheTarget()
     {
         QFETCH(QString, target);
         QVERIFY(QFile::link(QStringLiteral("/dev/full"), _path("full")));
@@ -198,7 +198,7 @@ private slots:
         QVERIFY(loadWorkspace(_path("real.scp")));
     }
 
-    void mapForTheSisterProgram_data()
+    void drafteonMap_data()
     {
         QTest::addColumn<QList<float>>("heights"); // 3 x 2
         QTest::addColumn<int>("range");
@@ -217,7 +217,7 @@ private slots:
             << QList<float>{0, full, 0, 0, 0, full / 2};
     }
 
-    void mapForTheSisterProgram()
+    void drafteonMap()
     {
         QFETCH(QList<float>, heights);
         QFETCH(int, range);

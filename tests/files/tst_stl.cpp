@@ -161,7 +161,7 @@ private slots:
         }
     }
 
-    void levelGroundFacesStraightUp()
+    void levelGroundHasVerticalNormals()
     {
         // No negative zeros: other programs compare and print normals.
         const QByteArray stl = gridStl({3, 2, std::vector<float>(6, 4.0F), 2.0});

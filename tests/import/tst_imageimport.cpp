@@ -125,7 +125,7 @@ private slots:
         }
     }
 
-    void orientationTagsTurnTheImage()
+    void exifOrientationIsApplied()
     {
         QImage image(32, 16, QImage::Format_RGB32);
         image.fill(Qt::white);
@@ -166,7 +166,7 @@ private slots:
         QCOMPARE(imported.value()->rect().size(), padded);
     }
 
-    void whatCannotBeOpened_data()
+    void filesThatCannotBeOpened_data()
     {
         QTest::addColumn<QString>("path");
         QTest::newRow("missing") << _path(QStringLiteral("none.png"));
@@ -187,7 +187,7 @@ private slots:
         QTest::newRow("promises too much") << write(QStringLiteral("huge.bmp"), bmp);
     }
 
-    void whatCannotBeOpened()
+    void filesThatCannotBeOpened()
     {
         QFETCH(QString, path);
         const auto imported = importImage(path, {});

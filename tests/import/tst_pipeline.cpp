@@ -36,17 +36,10 @@ FloatGrid randomGrid(int width, int height, int emptyPercent)
     return grid;
 }
 
-HeightsView viewOf(FloatGrid &grid)
-{
-    return {grid.values.data(), grid.width, grid.height};
-}
-
 Values mapped(const FloatGrid &grid, const ImportSettings &settings)
 {
     Values heights(grid.values.size());
-    mapBase(
-        {grid.values.data(), grid.width, grid.height, rangeOf(grid.values.data(), grid.cells())},
-        settings, heights.data());
+    mapBase(grid.view(), rangeOf(grid.values), settings, heights.data());
     return heights;
 }
 
@@ -160,10 +153,10 @@ private slots:
         QVERIFY(mapped({3, 1, {4, 4, 4}}, {}) == Values({0, 0, 0}));
     }
 
-    void trimmingEatsTheOutline()
+    void trimmingRemovesTheOutline()
     {
         FloatGrid grid = filled(5, 5, 7.0F);
-        trim(viewOf(grid), 1);
+        trim(grid.view(), 1);
         for (int i = 0; i < 25; ++i) {
             const bool inside = i % 5 >= 1 && i % 5 <= 3 && i / 5 >= 1 && i / 5 <= 3;
             QCOMPARE(grid.values[static_cast<size_t>(i)], inside ? 7.0F : 0.0F);
@@ -173,10 +166,10 @@ private slots:
     void twentyPassesRemoveANarrowFigure()
     {
         FloatGrid narrow = figure({100, 100}, {10, 10, 40, 80});
-        trim(viewOf(narrow), 20);
+        trim(narrow.view(), 20);
         QVERIFY(narrow.values == Values(narrow.values.size(), 0.0F));
         FloatGrid wide = figure({100, 100}, {10, 10, 41, 80});
-        trim(viewOf(wide), 20);
+        trim(wide.view(), 20);
         QVERIFY(wide.values == figure({100, 100}, {30, 30, 1, 40}).values);
     }
 
@@ -198,7 +191,7 @@ private slots:
         FloatGrid expected = source;
         for (int passes = 0; passes <= 20; ++passes) {
             FloatGrid result = source;
-            trim(viewOf(result), passes);
+            trim(result.view(), passes);
             QVERIFY2(result.values == expected.values, QByteArray::number(passes));
             expected = trimmedOnce(expected);
         }
@@ -208,7 +201,7 @@ private slots:
     {
         FloatGrid grid(5, 5);
         grid.row(2)[2] = 16.0F;
-        smooth(viewOf(grid), 1.0, false);
+        smooth(grid.view(), 1.0, false);
         QVERIFY(grid.values == Values({0, 0, 0, 0, 0, //
                                        0, 1, 2, 1, 0, //
                                        0, 2, 4, 2, 0, //
@@ -220,22 +213,22 @@ private slots:
     {
         // Divisors 9 in corners, 12 on edges, 16 inside; weights 4-2-1.
         FloatGrid grid{3, 3, {36, 0, 0, 0, 0, 0, 0, 0, 0}};
-        smooth(viewOf(grid), 1.0, false);
+        smooth(grid.view(), 1.0, false);
         QVERIFY(grid.values == Values({16, 6, 0, 6, 2.25F, 0, 0, 0, 0}));
         FloatGrid flat = filled(4, 3, 5.0F);
-        smooth(viewOf(flat), 3.0, true);
+        smooth(flat.view(), 3.0, true);
         QVERIFY(flat.values == Values(12, 5.0F));
     }
 
     void transparencyKeepsEmptyCells()
     {
         FloatGrid grid{3, 1, {8, 0, 8}};
-        smooth(viewOf(grid), 1.0, true);
+        smooth(grid.view(), 1.0, true);
         // A single row: 4 and 2 of weights 4 + 2 at its ends.
         QVERIFY(grid.values ==
                 Values({static_cast<float>(32.0 / 6.0), 0.0F, static_cast<float>(32.0 / 6.0)}));
         FloatGrid filledIn{3, 1, {8, 0, 8}};
-        smooth(viewOf(filledIn), 1.0, false);
+        smooth(filledIn.view(), 1.0, false);
         QCOMPARE(filledIn.values[1], 4.0F);
     }
 
@@ -269,7 +262,7 @@ private slots:
                                                          static_cast<double>(cell) * (1.0 - blend));
             }
         }
-        smooth(viewOf(result), amount, true);
+        smooth(result.view(), amount, true);
         for (size_t i = 0; i < result.values.size(); ++i)
             QVERIFY(std::abs(result.values[i] - expected.values[i]) <= 1e-6F * expected.values[i]);
     }
@@ -286,7 +279,7 @@ private slots:
         QFETCH(QSize, size);
         FloatGrid grid = randomGrid(size.width(), size.height(), 0);
         const FloatGrid before = grid;
-        smooth(viewOf(grid), 1.0, false);
+        smooth(grid.view(), 1.0, false);
         for (int i = 0; i < before.cells(); ++i)
             QCOMPARE(grid.values[static_cast<size_t>(i)],
                      static_cast<float>(smoothedCell(before, i % size.width(), i / size.width())));
@@ -322,7 +315,7 @@ private slots:
             FloatGrid grid = randomGrid(count, 1, 0);
             const auto [lowest, highest] =
                 std::minmax_element(grid.values.begin(), grid.values.end());
-            const ValueRange range = rangeOf(grid.values.data(), count);
+            const ValueRange range = rangeOf({grid.values.data(), static_cast<size_t>(count)});
             QCOMPARE(range.lowest, static_cast<double>(*lowest));
             QCOMPARE(range.highest, static_cast<double>(*highest));
         }

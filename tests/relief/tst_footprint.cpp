@@ -363,7 +363,7 @@ private slots:
         }
     }
 
-    void brokenParametersAreMended()
+    void invalidParametersAreCorrected()
     {
         const double broken = std::nan("");
         const double infinite = std::numeric_limits<double>::infinity();

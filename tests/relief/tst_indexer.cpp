@@ -85,7 +85,7 @@ private slots:
         QCOMPARE(row.left(1), 0);
     }
 
-    void goingThereAndBackReturns()
+    void theInverseStepReturnsToTheStart()
     {
         const Indexer indexer(3, 3);
         for (int n = 0; n < 8; ++n) {

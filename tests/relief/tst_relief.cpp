@@ -136,7 +136,7 @@ private slots:
         QVERIFY(!copy.written() && allZero(copy));
     }
 
-    void replacingTheGridHandsBackTheOldOne()
+    void replaceGridReturnsTheOldGrid()
     {
         const auto relief = ramp(3, 2);
         relief->snapshotLayer().data()[0] = 1.0F;

@@ -141,7 +141,7 @@ private slots:
         QVERIFY(b.relief.frameRegion.boundingRect().contains(QRect(99, 139, 100, 120)));
     }
 
-    void movesMirrorTheirWay()
+    void moveMirrorsItsDisplacement()
     {
         Bench b;
         for (int row = 0; row < 400; ++row)
@@ -293,7 +293,7 @@ private slots:
         QCOMPARE(b.dabs(160, 200), 0.0);
     }
 
-    void toolsChangedInTheMiddle()
+    void toolChangedDuringAStroke()
     {
         Bench b;
         b.engine.beginStroke(b.params, {0.0, 0.0});
@@ -305,7 +305,7 @@ private slots:
         QCOMPARE(b.dabs(181, 201), 0.0);
     }
 
-    void gridReplacedInTheMiddle()
+    void gridReplacedDuringAStroke()
     {
         Bench b;
         QVERIFY(resize(b.relief, 200, 100, &b.undo));
@@ -348,14 +348,14 @@ private slots:
         }
     }
 
-    void oddReliefsAndParameters_data()
+    void unusualReliefsAndParameters_data()
     {
         QTest::addColumn<QSize>("size");
         QTest::newRow("one cell") << QSize(1, 1);
         QTest::newRow("a line") << QSize(2, 300);
         QTest::newRow("small") << QSize(17, 9);
     }
-    void oddReliefsAndParameters()
+    void unusualReliefsAndParameters()
     {
         QFETCH(QSize, size);
         std::mt19937 random(11);

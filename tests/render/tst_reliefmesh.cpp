@@ -218,18 +218,18 @@ private slots:
         for (const int place : {0, count / 2, count - 1}) {
             const auto at = static_cast<size_t>(place);
             values[at] = 1.5F;
-            QCOMPARE(scanHeights(values.data(), count).minimum, 1.5);
+            QCOMPARE(scanHeights(values).minimum, 1.5);
             values[at] = 99.0F;
-            QCOMPARE(scanHeights(values.data(), count).maximum, 99.0);
+            QCOMPARE(scanHeights(values).maximum, 99.0);
             values[at] = std::numeric_limits<float>::quiet_NaN();
-            QCOMPARE(scanHeights(values.data(), count).maximum, count == 1 ? 0.0 : 4.0);
+            QCOMPARE(scanHeights(values).maximum, count == 1 ? 0.0 : 4.0);
             values[at] = -4.0F;
-            QCOMPARE(scanHeights(values.data(), count).minimum, -4.0);
+            QCOMPARE(scanHeights(values).minimum, -4.0);
             values[at] = 4.0F;
         }
         std::fill(values.begin(), values.end(), -2.0F);
-        QCOMPARE(scanHeights(values.data(), count).maximum, 0.0);
-        QCOMPARE(scanHeights(nullptr, 0).minimum, 0.0);
+        QCOMPARE(scanHeights(values).maximum, 0.0);
+        QCOMPARE(scanHeights({}).minimum, 0.0);
     }
 
     void everyViewLearnsOfEveryChange()

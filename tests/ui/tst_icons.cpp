@@ -20,7 +20,7 @@ QPalette theme(bool dark)
     return palette;
 }
 
-QImage _image(const QString &name, int size, QIcon::Mode mode = QIcon::Normal)
+QImage iconImage(const QString &name, int size, QIcon::Mode mode = QIcon::Normal)
 {
     return icon(name).pixmap(QSize(size, size), 1.0, mode).toImage();
 }
@@ -48,7 +48,7 @@ private slots:
     {
         for (const QString &name : iconNames()) {
             for (int size : sizes) {
-                const QImage image = _image(name, size);
+                const QImage image = iconImage(name, size);
                 QCOMPARE(image.size(), QSize(size, size));
                 QVERIFY2(inkedPixels(image) > size * size / 20, qPrintable(name));
             }
@@ -59,7 +59,7 @@ private slots:
     {
         QHash<QByteArray, QString> seen;
         for (const QString &name : iconNames()) {
-            const QImage image = _image(name, 22);
+            const QImage image = iconImage(name, 22);
             const QByteArray bytes(reinterpret_cast<const char *>(image.constBits()),
                                    image.sizeInBytes());
             QVERIFY2(!seen.contains(bytes), qPrintable(name + " is " + seen.value(bytes)));
@@ -80,8 +80,8 @@ private slots:
     void disabledIsPale()
     {
         const QString name = QStringLiteral("view_3d");
-        const int normal = qAlpha(_image(name, 32).pixel(10, 16));
-        const int disabled = qAlpha(_image(name, 32, QIcon::Disabled).pixel(10, 16));
+        const int normal = qAlpha(iconImage(name, 32).pixel(10, 16));
+        const int disabled = qAlpha(iconImage(name, 32, QIcon::Disabled).pixel(10, 16));
         QVERIFY(disabled > 0 && disabled < normal / 2);
     }
 
@@ -92,7 +92,7 @@ private slots:
         twice.setDevicePixelRatio(1.0);
         QCOMPARE(twice.size(), QSize(32, 32));
         QCOMPARE(twice.toImage().convertToFormat(QImage::Format_ARGB32),
-                 _image(QStringLiteral("palette"), 32).convertToFormat(QImage::Format_ARGB32));
+                 iconImage(QStringLiteral("palette"), 32).convertToFormat(QImage::Format_ARGB32));
     }
 
     void unknownNamesAreNull()

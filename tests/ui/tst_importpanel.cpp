@@ -118,7 +118,7 @@ private slots:
         QCOMPARE(m_changes, 1);
     }
 
-    void withoutPreviewTheLiveControlsRest()
+    void withoutPreviewSlidersAreDisabled()
     {
         const auto relief = openRelief(24, 18);
         _open(*relief);
@@ -154,7 +154,7 @@ private slots:
         QTRY_VERIFY(_button("Update")->isEnabled());
     }
 
-    void acceptTakesTheLastChangeAlong()
+    void acceptIncludesPendingChanges()
     {
         const auto relief = openRelief(24, 18);
         _open(*relief);

@@ -19,12 +19,12 @@ using namespace marlowen;
 
 namespace {
 
-SliderField *_field(ToolPanel &panel, const char *name)
+SliderField *sliderNamed(ToolPanel &panel, const char *name)
 {
     return panel.findChild<SliderField *>(QLatin1String(name));
 }
 
-QCheckBox *_box(ToolPanel &panel, const char *text)
+QCheckBox *boxNamed(ToolPanel &panel, const char *text)
 {
     for (QCheckBox *box : panel.findChildren<QCheckBox *>()) {
         if (box->text() == QLatin1String(text))
@@ -42,7 +42,7 @@ ChoiceRow *choices(ToolPanel &panel, const char *label)
     return nullptr;
 }
 
-void _typeNumber(SliderField &field, const QString &text)
+void typeNumber(SliderField &field, const QString &text)
 {
     NumberField *number = field.number();
     number->setFocus();
@@ -51,7 +51,7 @@ void _typeNumber(SliderField &field, const QString &text)
     QTest::keyClick(number, Qt::Key_Return);
 }
 
-void _showTool(ToolPanel &panel, Tool::Type type)
+void showTool(ToolPanel &panel, Tool::Type type)
 {
     ToolParams params = panel.params();
     params.type = type;
@@ -84,15 +84,15 @@ private slots:
     {
         QSignalSpy size(m_panel.get(), &ToolPanel::ToolSizeChanged);
         QSignalSpy strength(m_panel.get(), &ToolPanel::ToolStrengthChanged);
-        _typeNumber(*_field(*m_panel, "Tool Size"), QStringLiteral("80"));
-        _typeNumber(*_field(*m_panel, "Tool Strength"), QStringLiteral("60"));
+        typeNumber(*sliderNamed(*m_panel, "Tool Size"), QStringLiteral("80"));
+        typeNumber(*sliderNamed(*m_panel, "Tool Strength"), QStringLiteral("60"));
         QCOMPARE(size.size(), 1);
         QCOMPARE(size[0][0].toDouble(), 0.8);
         QCOMPARE(strength[0][0].toDouble(), 0.36);
         QCOMPARE(m_panel->params().strength, 0.36);
     }
 
-    void badTypingCostsNothing_data()
+    void invalidTypingChangesNothing_data()
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<double>("size");
@@ -102,24 +102,24 @@ private slots:
         QTest::newRow("below") << "-3" << 0.01;
     }
 
-    void badTypingCostsNothing()
+    void invalidTypingChangesNothing()
     {
         QFETCH(QString, typed);
-        SliderField *field = _field(*m_panel, "Tool Size");
+        SliderField *field = sliderNamed(*m_panel, "Tool Size");
         if (typed.isEmpty()) {
             field->number()->setFocus();
             field->number()->selectAll();
             QTest::keyClick(field->number(), Qt::Key_Delete);
             QTest::keyClick(field->number(), Qt::Key_Return);
         } else {
-            _typeNumber(*field, typed);
+            typeNumber(*field, typed);
         }
         QTEST(m_panel->params().size, "size");
     }
 
     void arrowKeysAndTheSliderMoveByOneStep()
     {
-        SliderField *field = _field(*m_panel, "Angle");
+        SliderField *field = sliderNamed(*m_panel, "Angle");
         QSignalSpy angle(m_panel.get(), &ToolPanel::ToolAngleChanged);
         field->slider()->setFocus();
         QTest::keyClick(field->slider(), Qt::Key_Right);
@@ -159,28 +159,28 @@ private slots:
         QCOMPARE(choices(*m_panel, "Mode")->choice(), 2);
         QCOMPARE(choices(*m_panel, "Form")->choice(), 1);
         QCOMPARE(choices(*m_panel, "Falloff")->choice(), 2);
-        QVERIFY(_box(*m_panel, "X")->isChecked());
-        QVERIFY(!_box(*m_panel, "Keep Transparency")->isChecked());
-        QCOMPARE(_field(*m_panel, "Tool Size")->slider()->value(), 46);
+        QVERIFY(boxNamed(*m_panel, "X")->isChecked());
+        QVERIFY(!boxNamed(*m_panel, "Keep Transparency")->isChecked());
+        QCOMPARE(sliderNamed(*m_panel, "Tool Size")->slider()->value(), 46);
     }
 
     void choicesAndChecksReachTheRecordAndTheSignal()
     {
-        _showTool(*m_panel, Tool::Smooth);
+        showTool(*m_panel, Tool::Smooth);
         QSignalSpy mode(m_panel.get(), &ToolPanel::ToolModeChanged);
         QSignalSpy falloff(m_panel.get(), &ToolPanel::ToolFalloffChanged);
         QSignalSpy keep(m_panel.get(), &ToolPanel::ToolKeepTransparencyChanged);
         QSignalSpy symmetry(m_panel.get(), &ToolPanel::SymmetryYChanged);
         QTest::mouseClick(choices(*m_panel, "Mode")->button(1), Qt::LeftButton);
         QTest::mouseClick(choices(*m_panel, "Falloff")->button(3), Qt::LeftButton);
-        QTest::keyClick(_box(*m_panel, "Keep Transparency"), Qt::Key_Space);
-        QTest::keyClick(_box(*m_panel, "Y"), Qt::Key_Space);
+        QTest::keyClick(boxNamed(*m_panel, "Keep Transparency"), Qt::Key_Space);
+        QTest::keyClick(boxNamed(*m_panel, "Y"), Qt::Key_Space);
         QCOMPARE(mode[0][0].value<Tool::Mode>(), Tool::Raise);
         QCOMPARE(falloff[0][0].value<Tool::Falloff>(), Tool::ConstantFalloff);
         QCOMPARE(keep[0][0].toBool(), false);
         QCOMPARE(symmetry[0][0].toBool(), true);
         QCOMPARE(m_panel->params().mode, int(Tool::Raise));
-        QVERIFY(!_field(*m_panel, "Tool Hardness")->isEnabled());
+        QVERIFY(!sliderNamed(*m_panel, "Tool Hardness")->isEnabled());
     }
 
     void choosingAToolHereTellsTheWindow()
@@ -219,18 +219,18 @@ private slots:
     {
         QFETCH(int, type);
         QFETCH(QStringList, enabled);
-        _showTool(*m_panel, Tool::Type(type));
-        QCheckBox *limit = _box(*m_panel, "Ceiling / Floor");
+        showTool(*m_panel, Tool::Type(type));
+        QCheckBox *limit = boxNamed(*m_panel, "Ceiling / Floor");
         const QList<std::pair<QString, QWidget *>> controls{
-            {"Tool Size", _field(*m_panel, "Tool Size")},
-            {"Tool Strength", _field(*m_panel, "Tool Strength")},
-            {"Tool Hardness", _field(*m_panel, "Tool Hardness")},
+            {"Tool Size", sliderNamed(*m_panel, "Tool Size")},
+            {"Tool Strength", sliderNamed(*m_panel, "Tool Strength")},
+            {"Tool Hardness", sliderNamed(*m_panel, "Tool Hardness")},
             {"Mode", choices(*m_panel, "Mode")},
-            {"Limit", limit ? limit : _box(*m_panel, "Ceiling")},
-            {"Keep", _box(*m_panel, "Keep Transparency")},
-            {"Decay", _box(*m_panel, "Decay Length")},
-            {"Invert", _box(*m_panel, "Invert")},
-            {"Tolerance", _field(*m_panel, "Tolerance")},
+            {"Limit", limit ? limit : boxNamed(*m_panel, "Ceiling")},
+            {"Keep", boxNamed(*m_panel, "Keep Transparency")},
+            {"Decay", boxNamed(*m_panel, "Decay Length")},
+            {"Invert", boxNamed(*m_panel, "Invert")},
+            {"Tolerance", sliderNamed(*m_panel, "Tolerance")},
         };
         for (const auto &[name, widget] : controls) {
             QVERIFY2(widget->isEnabled() == enabled.contains(name), qPrintable(name));
@@ -247,18 +247,18 @@ private slots:
 
     void theLimitIsNamedForWhatTheBrushDoes()
     {
-        _showTool(*m_panel, Tool::Remove);
-        QVERIFY(_box(*m_panel, "Floor"));
-        QTest::keyClick(_box(*m_panel, "Invert"), Qt::Key_Space);
-        QVERIFY(_box(*m_panel, "Ceiling"));
+        showTool(*m_panel, Tool::Remove);
+        QVERIFY(boxNamed(*m_panel, "Floor"));
+        QTest::keyClick(boxNamed(*m_panel, "Invert"), Qt::Key_Space);
+        QVERIFY(boxNamed(*m_panel, "Ceiling"));
     }
 
     void aSwitchedSliderNeedsItsSwitch()
     {
-        SliderField *length = _field(*m_panel, "Decay Length");
+        SliderField *length = sliderNamed(*m_panel, "Decay Length");
         QVERIFY(!length->isEnabled());
         QCOMPARE(length->slider()->toolTip(), QStringLiteral("Check Decay Length first."));
-        QTest::keyClick(_box(*m_panel, "Decay Length"), Qt::Key_Space);
+        QTest::keyClick(boxNamed(*m_panel, "Decay Length"), Qt::Key_Space);
         QVERIFY(length->isEnabled());
     }
 
@@ -270,27 +270,27 @@ private slots:
         AlphaBrush::instance().setImage(grey, 2);
         m_panel->refreshAlpha();
         QVERIFY(modes->isEnabled());
-        QVERIFY(!_field(*m_panel, "Repeat")->isEnabled());
-        QVERIFY(!_field(*m_panel, "Aspect")->isEnabled());
-        QVERIFY(_field(*m_panel, "Tool Hardness")->isEnabled());
+        QVERIFY(!sliderNamed(*m_panel, "Repeat")->isEnabled());
+        QVERIFY(!sliderNamed(*m_panel, "Aspect")->isEnabled());
+        QVERIFY(sliderNamed(*m_panel, "Tool Hardness")->isEnabled());
 
         QTest::mouseClick(modes->button(1), Qt::LeftButton);
         QCOMPARE(AlphaBrush::instance().mode, int(AlphaBrush::Tile));
-        QVERIFY(_field(*m_panel, "Aspect")->isEnabled());
-        _typeNumber(*_field(*m_panel, "Repeat"), QStringLiteral("7"));
+        QVERIFY(sliderNamed(*m_panel, "Aspect")->isEnabled());
+        typeNumber(*sliderNamed(*m_panel, "Repeat"), QStringLiteral("7"));
         QCOMPARE(AlphaBrush::instance().repeatCount, 7);
 
         QTest::mouseClick(modes->button(2), Qt::LeftButton);
-        QVERIFY(!_field(*m_panel, "Tool Hardness")->isEnabled());
-        _showTool(*m_panel, Tool::Flatten);
+        QVERIFY(!sliderNamed(*m_panel, "Tool Hardness")->isEnabled());
+        showTool(*m_panel, Tool::Flatten);
         QVERIFY(!modes->isEnabled());
-        QVERIFY(_field(*m_panel, "Tool Hardness")->isEnabled());
+        QVERIFY(sliderNamed(*m_panel, "Tool Hardness")->isEnabled());
     }
 
     void labelsAreNotClipped()
     {
         for (const ToolRow *row : toolsInOrder()) {
-            _showTool(*m_panel, row->type);
+            showTool(*m_panel, row->type);
             for (const QLabel *label : m_panel->findChildren<QLabel *>()) {
                 if (label->isVisible())
                     QVERIFY2(label->width() >= label->sizeHint().width(),
@@ -299,7 +299,7 @@ private slots:
             for (const QCheckBox *box : m_panel->findChildren<QCheckBox *>())
                 QVERIFY2(box->width() >= box->sizeHint().width(), qPrintable(box->text()));
         }
-        _showTool(*m_panel, Tool::Deposit);
+        showTool(*m_panel, Tool::Deposit);
         keepPictures(*m_panel, QStringLiteral("toolpanel"));
     }
 

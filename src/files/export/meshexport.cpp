@@ -30,11 +30,6 @@ uint64_t facetLimit(const ExportOptions &options)
     return static_cast<uint64_t>(std::max(0, options.facets));
 }
 
-GridView heightsOf(const Relief &relief)
-{
-    return {relief.heights().constData(), relief.width(), relief.height()};
-}
-
 ExportMesh meshOf(CellSurface surface, const ExportOptions &options)
 {
     if (options.solid > 0.0)
@@ -44,7 +39,7 @@ ExportMesh meshOf(CellSurface surface, const ExportOptions &options)
 
 ExportMesh fullMesh(const Relief &relief, const ExportOptions &options)
 {
-    return meshOf(CellSurface(heightsOf(relief), relief.zScale), options);
+    return meshOf(CellSurface(heightView(relief), relief.zScale), options);
 }
 
 /// What is being written, and the count of its STL.
@@ -135,7 +130,7 @@ Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options
         return writeFull(relief, options, target);
     Progress silent;
     Progress &progress = target.progress ? *target.progress : silent;
-    FacetReducer reduction(heightsOf(relief), *goal);
+    FacetReducer reduction(heightView(relief), *goal);
     ProgressStep reducing(progress, 0.0, reductionShare);
     if (!reduce(reduction, reducing))
         return saveFailed();
@@ -156,7 +151,7 @@ Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options
     }
     Progress silent;
     const ExportMesh mesh =
-        meshOf(CellSurface(heightsOf(relief), relief.zScale, reduction.mesh()), options);
+        meshOf(CellSurface(heightView(relief), relief.zScale, reduction.mesh()), options);
     const StlCount count = options.standardStl ? StlCount::Standard : StlCount::Wide;
     const Outcome done = write({mesh, count}, target, target.progress ? *target.progress : silent);
     if (!done)

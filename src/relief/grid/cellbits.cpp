@@ -9,12 +9,12 @@ namespace {
 
 constexpr uint64_t allOnes = ~uint64_t{0};
 
-qsizetype _word(int column)
+qsizetype wordOf(int column)
 {
     return column / 64;
 }
 
-int _columnOf(qsizetype word, int bit)
+int columnOf(qsizetype word, int bit)
 {
     return static_cast<int>(word * 64) + bit;
 }
@@ -27,8 +27,8 @@ void forSpan(uint64_t *words, int first, int last, Change change)
         return;
     const uint64_t head = allOnes << (first % 64);
     const uint64_t tail = allOnes >> (63 - last % 64);
-    const qsizetype firstWord = _word(first);
-    const qsizetype lastWord = _word(last);
+    const qsizetype firstWord = wordOf(first);
+    const qsizetype lastWord = wordOf(last);
     if (firstWord == lastWord) {
         change(words[firstWord], head & tail);
         return;
@@ -107,12 +107,12 @@ CellBits::CellBits(int width, int height)
 
 bool CellBits::test(int column, int line) const
 {
-    return (row(line)[_word(column)] >> (column % 64)) & 1;
+    return (row(line)[wordOf(column)] >> (column % 64)) & 1;
 }
 
 void CellBits::set(int column, int line)
 {
-    row(line)[_word(column)] |= uint64_t{1} << (column % 64);
+    row(line)[wordOf(column)] |= uint64_t{1} << (column % 64);
 }
 
 void CellBits::setSpan(int line, int first, int last)
@@ -134,37 +134,37 @@ bool CellBits::rowEmpty(int line) const
 int CellBits::nextSet(int line, int column) const
 {
     const uint64_t *words = row(line);
-    qsizetype word = _word(column);
+    qsizetype word = wordOf(column);
     uint64_t bits = words[word] & (allOnes << (column % 64));
     while (bits == 0) {
         if (++word == m_wordsPerRow)
             return m_width;
         bits = words[word];
     }
-    return _columnOf(word, std::countr_zero(bits));
+    return columnOf(word, std::countr_zero(bits));
 }
 
 int CellBits::runFirst(int line, int column) const
 {
     const uint64_t *words = row(line);
-    qsizetype word = _word(column);
+    qsizetype word = wordOf(column);
     uint64_t gaps = ~words[word] & (allOnes >> (63 - column % 64));
     while (gaps == 0) {
         if (word == 0)
             return 0;
         gaps = ~words[--word];
     }
-    return _columnOf(word, 64 - std::countl_zero(gaps));
+    return columnOf(word, 64 - std::countl_zero(gaps));
 }
 
 int CellBits::runLast(int line, int column) const
 {
     const uint64_t *words = row(line);
-    qsizetype word = _word(column);
+    qsizetype word = wordOf(column);
     uint64_t gaps = ~words[word] & (allOnes << (column % 64));
     while (gaps == 0)
         gaps = ~words[++word];
-    return _columnOf(word, std::countr_zero(gaps)) - 1;
+    return columnOf(word, std::countr_zero(gaps)) - 1;
 }
 
 CellBits takeConnected(CellBits &open, int column, int row)

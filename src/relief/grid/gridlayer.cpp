@@ -16,7 +16,7 @@ namespace {
 /// first write. The heap would clear memory that it has handed out before.
 constexpr size_t mappedBytes = size_t{1} << 20;
 
-size_t _bytes(qsizetype size)
+size_t byteCount(qsizetype size)
 {
     return static_cast<size_t>(size) * sizeof(float);
 }
@@ -48,9 +48,9 @@ float *map(size_t bytes)
 
 float *allocate(qsizetype size)
 {
-    if (_bytes(size) >= mappedBytes)
-        return map(_bytes(size));
-    void *memory = std::calloc(_bytes(size) + 1, 1);
+    if (byteCount(size) >= mappedBytes)
+        return map(byteCount(size));
+    void *memory = std::calloc(byteCount(size) + 1, 1);
     if (!memory)
         throw std::bad_alloc();
     return static_cast<float *>(memory);
@@ -58,8 +58,8 @@ float *allocate(qsizetype size)
 
 void release(float *memory, qsizetype size)
 {
-    if (memory && _bytes(size) >= mappedBytes)
-        munmap(memory, _bytes(size));
+    if (memory && byteCount(size) >= mappedBytes)
+        munmap(memory, byteCount(size));
     else
         std::free(memory);
 }
@@ -92,7 +92,7 @@ GridLayer::~GridLayer()
 void GridLayer::clear()
 {
     if (m_written)
-        std::memset(m_data, 0, _bytes(m_size));
+        std::memset(m_data, 0, byteCount(m_size));
     m_written = false;
 }
 
@@ -101,7 +101,7 @@ void GridLayer::copyFrom(const GridLayer &other)
     if (!other.written())
         clear();
     else
-        std::memcpy(data(), other.constData(), _bytes(m_size));
+        std::memcpy(data(), other.constData(), byteCount(m_size));
 }
 
 void GridLayer::swap(GridLayer &other) noexcept

@@ -4,8 +4,8 @@
 
 namespace marlowen {
 
-/// One layer of a relief: `size()` floats, all 0 at first. A layer that nobody wrote to takes no
-/// resident memory, and `written()` tells so, so that readers can skip it altogether.
+/// One layer of a relief: `size()` floats, all 0 at first. A layer that was never written takes
+/// no resident memory; `written()` lets readers skip it.
 class GridLayer
 {
 public:

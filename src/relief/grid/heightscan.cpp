@@ -42,8 +42,10 @@ CELL_LOOP void scanBlocks(const float *values, qsizetype blocks, Lanes &result)
 
 } // namespace
 
-HeightRange scanHeights(const float *heights, qsizetype count)
+HeightRange scanHeights(std::span<const float> all)
 {
+    const float *heights = all.data();
+    const auto count = static_cast<qsizetype>(all.size());
     constexpr float largest = std::numeric_limits<float>::max();
     Lanes result;
     result.low.fill(largest);

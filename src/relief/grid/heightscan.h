@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <span>
+
 namespace marlowen {
 
 /// Smallest and largest height of a relief, unscaled; the largest is at least 0.
@@ -13,6 +15,6 @@ struct HeightRange
 
 /// Reads `count` heights once. Without any the range is 0 to 0; values that are not numbers are
 /// passed over.
-HeightRange scanHeights(const float *heights, qsizetype count);
+HeightRange scanHeights(std::span<const float> heights);
 
 } // namespace marlowen

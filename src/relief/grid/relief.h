@@ -1,5 +1,6 @@
 #pragma once
 
+#include "relief/grid/floatgrid.h"
 #include "relief/grid/gridlayer.h"
 
 #include <QPoint>
@@ -16,7 +17,7 @@ namespace marlowen {
 class Relief;
 class Tool;
 
-/// The record a relief was built from. It lives above this room (the import room derives from it);
+/// The record a relief was built from. The import room derives from it;
 /// a relief only owns it and has it compute the first heights.
 class ReliefSource
 {
@@ -130,5 +131,11 @@ private:
     std::unique_ptr<ReliefSource> m_source;
     std::unique_ptr<Tool> m_tool;
 };
+
+/// The heights as a view; it holds until the relief's grid is replaced.
+inline GridView heightView(const Relief &relief)
+{
+    return {relief.heights().constData(), relief.width(), relief.height()};
+}
 
 } // namespace marlowen

@@ -75,7 +75,7 @@ HeightRange ReliefChanges::heightRange()
         return {};
     if (m_rangeStale) {
         const GridLayer &heights = m_relief->heights();
-        m_range = scanHeights(heights.constData(), heights.size());
+        m_range = scanHeights({heights.constData(), static_cast<size_t>(heights.size())});
         m_rangeStale = false;
     }
     m_extent = m_range;
@@ -96,7 +96,7 @@ void ReliefChanges::_growExtent(const QRegion &cells)
         for (int row = rect.top(); row <= rect.bottom(); ++row) {
             const float *first =
                 m_relief->heights().constData() + m_relief->index(rect.left(), row);
-            const HeightRange some = scanHeights(first, rect.width());
+            const HeightRange some = scanHeights({first, static_cast<size_t>(rect.width())});
             m_extent.minimum = std::min(m_extent.minimum, some.minimum);
             m_extent.maximum = std::max(m_extent.maximum, some.maximum);
         }

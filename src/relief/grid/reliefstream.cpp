@@ -23,7 +23,7 @@ constexpr qint64 scalarBytes = 3 * sizeof(double);
 
 using Block = std::vector<quint64>;
 
-char *_bytes(Block &block)
+char *bytesOf(Block &block)
 {
     return reinterpret_cast<char *>(block.data());
 }
@@ -46,7 +46,7 @@ bool writeLayer(QDataStream &stream, const GridLayer &layer, Block &block)
         const qsizetype count = std::min(blockCells, layer.size() - first);
         pack(layer.constData() + first, block.data(), count);
         const int bytes = static_cast<int>(count) * static_cast<int>(sizeof(quint64));
-        if (stream.writeRawData(_bytes(block), bytes) != bytes)
+        if (stream.writeRawData(bytesOf(block), bytes) != bytes)
             return false;
     }
     return true;
@@ -60,10 +60,10 @@ bool readLayer(QDataStream &stream, GridLayer &layer, qsizetype &repaired)
     for (qsizetype first = 0; first < layer.size(); first += blockCells) {
         const qsizetype count = std::min(blockCells, layer.size() - first);
         const int bytes = static_cast<int>(count) * static_cast<int>(sizeof(quint64));
-        if (stream.readRawData(_bytes(block), bytes) != bytes)
+        if (stream.readRawData(bytesOf(block), bytes) != bytes)
             return false;
         unpack(block.data(), values + first, count);
-        repaired += repairHeights(values + first, count);
+        repaired += repairHeights({values + first, static_cast<size_t>(count)});
     }
     return true;
 }
@@ -122,8 +122,10 @@ ReliefRead readRelief(QDataStream &stream)
     return read;
 }
 
-CELL_LOOP qsizetype repairHeights(float *values, qsizetype count)
+CELL_LOOP qsizetype repairHeights(std::span<float> all)
 {
+    float *values = all.data();
+    const auto count = static_cast<qsizetype>(all.size());
     uint32_t repaired = 0;
     for (qsizetype i = 0; i < count; ++i) {
         const bool valid = values[i] >= 0.0F && values[i] <= std::numeric_limits<float>::max();

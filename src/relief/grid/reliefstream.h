@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <memory>
+#include <span>
 
 class QDataStream;
 
@@ -32,6 +33,6 @@ struct ReliefRead
 ReliefRead readRelief(QDataStream &stream);
 
 /// Makes values fit for heights: NaN, infinite and negative ones become 0. Returns how many.
-qsizetype repairHeights(float *values, qsizetype count);
+qsizetype repairHeights(std::span<float> values);
 
 } // namespace marlowen

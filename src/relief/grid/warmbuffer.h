@@ -6,7 +6,8 @@
 namespace marlowen {
 
 /// Memory that is kept between uses: `need` hands out at least that many values without setting
-/// them, and allocates only when it never held so many. Pages that were touched once stay warm.
+/// them, and allocates only when it has never held so many. Pages stay mapped once they were
+/// touched.
 template <typename T>
 class WarmBuffer
 {

@@ -30,7 +30,7 @@ struct Plan
     bool averages = false; ///< weighted sums are still to be divided by their total
 };
 
-void _addInterpolation(Plan &plan, double position, int sourceLength)
+void addInterpolation(Plan &plan, double position, int sourceLength)
 {
     const int first = static_cast<int>(position);
     const double fraction = position - first;
@@ -41,7 +41,7 @@ void _addInterpolation(Plan &plan, double position, int sourceLength)
         plan.weights.push_back(fraction);
 }
 
-void _addAverage(Plan &plan, double start, double end, int sourceLength)
+void addAverage(Plan &plan, double start, double end, int sourceLength)
 {
     const int first = static_cast<int>(start);
     const int last = std::min(sourceLength, static_cast<int>(std::ceil(end)));
@@ -66,15 +66,15 @@ Plan planLine(int sourceLength, int destinationLength)
     plan.taps.reserve(static_cast<size_t>(destinationLength));
     for (int i = 0; i < destinationLength; ++i) {
         if (plan.averages)
-            _addAverage(plan, i * ratio, (i + 1) * ratio, sourceLength);
+            addAverage(plan, i * ratio, (i + 1) * ratio, sourceLength);
         else
-            _addInterpolation(plan, std::clamp((i + 0.5) * ratio - 0.5, 0.0, sourceLength - 1.0),
-                              sourceLength);
+            addInterpolation(plan, std::clamp((i + 0.5) * ratio - 0.5, 0.0, sourceLength - 1.0),
+                             sourceLength);
     }
     return plan;
 }
 
-void _resampleLine(const Plan &plan, Line<const float> source, Line<float> destination)
+void resampleLine(const Plan &plan, Line<const float> source, Line<float> destination)
 {
     for (int i = 0; i < destination.length; ++i) {
         const Taps &taps = plan.taps[static_cast<size_t>(i)];
@@ -106,7 +106,7 @@ bool interleave(const float *rows, qsizetype stride, int count, float *columns)
     return empties;
 }
 
-void _storeLanes(const std::array<double, lanes> &sums, float *values, qsizetype stride)
+void storeLanes(const std::array<double, lanes> &sums, float *values, qsizetype stride)
 {
     for (size_t lane = 0; lane < lanes; ++lane)
         values[static_cast<qsizetype>(lane) * stride] = static_cast<float>(sums[lane]);
@@ -129,30 +129,30 @@ CELL_INLINE inline void sumLanes(const Plan &plan, const float *columns, float *
             for (double &sum : sums)
                 sum /= taps.total;
         }
-        _storeLanes(sums, out++, stride);
+        storeLanes(sums, out++, stride);
     }
 }
 
-CELL_LOOP void _acrossLanes(const Plan &plan, const float *columns, float *out)
+CELL_LOOP void acrossLanes(const Plan &plan, const float *columns, float *out)
 {
     sumLanes(plan, columns, out,
              [](double weight, float cell) { return weight * static_cast<double>(cell); });
 }
 
-/// As _acrossLanes for the occupancy of the cells: 1 where they are not empty.
-CELL_LOOP void _coverLanes(const Plan &plan, const float *columns, float *out)
+/// As acrossLanes for the occupancy of the cells: 1 where they are not empty.
+CELL_LOOP void coverLanes(const Plan &plan, const float *columns, float *out)
 {
     sumLanes(plan, columns, out,
              [](double weight, float cell) { return cell != 0.0F ? weight : 0.0; });
 }
 
-CELL_LOOP void _addRow(double *sums, const float *row, double weight, qsizetype count)
+CELL_LOOP void addRow(double *sums, const float *row, double weight, qsizetype count)
 {
     for (qsizetype i = 0; i < count; ++i)
         sums[i] += weight * static_cast<double>(row[i]);
 }
 
-CELL_LOOP void _divideRow(float *out, const double *sums, double total, qsizetype count)
+CELL_LOOP void divideRow(float *out, const double *sums, double total, qsizetype count)
 {
     for (qsizetype i = 0; i < count; ++i)
         out[i] = static_cast<float>(sums[i] / total);
@@ -167,7 +167,7 @@ CELL_LOOP void mixRows(float *out, std::array<const float *, 2> rows, std::array
 }
 
 /// What is less than half covered becomes empty; the rest gets the height of its covered part.
-CELL_LOOP void _uncoverRow(float *heights, const float *covered, qsizetype count)
+CELL_LOOP void uncoverRow(float *heights, const float *covered, qsizetype count)
 {
     for (qsizetype i = 0; i < count; ++i)
         heights[i] = covered[i] >= 0.5F ? heights[i] / covered[i] : 0.0F;
@@ -224,9 +224,9 @@ private:
         const int count = std::min(lanes, m_from.height - firstRow);
         block.firstRow = firstRow;
         block.empties = interleave(rows, m_from.width, count, m_columns.data()) && m_covers;
-        _acrossLanes(m_across, m_columns.data(), block.values.data());
+        acrossLanes(m_across, m_columns.data(), block.values.data());
         if (block.empties)
-            _coverLanes(m_across, m_columns.data(), block.covered.data());
+            coverLanes(m_across, m_columns.data(), block.covered.data());
     }
 
     const GridLayer &m_layer;
@@ -269,7 +269,7 @@ private:
         if (taps.count == 1) {
             std::copy_n(above.values, _width(), out);
             if (above.covered)
-                _uncoverRow(out, above.covered, _width());
+                uncoverRow(out, above.covered, _width());
             return;
         }
         const WideRow below = m_rows.row(taps.first + 1);
@@ -280,7 +280,7 @@ private:
         mixRows(m_covered.data(),
                 {above.covered ? above.covered : ones, below.covered ? below.covered : ones},
                 {weights[0], weights[1]}, _width());
-        _uncoverRow(out, m_covered.data(), _width());
+        uncoverRow(out, m_covered.data(), _width());
     }
 
     void _average(const Taps &taps, const double *weights, float *out)
@@ -290,21 +290,21 @@ private:
         bool full = true;
         for (int k = 0; k < taps.count; ++k) {
             const WideRow row = m_rows.row(taps.first + k);
-            _addRow(m_sums.data(), row.values, weights[k], _width());
+            addRow(m_sums.data(), row.values, weights[k], _width());
             if (full && row.covered)
                 std::fill(m_coverSums.begin(), m_coverSums.end(), fullSoFar);
             full = full && !row.covered;
             if (full)
                 fullSoFar += weights[k];
             else
-                _addRow(m_coverSums.data(), row.covered ? row.covered : m_ones.data(), weights[k],
-                        _width());
+                addRow(m_coverSums.data(), row.covered ? row.covered : m_ones.data(), weights[k],
+                       _width());
         }
-        _divideRow(out, m_sums.data(), taps.total, _width());
+        divideRow(out, m_sums.data(), taps.total, _width());
         if (full)
             return;
-        _divideRow(m_covered.data(), m_coverSums.data(), taps.total, _width());
-        _uncoverRow(out, m_covered.data(), _width());
+        divideRow(m_covered.data(), m_coverSums.data(), taps.total, _width());
+        uncoverRow(out, m_covered.data(), _width());
     }
 
     RowPass &m_rows;
@@ -315,7 +315,7 @@ private:
     std::vector<float> m_covered;
 };
 
-/// A layer to be resampled; one of heights also tells covered cells from empty ones.
+/// A layer to be resampled; in one of heights empty cells are kept apart from covered ones.
 struct LayerJob
 {
     const GridLayer &layer;
@@ -362,7 +362,7 @@ GridLayer resampleLayer(const LayerJob &job, const LayerProgress &report)
 
 void resample1D(Line<const float> source, Line<float> destination)
 {
-    _resampleLine(planLine(source.length, destination.length), source, destination);
+    resampleLine(planLine(source.length, destination.length), source, destination);
 }
 
 GridLayer resample2D(const GridLayer &layer, GridSize from, GridSize to)

@@ -19,7 +19,8 @@ constexpr double farthest = 1e9;
 class OutlineTracer
 {
 public:
-    /// hitWatched() tells whether a sample lay in the watched cell, also when that is off the grid.
+    /// hitWatched() returns whether a sample lay in the watched cell, also when that is off the
+    /// grid.
     explicit OutlineTracer(CellBits &shape, std::optional<QPoint> watched = std::nullopt)
         : m_shape(shape)
         , m_watched(watched)
@@ -104,7 +105,7 @@ bool traceEllipse(CellBits &shape, const Ellipse &ellipse)
 
 /// Sets the cells whose centres lie inside. No cell that the outline left out is cut by it in more
 /// than a corner, so these are the cells that a fill from the centre would reach.
-void _fillEllipse(CellBits &shape, const Ellipse &ellipse)
+void fillEllipse(CellBits &shape, const Ellipse &ellipse)
 {
     for (int row = 0; row < shape.height(); ++row) {
         const double down = (row + 0.5 - ellipse.centre.y()) / ellipse.b;
@@ -118,7 +119,7 @@ void _fillEllipse(CellBits &shape, const Ellipse &ellipse)
 }
 
 /// The straight way from one cell to another, both ends included, in steps of at most half a cell.
-void _traceEdge(OutlineTracer &tracer, QPointF from, QPointF to)
+void traceEdge(OutlineTracer &tracer, QPointF from, QPointF to)
 {
     const QPointF way = to - from;
     const double steps = std::max(1.0, std::ceil(2.0 * std::hypot(way.x(), way.y())));
@@ -130,7 +131,7 @@ void _traceEdge(OutlineTracer &tracer, QPointF from, QPointF to)
 
 /// Marks, for every row whose middle the edge crosses, the first cell with its centre beyond the
 /// crossing; a second crossing in the same place takes the mark away.
-void _toggleCrossings(CellBits &crossings, QPointF from, QPointF to)
+void toggleCrossings(CellBits &crossings, QPointF from, QPointF to)
 {
     const double top = std::min(from.y(), to.y());
     const double bottom = std::max(from.y(), to.y());
@@ -148,7 +149,7 @@ void _toggleCrossings(CellBits &crossings, QPointF from, QPointF to)
 }
 
 /// Sets the cells with an odd number of crossings at or before them.
-void _fillEvenOdd(CellBits &shape, const CellBits &crossings)
+void fillEvenOdd(CellBits &shape, const CellBits &crossings)
 {
     const int lastColumn = shape.width() - 1;
     const uint64_t within = ~uint64_t{0} >> (63 - lastColumn % 64);
@@ -190,7 +191,7 @@ void selectEllipse(Relief &relief, QPointF corner, QPointF opposite, SelectionMo
                           std::abs(to.y() - from.y()) * 0.5};
     CellBits shape(relief.width(), relief.height());
     if (!traceEllipse(shape, ellipse))
-        _fillEllipse(shape, ellipse);
+        fillEllipse(shape, ellipse);
     selectShape(relief, shape, modifier);
 }
 
@@ -204,11 +205,11 @@ void selectPolygon(Relief &relief, const QPolygon &corners, SelectionModifier mo
     QPointF from = corners.back();
     for (const QPoint &corner : corners) {
         const QPointF to = corner;
-        _traceEdge(tracer, from, to);
-        _toggleCrossings(crossings, from, to);
+        traceEdge(tracer, from, to);
+        toggleCrossings(crossings, from, to);
         from = to;
     }
-    _fillEvenOdd(shape, crossings);
+    fillEvenOdd(shape, crossings);
     selectShape(relief, shape, modifier);
 }
 

@@ -21,7 +21,7 @@ CELL_LOOP void subtractFromOne(float *result, const float *values, int count)
         result[i] = 1.0F - values[i];
 }
 
-/// Weights under a light pen; cells outside the footprint keep their negative weight.
+/// Weights scaled by a pressure below 1; cells outside the footprint keep their negative weight.
 CELL_LOOP void weaken(float *weakened, const float *weights, float pressure, int count)
 {
 #pragma omp simd
@@ -29,7 +29,7 @@ CELL_LOOP void weaken(float *weakened, const float *weights, float pressure, int
         weakened[i] = weights[i] < 0.0F ? weights[i] : weights[i] * pressure;
 }
 
-/// A bound of a dab's box as a cell; the clamp keeps what lies far off representable.
+/// A bound of a dab's box as a cell; the clamp keeps distant bounds representable.
 int truncated(double bound)
 {
     return static_cast<int>(std::clamp(std::trunc(bound), -1e9, 1e9));

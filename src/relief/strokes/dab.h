@@ -12,13 +12,13 @@
 
 namespace marlowen {
 
-/// One touch of a brush: where it lands and how strongly. Built anew for every mirror image.
+/// One application of a brush at one point; a mirror image is a dab of its own.
 struct Dab
 {
     Relief &relief;
     Tool &tool;
     QPointF centre;          ///< columns and rows, real
-    QPointF shift;           ///< way from the last applied point, mirrored like the dab itself
+    QPointF shift;           ///< distance from the last applied point, mirrored like the dab itself
     QRect box;               ///< cells on the grid that the radius covers; never empty
     int image = 0;           ///< 0 the dab itself, 1..3 its mirror images
     double decayCubed = 1.0; ///< factor of the strength
@@ -27,7 +27,7 @@ struct Dab
     bool skipUnselected = false;
     bool maskWeakens = true; ///< unmasked is 1 - mask; otherwise 1
     float direction =
-        0.0F;           ///< 1 for a tool that raises, -1 for one that lowers, turned round inverted
+        0.0F; ///< 1 for a tool that raises, -1 for one that lowers, reversed when inverted
     double plane = 0.0; ///< only for UsesPlane: mean of the footprint when the stroke began
 
     const ToolParams &params() const { return tool.params(); }
@@ -38,7 +38,7 @@ QPointF dabCentre(const Relief &relief, QPointF point);
 /// Cells that a dab covers: centre - radius to centre + radius, truncated toward zero, both ends
 /// included, clipped to the relief.
 QRect dabBox(const Relief &relief, QPointF centre, double radius);
-/// A height that may be painted: what is no number, infinite or negative becomes 0.
+/// A height that may be painted: NaN, infinite and negative ones become 0.
 float paintableHeight(float height);
 /// Fills the tool's column runs for the dab's box.
 void mapColumns(const Dab &dab);
@@ -67,15 +67,15 @@ struct CellSpan
 /// weights. The rows a span points to hold until the next call.
 CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row);
 
-/// The values of a layer under a span, without touching layers that nobody wrote to.
+/// The values of a layer under a span, zeros for layers that were never written.
 inline const float *rowUnder(const Dab &dab, const GridLayer &layer, const CellSpan &span)
 {
     return layer.written() ? layer.constData() + span.cell : dab.tool.buffers().zeros.data();
 }
 
 /// The changes of one span: `brush(span, i, before)` gives the new height of its cell i. True when
-/// a stored value differs from what it was. Brushes compute with floats, but add to the height what
-/// they change rather than weigh old against new: so the result is as exact as the stored height.
+/// a stored value differs from what it was. Brushes compute with floats; they add the change to the
+/// height rather than blend old and new, so that the result is as exact as the stored height.
 template <typename Brush>
 CELL_INLINE inline bool paintSpan(const CellSpan &span, float *values, const Brush &brush)
 {

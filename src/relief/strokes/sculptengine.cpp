@@ -63,7 +63,7 @@ std::optional<double> decayCubed(const Tool &tool)
 }
 
 /// Which way the dabs of an acting row move heights. A tool whose inverse acts in its place is not
-/// turned round a second time.
+/// reversed a second time.
 float directionOf(const ToolRow &row, bool inverted)
 {
     if (row.effect == ToolEffect::None)
@@ -310,7 +310,7 @@ void SculptEngine::cancelStroke()
     Relief &relief = *m_relief;
     const int type = tool->params().type;
     const QRect rect = relief.strokeRegion.boundingRect();
-    if (!rect.isEmpty() && type != Tool::Fill) { // a Fill is an event of its own already
+    if (!rect.isEmpty() && type != Tool::Fill) { // a Fill has pushed its event already
         const Patch before = copyPatch(relief.snapshotLayer(), relief.width(), rect);
         before.pasteInto(paintedLayer(relief, type), relief.width());
         unite(relief.frameRegion, rect);

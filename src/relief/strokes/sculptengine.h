@@ -14,9 +14,9 @@ class Tool;
 class SculptUndo;
 
 /// Runs strokes on one relief: press, drag, release. Owns neither the relief nor the undo stack;
-/// both outlive their time in the engine. Points are stroke points (cells from the relief's
+/// both outlive their attachment. Points are stroke points (cells from the relief's
 /// centre, with the pen's pressure); points that are NaN, infinite or farther than 1e9 cells away
-/// are ignored. A stroke whose grid was replaced in the middle of it ends without a trace.
+/// are ignored. A stroke whose grid was replaced in the middle of it ends without an undo event.
 class SculptEngine
 {
 public:

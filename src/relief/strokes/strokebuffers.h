@@ -27,7 +27,7 @@ struct StrokeBuffers
     WarmBuffer<float> unmasked;             ///< a row of 1 - mask
     WarmBuffer<float> samples;              ///< a row of heights that will be painted
     WarmBuffer<float> ones;                 ///< a row of 1
-    WarmBuffer<float> zeros;                ///< a row of 0, read in place of layers nobody wrote to
+    WarmBuffer<float> zeros;                ///< a row of 0, read in place of unwritten layers
     WarmBuffer<float> copy;                 ///< heights as they were before the dab
     std::unique_ptr<BrushState> brushState; ///< of the last brush that had one
     std::vector<ColumnRun> runs;            ///< columns of the dab being applied

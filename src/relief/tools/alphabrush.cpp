@@ -31,7 +31,7 @@ double alphaSample(const float *values, int side, double u, double v, bool wrap)
 {
     if (side <= 0 || !std::isfinite(u) || !std::isfinite(v))
         return 0.0;
-    return alphaAt({values, side}, u, v, wrap);
+    return alphaAt({values, side, side}, u, v, wrap);
 }
 
 } // namespace marlowen

@@ -1,17 +1,11 @@
 #pragma once
 
 #include "relief/grid/cellcode.h"
+#include "relief/grid/floatgrid.h"
 
 #include <cmath>
 
 namespace marlowen {
-
-/// A square grey image, row-major.
-struct AlphaImage
-{
-    const float *values;
-    int side; ///< at least 1
-};
 
 /// A pixel's index along one axis, which runs modulo the side or stops at the image's edge.
 CELL_INLINE inline int alphaIndex(double index, double side, bool wrap)
@@ -21,18 +15,18 @@ CELL_INLINE inline int alphaIndex(double index, double side, bool wrap)
     return static_cast<int>(low < side - 1.0 ? low : side - 1.0);
 }
 
-/// alphaSample() for finite (u, v), to be compiled into the loops that call it.
-CELL_INLINE inline double alphaAt(const AlphaImage &image, double u, double v, bool wrap)
+/// alphaSample() of a square image for finite (u, v), to be compiled into the loops that call it.
+CELL_INLINE inline double alphaAt(const GridView &image, double u, double v, bool wrap)
 {
-    const double side = image.side;
+    const double side = image.width;
     const double x = u * side - 0.5;
     const double y = v * side - 0.5;
     const double left = std::floor(x);
     const double top = std::floor(y);
     const int x0 = alphaIndex(left, side, wrap);
     const int x1 = alphaIndex(left + 1.0, side, wrap);
-    const int y0 = alphaIndex(top, side, wrap) * image.side;
-    const int y1 = alphaIndex(top + 1.0, side, wrap) * image.side;
+    const int y0 = alphaIndex(top, side, wrap) * image.width;
+    const int y1 = alphaIndex(top + 1.0, side, wrap) * image.width;
     const double fx = x - left;
     const double fy = y - top;
     const double upper = image.values[y0 + x0] * (1.0 - fx) + image.values[y0 + x1] * fx;

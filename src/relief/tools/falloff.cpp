@@ -38,7 +38,7 @@ CELL_INLINE inline double profile(double t, double hardness)
     return std::min(std::max(weight, 0.0), 1.0);
 }
 
-/// Hardness as the profiles take it: the rim keeps a fiftieth of the way to fall in.
+/// Hardness limited to 0.98, so that the profile still falls to 0 at the rim.
 double usableHardness(const ToolParams &params)
 {
     return std::clamp(params.hardness, 0.0, 0.98);
@@ -69,12 +69,12 @@ struct AlphaFrame
         , sine(std::sin(-params.angle * std::numbers::pi / 180.0))
     {
         const AlphaBrush &brush = AlphaBrush::instance();
-        image = {brush.values().data(), brush.side()};
+        image = {brush.values().data(), brush.side(), brush.side()};
         mode = brush.mode;
         repeat = brush.repeatCount;
     }
 
-    /// Place of a footprint cell in the image's frame, from the middle.
+    /// Place of a footprint cell in the image's frame, from the centre.
     CELL_INLINE double x(int column, int row) const
     {
         return (column - half) * cosine - (row - half) * sine;
@@ -104,7 +104,7 @@ struct AlphaFrame
     double radius;
     double cosine;
     double sine;
-    AlphaImage image;
+    GridView image;
     int mode;
     double repeat;
 };
@@ -145,7 +145,7 @@ CELL_LOOP void measureRim(const AlphaFrame &from, QPoint first, double *distance
         distances[i] = frame.fromRim(frame.x(column + i, row), frame.y(column + i, row));
 }
 
-/// Puts the grey values into the weights of a row: in place of the falloff, or times it.
+/// Replaces the weights of a row by the grey values, or multiplies them.
 void applyAlpha(const AlphaFrame &frame, const float *greys, float *weights, int count)
 {
     for (int i = 0; i < count; ++i) {
@@ -239,11 +239,10 @@ double falloffWeight(const ToolParams &params, const double *distanceMap, int co
     return profileOf(params, (half - frame.fromRim(x, y)) / half) * frame.sample<false>(x, y);
 }
 
-void computeWeights(const ToolParams &params, const FootprintMap &map, int reach, float *weights,
-                    FootprintWeights::Extent *extents)
+void computeWeights(const ToolParams &params, const FootprintMap &map, const WeightTarget &target)
 {
-    const int side = 2 * reach + 1;
-    const int origin = map.dimension / 2 - reach; // array cell under the first weight
+    const int side = 2 * target.reach + 1;
+    const int origin = map.dimension / 2 - target.reach; // array cell under the first weight
     const int first = std::max(0, -origin);
     const int count = std::min(side, map.dimension - origin) - first;
     const bool alpha = usesAlpha(params);
@@ -251,9 +250,9 @@ void computeWeights(const ToolParams &params, const FootprintMap &map, int reach
     std::vector<double> rim(static_cast<size_t>(side));
     std::vector<float> greys(static_cast<size_t>(side));
     for (int y = 0; y < side; ++y) {
-        float *row = weights + static_cast<ptrdiff_t>(y) * side;
+        float *row = target.weights + static_cast<ptrdiff_t>(y) * side;
         std::fill_n(row, side, -1.0F);
-        extents[y] = {};
+        target.extents[y] = {};
         const QPoint place(origin + first, origin + y);
         if (place.y() < 0 || place.y() >= map.dimension)
             continue;
@@ -270,7 +269,7 @@ void computeWeights(const ToolParams &params, const FootprintMap &map, int reach
             sample(frame, place, greys.data(), count);
             applyAlpha(frame, greys.data(), row + first, count);
         }
-        extents[y] = extentOf(row, side);
+        target.extents[y] = extentOf(row, side);
     }
 }
 

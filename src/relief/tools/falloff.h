@@ -9,8 +9,8 @@ namespace marlowen {
 bool alphaShapes(const ToolParams &params);
 
 /// Weight 0..1 of a footprint cell, from its distance to the outline, the falloff profile, the
-/// hardness and the alpha image. The map is dimension x dimension; cells off it count as lying at
-/// its very middle.
+/// hardness and the alpha image. The map is dimension x dimension; cells off it count as
+/// its centre.
 double falloffWeight(const ToolParams &params, const double *distanceMap, int column, int row,
                      int dimension);
 
@@ -22,10 +22,17 @@ struct FootprintMap
     int dimension;
 };
 
-/// falloffWeight() of every cell within `reach` of the middle: (2 reach + 1) squared values and one
-/// extent a row (see FootprintWeights). Weights are computed in doubles and kept as floats: their
-/// error of 6e-8 is below what a 32-bit height can show.
-void computeWeights(const ToolParams &params, const FootprintMap &map, int reach, float *weights,
-                    FootprintWeights::Extent *extents);
+/// Memory for the weights of the cells within `reach` of the middle: (2 reach + 1) squared values
+/// and one extent a row (see FootprintWeights).
+struct WeightTarget
+{
+    int reach;
+    float *weights;
+    FootprintWeights::Extent *extents;
+};
+
+/// falloffWeight() of every cell within the target's reach. Weights are computed in doubles and
+/// kept as floats: their error of 6e-8 is below what a 32-bit height can show.
+void computeWeights(const ToolParams &params, const FootprintMap &map, const WeightTarget &target);
 
 } // namespace marlowen

@@ -22,7 +22,7 @@ constexpr double unreached = std::numeric_limits<double>::max();
 /// Paths of the same steps in another order differ by less; different paths by far more.
 constexpr double rounding = 1e-10;
 
-/// Marks outline points, given from the middle of the footprint, in its rotated frame.
+/// Marks outline points, given from the centre of the footprint, in its rotated frame.
 class OutlinePen
 {
 public:
@@ -209,7 +209,7 @@ CELL_LOOP bool relaxAcross(double *row, const double *passed, int count)
     return changed != 0;
 }
 
-/// True when a step along the row shortens the way to one of cells 1 .. count - 1; `back` leads
+/// True when a step along the row shortens the path to one of cells 1 .. count - 1; `back` leads
 /// from a cell to the one before it.
 CELL_LOOP bool canRelaxAlong(const double *row, const double *back, int count)
 {
@@ -221,8 +221,8 @@ CELL_LOOP bool canRelaxAlong(const double *row, const double *back, int count)
 }
 
 /// Relaxes the cells of a row against each other, one after the other. Only rows with outside cells
-/// in their extent have to look for them: each addition waits for the one before it, and so does
-/// every look in between.
+/// in their extent have to look for them: each addition waits for the one before it, and a test in
+/// between would lengthen that chain.
 template <int Step, bool Solid>
 void relaxChain(double *row, RowExtent extent)
 {
@@ -332,8 +332,8 @@ void buildFootprint(unsigned char *footprint, int dimension, const ToolParams &p
 int chamferDistances(double *map, const unsigned char *footprint, int dimension)
 {
     DistanceSweeps sweeps(map, footprint, dimension);
-    // Both directions in turn: two sweeps settle a shape without coves, a third finds nothing to
-    // do.
+    // Both directions in turn: two sweeps settle a convex shape, a third changes
+    // nothing.
     const int limit = std::max(1, (dimension + 1) / 2);
     int count = 0;
     bool changed = true;

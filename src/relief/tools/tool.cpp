@@ -23,7 +23,7 @@ namespace {
 constexpr double farthestPoint = 1e9;
 constexpr double largestRadiusCells = 2048.0;
 
-/// The memory the last stroke left behind.
+/// Buffers of the last stroke, for reuse.
 std::unique_ptr<StrokeBuffers> &spareBuffers()
 {
     static std::unique_ptr<StrokeBuffers> spare;
@@ -45,7 +45,7 @@ void StrokeBuffers::giveBack(std::unique_ptr<StrokeBuffers> buffers)
 
 ToolParams usableParams(ToolParams params)
 {
-    // A footprint without height has no form that could be repaired.
+    // Only a positive aspect can be clamped.
     if (!(params.aspect > 0.0))
         params.aspect = ToolParams{}.aspect;
     return clampedFields(toolFields(), params, &FieldInfo::usable);
@@ -79,7 +79,8 @@ Tool::Tool(const ToolParams &params, StrokePoint firstPoint, double scale)
     const auto side = static_cast<size_t>(m_weights.side());
     float *weights = m_buffers->weights.need(side * side);
     FootprintWeights::Extent *extents = m_buffers->extents.need(side);
-    computeWeights(m_params, {footprint, distance, m_dimension}, m_weights.reach, weights, extents);
+    computeWeights(m_params, {footprint, distance, m_dimension},
+                   {m_weights.reach, weights, extents});
     m_weights.values = weights;
     m_weights.rows = extents;
 

@@ -30,8 +30,8 @@ struct FootprintWeights
     int side() const { return 2 * reach + 1; }
 };
 
-/// What a brush keeps from one dab of a stroke to the next. The object is handed on to later
-/// strokes of the brush for the sake of its memory.
+/// What a brush keeps from one dab of a stroke to the next. Later strokes of the
+/// brush reuse the object and its memory.
 class BrushState
 {
 public:
@@ -42,8 +42,8 @@ public:
 
 /// The tool of one stroke: footprint, distance map, weights, spacing. Owned by the relief while the
 /// stroke lasts. Everything that cannot change during a stroke is computed when it is built, with
-/// the parameters and the alpha image of that moment, in buffers that strokes hand on to each
-/// other.
+/// the parameters and the alpha image of that moment, in buffers that are reused by the
+/// next stroke.
 class Tool
 {
 public:
@@ -75,8 +75,8 @@ public:
     enum Form { Round, Square };
     enum Falloff { SmoothFalloff, LinearFalloff, SphereFalloff, ConstantFalloff };
 
-    /// `scale` is the relief's diagonal in cells. Parameters outside their ranges are mended first
-    /// (usableParams).
+    /// `scale` is the relief's diagonal in cells. Parameters outside their ranges are corrected
+    /// first (usableParams).
     explicit Tool(const ToolParams &params = {}, StrokePoint firstPoint = {}, double scale = 1.0);
     Tool(const Tool &) = delete;
     Tool &operator=(const Tool &) = delete;
@@ -99,7 +99,7 @@ public:
     bool stamping() const { return m_stamping; }
     StrokeBuffers &buffers() { return *m_buffers; }
 
-    /// Resamples the way from the last point to `point` into the pending points. The last point of
+    /// Resamples the path from the last point to `point` into the pending points. The last point of
     /// one batch is the first of the next. Points that are NaN, infinite or farther than 1e9 cells
     /// from the centre are ignored. Of a batch of more than 100000 points those that lie farther
     /// than `reach` columns and rows from the relief's centre are left out.
@@ -140,7 +140,7 @@ private:
     std::unique_ptr<StrokeBuffers> m_buffers;
 };
 
-/// The parameters with every value that is no number replaced by its default, and every value
+/// The parameters with every NaN and infinity replaced by its default, and every value
 /// outside what the engine can work with moved to the nearest one it can.
 ToolParams usableParams(ToolParams params);
 

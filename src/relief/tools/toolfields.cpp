@@ -40,7 +40,7 @@ constexpr Field<P> writtenRows[] = {
      {.key = "hardness", .label = TEXT("Tool Hardness"),
       .hint = TEXT("How far from the centre the full effect reaches."),
       .flags = UsesFalloff, .range = {0, 1}, .control = percent, .usable = {0, 1}}},
-    // Not so flat or so tall that its outline cannot be walked in a moment.
+    // Limited, because the time to trace the outline grows with the aspect.
     {&P::aspect,
      {.key = "aspect", .label = TEXT("Aspect"),
       .hint = TEXT("How many times longer than wide the brush is."),
@@ -52,7 +52,7 @@ constexpr Field<P> writtenRows[] = {
       .usable = {-1e6, 1e6}}},
     {&P::useDecay,
      {.key = "useDecay", .label = TEXT("Decay Length"),
-      .hint = TEXT("The stroke fades out along its way."), .flags = Decays}},
+      .hint = TEXT("The stroke fades out along its path."), .flags = Decays}},
     {&P::decayLength,
      {.key = "decayLength", .label = TEXT("Decay Length"),
       .hint = TEXT("Length of the stroke: 100 is a hundred radii."),

@@ -28,7 +28,7 @@ namespace {
 
 constexpr unsigned shaped = UsesFootprint | UsesAlpha | KeepsEmpty | KeepsUnselected | Decays;
 constexpr unsigned weighted = shaped | UsesStrength | UsesFalloff | HeedsMask;
-/// For the brushes that leave the footprint's form to the outline, whatever the alpha image.
+/// For the brushes on which alpha images have no effect.
 constexpr unsigned plain = weighted & ~static_cast<unsigned>(UsesAlpha);
 constexpr unsigned reverting = weighted & ~static_cast<unsigned>(KeepsEmpty | KeepsUnselected);
 constexpr unsigned moving = weighted & ~static_cast<unsigned>(UsesStrength);

@@ -40,7 +40,7 @@ QStringList localFiles(const QMimeData *data)
 
 /// The thumbnail centred on a square, so that all entries align; twice as fine as it is shown, for
 /// dense screens.
-QIcon _framed(const QImage &thumbnail)
+QIcon framedIcon(const QImage &thumbnail)
 {
     QPixmap square(thumbnailSide * 2, thumbnailSide * 2);
     square.fill(Qt::black);
@@ -171,7 +171,7 @@ void LibraryPanel::_makeThumbnails()
         item->setFlags(Qt::NoItemFlags);
         item->setToolTip(tr("%1 cannot be read as a picture.").arg(item->text()));
     } else {
-        item->setIcon(_framed(thumbnail));
+        item->setIcon(framedIcon(thumbnail));
     }
     QTimer::singleShot(0, this, &LibraryPanel::_makeThumbnails);
 }

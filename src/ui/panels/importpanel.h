@@ -13,8 +13,8 @@ class QPushButton;
 
 namespace marlowen {
 
-/// The import controls, live on a session: every change reaches the session once a turn of the
-/// event loop, the latest values winning, so that a dragged slider keeps up on large pictures.
+/// The import controls of a session: changes reach the session once in each iteration of the
+/// event loop, with the latest values, so that a dragged slider keeps up on large pictures.
 ///
 /// Without an open import the controls that the next opened file starts with can be set; the others
 /// are disabled.
@@ -29,7 +29,7 @@ public:
     /// Shows the session's settings and what can be done: after an import was opened, changed or
     /// accepted. Emits nothing.
     void refresh();
-    /// Hands changes that still wait to the session now: before the session is read or the import
+    /// Passes pending changes to the session now: before the session is read or the import
     /// is accepted.
     void flush();
 

@@ -355,8 +355,8 @@ void ToolPanel::_enableAlpha()
         reason = tr("Choose an alpha brush in the library first.");
     m_alphaMode->setReason(reason);
     if (reason.isEmpty() && AlphaBrush::instance().mode != AlphaBrush::Tile)
-        reason = tr("Only Tile repeats the alpha brush.");
-    showReason(*m_repeat, tr("Tiles across the brush."), reason);
+        reason = tr("Only the mode Tile repeats the alpha brush.");
+    showReason(*m_repeat, tr("Number of tiles across the brush."), reason);
 }
 
 } // namespace marlowen

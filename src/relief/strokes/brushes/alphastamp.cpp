@@ -6,8 +6,8 @@ namespace marlowen {
 
 namespace {
 
-/// `direction` is 1 to raise, -1 to lower. Each dab goes two fifths of the way to the stamp's
-/// level; a cell already beyond it is set to it.
+/// `direction` is 1 to raise, -1 to lower. Each dab moves a cell by two fifths of its difference to
+/// the stamp's level; a cell already beyond the level is set to it.
 CELL_LOOP bool stamp(const Dab &dab, float direction)
 {
     const auto depth = static_cast<float>(dab.relief.diagonal() * 0.04 * dab.params().strength);

@@ -7,7 +7,7 @@ namespace marlowen {
 
 namespace {
 
-/// What a stroke carries, by mirror image: heights by footprint cell, negative for none.
+/// The heights picked up by a stroke, by mirror image and footprint cell; negative for none.
 struct Material : BrushState
 {
     WarmBuffer<float> heights[4];
@@ -49,7 +49,7 @@ CELL_LOOP bool layDown(const Dab &dab, const float *material, float direction)
 
 } // namespace
 
-/// Lays down, all along the stroke, the material that lay under its first dab.
+/// Applies the heights under the first dab of the stroke all along it.
 bool dabSmudge(const Dab &dab)
 {
     const auto side = static_cast<size_t>(dab.tool.weights().side());
