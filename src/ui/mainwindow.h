@@ -180,6 +180,7 @@ private:
     void _showTool();
     void _showSize();
     void _showRelief();
+    void _refreshViews();
     void _showTitle();
     void _showZoom();
     void _applyMaterial();

@@ -153,12 +153,14 @@ void MainWindow::symmetryXChanged(bool on)
 {
     if (Relief *relief = m_bench.relief())
         relief->symmetryX = on;
+    _refreshViews();
 }
 
 void MainWindow::symmetryYChanged(bool on)
 {
     if (Relief *relief = m_bench.relief())
         relief->symmetryY = on;
+    _refreshViews();
 }
 
 void MainWindow::invertChanged(bool on)
@@ -170,6 +172,11 @@ void MainWindow::invertChanged(bool on)
 void MainWindow::alphaChanged()
 {
     m_panels->toolPanel()->refreshAlpha();
+    _refreshViews();
+}
+
+void MainWindow::_refreshViews()
+{
     m_sculptWin->refresh();
     m_flatWin->refresh();
 }

@@ -77,6 +77,16 @@ private slots:
         QVERIFY(!b.engine.stroking());
     }
 
+    void preparingChangesNothing()
+    {
+        Bench b;
+        b.engine.prepare(b.params);
+        QVERIFY(b.relief.snapshotLayer().written() && !b.engine.stroking());
+        b.engine.beginStroke(b.params, {0.0, 0.0});
+        b.engine.endStroke({0.0, 0.0}, false);
+        QCOMPARE(b.dabs(150, 200), 1.0);
+    }
+
     void pressureWeakensTheDabs()
     {
         Bench b;
@@ -92,6 +102,13 @@ private slots:
         b.engine.beginStroke(b.params, {0.0, 50.0, 0.0});
         b.engine.endStroke({0.0, 50.0}, false);
         QCOMPARE(b.relief.heightAt(150, 250), 0.0F);
+        b.params.type = Tool::Deposit;
+        b.params.size = 0.8; // radius 40
+        b.engine.beginStroke(b.params, {0.0, -100.0, 1.0, 0.5});
+        b.engine.endStroke({0.0, -100.0}, false);
+        QCOMPARE(b.dabs(150 + 18, 100), 1.0);
+        QCOMPARE(b.dabs(150 + 22, 100), 0.0);
+        QCOMPARE(b.dabs(150, 100 - 18), 1.0);
         const std::vector<StrokePoint> path =
             smoothPath(std::vector<StrokePoint>{{0, 0, 0.2}, {1, 0, 0.9}, {2, 0, 0.4}});
         QCOMPARE(path[1].pressure, 0.9);

@@ -12,7 +12,6 @@ class TestFlatShapes : public QObject
 
 private slots:
     void rectanglesCombine();
-    void ellipseIsDragged();
     void polygonClosesBy_data();
     void polygonClosesBy();
     void polygonTakesCornersBack();
@@ -47,17 +46,6 @@ void TestFlatShapes::rectanglesCombine()
     stage.key(Qt::Key_Escape);
     stage.release(stage.at(100, 50));
     QCOMPARE(changed.count(), 3);
-}
-
-void TestFlatShapes::ellipseIsDragged()
-{
-    Stage stage(Tool::Elliptical);
-    stage.drag(stage.at(30, 20), stage.at(70, 60));
-    const double area = M_PI * 20 * 20;
-    QVERIFY(std::abs(selectedCells(*stage.relief) - area) < 0.06 * area);
-    const float *selection = stage.relief->selectionLayer().constData();
-    QCOMPARE(selection[stage.relief->index(50, 40)], 1.0F);
-    QCOMPARE(selection[stage.relief->index(31, 21)], 0.0F);
 }
 
 void TestFlatShapes::polygonClosesBy_data()

@@ -32,10 +32,8 @@ private slots:
     void sculptToolsDoNothingHere();
     void heightsShowInLevels_data();
     void heightsShowInLevels();
-    void colourOffsetShifts();
     void strokeBeyondTheRangeIsColoured();
     void antsFollowTheSelection();
-    void idleViewDoesNotPaint();
     void outlineLiesOnCellEdges();
     void panAndZoomOnly();
     void footprintOnlyForItsTools();
@@ -117,23 +115,6 @@ void TestFlatWin::heightsShowInLevels()
     QCOMPARE(stage.view.quantization(), 2.0);
 }
 
-void TestFlatWin::colourOffsetShifts()
-{
-    Stage stage;
-    for (int cell = 58; cell < 63; ++cell)
-        std::fill_n(stage.relief->heights().data() + stage.relief->index(58, cell - 20), 5, 8.0F);
-    stage.relief->heightsChanged = true;
-    stage.changes.notify();
-    const QPoint top = stage.at(60, 40);
-    QVERIFY(close(stage.pixel(top), heightColour(1.0)));
-    const int rebuilds = stage.view.counters().fullRebuilds;
-    stage.view.colorOffsetChanged(80.0);
-    QVERIFY(close(stage.pixel(top), heightColour(1.0, 80.0)));
-    stage.view.colorOffsetChanged(std::nan(""));
-    QCOMPARE(stage.view.colorOffset(), 80.0);
-    QCOMPARE(stage.view.counters().fullRebuilds, rebuilds);
-}
-
 // Painting higher than everything else stretches the colours, at the end of the stroke.
 void TestFlatWin::strokeBeyondTheRangeIsColoured()
 {
@@ -175,16 +156,6 @@ void TestFlatWin::antsFollowTheSelection()
     QVERIFY(!stage.relief->selectionActive);
     QVERIFY(!stage.view.outlinePresent());
     QVERIFY(!stage.view.antsRunning());
-}
-
-void TestFlatWin::idleViewDoesNotPaint()
-{
-    Stage stage(Tool::Rectangle);
-    QSignalSpy frames(&stage.view, &QOpenGLWidget::aboutToCompose);
-    QVERIFY(QMetaObject::invokeMethod(&stage.view, "statusTimeout"));
-    QCoreApplication::processEvents();
-    QVERIFY(!stage.view.antsRunning());
-    QCOMPARE(frames.count(), 0);
 }
 
 // The outline of the two halves of a checked selection, seen in the pixels: black or white along

@@ -2,9 +2,11 @@
 #include "relief/tools/tool.h"
 #include "relief/tools/tooltable.h"
 #include "render/overlays/gizmo.h"
+#include "render/views/pointeroptions.h"
 #include "sculptbench.h"
 
 #include <QSignalSpy>
+#include <QTabletEvent>
 
 using namespace marlowen;
 
@@ -217,6 +219,47 @@ private slots:
         b.undo.undo();
         b.drag({c, c + QPoint(20, 0)});
         QVERIFY(heightSum(*b.relief) > before);
+    }
+
+    void penPressesLightlyAndErases()
+    {
+        SculptBench b(medal(240, 180));
+        b.tool.strength = 1.0;
+        const double before = heightSum(*b.relief);
+        const auto stroke = [&](double pressure, QPointingDevice::PointerType end) {
+            const QPointingDevice pen("pen", 1, QInputDevice::DeviceType::Stylus, end,
+                                      QInputDevice::Capability::Pressure, 1, 1);
+            const auto send = [&](QEvent::Type type, QPoint at, Qt::MouseButtons buttons) {
+                QTabletEvent event(type, &pen, at, b.view.mapToGlobal(at), pressure, 0, 0, 0, 0, 0,
+                                   {}, Qt::LeftButton, buttons);
+                QApplication::sendEvent(&b.view, &event);
+            };
+            send(QEvent::TabletPress, b.centre(), Qt::LeftButton);
+            send(QEvent::TabletMove, b.centre() + QPoint(30, 0), Qt::LeftButton);
+            send(QEvent::TabletRelease, b.centre() + QPoint(30, 0), {});
+            const double raised = heightSum(*b.relief) - before;
+            if (b.undo.canUndo())
+                b.undo.undo();
+            return raised;
+        };
+        using Type = QPointingDevice::PointerType;
+        const double full = stroke(1.0, Type::Pen);
+        QVERIFY(full > 0.0);
+        QVERIFY(std::abs(stroke(0.5, Type::Pen) / full - 0.5) < 0.05);
+        QVERIFY(stroke(1.0, Type::Eraser) < 0.0);
+        QVERIFY(!b.relief->invert);
+        b.relief->invert = true; // the check box of the panel
+        QVERIFY(stroke(1.0, Type::Pen) < 0.0);
+        QVERIFY(stroke(1.0, Type::Eraser) > 0.0);
+        QVERIFY(b.relief->invert);
+        b.relief->invert = false;
+        PointerOptions options;
+        options.penSize = true;
+        options.penStrength = false;
+        setPointerOptions(options);
+        const double small = stroke(0.5, Type::Pen);
+        setPointerOptions({});
+        QVERIFY(small > 0.0 && small < 0.5 * full);
     }
 
     void strokesLeaveAndReturn()

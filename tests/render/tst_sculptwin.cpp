@@ -426,48 +426,6 @@ private slots:
         QVERIFY(b.view.message().isEmpty());
     }
 
-    void nonsenseInMaterialAndLight()
-    {
-        SculptBench b(medal(200, 150));
-        const QImage sane = b.paint();
-        Material odd;
-        odd.shinyness = std::numeric_limits<double>::quiet_NaN();
-        b.view.setMaterial(odd);
-        b.view.setLightPos(-77);
-        b.paint();
-        odd.ambient = odd.diffuse = odd.specular = QColor::fromRgbF(1, 1, 1, 1);
-        odd.shinyness = -1e300;
-        b.view.setMaterial(odd);
-        b.view.setLightPos(1 << 30);
-        b.paint();
-        b.view.setMaterial(materialNamed(presetMaterials(), defaultMaterialName));
-        b.view.setLightPos(0);
-        QCOMPARE(b.paint(), sane);
-    }
-
-    void lightComesFromTheChosenSide()
-    {
-        SculptBench b(medal(240, 180));
-        b.view.setMaterial(materialNamed(presetMaterials(), "Tan"));
-        b.moveTo({1, 359});
-        const auto brightness = [&b](const QImage &image, QPoint at) {
-            return qGray(b.colorAt(image, at).rgb());
-        };
-        const QPoint c = b.centre();
-        b.view.setLightPos(0);
-        const QImage left = b.paint();
-        QVERIFY(brightness(left, c - QPoint(50, 0)) > brightness(left, c + QPoint(50, 0)) + 20);
-        b.view.setLightPos(1);
-        const QImage top = b.paint();
-        QVERIFY(brightness(top, c - QPoint(0, 38)) > brightness(top, c + QPoint(0, 38)) + 20);
-        // The backdrop shows through the floor.
-        const QColor floor = b.colorAt(left, c + QPoint(-110, -80));
-        b.view.setBackdrop(QColor(200, 0, 0));
-        const QColor redFloor = b.colorAt(b.paint(), c + QPoint(-110, -80));
-        QVERIFY(redFloor.red() > floor.red() + 50);
-        QVERIFY(redFloor.green() > 20);
-    }
-
     void failingEngines()
     {
         const auto relief = medal(200, 150);
@@ -493,21 +451,6 @@ private slots:
         QApplication::sendEvent(&failing, &press);
     }
 
-    void legacyEngineGivesTheSamePicture()
-    {
-        SculptBench buffers(medal(240, 180));
-        QevSettings().setUseLegacyShader(true);
-        SculptBench legacy(medal(240, 180));
-        QevSettings().setUseLegacyShader(false);
-        QCOMPARE(legacy.view.shader()->uploadedVertexBytes(), quint64(0));
-        QVERIFY(difference(buffers.paint(), legacy.paint()) < 0.002);
-        for (SculptBench *b : {&buffers, &legacy}) {
-            b->tool.strength = 1.0;
-            b->drag({b->centre(), b->centre() + QPoint(30, 10)});
-        }
-        QVERIFY(difference(buffers.paint(), legacy.paint()) < 0.002);
-    }
-
     void deviceRatios_data()
     {
         QTest::addColumn<QString>("ratio");
@@ -523,9 +466,9 @@ private slots:
         environment.insert("QT_SCALE_FACTOR", ratio);
         QProcess process;
         process.setProcessEnvironment(environment);
-        process.start(QCoreApplication::applicationFilePath(),
-                      {"picksFindTheCell", "dabsRefreshTheirRectangle",
-                       "lightComesFromTheChosenSide", "unchangedPaintsCostNothing"});
+        process.start(
+            QCoreApplication::applicationFilePath(),
+            {"picksFindTheCell", "dabsRefreshTheirRectangle", "unchangedPaintsCostNothing"});
         QVERIFY(process.waitForFinished(60000));
         QVERIFY2(process.exitCode() == 0, process.readAllStandardOutput());
     }

@@ -43,10 +43,8 @@ class TestShapeGesture : public QObject
 private slots:
     void twitchSelectsNothing();
     void ellipsePreviewTouchesItsBox();
-    void otherToolForgetsTheShape();
     void cropBoxIsDragged_data();
     void cropBoxIsDragged();
-    void cropStaysOnTheGrid();
     void cropClickKeepsTheBox();
     void holdsOfTheCropBox_data();
     void holdsOfTheCropBox();
@@ -71,21 +69,6 @@ void TestShapeGesture::ellipsePreviewTouchesItsBox()
     QCOMPARE(bounds, QRectF(10, 20, 20, 20));
     QVERIFY(gesture.previewClosed());
     QVERIFY(gesture.release({30, 20}, pixel));
-}
-
-void TestShapeGesture::otherToolForgetsTheShape()
-{
-    ShapeGesture gesture = gestureOf(Tool::Crop);
-    drag(gesture, {10, 10}, {30, 30});
-    gesture.setTool(Tool::Crop, grid);
-    QVERIFY(gesture.active());
-    gesture.setTool(Tool::Crop, QSize(50, 50));
-    QVERIFY(!gesture.active());
-    drag(gesture, {10, 10}, {30, 30});
-    gesture.setTool(Tool::Smooth, QSize(50, 50));
-    QVERIFY(!gesture.active() && !gesture.usable());
-    QVERIFY(!drag(gesture, {10, 10}, {30, 30}));
-    QVERIFY(!gesture.active());
 }
 
 void TestShapeGesture::cropBoxIsDragged_data()
@@ -119,13 +102,6 @@ void TestShapeGesture::cropBoxIsDragged()
     QCOMPARE(gesture.cropBox(), box);
     QCOMPARE(gesture.preview().boundingRect(), QRectF(box));
     QCOMPARE(gesture.handles().size(), 8);
-}
-
-void TestShapeGesture::cropStaysOnTheGrid()
-{
-    ShapeGesture gesture = gestureOf(Tool::Crop);
-    drag(gesture, {-30, 200}, {500, -3});
-    QCOMPARE(gesture.cropBox(), QRect(QPoint(0, 0), grid));
 }
 
 void TestShapeGesture::cropClickKeepsTheBox()

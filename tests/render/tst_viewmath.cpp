@@ -5,12 +5,9 @@
 #include "render/camera/arcball.h"
 #include "render/camera/axislock.h"
 #include "render/camera/levelofdetail.h"
-#include "render/overlays/cursors.h"
 #include "render/overlays/footprint.h"
 #include "render/overlays/gizmo.h"
 #include "render/views/statustext.h"
-
-#include "base/qevsettings.h"
 
 #include <QTest>
 
@@ -52,9 +49,6 @@ class ViewMathTest : public QObject
     Q_OBJECT
 
 private slots:
-    // Before the pointers' size is read for the first time.
-    void initTestCase() { QevSettings().remove("/state/view/cursorScale"); }
-
     void arcballFollowsThePointer()
     {
         Arcball ball;
@@ -345,22 +339,6 @@ private slots:
         const SceneBox box{256, 128, 0, 1};
         QCOMPARE(statusText({0, 0, 63.5}, box), QString("Position: (1.00, 0.50) z = 0.50"));
         QCOMPARE(statusText({-128, 63.5, -3}, box), QString("Position: (0.00, 1.00) z = 0.00"));
-    }
-
-    void pointerSizes()
-    {
-        QCOMPARE(cursorForMode(5).pixmap().size(), QSize(32, 32));
-        QCOMPARE(cursorForMode(5).hotSpot(), QPoint(0, 31));
-        for (const auto &[percent, scale] :
-             {std::pair{150, 1.5}, {300, 3.0}, {50, 1.0}, {500, 4.0}}) {
-            setCursorScale(percent);
-            QCOMPARE(cursorScale(), scale);
-            QCOMPARE(QevSettings().value("/state/view/cursorScale").toInt(), percent);
-            for (int mode = 1; mode <= 5; ++mode)
-                QCOMPARE(cursorForMode(mode).pixmap().size(), QSize(32, 32) * scale);
-        }
-        QCOMPARE(cursorForMode(0).shape(), Qt::ArrowCursor);
-        QCOMPARE(cursorForMode(6).shape(), Qt::ArrowCursor);
     }
 };
 

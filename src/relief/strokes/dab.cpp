@@ -58,7 +58,7 @@ void mapColumns(const Dab &dab)
 {
     // Rounding half away from zero leaves a gap at the centre when it lies half way between two
     // columns: the box then falls into two runs.
-    const int reach = dab.tool.weights().reach;
+    const int reach = dab.weights->reach;
     std::vector<ColumnRun> &runs = dab.tool.buffers().runs;
     runs.clear();
     for (int column = dab.box.left(); column <= dab.box.right(); ++column) {
@@ -73,7 +73,7 @@ void mapColumns(const Dab &dab)
 
 CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row)
 {
-    const FootprintWeights &weights = dab.tool.weights();
+    const FootprintWeights &weights = *dab.weights;
     StrokeBuffers &buffers = dab.tool.buffers();
     CellSpan span;
     span.row = row;

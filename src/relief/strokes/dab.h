@@ -23,7 +23,8 @@ struct Dab
     int image = 0;           ///< 0 the dab itself, 1..3 its mirror images
     double decayCubed = 1.0; ///< factor of the strength
     float pressure = 1.0F;   ///< factor of the footprint's weights
-    bool skipEmpty = false;  ///< cells of height 0 stay as they are
+    const FootprintWeights *weights = nullptr; ///< of the dab's size; never null
+    bool skipEmpty = false;                    ///< cells of height 0 stay as they are
     bool skipUnselected = false;
     bool maskWeakens = true; ///< unmasked is 1 - mask; otherwise 1
     float direction =

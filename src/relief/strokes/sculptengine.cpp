@@ -72,6 +72,21 @@ float directionOf(const ToolRow &row, bool inverted)
     return (row.effect == ToolEffect::Raise) != turned ? 1.0F : -1.0F;
 }
 
+/// The size of a dab in Tool::sizeLevels. Tools that carry material by footprint cell keep theirs.
+int sizeLevel(const ToolRow &row, double share)
+{
+    if (row.has(DabsAtCells))
+        return Tool::sizeLevels;
+    return std::clamp(static_cast<int>(std::ceil(share * Tool::sizeLevels)), 1, Tool::sizeLevels);
+}
+
+double radiusAt(const Tool &tool, int level)
+{
+    if (level == Tool::sizeLevels)
+        return tool.radius();
+    return std::max(1.0, tool.radius() * level / Tool::sizeLevels);
+}
+
 /// Sets the selected cells of a row; the first and last of them, or none.
 CELL_LOOP bool fillRow(float *heights, const float *selection, int count, float value)
 {
@@ -105,6 +120,15 @@ void SculptEngine::attach(Relief *relief, SculptUndo *undo)
         endStroke({}, false);
     m_relief = relief;
     m_undo = undo;
+}
+
+void SculptEngine::prepare(const ToolParams &params)
+{
+    if (!m_relief || stroking() || m_relief->snapshotLayer().written())
+        return;
+    m_relief->snapshotLayer().copyFrom(m_relief->heights());
+    // Its buffers stay behind for the next stroke.
+    const Tool tool(params, {}, m_relief->diagonal());
 }
 
 bool SculptEngine::stroking() const
@@ -207,7 +231,7 @@ void SculptEngine::applyAt(StrokePoint point)
         const auto mirrored = [=](QPointF p) {
             return QPointF(mirrorX ? -p.x() : p.x(), mirrorY ? -p.y() : p.y());
         };
-        _dabAt({mirrored(point), point.pressure}, mirrored(shift), image);
+        _dabAt({mirrored(point), point.pressure, point.size}, mirrored(shift), image);
     }
     tool->dabbed = true;
     tool->travelled += std::sqrt(shift.x() * shift.x() + shift.y() * shift.y());
@@ -225,12 +249,14 @@ void SculptEngine::_dabAt(StrokePoint point, QPointF shift, int image)
     const DabFunction function = tool.stamping() && row->stamp ? row->stamp : row->dab;
     const std::optional<double> decay = row->has(Decays) ? decayCubed(tool) : 1.0;
     const QPointF centre = dabCentre(*m_relief, point);
-    const QRect box = dabBox(*m_relief, centre, tool.radius());
+    const int size = sizeLevel(*row, point.size);
+    const QRect box = dabBox(*m_relief, centre, radiusAt(tool, size));
     if (!function || !decay || box.isEmpty())
         return;
 
     Dab dab{*m_relief, tool, centre, shift, box, image, *decay};
     dab.pressure = static_cast<float>(point.pressure);
+    dab.weights = &tool.weightsAt(size);
     dab.skipEmpty = row->has(KeepsEmpty) && tool.params().keepTransparency;
     dab.skipUnselected = row->has(KeepsUnselected) && m_relief->selectionActive;
     dab.maskWeakens = row->has(HeedsMask);

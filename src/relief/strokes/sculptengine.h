@@ -26,6 +26,9 @@ public:
     /// progress on the old relief is ended first.
     void attach(Relief *relief, SculptUndo *undo);
     Relief *relief() const { return m_relief; }
+    /// Touches the memory that the first stroke with these parameters will need, so that it starts
+    /// as quickly as any later one. Nothing when a stroke was made or prepared before.
+    void prepare(const ToolParams &params);
 
     /// What a magic selection does with the selection that is there.
     void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }

@@ -115,10 +115,12 @@ StrokePoint resample(const PointerMove &move, std::vector<StrokePoint> &points)
         return move.from;
     const QPointF unit = delta / distance;
     const double steps = std::trunc(distance / move.spacing);
-    const double rise = (move.to.pressure - move.from.pressure) / distance;
+    const double pressureRise = (move.to.pressure - move.from.pressure) / distance;
+    const double sizeRise = (move.to.size - move.from.size) / distance;
     const auto pointAt = [&](double k) {
         const double way = move.spacing * k;
-        return StrokePoint(move.from + unit * way, move.from.pressure + rise * way);
+        return StrokePoint(move.from + unit * way, move.from.pressure + pressureRise * way,
+                           move.from.size + sizeRise * way);
     };
     const StrokePoint last = pointAt(steps);
     StepRange range{0.0, steps};
@@ -144,7 +146,7 @@ std::vector<StrokePoint> smoothPath(std::span<const StrokePoint> points)
     path.reserve(points.size());
     for (size_t i = 0; i < points.size(); ++i)
         path.push_back({curve.at(static_cast<double>(i) / static_cast<double>(points.size())),
-                        points[i].pressure});
+                        points[i].pressure, points[i].size});
     return path;
 }
 

@@ -109,6 +109,49 @@ BrushState &Tool::_setBrushState(std::unique_ptr<BrushState> state)
     return *m_buffers->brushState;
 }
 
+const FootprintWeights &Tool::weightsAt(int level)
+{
+    if (level < 1 || level >= sizeLevels)
+        return m_weights;
+    std::unique_ptr<Shrunk> &shrunk = m_shrunk[static_cast<size_t>(level)];
+    if (!shrunk) {
+        shrunk = std::make_unique<Shrunk>();
+        _shrink(*shrunk, static_cast<double>(level) / sizeLevels);
+    }
+    return shrunk->weights;
+}
+
+// Every cell takes the weight of the cell at the same place in the whole footprint.
+void Tool::_shrink(Shrunk &shrunk, double share) const
+{
+    const int reach = static_cast<int>(std::ceil(std::max(1.0, m_radius * share))) + 1;
+    shrunk.weights.reach = reach;
+    const int side = shrunk.weights.side();
+    shrunk.values.assign(static_cast<size_t>(side) * static_cast<size_t>(side), -1.0F);
+    shrunk.rows.resize(static_cast<size_t>(side));
+    const auto wholeCell = [&](int cell) {
+        const int at = static_cast<int>(std::round((cell - reach) / share)) + m_weights.reach;
+        return at >= 0 && at < m_weights.side() ? at : -1;
+    };
+    for (int row = 0; row < side; ++row) {
+        const int wholeRow = wholeCell(row);
+        FootprintWeights::Extent &extent = shrunk.rows[static_cast<size_t>(row)];
+        float *values = shrunk.values.data() + static_cast<qsizetype>(row) * side;
+        for (int column = 0; column < side; ++column) {
+            const int wholeColumn = wholeCell(column);
+            if (wholeRow < 0 || wholeColumn < 0)
+                continue;
+            const qsizetype at = static_cast<qsizetype>(wholeRow) * m_weights.side() + wholeColumn;
+            if (m_weights.values[at] < 0.0F)
+                continue;
+            values[column] = m_weights.values[at];
+            extent = {extent.last < extent.first ? column : extent.first, column};
+        }
+    }
+    shrunk.weights.values = shrunk.values.data();
+    shrunk.weights.rows = shrunk.rows.data();
+}
+
 const unsigned char *Tool::footprint() const
 {
     return m_buffers->footprint.data();

@@ -5,6 +5,7 @@
 
 #include <QPointF>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -95,6 +96,10 @@ public:
     /// where no outline can be reached.
     const double *distanceMap() const;
     const FootprintWeights &weights() const { return m_weights; }
+    /// Smaller dabs of the same stroke have one of these sizes: level / sizeLevels of the radius.
+    static constexpr int sizeLevels = 16;
+    /// The weights at such a size, taken from those of the whole footprint when first asked for.
+    const FootprintWeights &weightsAt(int level);
     /// An alpha image in Stamp mode was loaded when the stroke began.
     bool stamping() const { return m_stamping; }
     StrokeBuffers &buffers() { return *m_buffers; }
@@ -136,7 +141,17 @@ private:
     double m_radius;
     int m_dimension;
     bool m_stamping;
+    /// A footprint made smaller.
+    struct Shrunk
+    {
+        FootprintWeights weights;
+        std::vector<float> values;
+        std::vector<FootprintWeights::Extent> rows;
+    };
+    void _shrink(Shrunk &shrunk, double share) const;
+
     FootprintWeights m_weights;
+    std::array<std::unique_ptr<Shrunk>, sizeLevels> m_shrunk;
     std::unique_ptr<StrokeBuffers> m_buffers;
 };
 

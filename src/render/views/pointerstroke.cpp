@@ -3,8 +3,25 @@
 #include "relief/grid/relief.h"
 #include "relief/grid/reliefchanges.h"
 #include "relief/strokes/sculptengine.h"
+#include "render/views/pointeroptions.h"
+
+#include <cmath>
 
 namespace marlowen {
+
+StrokePoint PointerStroke::Point::strokePoint() const
+{
+    const PointerOptions &options = pointerOptions();
+    const auto curve = static_cast<size_t>(options.penCurve);
+    const double bent = std::pow(pressure, penCurves[curve].exponent);
+    return {model.x, model.y, options.penStrength ? bent : 1.0, options.penSize ? bent : 1.0};
+}
+
+void PointerStroke::_setInvert(const Point &point)
+{
+    const bool alt = point.keys & Qt::AltModifier;
+    m_target.relief->invert = (m_invert != alt) != point.eraser;
+}
 
 bool PointerStroke::begin(const Target &target, const ToolParams &tool, const Point &press)
 {
@@ -15,11 +32,10 @@ bool PointerStroke::begin(const Target &target, const ToolParams &tool, const Po
     if (!ready || !press.hit)
         return false;
     m_axisLock.start(press.keys & Qt::ControlModifier, press.position);
-    target.relief->invert = press.keys & Qt::AltModifier;
+    m_invert = target.relief->invert;
+    _setInvert(press);
     m_running = true;
-    _throughEngine([&](SculptEngine &engine) {
-        engine.beginStroke(tool, {press.model.x, press.model.y});
-    });
+    _throughEngine([&](SculptEngine &engine) { engine.beginStroke(tool, press.strokePoint()); });
     return true;
 }
 
@@ -27,9 +43,9 @@ void PointerStroke::moveTo(const Point &point)
 {
     if (!m_running || !point.hit)
         return;
-    m_target.relief->invert = point.keys & Qt::AltModifier;
+    _setInvert(point);
     _throughEngine([&](SculptEngine &engine) {
-        engine.addStrokePoint({point.model.x, point.model.y});
+        engine.addStrokePoint(point.strokePoint());
         engine.flush();
     });
 }
@@ -38,9 +54,9 @@ bool PointerStroke::end(const Point &release)
 {
     if (!m_running)
         return false;
-    _throughEngine([&](SculptEngine &engine) {
-        engine.endStroke({release.model.x, release.model.y}, release.hit);
-    });
+    _throughEngine(
+        [&](SculptEngine &engine) { engine.endStroke(release.strokePoint(), release.hit); });
+    m_target.relief->invert = m_invert;
     forget();
     m_target.changes->notify();
     return m_edited;
@@ -51,6 +67,7 @@ void PointerStroke::cancel()
     if (!m_running)
         return;
     _throughEngine([](SculptEngine &engine) { engine.cancelStroke(); });
+    m_target.relief->invert = m_invert;
     forget();
     m_target.changes->notify();
 }

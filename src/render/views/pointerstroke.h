@@ -1,5 +1,6 @@
 #pragma once
 
+#include "relief/tools/strokepoint.h"
 #include "render/camera/axislock.h"
 #include "render/camera/camera.h"
 
@@ -16,7 +17,8 @@ struct ToolParams;
 
 /// A stroke of the pointer: takes presses and moves as points on the relief, lays the stroke
 /// through the engine and tells the views what it changed. With Ctrl at the press it keeps to a
-/// line, Alt inverts the tool. Knows no window.
+/// line; Alt and the eraser of a pen turn the relief's invert flag round until the stroke ends.
+/// Knows no window.
 class PointerStroke
 {
 public:
@@ -34,6 +36,10 @@ public:
         bool hit = false;
         Vector model; ///< model space: stroke point in x and y
         Qt::KeyboardModifiers keys;
+        double pressure = 1.0; ///< of a pen
+        bool eraser = false;   ///< its other end
+
+        StrokePoint strokePoint() const;
     };
 
     /// Begins a stroke where the press hit the relief; false, and nothing done, where it did not or
@@ -54,10 +60,12 @@ public:
     void forget();
 
 private:
+    void _setInvert(const Point &point);
     void _throughEngine(const std::function<void(SculptEngine &)> &call);
 
     Target m_target;
     AxisLock m_axisLock;
+    bool m_invert = false; ///< the relief's flag between strokes
     bool m_running = false;
     bool m_edited = false;
 };

@@ -14,6 +14,8 @@
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTabletEvent>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -21,6 +23,7 @@ namespace marlowen {
 
 namespace {
 
+constexpr int prepareDelay = 150; ///< milliseconds after a relief is there
 constexpr double smallestSize = 0.01;
 constexpr double smallestStrength = 0.0001;
 
@@ -52,6 +55,8 @@ void ReliefView::setRelief(Relief *relief, bool resize)
         setRotation({});
     m_changes->setRelief(relief);
     invalidateVertices();
+    if (relief)
+        _prepareStroke();
     if (resize)
         zoomAll();
 }
@@ -205,8 +210,19 @@ QString ReliefView::statusText(const Vector &point) const
 
 void ReliefView::setEngine(SculptEngine *engine)
 {
-    m_engine = engine;
+    if (engine == std::exchange(m_engine, engine))
+        return;
     update();
+    _prepareStroke();
+}
+
+// When there is nothing else to do: the first stroke would pay for fresh memory otherwise.
+void ReliefView::_prepareStroke()
+{
+    QTimer::singleShot(prepareDelay, this, [this] {
+        if (canEdit())
+            m_engine->prepare(*m_tool);
+    });
 }
 
 bool ReliefView::canEdit() const
@@ -223,7 +239,7 @@ void ReliefView::showReason()
 PointerStroke::Point ReliefView::_pointAt(QPoint position, Qt::KeyboardModifiers keys)
 {
     const PickResult at = pick(position);
-    return {position, at.hit, at.point, keys};
+    return {position, at.hit, at.point, keys, m_pressure, m_eraser};
 }
 
 void ReliefView::beginStroke(const QMouseEvent &event)
@@ -291,6 +307,30 @@ void ReliefView::finishStroke(QPoint position)
     refreshStatus();
     if (edited)
         emit reliefEdited();
+}
+
+// A pen is a mouse with pressure.
+void ReliefView::tabletEvent(QTabletEvent *event)
+{
+    m_pressure = StrokePoint::usable(event->pressure());
+    m_eraser = event->pointerType() == QPointingDevice::PointerType::Eraser;
+    const auto mouse = [&](QEvent::Type type) {
+        return QMouseEvent(type, event->position(), event->globalPosition(), event->button(),
+                           event->buttons(), event->modifiers(), event->pointingDevice());
+    };
+    if (event->type() == QEvent::TabletPress) {
+        QMouseEvent press = mouse(QEvent::MouseButtonPress);
+        mousePressEvent(&press);
+    } else if (event->type() == QEvent::TabletRelease) {
+        QMouseEvent release = mouse(QEvent::MouseButtonRelease);
+        mouseReleaseEvent(&release);
+    } else {
+        QMouseEvent move = mouse(QEvent::MouseMove);
+        mouseMoveEvent(&move);
+    }
+    m_pressure = 1.0;
+    m_eraser = false;
+    event->accept();
 }
 
 void ReliefView::_cancelStroke()

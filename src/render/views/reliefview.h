@@ -86,6 +86,7 @@ protected:
     QString statusText(const Vector &point) const override;
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void tabletEvent(QTabletEvent *event) override;
     void beginStroke(const QMouseEvent &event) override;
     void continueStroke(const QMouseEvent &event) override;
     void finishStroke(QPoint position) override;
@@ -107,6 +108,7 @@ private:
     void _rebuildVertices(Shader &shader, const QRect &visible);
     void _refreshVertices(Shader &shader, const QRegion &cells);
     PointerStroke::Point _pointAt(QPoint position, Qt::KeyboardModifiers keys);
+    void _prepareStroke();
     bool _startStroke(const PointerStroke::Point &press);
     void _enterRelief(QPoint outside, QPoint inside, Qt::KeyboardModifiers keys);
     void _cancelStroke();
@@ -126,6 +128,8 @@ private:
     PointerStroke m_stroke;
     QPoint m_strokeFrom;        ///< of a press beside the relief: where the pointer was last
     bool m_strokeWaits = false; ///< the press was beside the relief
+    double m_pressure = 1.0;    ///< of the pen that the pointer event at hand comes from
+    bool m_eraser = false;
     QString m_reason;
     std::unique_ptr<FootprintPainter> m_footprint;
     bool m_verticesStale = true;

@@ -1,7 +1,7 @@
 #include "render/overlays/gizmo.h"
+#include "render/views/pointeroptions.h"
 #include "render/views/surfaceview.h"
 #include "render/views/turntable.h"
-#include "render/views/wheeldirection.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -183,7 +183,7 @@ void SurfaceView::wheelEvent(QWheelEvent *event)
     if (delta == 0 || wheelTurned(event->modifiers(), delta))
         return;
     m_restTimer.start();
-    const int zoomBy = wheelZoomsIn() ? -delta : delta;
+    const int zoomBy = pointerOptions().wheelZoomsIn ? -delta : delta;
     setCamera(wheelZoomed(m_camera, zoomBy, positionOf(*event), size()));
 }
 

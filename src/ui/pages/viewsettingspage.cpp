@@ -1,6 +1,7 @@
 #include "ui/pages/viewsettingspage.h"
 
 #include "render/light/lightdirection.h"
+#include "render/views/pointeroptions.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
 #include "ui/materialeditor.h"
@@ -10,6 +11,7 @@
 #include "ui/ribbon/sliderfield.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPainter>
@@ -72,6 +74,7 @@ ViewSettingsPage::ViewSettingsPage(RibbonPage &page, CommandSet &commands, QObje
     _buildMaterials(page);
     _buildColorization(page);
     _buildPointer(page);
+    _buildPen(page);
     _buildTheme(page);
 }
 
@@ -155,6 +158,44 @@ void ViewSettingsPage::_buildPointer(RibbonPage &page)
     m_pointer->setAccessibleName(tr("Pointer"));
     group->addRow(m_pointer);
     connect(m_pointer, &QComboBox::activated, this, &ViewSettingsPage::pointerChosen);
+    _addOption(*group, &PointerOptions::wheelZoomsIn, tr("Wheel zooms in"),
+               tr("Turning the wheel away from you zooms in."));
+}
+
+void ViewSettingsPage::_addOption(RibbonGroup &group, bool PointerOptions::*option,
+                                  const QString &label, const QString &hint)
+{
+    auto *box = new QCheckBox(label);
+    box->setToolTip(hint);
+    box->setChecked(pointerOptions().*option);
+    group.addRow(box);
+    connect(box, &QCheckBox::toggled, this, [option](bool on) {
+        PointerOptions options = pointerOptions();
+        options.*option = on;
+        setPointerOptions(options);
+    });
+}
+
+void ViewSettingsPage::_buildPen(RibbonPage &page)
+{
+    RibbonGroup *group = page.addGroup(tr("Pen Pressure"));
+    group->setIcon(icon(QStringLiteral("pointer")));
+    _addOption(*group, &PointerOptions::penStrength, tr("Strength"),
+               tr("A lightly pressed pen works weakly."));
+    _addOption(*group, &PointerOptions::penSize, tr("Size"),
+               tr("A lightly pressed pen has a small brush."));
+    auto *curve = new QComboBox;
+    curve->setAccessibleName(tr("Pen curve"));
+    curve->setToolTip(tr("How hard the pen has to be pressed for the full effect."));
+    for (const PenCurve &row : penCurves)
+        curve->addItem(tr(row.label));
+    curve->setCurrentIndex(pointerOptions().penCurve);
+    group->addRow(curve);
+    connect(curve, &QComboBox::activated, this, [](int index) {
+        PointerOptions options = pointerOptions();
+        options.penCurve = index;
+        setPointerOptions(options);
+    });
 }
 
 void ViewSettingsPage::_buildTheme(RibbonPage &page)

@@ -14,6 +14,8 @@ namespace marlowen {
 class CommandSet;
 class MaterialEditor;
 class RibbonGallery;
+class RibbonGroup;
+struct PointerOptions;
 class RibbonPage;
 class SliderField;
 
@@ -55,6 +57,10 @@ private:
     void _buildMaterials(RibbonPage &page);
     void _buildColorization(RibbonPage &page);
     void _buildPointer(RibbonPage &page);
+    void _buildPen(RibbonPage &page);
+    /// A check box for an option of wheel and pen.
+    void _addOption(RibbonGroup &group, bool PointerOptions::*option, const QString &label,
+                    const QString &hint);
     void _buildTheme(RibbonPage &page);
 
     CommandSet &m_commands;
