@@ -82,7 +82,7 @@ CELL_LOOP void countRow(const uint8_t *above, const uint8_t *here, const uint8_t
 /// 1 + the number of filled side neighbours of every filled cell.
 CellMask countLinks(const CellMask &filled, int width, int height)
 {
-    CellMask _links(filled.size());
+    CellMask links(filled.size());
     const CellMask none(static_cast<size_t>(width));
     const auto row = [&](int y) {
         return y < 0 || y >= height ? none.data()
