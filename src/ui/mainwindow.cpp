@@ -1,36 +1,27 @@
 #include "ui/mainwindow.h"
 
-#include "base/qevsettings.h"
-#include "base/version.h"
-#include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
+#include "ui/aboutbox.h"
+#include "ui/centerarea.h"
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
-#include "ui/forcedexit.h"
-#include "ui/materialeditor.h"
-#include "ui/pages/editpage.h"
+#include "ui/controllers/dialogs.h"
 #include "ui/pages/toolspage.h"
-#include "ui/pages/viewsettingspage.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/sculptpanels.h"
-#include "ui/panels/toolpanel.h"
 #include "ui/progressbox.h"
 #include "ui/recentfilesmenu.h"
+#include "ui/ribbon/ribbonbackstage.h"
 #include "ui/ribbon/ribbonbar.h"
-#include "ui/ribbon/ribboncolors.h"
 #include "ui/startpage.h"
-#include "ui/themeswitcher.h"
+#include "ui/statusline.h"
+#include "ui/windowconnections.h"
+#include "ui/windowlayout.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
-#include <QLabel>
-#include <QMessageBox>
-#include <QScreen>
-#include <QSplitter>
-#include <QStackedWidget>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -38,139 +29,147 @@ namespace marlowen {
 
 namespace {
 
-enum View { View3d, View2d };
-
-/// First size of the window; smaller screens are filled.
-constexpr QSize roomySize(1400, 900);
-
 /// Until the window manager and the docks have given the views their size.
 constexpr int settleMs = 150;
 
-constexpr char noRelief[] = "Open or make a relief first.";
-constexpr char importFirst[] = "Accept the import first.";
+CommandSet *windowCommands(QWidget *window)
+{
+    auto *commands = new CommandSet(window);
+    addWindowCommands(*commands);
+    return commands;
+}
 
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent)
     : RibbonMainWindow(parent)
-    , forcedExit(exitAtOnce)
-    , m_commands(new CommandSet(this))
-    , m_materials(new MaterialEditor(
-          QevSettings()
-              .value(QStringLiteral("material"), QLatin1String(defaultMaterialName))
-              .toString(),
-          this))
+    , m_commands(windowCommands(this))
+    , m_toolActions(new ToolActions(*m_commands, this))
+    , m_center(new CenterArea(m_bench, this))
+    , m_docks(buildDocks(*this, m_bench.session()))
+    , m_pages(buildRibbon(*this, *m_commands, *m_toolActions))
+    , m_recentFiles(buildFilePage(*this, *m_commands))
+    , m_status(std::make_unique<StatusLine>(*statusBar()))
+    , m_files(new FileController(m_bench, this))
+    , m_exports(new ExportController(m_bench, this))
+    , m_tool(new ToolController(
+          m_bench, {m_docks.panels->toolPanel(), m_toolActions, m_pages.tools, m_pages.edit}, this))
+    , m_edits(new EditController(m_bench, {m_pages.size, m_pages.edit}, this))
 {
+    m_look = new LookController({sculptWin(), flatWin(), m_pages.viewSettings}, this);
     setAcceptDrops(true);
-    _addCommands();
-    m_tools = new ToolActions(*m_commands, this);
-    _buildViews();
-    _buildDocks();
-    _buildRibbon();
-    _buildFilePage();
-    _buildStatusBar();
-    _connectCommands();
-    _connectRibbon();
-    _connectPanels();
+    setCentralWidget(m_center);
+    m_bench.history().setActions((*m_commands)["undo"], (*m_commands)["redo"]);
+    connectCommands(*this, *m_toolActions, *m_recentFiles);
+    connectPages(*this, m_pages);
+    connectDocks(*this, m_docks);
     _connectViews();
     _connectWorkbench();
     setupControls();
-    _showTool();
-    _showTitle();
-    _applyBackdrop();
+    m_tool->show();
+    setWindowTitle(m_files->windowTitle());
     _restoreLayout();
 }
 
 MainWindow::~MainWindow()
 {
-    // The views let go of the relief before the document deletes it.
-    m_sculptWin->setRelief(nullptr);
-    m_flatWin->setRelief(nullptr);
-    m_sculptWin->setChanges(nullptr);
-    m_flatWin->setChanges(nullptr);
+    // The views let go of the relief before the workbench deletes it.
+    m_center->letGo();
 }
 
-void MainWindow::_buildViews()
+SculptWin *MainWindow::sculptWin() const
 {
-    m_center = new QStackedWidget(this);
-    m_splitter = new QSplitter(Qt::Horizontal, m_center);
-    m_splitter->setObjectName(QStringLiteral("CentralSplitter"));
-    m_sculptWin = new SculptWin(m_splitter);
-    m_flatWin = new FlatWin(m_splitter);
-    m_sculptWin->setAccessibleName(tr("3D view"));
-    m_flatWin->setAccessibleName(tr("2D view"));
-    m_splitter->addWidget(m_sculptWin);
-    m_splitter->addWidget(m_flatWin);
-    m_splitter->setSizes({600, 400});
-    m_splitter->setStretchFactor(0, 3);
-    m_splitter->setStretchFactor(1, 2);
-    m_startPage = new StartPage(m_center);
-    m_center->addWidget(m_splitter);
-    m_center->addWidget(m_startPage);
-    if (StartPage::shownAtStartup())
-        m_center->setCurrentWidget(m_startPage);
-    setCentralWidget(m_center);
+    return m_center->sculptWin();
+}
+
+FlatWin *MainWindow::flatWin() const
+{
+    return m_center->flatWin();
+}
+
+void MainWindow::_connectViews()
+{
     for (ReliefView *view :
-         {static_cast<ReliefView *>(m_sculptWin), static_cast<ReliefView *>(m_flatWin)}) {
-        view->setMinimumSize(80, 80);
-        view->setFocusPolicy(Qt::StrongFocus);
-        view->setChanges(&m_bench.changes());
-        view->setTool(&m_bench.tool);
+         {static_cast<ReliefView *>(sculptWin()), static_cast<ReliefView *>(flatWin())}) {
+        connect(view, &ReliefView::statusChanged, this, &MainWindow::setStatus);
+        connect(view, &ReliefView::toolSizeUpdated, this, &MainWindow::toolSizeUpdated);
+        connect(view, &ReliefView::toolStrengthUpdated, this, &MainWindow::toolStrengthUpdated);
+        connect(view, &ReliefView::sampleChanged, this, &MainWindow::sampleChanged);
+        connect(view, &ReliefView::selectionChanged, this, &MainWindow::setupControls);
     }
+    connect(sculptWin(), &ReliefView::cameraChanged, this, &MainWindow::showExtent);
+    connect(flatWin(), &FlatWin::cropChanged, this, &MainWindow::setupControls);
+    connect(flatWin(), &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
+    StartPage *start = m_center->startPage();
+    connect(start, &StartPage::NewClicked, this, &MainWindow::newRelief);
+    connect(start, &StartPage::OpenClicked, this, &MainWindow::chooseFileToOpen);
+    connect(start, &StartPage::RecentClicked, m_files, &FileController::openFile);
 }
 
-void MainWindow::_buildStatusBar()
+void MainWindow::_connectWorkbench()
 {
-    m_position = new QLabel;
-    m_position->setObjectName(QStringLiteral("position"));
-    m_extent = new QLabel;
-    m_extent->setObjectName(QStringLiteral("extent"));
-    statusBar()->setContentsMargins(8, 0, 4, 0);
-    statusBar()->addWidget(m_position, 1);
-    statusBar()->addPermanentWidget(m_extent);
+    connect(&m_bench, &Workbench::replaced, this, &MainWindow::_reliefReplaced);
+    connect(&m_bench, &Workbench::modifiedChanged, this, &MainWindow::reliefDirtyChanged);
+    connect(&m_bench, &Workbench::changed, this, &MainWindow::_showRelief);
+    connect(&m_bench, &Workbench::stepDone, this, &MainWindow::_stepDone);
+    connect(&m_bench, &Workbench::importChanged, m_docks.panels->importPanel(),
+            &ImportPanel::refresh);
+    connect(m_files, &FileController::filesChanged, this, &MainWindow::_filesChanged);
+    connect(m_files, &FileController::said, this, &MainWindow::_say);
+    connect(m_exports, &ExportController::said, this, &MainWindow::_say);
+    connect(m_exports, &ExportController::handedOver, this, &MainWindow::_saveLayout);
+    connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
+    connect(m_tool, &ToolController::chosen, this, &MainWindow::setupControls);
+}
+
+bool MainWindow::openFile(const QString &path, int)
+{
+    return m_files->openFile(path);
+}
+
+void MainWindow::setImportFile(const QString &path)
+{
+    m_importFile = path;
+    QTimer::singleShot(1, this, &MainWindow::loadImportFile);
+}
+
+void MainWindow::setExportPath(const QString &path)
+{
+    m_exports->setHandOverPath(path);
+    setupControls();
+}
+
+void MainWindow::openRecentFile()
+{
+    if (const auto *action = qobject_cast<QAction *>(sender()))
+        m_files->openFile(action->data().toString());
+}
+
+void MainWindow::toggleBackStage()
+{
+    m_recentFiles->refresh();
+    backstage()->setOpen(!backstage()->isVisible());
+}
+
+void MainWindow::showAbout()
+{
+    AboutBox(this).exec();
 }
 
 void MainWindow::_restoreLayout()
 {
-    const QevSettings settings;
-    const QSize room = screen()->availableSize();
-    if (room.width() < roomySize.width() || room.height() < roomySize.height())
-        setWindowState(Qt::WindowMaximized);
-    resize(roomySize.boundedTo(room * 0.9));
-    restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
-    _fitOnScreen();
-    if (!restoreState(settings.value(QStringLiteral("windowState")).toByteArray())) {
+    if (!windowLayout::restore(*this, *m_center->splitter())) {
         // Docks have widths only once the window is laid out.
-        QTimer::singleShot(0, m_toolDock, &CollapsibleDock::takeOpenWidth);
-        QTimer::singleShot(0, m_libraryDock, &CollapsibleDock::takeOpenWidth);
+        QTimer::singleShot(0, m_docks.toolDock, &CollapsibleDock::takeOpenWidth);
+        QTimer::singleShot(0, m_docks.libraryDock, &CollapsibleDock::takeOpenWidth);
     }
-    m_splitter->restoreState(settings.value(QStringLiteral("splitterState")).toByteArray());
-    const int light = settings.value(QStringLiteral("lightPosition"), 0).toInt();
-    m_viewSettings->showLightPosition(qBound(0, light, 7));
-    setLightPos(m_viewSettings->lightPosition());
-}
-
-/// A layout kept from a larger or another screen must not leave the window out of reach.
-void MainWindow::_fitOnScreen()
-{
-    const QRect room = screen()->availableGeometry();
-    QRect place = geometry();
-    place.setSize(place.size().boundedTo(room.size()));
-    place.moveLeft(qBound(room.left(), place.left(), room.right() + 1 - place.width()));
-    place.moveTop(qBound(room.top(), place.top(), room.bottom() + 1 - place.height()));
-    if (place != geometry())
-        setGeometry(place);
+    m_look->restore();
 }
 
 void MainWindow::_saveLayout()
 {
-    QevSettings settings;
-    settings.setValue(QStringLiteral("geometry"), saveGeometry());
-    settings.setValue(QStringLiteral("windowState"), saveState());
-    settings.setValue(QStringLiteral("splitterState"), m_splitter->saveState());
-    settings.setValue(QStringLiteral("material"), m_materials->current().name);
-    settings.setValue(QStringLiteral("lightPosition"), m_viewSettings->lightPosition());
-    settings.sync();
+    m_look->store();
+    windowLayout::store(*this, *m_center->splitter());
 }
 
 /// A relief opened before the window was on screen was fitted to views that had no size yet.
@@ -183,15 +182,11 @@ void MainWindow::showEvent(QShowEvent *event)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (ProgressBox::anyAtWork()) {
+    if (ProgressBox::anyAtWork() || (!m_exports->isHandedOver() && !m_files->mayLoseWork())) {
         event->ignore();
         return;
     }
     m_bench.endStroke();
-    if (!m_handedOver && !_mayLoseWork()) {
-        event->ignore();
-        return;
-    }
     _saveLayout();
     event->accept();
 }
@@ -199,92 +194,92 @@ void MainWindow::closeEvent(QCloseEvent *event)
 void MainWindow::changeEvent(QEvent *event)
 {
     RibbonMainWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && m_viewSettings) {
-        _applyBackdrop();
-        m_viewSettings->showMaterials(*m_materials);
-    }
+    if (event->type() == QEvent::PaletteChange && m_look)
+        m_look->showPalette();
 }
 
-/// Behind the relief: darker than the chrome, so that the relief is the brightest thing.
-void MainWindow::_applyBackdrop()
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    const QColor chrome = palette().color(QPalette::Window);
-    const QColor backdrop = isDarkPalette(palette()) ? mixedColor(chrome, Qt::black, 0.35)
-                                                     : mixedColor(chrome, QColor(0x4a5260), 0.45);
-    m_sculptWin->setBackdrop(backdrop);
-    m_flatWin->setBackdrop(backdrop);
+    if (!dialogsOpen() && !FileController::firstOpenable(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
 }
 
-void MainWindow::_show(const Failure &failure)
+void MainWindow::dropEvent(QDropEvent *event)
 {
-    QMessageBox::critical(this, failure.title, failure.sentence);
+    const QString path = FileController::firstOpenable(*event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // The source of the drag waits for the drop to end; a question must not keep it.
+    QTimer::singleShot(0, this, [this, path] { m_files->openFile(path); });
 }
 
 void MainWindow::_reliefReplaced()
 {
-    Relief *relief = m_bench.relief();
-    m_center->setCurrentWidget(m_splitter);
-    m_sculptWin->setRelief(relief);
-    m_flatWin->setRelief(relief);
-    m_panels->importPanel()->refresh();
+    backstage()->setOpen(false);
+    m_center->showRelief();
+    m_docks.panels->importPanel()->refresh();
     if (m_bench.importOpen())
-        m_panels->showImportTab();
+        m_docks.panels->showImportTab();
     else
-        m_panels->showToolTab();
-    m_openedSize = {};
-    _showSize();
-    m_editPage->showSample(double(relief->sampleHeight));
+        m_docks.panels->showToolTab();
+    m_edits->startSize();
+    m_edits->showSample(double(m_bench.relief()->sampleHeight));
     // The views know their size only after the first layout.
     QTimer::singleShot(0, this, &MainWindow::zoomAll);
-}
-
-/// Why the relief cannot be edited now; empty when it can.
-QString MainWindow::_reasonAgainstEditing() const
-{
-    if (!m_bench.relief())
-        return tr(noRelief);
-    return m_bench.importOpen() ? tr(importFirst) : QString();
-}
-
-/// Enables what can act now; the rest says why it cannot.
-void MainWindow::setupControls()
-{
-    const Relief *relief = m_bench.relief();
-    const QString needsRelief = relief ? QString() : tr(noRelief);
-    const QString needsEditing = _reasonAgainstEditing();
-    for (const char *id : {"save", "saveAs", "zoomAll", "exportStl", "sendToDrafteon"})
-        m_commands->setReason(id, needsRelief);
-    for (const char *id : {"maskClear", "maskInvert"})
-        m_commands->setReason(id, needsEditing);
-    m_tools->setReason(needsEditing);
-    m_toolsPage->showLimit(static_cast<Tool::Type>(m_bench.tool.type), m_bench.tool.ceilingOrFloor,
-                           needsEditing);
-    const bool cropReady = needsEditing.isEmpty() && m_bench.tool.type == Tool::Crop &&
-                           !m_flatWin->cropOutline().isEmpty();
-    (*m_commands)["cropApply"]->setEnabled(cropReady);
-    (*m_commands)["selectNone"]->setEnabled(relief && relief->selectionActive);
-    SculptEngine *engine = needsEditing.isEmpty() ? &m_bench.engine() : nullptr;
-    m_sculptWin->setEngine(engine);
-    m_flatWin->setEngine(engine);
-    m_sculptWin->setReason(needsEditing);
-    m_flatWin->setReason(needsEditing);
-    (*m_commands)["openLast"]->setEnabled(!QevSettings().recentFiles().isEmpty());
-    ribbonBar()->setPageVisible(Export, needsEditing.isEmpty());
 }
 
 void MainWindow::_stepDone(const Step &step)
 {
     if (step.kind != Step::Accept)
         return;
-    m_openedSize = {};
-    m_panels->showToolTab();
-    m_sculptWin->setFocus();
+    m_edits->startSize();
+    m_docks.panels->showToolTab();
+    sculptWin()->setFocus();
     _showRelief();
 }
 
-void MainWindow::acceptClicked()
+void MainWindow::_filesChanged()
 {
-    m_bench.acceptImport();
+    m_recentFiles->refresh();
+    setupControls();
+}
+
+void MainWindow::setupControls()
+{
+    const QString reason = reasonAgainstEditing(m_bench);
+    m_commands->setReason("zoomAll", reasonAgainstSaving(m_bench));
+    m_files->setupControls(*m_commands);
+    m_exports->setupControls(*m_commands);
+    m_tool->setupControls();
+    m_edits->setupControls(*m_commands, !flatWin()->cropOutline().isEmpty());
+    m_center->setReason(reason);
+    ribbonBar()->setPageVisible(WindowPages::Export, reason.isEmpty());
+}
+
+/// What of the relief is shown outside the views.
+void MainWindow::_showRelief()
+{
+    m_tool->showRelief();
+    setupControls();
+    m_edits->showSize();
+    showExtent();
+}
+
+void MainWindow::showExtent()
+{
+    m_status->showExtent(m_bench.relief(), m_pages.size->unit(), sculptWin()->camera().zoom);
+}
+
+void MainWindow::setStatus(const QString &text)
+{
+    m_status->showPosition(text);
+    showExtent();
+}
+
+void MainWindow::_say(const QString &text, int milliseconds)
+{
+    statusBar()->showMessage(text, milliseconds);
 }
 
 void MainWindow::updateClicked()
@@ -293,94 +288,38 @@ void MainWindow::updateClicked()
     m_bench.session().update(&progress);
 }
 
-void MainWindow::setStatus(const QString &text)
-{
-    m_position->setText(text);
-    _showZoom();
-}
-
-void MainWindow::reliefDirtyChanged(bool)
-{
-    _showTitle();
-}
-
-/// "Brindlemark Marlowen 3 - name *"
-void MainWindow::_showTitle()
-{
-    QString title = QString::fromLatin1(productName);
-    if (m_bench.relief()) {
-        const QString name = m_bench.name();
-        title += QStringLiteral(" - ") + (name.isEmpty() ? tr("new relief") : name);
-    }
-    if (m_bench.isModified())
-        title += QStringLiteral(" *");
-    setWindowTitle(title);
-}
-
-void MainWindow::_showZoom()
-{
-    const Relief *relief = m_bench.relief();
-    if (!relief) {
-        m_extent->clear();
-        return;
-    }
-    const LengthUnit &unit = lengthUnits[static_cast<size_t>(m_sizePage->unit())];
-    const auto length = [&unit](int cells) {
-        return QString::number(cells / cellsPerInch / unit.inches, 'f', 2);
-    };
-    m_extent->setText(QStringLiteral("%1 × %2  ·  %3 × %4 %5  ·  %6 %")
-                          .arg(relief->width())
-                          .arg(relief->height())
-                          .arg(length(relief->width()), length(relief->height()), tr(unit.label))
-                          .arg(qRound(m_sculptWin->camera().zoom * 100)));
-}
-
-void MainWindow::undo()
-{
-    m_bench.undo();
-}
-
-void MainWindow::redo()
-{
-    m_bench.redo();
-}
-
 void MainWindow::zoomAll()
 {
-    m_sculptWin->zoomAll();
-    m_flatWin->zoomAll();
-    _showZoom();
+    m_center->zoomAll();
+    showExtent();
 }
 
-void MainWindow::ribbonTabChanged(int page)
-{
-    tabActivated(page);
-}
-
-/// The page brings its view forward if it is hidden; otherwise the splitter stands as it is.
+/// The page brings its view forward if it is hidden.
 void MainWindow::tabActivated(int page)
 {
-    if (page == Edit2D)
-        _bringForward(View2d);
-    else if (page == SculptingTools)
-        _bringForward(View3d);
+    if (page == WindowPages::Edit2D)
+        m_center->bringForward(CenterArea::View2d);
+    else if (page == WindowPages::SculptingTools)
+        m_center->bringForward(CenterArea::View3d);
 }
 
-void MainWindow::_bringForward(int view)
+void MainWindow::applyCrop()
 {
-    QList<int> sizes = m_splitter->sizes();
-    if (sizes.size() != 2 || sizes[view] > 0)
-        return;
-    const int half = (sizes[View3d] + sizes[View2d]) / 2;
-    m_splitter->setSizes({half, half});
+    if (m_edits->applyCrop(flatWin()->cropOutline()))
+        flatWin()->cancelShape();
 }
 
-void MainWindow::switchTheme()
+void MainWindow::selectNoneClicked()
 {
-    const int mode = QevSettings().darkTheme() ? 0 : 1;
-    QevSettings().setThemeMode(mode);
-    themeSwitcher::applyTheme(mode);
-    m_viewSettings->showTheme(mode == 1);
+    m_bench.endStroke();
+    flatWin()->selectNone();
+    setupControls();
+}
+
+void MainWindow::selectionModifierChanged(SelectionModifier modifier)
+{
+    m_bench.engine().setSelectionModifier(modifier);
+    flatWin()->setSelectionModifier(modifier);
 }
 
 } // namespace marlowen

@@ -1,42 +1,29 @@
 #pragma once
 
-#include "base/result.h"
-#include "relief/tools/tool.h"
-#include "relief/tools/toolparams.h"
-#include "ui/pages/sizepage.h"
+#include "ui/controllers/editcontroller.h"
+#include "ui/controllers/exportcontroller.h"
+#include "ui/controllers/filecontroller.h"
+#include "ui/controllers/lookcontroller.h"
+#include "ui/controllers/toolcontroller.h"
 #include "ui/ribbon/ribbonmainwindow.h"
+#include "ui/windowparts.h"
 #include "workbench/workbench.h"
 
 #include <QString>
 
-#include <array>
-#include <functional>
 #include <memory>
-
-class QLabel;
-class QSplitter;
-class QStackedWidget;
 
 namespace marlowen {
 
-class CollapsibleDock;
+class CenterArea;
 class CommandSet;
-class EditPage;
 class FlatWin;
-class LibraryPanel;
-class MaterialEditor;
-class NewReliefDialog;
-class RecentFilesMenu;
-class SculptPanels;
 class SculptWin;
-class StartPage;
-class ToolActions;
-class ToolsPage;
-class ViewSettingsPage;
+class StatusLine;
 
 /// The single top-level window: ribbon, quick access bar and file page, the 3D and the 2D view side
-/// by side, the tool dock and the library dock. It routes every command to the room that carries it
-/// out, opens files by their ending, guards unsaved work and keeps its own layout.
+/// by side, the tool dock and the library dock. It connects commands, panels and views to the
+/// controllers that carry them out, and keeps its own layout.
 class MainWindow : public RibbonMainWindow
 {
     Q_OBJECT
@@ -49,98 +36,92 @@ public:
     /// or a command of the window, 1 a file-open request of the operating system. False when
     /// nothing was opened; what is open then stays.
     bool openFile(const QString &path, int flag);
-
     /// Remembers the file and calls loadImportFile() 1 ms after the event loop runs.
     void setImportFile(const QString &path);
 
     /// The strings of the sister program's call; stored, without further meaning here.
-    void setIntegrationString(const QString &text);
-    void setSecondIntegrationString(const QString &text);
+    void setIntegrationString(const QString &text) { m_integrationString = text; }
+    void setSecondIntegrationString(const QString &text) { m_secondIntegrationString = text; }
     /// Where the sister program waits for the height map; shows "Send to Drafteon".
     void setExportPath(const QString &path);
 
     Workbench &workbench() { return m_bench; }
     CommandSet &commands() { return *m_commands; }
-    const ToolParams &toolParams() const { return m_bench.tool; }
-    SculptWin *sculptWin() const { return m_sculptWin; }
-    FlatWin *flatWin() const { return m_flatWin; }
-
-    /// The ribbon's pages, in their order.
-    enum Page { ViewSettings, Size, SculptingTools, Edit2D, Export, OrientScale, PageCount };
-
-    /// What ends the process when it does not end by itself after a hand-over; tests replace it.
-    std::function<void()> forcedExit;
+    SculptWin *sculptWin() const;
+    FlatWin *flatWin() const;
+    ExportController &exports() { return *m_exports; }
 
 public slots:
     /// Opens the file given to setImportFile().
-    void loadImportFile();
-
+    void loadImportFile() { openFile(m_importFile, 0); }
     void toggleBackStage();
-    void newRelief();
-    void chooseFileToOpen();
-    void openLastFile();
+    void newRelief() { m_files->newRelief(); }
+    void chooseFileToOpen() { m_files->chooseFileToOpen(); }
+    void openLastFile() { m_files->openLastFile(); }
     void openRecentFile();
     /// False when the user cancelled or the file could not be written.
-    bool saveWorkSpace();
-    bool saveWorkSpaceAs();
-    void exportStlFile();
-    void exportToDrafteon();
+    bool saveWorkSpace() { return m_files->save(); }
+    bool saveWorkSpaceAs() { return m_files->saveAs(); }
+    void exportStlFile() { m_exports->exportStl(); }
+    void exportToDrafteon() { m_exports->handOver(); }
     void showAbout();
 
-    void undo();
-    void redo();
+    void undo() { m_bench.undo(); }
+    void redo() { m_bench.redo(); }
     void zoomAll();
+    /// Enables what can act now; the rest says why it cannot.
     void setupControls();
     void setStatus(const QString &text);
-    void reliefDirtyChanged(bool dirty);
-    void acceptClicked();
+    void showExtent();
+    void reliefDirtyChanged(bool) { setWindowTitle(m_files->windowTitle()); }
+    void acceptClicked() { m_bench.acceptImport(); }
     void updateClicked();
     void tabActivated(int page);
-    void ribbonTabChanged(int page);
+    void ribbonTabChanged(int page) { tabActivated(page); }
 
-    void toolChanged(Tool::Type type);
-    void toolStrengthUpdated(double strength);
-    void toolSizeUpdated(double size);
-    void toolKeepTransparencyUpdated(bool on);
-    void toolModeUpdated(Tool::Mode mode);
-    void toolHardnessUpdated(double hardness);
-    void toolUseDecayLengthUpdated(bool on);
-    void decayLengthUpdated(double length);
-    void toolUseSmoothingUpdated(bool on);
-    void toolSmoothLengthChanged(int points);
-    void toolFormUpdated(Tool::Form form);
-    void toolFalloffUpdated(Tool::Falloff falloff);
-    void toolAspectUpdated(double aspect);
-    void toolAngleUpdated(double degrees);
-    void ceilingOrFloorChanged(bool on);
-    void toleranceChanged(double tolerance);
-    void continuousSelectionChanged(bool on);
-    void symmetryXChanged(bool on);
-    void symmetryYChanged(bool on);
-    void invertChanged(bool on);
-    void alphaChanged();
+    void toolChanged(Tool::Type type) { m_tool->choose(type); }
+    void toolStrengthUpdated(double strength) { m_tool->set(&ToolParams::strength, strength); }
+    void toolSizeUpdated(double size) { m_tool->set(&ToolParams::size, size); }
+    void toolKeepTransparencyUpdated(bool on) { m_tool->set(&ToolParams::keepTransparency, on); }
+    void toolModeUpdated(Tool::Mode mode) { m_tool->set(&ToolParams::mode, int32_t{mode}); }
+    void toolHardnessUpdated(double hardness) { m_tool->set(&ToolParams::hardness, hardness); }
+    void toolUseDecayLengthUpdated(bool on) { m_tool->set(&ToolParams::useDecay, on); }
+    void decayLengthUpdated(double length) { m_tool->set(&ToolParams::decayLength, length); }
+    void toolUseSmoothingUpdated(bool on) { m_tool->set(&ToolParams::smoothToolPaths, on); }
+    void toolSmoothLengthChanged(int points) { m_tool->set(&ToolParams::smoothLength, points); }
+    void toolFormUpdated(Tool::Form form) { m_tool->set(&ToolParams::form, int32_t{form}); }
+    void toolFalloffUpdated(Tool::Falloff f) { m_tool->set(&ToolParams::falloff, int32_t{f}); }
+    void toolAspectUpdated(double aspect) { m_tool->set(&ToolParams::aspect, aspect); }
+    void toolAngleUpdated(double degrees) { m_tool->set(&ToolParams::angle, degrees); }
+    void ceilingOrFloorChanged(bool on) { m_tool->set(&ToolParams::ceilingOrFloor, on); }
+    void toleranceChanged(double tolerance) { m_tool->set(&ToolParams::tolerance, tolerance); }
+    void continuousSelectionChanged(bool on) { m_tool->set(&ToolParams::continuous, on); }
+    void symmetryXChanged(bool on) { m_tool->setFlag(&Relief::symmetryX, on); }
+    void symmetryYChanged(bool on) { m_tool->setFlag(&Relief::symmetryY, on); }
+    void invertChanged(bool on) { m_tool->setFlag(&Relief::invert, on); }
+    void alphaChanged() { m_tool->alphaChanged(); }
 
     void applyCrop();
-    void clearMaskClicked();
-    void invertMaskClicked();
+    void clearMaskClicked() { m_edits->clearMask(); }
+    void invertMaskClicked() { m_edits->invertMask(); }
     void selectNoneClicked();
     void selectionModifierChanged(SelectionModifier modifier);
-    void sampleChanged(double height);
-    void sampleEdited();
-    void sizeWanted(const SizeWish &inches);
+    void sampleChanged(double height) { m_edits->showSample(height); }
+    void sampleEdited() { m_edits->sampleEdited(); }
+    void sizeWanted(const SizeWish &inches) { m_edits->applySize(inches); }
 
-    void setLightPos(int index);
-    void chooseMaterial(const QString &name);
-    void setMaterialColor(int term);
-    void setMaterialShinyness(int value);
-    void materialEditChanged(const QString &name);
-    void materialNameFinished();
-    void cloneOkClicked();
-    void deleteCancelClicked();
-    void colorOffsetChanged(double offset);
-    void quantizationChanged(double levels);
-    void cursorSizeChanged(int index);
-    void switchTheme();
+    void setLightPos(int index) { m_look->setLight(index); }
+    void chooseMaterial(const QString &name) { m_look->chooseMaterial(name); }
+    void setMaterialColor(int term) { m_look->askForColor(term); }
+    void setMaterialShinyness(int value) { m_look->setShininess(value); }
+    void materialEditChanged(const QString &name) { m_look->editName(name); }
+    void materialNameFinished() { m_look->finishName(); }
+    void cloneOkClicked() { m_look->cloneMaterial(); }
+    void deleteCancelClicked() { m_look->deleteMaterial(); }
+    void colorOffsetChanged(double offset) { m_look->setColorOffset(offset); }
+    void quantizationChanged(double levels) { m_look->setQuantization(levels); }
+    void cursorSizeChanged(int index) { m_look->setPointer(index); }
+    void switchTheme() { m_look->switchTheme(); }
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -150,77 +131,34 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void _addCommands();
-    void _buildViews();
-    void _buildDocks();
-    void _buildRibbon();
-    void _buildFilePage();
-    void _buildStatusBar();
-    void _connectCommands();
-    void _connectPanels();
-    void _connectRibbon();
     void _connectViews();
     void _connectWorkbench();
     void _restoreLayout();
     void _saveLayout();
-    void _fitOnScreen();
-
-    bool _mayLoseWork();
-    bool _load(const QString &path);
-    void _make(const NewReliefDialog &wish);
-    void _install(std::unique_ptr<Relief> relief, const QString &path);
-    void _show(const Failure &failure);
-    void _apply(const Operation &operation);
-    bool _saveTo(const QString &path);
-    bool _busy() const;
-    QString _reasonAgainstEditing() const;
-
     void _reliefReplaced();
     void _stepDone(const Step &step);
-    void _showTool();
-    void _showSize();
+    void _filesChanged();
     void _showRelief();
-    void _refreshViews();
-    void _showTitle();
-    void _showZoom();
-    void _applyMaterial();
-    void _applyBackdrop();
-    void _bringForward(int view);
-    template <typename Value>
-    void _setParam(Value ToolParams::*member, Value value);
+    void _say(const QString &text, int milliseconds);
 
+    LookController *m_look = nullptr; ///< first: a change of the palette may come early
     Workbench m_bench;
     CommandSet *m_commands;
-    ToolActions *m_tools;
-    MaterialEditor *m_materials;
+    ToolActions *m_toolActions;
+    CenterArea *m_center;
+    WindowDocks m_docks;
+    WindowPages m_pages;
+    RecentFilesMenu *m_recentFiles;
+    std::unique_ptr<StatusLine> m_status;
 
-    QStackedWidget *m_center = nullptr;
-    StartPage *m_startPage = nullptr;
-    QSplitter *m_splitter = nullptr;
-    SculptWin *m_sculptWin = nullptr;
-    FlatWin *m_flatWin = nullptr;
-    SculptPanels *m_panels = nullptr;
-    LibraryPanel *m_library = nullptr;
-    CollapsibleDock *m_toolDock = nullptr;
-    CollapsibleDock *m_libraryDock = nullptr;
-    RecentFilesMenu *m_recentFiles = nullptr;
-    QLabel *m_position = nullptr;
-    QLabel *m_extent = nullptr;
-
-    ViewSettingsPage *m_viewSettings = nullptr;
-    SizePage *m_sizePage = nullptr;
-    ToolsPage *m_toolsPage = nullptr;
-    EditPage *m_editPage = nullptr;
-
-    std::array<double, 3> m_openedSize{}; ///< inches, as the relief was opened
-    bool m_handedOver = false;            ///< the relief is with the sister program
-
-    QString m_materialName; ///< as it is being typed
+    FileController *m_files;
+    ExportController *m_exports;
+    ToolController *m_tool;
+    EditController *m_edits;
 
     QString m_importFile;
     QString m_integrationString;
     QString m_secondIntegrationString;
-    QString m_exportPath;
 };
 
 } // namespace marlowen

@@ -1,0 +1,90 @@
+#include "ui/centerarea.h"
+
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
+#include "ui/startpage.h"
+#include "workbench/workbench.h"
+
+#include <QSplitter>
+
+namespace marlowen {
+
+CenterArea::CenterArea(Workbench &bench, QWidget *parent)
+    : QStackedWidget(parent)
+    , m_bench(bench)
+    , m_startPage(new StartPage(this))
+    , m_splitter(new QSplitter(Qt::Horizontal, this))
+    , m_sculptWin(new SculptWin(m_splitter))
+    , m_flatWin(new FlatWin(m_splitter))
+{
+    m_splitter->setObjectName(QStringLiteral("CentralSplitter"));
+    m_sculptWin->setAccessibleName(tr("3D view"));
+    m_flatWin->setAccessibleName(tr("2D view"));
+    m_splitter->addWidget(m_sculptWin);
+    m_splitter->addWidget(m_flatWin);
+    m_splitter->setSizes({600, 400});
+    m_splitter->setStretchFactor(View3d, 3);
+    m_splitter->setStretchFactor(View2d, 2);
+    addWidget(m_splitter);
+    addWidget(m_startPage);
+    if (StartPage::shownAtStartup())
+        setCurrentWidget(m_startPage);
+    _setUp(*m_sculptWin);
+    _setUp(*m_flatWin);
+}
+
+void CenterArea::_setUp(ReliefView &view)
+{
+    view.setMinimumSize(80, 80);
+    view.setFocusPolicy(Qt::StrongFocus);
+    view.setChanges(&m_bench.changes());
+    view.setTool(&m_bench.tool);
+    connect(&view, &ReliefView::reliefEdited, &m_bench, &Workbench::strokeEnded);
+}
+
+void CenterArea::showRelief()
+{
+    setCurrentWidget(m_splitter);
+    m_sculptWin->setRelief(m_bench.relief());
+    m_flatWin->setRelief(m_bench.relief());
+}
+
+void CenterArea::letGo()
+{
+    m_sculptWin->setRelief(nullptr);
+    m_flatWin->setRelief(nullptr);
+    m_sculptWin->setChanges(nullptr);
+    m_flatWin->setChanges(nullptr);
+}
+
+void CenterArea::setReason(const QString &reason)
+{
+    SculptEngine *engine = reason.isEmpty() ? &m_bench.engine() : nullptr;
+    m_sculptWin->setEngine(engine);
+    m_flatWin->setEngine(engine);
+    m_sculptWin->setReason(reason);
+    m_flatWin->setReason(reason);
+}
+
+void CenterArea::zoomAll()
+{
+    m_sculptWin->zoomAll();
+    m_flatWin->zoomAll();
+}
+
+void CenterArea::refresh()
+{
+    m_sculptWin->refresh();
+    m_flatWin->refresh();
+}
+
+void CenterArea::bringForward(View view)
+{
+    const QList<int> sizes = m_splitter->sizes();
+    if (sizes.size() != 2 || sizes[view] > 0)
+        return;
+    const int half = (sizes[View3d] + sizes[View2d]) / 2;
+    m_splitter->setSizes({half, half});
+}
+
+} // namespace marlowen

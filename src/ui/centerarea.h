@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QStackedWidget>
+
+class QSplitter;
+
+namespace marlowen {
+
+class FlatWin;
+class ReliefView;
+class SculptWin;
+class StartPage;
+class Workbench;
+
+/// The middle of the window: the start page, or the 3D and the 2D view side by side.
+class CenterArea : public QStackedWidget
+{
+    Q_OBJECT
+
+public:
+    enum View { View3d, View2d };
+
+    /// The views work on the bench, which outlives them or is let go of.
+    explicit CenterArea(Workbench &bench, QWidget *parent = nullptr);
+
+    StartPage *startPage() const { return m_startPage; }
+    SculptWin *sculptWin() const { return m_sculptWin; }
+    FlatWin *flatWin() const { return m_flatWin; }
+    QSplitter *splitter() const { return m_splitter; }
+
+    /// Shows the views on the bench's relief.
+    void showRelief();
+    /// The views forget the relief and the bench.
+    void letGo();
+    /// Strokes act, or a reason says why they do not.
+    void setReason(const QString &reason);
+    void zoomAll();
+    /// The tool's footprint looks different.
+    void refresh();
+    /// Gives a hidden view half of the room; otherwise the splitter stays as it is.
+    void bringForward(View view);
+
+private:
+    void _setUp(ReliefView &view);
+
+    Workbench &m_bench;
+    StartPage *m_startPage;
+    QSplitter *m_splitter;
+    SculptWin *m_sculptWin;
+    FlatWin *m_flatWin;
+};
+
+} // namespace marlowen

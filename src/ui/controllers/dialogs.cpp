@@ -1,0 +1,60 @@
+#include "ui/controllers/dialogs.h"
+
+#include "ui/progressbox.h"
+#include "workbench/workbench.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace marlowen {
+
+void showFailure(QWidget *window, const Failure &failure)
+{
+    QMessageBox::critical(window, failure.title, failure.sentence);
+}
+
+QString askForTarget(QWidget *window, const SaveQuestion &question)
+{
+    QFileDialog dialog(window, question.title, question.folder, question.filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    if (question.ending == question.suffix)
+        dialog.setDefaultSuffix(question.suffix);
+    if (!question.name.isEmpty())
+        dialog.selectFile(question.name);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    QString path = dialog.selectedFiles().constFirst();
+    if (path.endsWith(question.ending, Qt::CaseInsensitive))
+        return path;
+    path += question.suffix;
+    const auto yes = QMessageBox::Yes;
+    if (QFileInfo::exists(path) &&
+        QMessageBox::question(window, question.title,
+                              QObject::tr("%1 already exists.\nDo you want to replace it?")
+                                  .arg(QFileInfo(path).fileName()),
+                              yes | QMessageBox::No, QMessageBox::No) != yes)
+        return {};
+    return path;
+}
+
+bool dialogsOpen()
+{
+    return ProgressBox::anyAtWork() || QApplication::activeModalWidget() != nullptr;
+}
+
+QString reasonAgainstSaving(const Workbench &bench)
+{
+    return bench.relief() ? QString() : QObject::tr("Open or make a relief first.");
+}
+
+QString reasonAgainstEditing(const Workbench &bench)
+{
+    if (bench.relief() && bench.importOpen())
+        return QObject::tr("Accept the import first.");
+    return reasonAgainstSaving(bench);
+}
+
+} // namespace marlowen

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/result.h"
+
+#include <QString>
+
+class QWidget;
+
+namespace marlowen {
+
+class Workbench;
+
+/// Shows what went wrong in a box over the window.
+void showFailure(QWidget *window, const Failure &failure);
+
+/// A question that only a save dialog can ask.
+struct SaveQuestion
+{
+    QString title;
+    QString filter;
+    QString ending; ///< a name that ends so, in any case, stays as it is
+    QString suffix; ///< what any other name gets, with its dot
+    QString folder;
+    QString name;
+};
+
+/// The chosen path, ending in the suffix; empty when the user cancelled. The dialog asks before an
+/// older file is replaced; a name that only gets its suffix here is asked about here.
+QString askForTarget(QWidget *window, const SaveQuestion &question);
+
+/// Whether work or a question is in progress: a command that opens or closes something then waits.
+bool dialogsOpen();
+
+/// Why nothing can be saved or exported now; empty when it can.
+QString reasonAgainstSaving(const Workbench &bench);
+/// Why the relief cannot be edited now; empty when it can.
+QString reasonAgainstEditing(const Workbench &bench);
+
+} // namespace marlowen

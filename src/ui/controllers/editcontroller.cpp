@@ -1,0 +1,128 @@
+#include "ui/controllers/editcontroller.h"
+
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
+#include "relief/operations/operations.h"
+#include "relief/tools/tool.h"
+#include "ui/commandset.h"
+#include "ui/controllers/dialogs.h"
+#include "ui/pages/editpage.h"
+#include "ui/progressbox.h"
+#include "workbench/workbench.h"
+
+#include <QAction>
+#include <QWidget>
+
+#include <cmath>
+
+namespace marlowen {
+
+namespace {
+
+int cellsOf(double inches)
+{
+    return qMax(2, static_cast<int>(std::lround(inches * cellsPerInch)));
+}
+
+} // namespace
+
+EditController::EditController(Workbench &bench, const Pages &pages, QWidget *window)
+    : QObject(window)
+    , m_bench(bench)
+    , m_pages(pages)
+    , m_window(window)
+{
+}
+
+void EditController::apply(const Operation &operation)
+{
+    ProgressBox progress(tr(operation.name.toLatin1().constData()), m_window);
+    if (const Outcome done = m_bench.apply(operation, &progress); !done)
+        showFailure(m_window, done.failure());
+}
+
+void EditController::applySize(const SizeWish &inches)
+{
+    const Relief *relief = m_bench.relief();
+    if (!relief || m_bench.importOpen())
+        return;
+    m_bench.endStroke();
+    const double area = inches[0] * inches[1];
+    if (exceedsAreaLimit(area))
+        return showFailure(m_window, {tr(sizeMessageTitle), sizeLimitSentence(area)});
+    const double highest = m_bench.changes().heightRange().maximum;
+    const double zNow = highest * relief->zScale / cellsPerInch;
+    const bool zAsked = highest > 0.0 && std::abs(inches[2] - zNow) > 1e-9 && inches[2] > 0.0;
+    const int width = cellsOf(inches[0]);
+    const int height = cellsOf(inches[1]);
+    const double zScale = zAsked ? inches[2] * cellsPerInch / highest : relief->zScale;
+    apply({QStringLiteral("Size"), [=](Relief &sized, const EditRun &run) {
+               resize(sized, width, height, {run.undo, run.progress, !zAsked});
+               if (!run.cancelled())
+                   setZScale(sized, zScale, run);
+               return Outcome();
+           }});
+}
+
+bool EditController::applyCrop(const QList<QPointF> &outline)
+{
+    if (outline.isEmpty() || m_bench.tool.type != Tool::Crop ||
+        !reasonAgainstEditing(m_bench).isEmpty())
+        return false;
+    apply(cropOperation(outline));
+    return true;
+}
+
+void EditController::clearMask()
+{
+    apply(clearMaskOperation());
+}
+
+void EditController::invertMask()
+{
+    apply(invertMaskOperation());
+}
+
+void EditController::showSample(double height)
+{
+    m_pages.edit->showSample(height);
+}
+
+void EditController::sampleEdited()
+{
+    if (Relief *relief = m_bench.relief())
+        relief->sampleHeight = static_cast<float>(m_pages.edit->sample());
+}
+
+void EditController::showSize()
+{
+    const Relief *relief = m_bench.relief();
+    if (!relief)
+        return;
+    const double highest = m_bench.changes().heightRange().maximum;
+    const std::array<double, 3> now = {relief->width() / cellsPerInch,
+                                       relief->height() / cellsPerInch,
+                                       highest * relief->zScale / cellsPerInch};
+    if (m_openedSize[0] <= 0.0 || m_bench.importOpen())
+        m_openedSize = now;
+    m_pages.size->showSize({now, m_openedSize}, reasonAgainstEditing(m_bench));
+}
+
+void EditController::startSize()
+{
+    m_openedSize = {};
+    showSize();
+}
+
+void EditController::setupControls(CommandSet &commands, bool cropDrawn) const
+{
+    const Relief *relief = m_bench.relief();
+    const QString reason = reasonAgainstEditing(m_bench);
+    for (const char *id : {"maskClear", "maskInvert"})
+        commands.setReason(id, reason);
+    commands["cropApply"]->setEnabled(reason.isEmpty() && m_bench.tool.type == Tool::Crop &&
+                                      cropDrawn);
+    commands["selectNone"]->setEnabled(relief && relief->selectionActive);
+}
+
+} // namespace marlowen

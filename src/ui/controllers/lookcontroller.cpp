@@ -1,0 +1,156 @@
+#include "ui/controllers/lookcontroller.h"
+
+#include "base/qevsettings.h"
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
+#include "ui/controllers/dialogs.h"
+#include "ui/materialeditor.h"
+#include "ui/pages/viewsettingspage.h"
+#include "ui/ribbon/ribboncolors.h"
+#include "ui/themeswitcher.h"
+
+#include <QColorDialog>
+#include <QMessageBox>
+
+#include <utility>
+
+namespace marlowen {
+
+namespace {
+
+constexpr char materialKey[] = "material";
+constexpr char lightKey[] = "lightPosition";
+
+} // namespace
+
+LookController::LookController(const Parts &parts, QWidget *window)
+    : QObject(window)
+    , m_parts(parts)
+    , m_window(window)
+    , m_materials(new MaterialEditor(
+          QevSettings()
+              .value(QLatin1String(materialKey), QLatin1String(defaultMaterialName))
+              .toString(),
+          this))
+{
+    connect(m_materials, &MaterialEditor::currentChanged, this, &LookController::_showMaterial);
+    connect(m_materials, &MaterialEditor::listChanged, this, &LookController::_showMaterial);
+    m_parts.page->showTheme(QevSettings().darkTheme());
+    m_parts.page->showPointerSize(
+        QevSettings().value(QStringLiteral("/state/view/cursorScale"), 100).toInt());
+    _showMaterial();
+    showPalette();
+}
+
+void LookController::restore()
+{
+    const int light = QevSettings().value(QLatin1String(lightKey), 0).toInt();
+    m_parts.page->showLightPosition(qBound(0, light, 7));
+    setLight(m_parts.page->lightPosition());
+}
+
+void LookController::store() const
+{
+    QevSettings settings;
+    settings.setValue(QLatin1String(materialKey), m_materials->current().name);
+    settings.setValue(QLatin1String(lightKey), m_parts.page->lightPosition());
+}
+
+void LookController::setLight(int index)
+{
+    m_parts.sculptWin->setLightPos(index);
+}
+
+void LookController::chooseMaterial(const QString &name)
+{
+    m_materials->choose(name);
+}
+
+void LookController::_showMaterial()
+{
+    m_parts.page->showMaterials(*m_materials);
+    m_parts.sculptWin->setMaterial(m_materials->current());
+}
+
+void LookController::askForColor(int term)
+{
+    static constexpr const char *titles[] = {"Choose Ambient Material", "Choose Diffuse Material",
+                                             "Choose Specular Material"};
+    const QColor color =
+        QColorDialog::getColor(m_materials->color(term), m_window, tr(titles[qBound(0, term, 2)]),
+                               QColorDialog::ShowAlphaChannel);
+    m_materials->setColor(term, color);
+}
+
+void LookController::setShininess(int value)
+{
+    m_materials->setShininess(value);
+}
+
+void LookController::finishName()
+{
+    const QString name = std::exchange(m_typedName, QString()).trimmed();
+    if (name.isEmpty() || name == m_materials->current().name)
+        return m_parts.page->showMaterials(*m_materials);
+    if (const Outcome renamed = m_materials->rename(name); !renamed) {
+        m_parts.page->showMaterials(*m_materials);
+        showFailure(m_window, renamed.failure());
+    }
+}
+
+void LookController::cloneMaterial()
+{
+    if (const Outcome cloned = m_materials->clone(); !cloned)
+        showFailure(m_window, cloned.failure());
+}
+
+void LookController::deleteMaterial()
+{
+    const QString name = m_materials->current().name;
+    const auto yes = QMessageBox::Yes;
+    if (QMessageBox::question(
+            m_window, tr("Materials"),
+            tr("Delete the material \"%1\"? This cannot be taken back.").arg(name),
+            yes | QMessageBox::No, QMessageBox::No) != yes)
+        return;
+    if (const Outcome removed = m_materials->remove(); !removed)
+        showFailure(m_window, removed.failure());
+}
+
+void LookController::setColorOffset(double offset)
+{
+    m_parts.flatWin->colorOffsetChanged(offset);
+}
+
+void LookController::setQuantization(double levels)
+{
+    m_parts.flatWin->quantizationChanged(levels);
+}
+
+void LookController::setPointer(int index)
+{
+    const auto choice = static_cast<size_t>(qBound(0, index, int(pointerSizes.size()) - 1));
+    m_parts.sculptWin->setCursorScale(pointerSizes[choice].percent);
+}
+
+void LookController::switchTheme()
+{
+    const int mode = QevSettings().darkTheme() ? 0 : 1;
+    QevSettings().setThemeMode(mode);
+    themeSwitcher::applyTheme(mode);
+    m_parts.page->showTheme(mode == 1);
+}
+
+/// What lies behind the relief is darker than the chrome, so that the relief is the brightest.
+void LookController::showPalette()
+{
+    const QPalette palette = m_window->palette();
+    const QColor chrome = palette.color(QPalette::Window);
+    const QColor backdrop = isDarkPalette(palette) ? mixedColor(chrome, Qt::black, 0.35)
+                                                   : mixedColor(chrome, QColor(0x4a5260), 0.45);
+    m_parts.sculptWin->setBackdrop(backdrop);
+    m_parts.flatWin->setBackdrop(backdrop);
+    m_parts.page->showMaterials(*m_materials);
+}
+
+} // namespace marlowen

@@ -1,0 +1,43 @@
+#include "ui/statusline.h"
+
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
+
+#include <QLabel>
+#include <QStatusBar>
+
+namespace marlowen {
+
+StatusLine::StatusLine(QStatusBar &bar)
+    : m_position(new QLabel)
+    , m_extent(new QLabel)
+{
+    m_position->setObjectName(QStringLiteral("position"));
+    m_extent->setObjectName(QStringLiteral("extent"));
+    bar.setContentsMargins(8, 0, 4, 0);
+    bar.addWidget(m_position, 1);
+    bar.addPermanentWidget(m_extent);
+}
+
+void StatusLine::showPosition(const QString &text)
+{
+    m_position->setText(text);
+}
+
+void StatusLine::showExtent(const Relief *relief, int unit, double zoom)
+{
+    if (!relief)
+        return m_extent->clear();
+    const LengthUnit &shown = lengthUnits[static_cast<size_t>(unit)];
+    const auto length = [&shown](int cells) {
+        return QString::number(cells / cellsPerInch / shown.inches, 'f', 2);
+    };
+    m_extent->setText(
+        QStringLiteral("%1 × %2  ·  %3 × %4 %5  ·  %6 %")
+            .arg(relief->width())
+            .arg(relief->height())
+            .arg(length(relief->width()), length(relief->height()), QObject::tr(shown.label))
+            .arg(qRound(zoom * 100)));
+}
+
+} // namespace marlowen

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+class QLabel;
+class QStatusBar;
+
+namespace marlowen {
+
+class Relief;
+
+/// The lasting fields of the status bar: what is under the pointer, and the relief's size.
+class StatusLine
+{
+public:
+    /// The bar owns the fields.
+    explicit StatusLine(QStatusBar &bar);
+
+    void showPosition(const QString &text);
+    /// Cells, size in the unit (index into lengthUnits) and zoom (1 is a cell a pixel); empty
+    /// without a relief.
+    void showExtent(const Relief *relief, int unit, double zoom);
+
+private:
+    QLabel *m_position;
+    QLabel *m_extent;
+};
+
+} // namespace marlowen

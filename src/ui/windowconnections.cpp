@@ -1,0 +1,114 @@
+#include "ui/windowconnections.h"
+
+#include "render/views/sculptwin.h"
+#include "ui/commandset.h"
+#include "ui/library/librarypanel.h"
+#include "ui/mainwindow.h"
+#include "ui/pages/editpage.h"
+#include "ui/pages/sizepage.h"
+#include "ui/pages/toolspage.h"
+#include "ui/pages/viewsettingspage.h"
+#include "ui/panels/importpanel.h"
+#include "ui/panels/sculptpanels.h"
+#include "ui/panels/toolpanel.h"
+#include "ui/recentfilesmenu.h"
+#include "ui/ribbon/ribbonbar.h"
+
+#include <QAction>
+
+namespace marlowen {
+
+void connectCommands(MainWindow &window, const ToolActions &tools, const RecentFilesMenu &recent)
+{
+    const CommandSet &commands = window.commands();
+    const auto on = [&](const char *id, auto slot) {
+        QObject::connect(commands[id], &QAction::triggered, &window, slot);
+    };
+    on("file", &MainWindow::toggleBackStage);
+    on("new", &MainWindow::newRelief);
+    on("open", &MainWindow::chooseFileToOpen);
+    on("save", &MainWindow::saveWorkSpace);
+    on("saveAs", &MainWindow::saveWorkSpaceAs);
+    on("about", &MainWindow::showAbout);
+    on("exit", &MainWindow::close);
+    on("undo", &MainWindow::undo);
+    on("redo", &MainWindow::redo);
+    on("zoomAll", &MainWindow::zoomAll);
+    on("openLast", &MainWindow::openLastFile);
+    on("exportStl", &MainWindow::exportStlFile);
+    on("sendToDrafteon", &MainWindow::exportToDrafteon);
+    on("maskClear", &MainWindow::clearMaskClicked);
+    on("maskInvert", &MainWindow::invertMaskClicked);
+    on("cropApply", &MainWindow::applyCrop);
+    on("selectNone", &MainWindow::selectNoneClicked);
+    on("materialClone", &MainWindow::cloneOkClicked);
+    on("materialDelete", &MainWindow::deleteCancelClicked);
+    on("theme", &MainWindow::switchTheme);
+    on("smaller", [&window] { window.sculptWin()->brushSizeStep(0); });
+    on("larger", [&window] { window.sculptWin()->brushSizeStep(1); });
+    QObject::connect(&tools, &ToolActions::chosen, &window, &MainWindow::toolChanged);
+    for (QAction *action : recent.actions())
+        QObject::connect(action, &QAction::triggered, &window, &MainWindow::openRecentFile);
+}
+
+void connectPages(MainWindow &window, const WindowPages &pages)
+{
+    const auto on = [&](auto *sender, auto signal, auto slot) {
+        QObject::connect(sender, signal, &window, slot);
+    };
+    on(window.ribbonBar(), &RibbonBar::currentPageChanged, &MainWindow::ribbonTabChanged);
+    on(window.ribbonBar(), &RibbonBar::pageActivated, &MainWindow::tabActivated);
+    using View = ViewSettingsPage;
+    on(pages.viewSettings, &View::lightChosen, &MainWindow::setLightPos);
+    on(pages.viewSettings, &View::materialChosen, &MainWindow::chooseMaterial);
+    on(pages.viewSettings, &View::materialNameEdited, &MainWindow::materialEditChanged);
+    on(pages.viewSettings, &View::materialNameFinished, &MainWindow::materialNameFinished);
+    on(pages.viewSettings, &View::colorRequested, &MainWindow::setMaterialColor);
+    on(pages.viewSettings, &View::shininessChanged, &MainWindow::setMaterialShinyness);
+    on(pages.viewSettings, &View::colorOffsetChanged, &MainWindow::colorOffsetChanged);
+    on(pages.viewSettings, &View::quantizationChanged, &MainWindow::quantizationChanged);
+    on(pages.viewSettings, &View::pointerChosen, &MainWindow::cursorSizeChanged);
+    on(pages.size, &SizePage::sizeWanted, &MainWindow::sizeWanted);
+    on(pages.size, &SizePage::unitChanged, &MainWindow::showExtent);
+    on(pages.tools, &ToolsPage::limitChanged, &MainWindow::ceilingOrFloorChanged);
+    on(pages.edit, &EditPage::modifierChosen, &MainWindow::selectionModifierChanged);
+    on(pages.edit, &EditPage::toleranceChanged, &MainWindow::toleranceChanged);
+    on(pages.edit, &EditPage::continuousChanged, &MainWindow::continuousSelectionChanged);
+    on(pages.edit, &EditPage::sampleEdited, &MainWindow::sampleEdited);
+}
+
+void connectDocks(MainWindow &window, const WindowDocks &docks)
+{
+    const auto on = [&](auto signal, auto slot) {
+        QObject::connect(docks.panels->toolPanel(), signal, &window, slot);
+    };
+    on(&ToolPanel::ToolChanged, &MainWindow::toolChanged);
+    on(&ToolPanel::ToolStrengthChanged, &MainWindow::toolStrengthUpdated);
+    on(&ToolPanel::ToolSizeChanged, &MainWindow::toolSizeUpdated);
+    on(&ToolPanel::ToolKeepTransparencyChanged, &MainWindow::toolKeepTransparencyUpdated);
+    on(&ToolPanel::ToolModeChanged, &MainWindow::toolModeUpdated);
+    on(&ToolPanel::ToolHardnessChanged, &MainWindow::toolHardnessUpdated);
+    on(&ToolPanel::ToolUseDecayLengthChanged, &MainWindow::toolUseDecayLengthUpdated);
+    on(&ToolPanel::ToolDecayLengthChanged, &MainWindow::decayLengthUpdated);
+    on(&ToolPanel::ToolUseSmoothingChanged, &MainWindow::toolUseSmoothingUpdated);
+    on(&ToolPanel::ToolSmoothLengthChanged, &MainWindow::toolSmoothLengthChanged);
+    on(&ToolPanel::ToolFormChanged, &MainWindow::toolFormUpdated);
+    on(&ToolPanel::ToolFalloffChanged, &MainWindow::toolFalloffUpdated);
+    on(&ToolPanel::ToolAspectChanged, &MainWindow::toolAspectUpdated);
+    on(&ToolPanel::ToolAngleChanged, &MainWindow::toolAngleUpdated);
+    on(&ToolPanel::ToolCeilingOrFloorChanged, &MainWindow::ceilingOrFloorChanged);
+    on(&ToolPanel::ToolToleranceChanged, &MainWindow::toleranceChanged);
+    on(&ToolPanel::ToolContinuousChanged, &MainWindow::continuousSelectionChanged);
+    on(&ToolPanel::SymmetryXChanged, &MainWindow::symmetryXChanged);
+    on(&ToolPanel::SymmetryYChanged, &MainWindow::symmetryYChanged);
+    on(&ToolPanel::InvertChanged, &MainWindow::invertChanged);
+    on(&ToolPanel::AlphaModeChanged, &MainWindow::alphaChanged);
+    on(&ToolPanel::AlphaRepeatChanged, &MainWindow::alphaChanged);
+    ImportPanel *import = docks.panels->importPanel();
+    QObject::connect(import, &ImportPanel::AcceptClicked, &window, &MainWindow::acceptClicked);
+    QObject::connect(import, &ImportPanel::UpdateClicked, &window, &MainWindow::updateClicked);
+    QObject::connect(docks.library, &LibraryPanel::AlphaChanged, &window,
+                     &MainWindow::alphaChanged);
+}
+
+} // namespace marlowen

@@ -1,0 +1,380 @@
+#include "base/qevsettings.h"
+#include "files/workspacefile.h"
+#include "personathand.h"
+#include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
+#include "relief/operations/operations.h"
+#include "render/views/flatwin.h"
+#include "render/views/sculptwin.h"
+#include "ui/commandset.h"
+#include "ui/controllers/editcontroller.h"
+#include "ui/controllers/exportcontroller.h"
+#include "ui/controllers/filecontroller.h"
+#include "ui/controllers/lookcontroller.h"
+#include "ui/controllers/toolcontroller.h"
+#include "ui/pages/toolspage.h"
+#include "ui/panels/toolpanel.h"
+#include "ui/ribbon/ribbonmainwindow.h"
+#include "ui/windowparts.h"
+#include "workbench/workbench.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+using namespace marlowen;
+
+namespace {
+
+constexpr int side = 96;
+
+std::unique_ptr<Relief> flat()
+{
+    auto relief = std::make_unique<Relief>(side, side);
+    std::fill_n(relief->heights().data(), relief->cells(), 4.0F);
+    return relief;
+}
+
+/// A ribbon with all pages, but neither views nor docks.
+struct Ribbon
+{
+    Ribbon() { addWindowCommands(commands); }
+
+    RibbonMainWindow window;
+    CommandSet commands{&window};
+    std::unique_ptr<ToolActions> tools;
+    WindowPages pages{};
+    void build()
+    {
+        tools = std::make_unique<ToolActions>(commands, nullptr);
+        pages = buildRibbon(window, commands, *tools);
+    }
+};
+
+} // namespace
+
+/// The controllers of the window without the window.
+class TestControllers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void guardAsksOnceAndObeys_data();
+    void guardAsksOnceAndObeys();
+    void failedSaveKeepsTheWork();
+    void savingToTheFileBeingOpenedLoadsWhatWasSaved();
+    void damagedFileCostsOneBox_data();
+    void damagedFileCostsOneBox();
+    void unknownFileOpensNothing();
+    void exportedNameGetsItsEnding_data();
+    void exportedNameGetsItsEnding();
+    void sizesFollowTheLock_data();
+    void sizesFollowTheLock();
+    void sizeIsOneStep();
+    void tooLargeASizeIsRefused();
+    void cropNeedsItsToolAndAnOutline();
+    void toolRecordShowsEverywhere();
+    void choosingAToolEndsTheStroke();
+    void materialsAreRenamedClonedAndDeleted();
+
+private:
+    QString _path(const QString &name) const { return m_folder->filePath(name); }
+    QString _dome() const { return _path(QStringLiteral("dome.scp")); }
+    QString _plate() const { return _path(QStringLiteral("plate.PNG")); }
+    void _open()
+    {
+        QVERIFY(m_files->openFile(_dome()));
+        QVERIFY(m_bench->apply(zScaleOperation(2.5)));
+    }
+    double _scaleInFile() const { return loadWorkspace(_dome()).value()->zScale; }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<Workbench> m_bench;
+    std::unique_ptr<QWidget> m_window;
+    FileController *m_files = nullptr; ///< owned by the window
+};
+
+void TestControllers::init()
+{
+    QevSettings().clear();
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(saveWorkspace(*flat(), _dome()));
+    QImage picture(80, 60, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    QVERIFY(picture.save(_plate(), "PNG"));
+    m_bench = std::make_unique<Workbench>();
+    m_window = std::make_unique<QWidget>();
+    m_files = new FileController(*m_bench, m_window.get());
+}
+
+void TestControllers::cleanup()
+{
+    m_window.reset();
+    m_bench.reset();
+}
+
+void TestControllers::guardAsksOnceAndObeys_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("proceeds");
+    QTest::addColumn<bool>("saved");
+    QTest::newRow("Save") << int(QMessageBox::Save) << true << true;
+    QTest::newRow("Discard") << int(QMessageBox::Discard) << true << false;
+    QTest::newRow("Cancel") << int(QMessageBox::Cancel) << false << false;
+}
+
+void TestControllers::guardAsksOnceAndObeys()
+{
+    QFETCH(int, answer);
+    QFETCH(bool, proceeds);
+    QFETCH(bool, saved);
+    _open();
+    PersonAtHand person;
+    person.answers = {QMessageBox::StandardButton(answer)};
+    QCOMPARE(m_files->openFile(_plate()), proceeds);
+    QCOMPARE(person.sentences, QStringList{QStringLiteral("The current model has been modified.")});
+    QCOMPARE(_scaleInFile(), saved ? 2.5 : 1.0);
+    QCOMPARE(m_bench->importOpen(), proceeds);
+    QCOMPARE(m_bench->isModified(), !proceeds);
+}
+
+void TestControllers::failedSaveKeepsTheWork()
+{
+    _open();
+    // A folder in the place of the file: it cannot be replaced.
+    QVERIFY(QFile::remove(_dome()));
+    QVERIFY(QDir().mkpath(_dome() + QStringLiteral("/inside")));
+    PersonAtHand person;
+    person.answers = {QMessageBox::Save, QMessageBox::Ok};
+    QVERIFY(!m_files->openFile(_plate()));
+    QCOMPARE(person.sentences.last(), QStringLiteral("Error! File I/O Error"));
+    QCOMPARE(m_bench->name(), QStringLiteral("dome.scp"));
+    QCOMPARE(m_bench->relief()->zScale, 2.5);
+    QVERIFY(m_bench->isModified());
+}
+
+void TestControllers::savingToTheFileBeingOpenedLoadsWhatWasSaved()
+{
+    _open();
+    PersonAtHand person;
+    person.answers = {QMessageBox::Save};
+    QVERIFY(m_files->openFile(_dome()));
+    QCOMPARE(m_bench->relief()->zScale, 2.5);
+}
+
+void TestControllers::damagedFileCostsOneBox_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("magic") << "a.scp" << QByteArray(200, 'x') << "Invalid File";
+    QTest::newRow("short") << "b.SCP" << QByteArray::fromHex("50744d770000000100000010000000100000")
+                           << "Load Failed";
+    QTest::newRow("huge") << "c.scp"
+                          << QByteArray::fromHex("50744d77000000017fffffff7fffffff") +
+                                 QByteArray(24, '\0')
+                          << "Load Failed";
+    QTest::newRow("no picture") << "d.png" << QByteArray("not a picture") << "Open Failed";
+    QTest::newRow("empty picture") << "e.JPG" << QByteArray() << "Open Failed";
+}
+
+void TestControllers::damagedFileCostsOneBox()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, title);
+    QFile file(_path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    _open();
+    const Relief *before = m_bench->relief();
+    const QStringList recent = QevSettings().recentFiles();
+    PersonAtHand person;
+    QVERIFY(!m_files->openFile(file.fileName()));
+    QCOMPARE(person.titles, QStringList{title});
+    QCOMPARE(m_bench->relief(), before);
+    QVERIFY(m_bench->isModified());
+    QVERIFY(m_bench->history().canUndo());
+    QCOMPARE(QevSettings().recentFiles(), recent);
+}
+
+void TestControllers::unknownFileOpensNothing()
+{
+    _open();
+    PersonAtHand person;
+    QSignalSpy said(m_files, &FileController::said);
+    QVERIFY(!m_files->openFile(_path(QStringLiteral("notes.txt"))));
+    QVERIFY(!m_files->openFile(QString()));
+    QCOMPARE(said.size(), 2);
+    QCOMPARE(m_files->windowTitle(), QStringLiteral("Brindlemark Marlowen 3 - dome.scp *"));
+    QVERIFY(person.titles.isEmpty());
+}
+
+void TestControllers::exportedNameGetsItsEnding_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("written");
+    QTest::newRow("bare") << QStringLiteral("bare") << QStringLiteral("bare.stl");
+    QTest::newRow("capitals") << QStringLiteral("whole.STL") << QStringLiteral("whole.STL");
+    QTest::newRow("no dot") << QStringLiteral("mystl") << QStringLiteral("mystl");
+    QTest::newRow("suffix") << QStringLiteral("part.v2") << QStringLiteral("part.v2.stl");
+}
+
+void TestControllers::exportedNameGetsItsEnding()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, written);
+    _open();
+    PersonAtHand person;
+    person.path = _path(typed);
+    ExportController(*m_bench, m_window.get()).exportStl();
+    const QStringList files = QDir(m_folder->path()).entryList(QDir::Files);
+    QCOMPARE(files.size(), 3); // with dome and plate
+    QVERIFY2(files.contains(written), qPrintable(files.join(QLatin1Char(' '))));
+}
+
+void TestControllers::sizesFollowTheLock_data()
+{
+    QTest::addColumn<int>("lock");
+    QTest::addColumn<int>("axis");
+    QTest::addColumn<double>("wanted");
+    QTest::addColumn<QList<double>>("sizes");
+    QTest::newRow("xy: x") << int(AspectLock::XyLocked) << 0 << 8.0 << QList<double>{8, 6, 1};
+    QTest::newRow("xy: z") << int(AspectLock::XyLocked) << 2 << 2.0 << QList<double>{4, 3, 2};
+    QTest::newRow("free") << int(AspectLock::Free) << 1 << 6.0 << QList<double>{4, 6, 1};
+    QTest::newRow("all: z") << int(AspectLock::AllLocked) << 2 << 0.5 << QList<double>{2, 1.5, 0.5};
+    QTest::newRow("all: y") << int(AspectLock::AllLocked) << 1 << 9.0 << QList<double>{12, 9, 3};
+}
+
+void TestControllers::sizesFollowTheLock()
+{
+    QFETCH(int, lock);
+    QFETCH(int, axis);
+    QFETCH(double, wanted);
+    QFETCH(QList<double>, sizes);
+    const SizeWish wish = lockedSizes({4, 3, 1}, axis, wanted, AspectLock(lock));
+    QCOMPARE(QList<double>(wish.begin(), wish.end()), sizes);
+}
+
+void TestControllers::sizeIsOneStep()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
+    m_bench->take(flat());
+    const double inches = side / cellsPerInch;
+    edits.applySize({2 * inches, 2 * inches, 8.0 / cellsPerInch});
+    QCOMPARE(m_bench->relief()->width(), 2 * side);
+    QCOMPARE(m_bench->relief()->zScale, 2.0);
+    QCOMPARE(m_bench->history().stepToUndo().size(), size_t(2));
+    m_bench->undo();
+    QCOMPARE(m_bench->relief()->width(), side);
+    QCOMPARE(m_bench->relief()->zScale, 1.0);
+    QVERIFY(!m_bench->isModified());
+}
+
+void TestControllers::tooLargeASizeIsRefused()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
+    m_bench->take(flat());
+    PersonAtHand person;
+    edits.applySize({40.0, 40.0, 1.0});
+    QCOMPARE(person.titles, QStringList{QStringLiteral("Size")});
+    QCOMPARE(person.sentences[0],
+             QStringLiteral("That would make the pattern 1600.0 square inches. The largest "
+                            "Marlowen can work with is 1000 square inches."));
+    QCOMPARE(m_bench->relief()->width(), side);
+    QVERIFY(!m_bench->isModified());
+}
+
+void TestControllers::cropNeedsItsToolAndAnOutline()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
+    m_bench->take(flat());
+    const QList<QPointF> outline{{-10, -10}, {10, 10}};
+    m_bench->tool.type = Tool::Deposit;
+    QVERIFY(!edits.applyCrop(outline));
+    m_bench->tool.type = Tool::Crop;
+    QVERIFY(!edits.applyCrop({}));
+    edits.setupControls(ribbon.commands, false);
+    QVERIFY(!ribbon.commands["cropApply"]->isEnabled());
+    edits.setupControls(ribbon.commands, true);
+    QVERIFY(ribbon.commands["cropApply"]->isEnabled());
+    QVERIFY(edits.applyCrop(outline));
+    QCOMPARE(m_bench->relief()->heightAt(2, 2), 0.0F);
+    QCOMPARE(m_bench->relief()->heightAt(side / 2, side / 2), 4.0F);
+}
+
+void TestControllers::toolRecordShowsEverywhere()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    ToolPanel panel;
+    ToolController tool(
+        *m_bench, {&panel, ribbon.tools.get(), ribbon.pages.tools, ribbon.pages.edit}, nullptr);
+    QSignalSpy changed(&tool, &ToolController::changed);
+    m_bench->take(flat());
+    tool.choose(Tool::Remove);
+    tool.set(&ToolParams::ceilingOrFloor, true);
+    tool.set(&ToolParams::hardness, 0.25);
+    QVERIFY(changed.size() >= 3);
+    QVERIFY(ribbon.commands["remove_tool"]->isChecked());
+    QCOMPARE(panel.params().type, int(Tool::Remove));
+    QCOMPARE(panel.params().hardness, 0.25);
+    QVERIFY(ribbon.window.findChild<QCheckBox *>(QStringLiteral("floor"))->isChecked());
+    tool.setFlag(&Relief::symmetryX, true);
+    QVERIFY(m_bench->relief()->symmetryX);
+}
+
+void TestControllers::choosingAToolEndsTheStroke()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    ToolPanel panel;
+    ToolController tool(
+        *m_bench, {&panel, ribbon.tools.get(), ribbon.pages.tools, ribbon.pages.edit}, nullptr);
+    m_bench->take(flat());
+    m_bench->engine().beginStroke(m_bench->tool, {0.0, 0.0});
+    tool.choose(Tool::Clay);
+    QVERIFY(!m_bench->engine().stroking());
+    QCOMPARE(m_bench->history().count(), 1);
+}
+
+void TestControllers::materialsAreRenamedClonedAndDeleted()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    SculptWin sculptWin;
+    FlatWin flatWin;
+    LookController look({&sculptWin, &flatWin, ribbon.pages.viewSettings}, m_window.get());
+    look.chooseMaterial(QStringLiteral("gold"));
+    look.cloneMaterial();
+    auto *list = ribbon.window.findChild<QComboBox *>(QStringLiteral("materials"));
+    QVERIFY(list->currentText().contains(QLatin1String("copy")));
+    look.editName(QStringLiteral("  mine "));
+    look.finishName();
+    QCOMPARE(list->currentText(), QStringLiteral("mine"));
+    PersonAtHand person;
+    look.editName(QStringLiteral("gold"));
+    look.finishName();
+    QCOMPARE(person.titles.size(), 1);
+    QCOMPARE(list->currentText(), QStringLiteral("mine"));
+    person.answers = {QMessageBox::No, QMessageBox::Yes};
+    look.deleteMaterial();
+    QCOMPARE(list->currentText(), QStringLiteral("mine"));
+    look.deleteMaterial();
+    QVERIFY(list->findText(QStringLiteral("mine")) < 0);
+    look.chooseMaterial(QStringLiteral("gold"));
+    look.store();
+    QCOMPARE(QevSettings().value(QStringLiteral("material")).toString(), QStringLiteral("gold"));
+}
+
+QTEST_MAIN(TestControllers)
+#include "tst_controllers.moc"
