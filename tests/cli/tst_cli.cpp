@@ -187,8 +187,9 @@ private slots:
 
     void thumbnails()
     {
-        QCOMPARE(_run({"convert", "disc.png", "thumb.scp"}).status, 0);
-        for (const char *name : {"thumb.scp", "disc.png"}) {
+        for (const char *name : {"thumb.scp", "thumb.ptr"})
+            QCOMPARE(_run({"convert", "disc.png", name}).status, 0);
+        for (const char *name : {"thumb.scp", "thumb.ptr", "disc.png"}) {
             const Ran ran = _run({"thumbnail", name, "thumb.png", "--size", "32"});
             QCOMPARE(ran.errors, QByteArray());
             const QImage picture(_path("thumb.png"));

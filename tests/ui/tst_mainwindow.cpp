@@ -74,6 +74,7 @@ private slots:
     void keysChooseToolsButNotWhileTyping();
     void pictureIsImportedAcceptedAndSculpted();
     void commandsSayWhyTheyCannotAct();
+    void guardKeepsTheWorkWhenSavingFails();
     void droppedFileIsOpened();
     void recentFileThatIsGone();
     void typedSizeResamplesAndComesBack();
@@ -416,6 +417,21 @@ void TestMainWindow::commandsSayWhyTheyCannotAct()
     }
     QVERIFY(!m_window->commands()["save"]->isEnabled());
     QVERIFY(!m_window->commands()["sendToDrafteon"]->isVisible());
+}
+
+void TestMainWindow::guardKeepsTheWorkWhenSavingFails()
+{
+    _openDome();
+    _modify();
+    const double scale = _relief().zScale;
+    const QString path = _path(QStringLiteral("dome.scp"));
+    QVERIFY(QFile::remove(path) && QFile::link(QStringLiteral("/dev/full"), path));
+    PersonAtHand person;
+    person.answers = {QMessageBox::Save, QMessageBox::Ok};
+    QVERIFY(!m_window->close());
+    QCOMPARE(person.titles.value(1), QStringLiteral("Save Failed"));
+    QVERIFY(m_window->isVisible() && m_window->workbench().isModified());
+    QCOMPARE(_relief().zScale, scale);
 }
 
 void TestMainWindow::droppedFileIsOpened()
