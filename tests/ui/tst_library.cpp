@@ -1,8 +1,8 @@
 #include "ui/library/librarypanel.h"
 
 #include "files/alphaimage.h"
-#include "picture.h"
 #include "relief/tools/alphabrush.h"
+#include "theme.h"
 #include "ui/library/alphastore.h"
 
 #include <QBuffer>

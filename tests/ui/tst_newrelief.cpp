@@ -1,6 +1,6 @@
 #include "ui/newreliefdialog.h"
 
-#include "picture.h"
+#include "theme.h"
 #include "ui/ribbon/numberfield.h"
 
 #include <QComboBox>

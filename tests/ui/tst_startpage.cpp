@@ -4,8 +4,8 @@
 #include "files/filethumbnail.h"
 #include "files/workspacefile.h"
 #include "files/workspacethumbnail.h"
-#include "picture.h"
 #include "relief/grid/relief.h"
+#include "theme.h"
 #include "ui/aboutbox.h"
 
 #include <QCheckBox>
