@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Makes the sample pictures beside this script (Python's standard library only).
+"""Makes the samples beside this script (Python's standard library only).
 
 medal.png    8-bit grey, 600 x 600: a rim, lettering along it, a rosette
 face.png     16-bit grey, 512 x 640: a soft face on an empty ground
 weave.png    8-bit grey, 256 x 256: a texture whose edges meet
+star.obj     a star on a plate, 74 x 74 x 9 mm: quads, an octagon, a concave polygon of ten corners
+shell.stl    binary, a fluted shell, 92 x 77 x 15 mm
 """
 import math
 import pathlib
@@ -167,7 +169,58 @@ def weave():
     write_png("weave.png", rows, 8)
 
 
+def star():
+    def ring(count, outer, inner, turn):
+        angles = [2.0 * math.pi * (index + turn) / count for index in range(count)]
+        radii = [(outer, inner)[index % 2] for index in range(count)]
+        return [(radius * math.cos(angle), radius * math.sin(angle)) for radius, angle in zip(radii, angles)]
+
+    plate = ring(8, 40.0, 40.0, 0.5)
+    tips = ring(10, 34.0, 15.0, 2.5)
+    lines = ["# A star on a plate, in millimetres"]
+    for corners, z in ((plate, 0), (plate, 4), (tips, 4), (tips, 9)):
+        lines += [f"v {x:.3f} {y:.3f} {z}" for x, y in corners]
+
+    def walls(low, high, count):
+        return [f"f {low + i} {low + (i + 1) % count} {high + (i + 1) % count} {high + i}" for i in range(count)]
+
+    def polygon(first, count):
+        return ["f " + " ".join(str(first + i) for i in range(count))]
+
+    lines += walls(1, 9, 8) + polygon(9, 8) + walls(17, 27, 10) + polygon(27, 10)
+    (HERE / "star.obj").write_text("\n".join(lines) + "\n")
+
+
+def shell():
+    rings, ribs, steps = 20, 13, 8
+    across = ribs * steps
+
+    def point(ring, step):
+        share = ring / rings
+        angle = math.pi * (0.05 + 0.9 * step / across)
+        flute = math.cos(2.0 * math.pi * ribs * step / across)
+        radius = 60.0 * share * (1.0 + 0.03 * flute * share)
+        dome = math.sin(math.pi * (0.15 + 0.7 * step / across)) * math.sqrt(max(0.0, 1.0 - share ** 4))
+        height = 18.0 * dome + 2.0 * share * (1.0 + flute) * (1.0 - share ** 6)
+        return radius * math.cos(angle) * 0.75, radius * math.sin(angle) * 1.25, height * math.sqrt(share)
+
+    facets = []
+    for ring in range(rings):
+        for step in range(across):
+            a, b = point(ring, step), point(ring, step + 1)
+            c, d = point(ring + 1, step), point(ring + 1, step + 1)
+            facets.append((a, c, d))
+            if ring > 0:
+                facets.append((a, d, b))
+    data = b"Fluted shell, millimetres".ljust(80, b"\0") + struct.pack("<I", len(facets))
+    for facet in facets:
+        data += struct.pack("<12fH", 0.0, 0.0, 0.0, *facet[0], *facet[1], *facet[2], 0)
+    (HERE / "shell.stl").write_bytes(data)
+
+
 if __name__ == "__main__":
     medal()
     face()
     weave()
+    star()
+    shell()
