@@ -58,6 +58,19 @@ QString DownloadManager::filePath(DLTypeEnum kind, const Version &version) const
     return m_folder + QDir::separator() + downloadFileName(kind, version);
 }
 
+Version DownloadManager::downloadedUpdate() const
+{
+    QList<Version> versions;
+    const QStringList names = QDir(m_folder).entryList(QDir::Files);
+    for (const QString &name : names) {
+        const QString text = QFileInfo(name).completeBaseName().section(QLatin1Char('_'), 1);
+        const Version version = parseVersion(text);
+        if (!version.isEmpty() && name == downloadFileName(DLInstaller, version))
+            versions.append(version);
+    }
+    return newestUpdate(versions);
+}
+
 std::optional<QList<Version>> DownloadManager::checkForUpdate(DLTypeEnum kind,
                                                               const Version &version)
 {

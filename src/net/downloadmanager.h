@@ -30,6 +30,10 @@ public:
     /// Where the file of a version lies once it is downloaded.
     QString filePath(DLTypeEnum kind, const Version &version) const;
 
+    /// The newest version whose installer lies in the folder and that is newer than the program;
+    /// empty when there is none.
+    Version downloadedUpdate() const;
+
     /// Asks the service and waits, while other events go on. Nothing when the call fails or the
     /// service does not answer "OK". The caller must check that this object still exists.
     std::optional<QList<Version>> checkForUpdate(DLTypeEnum kind, const Version &version);

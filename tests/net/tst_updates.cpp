@@ -146,6 +146,7 @@ private slots:
         QCOMPARE(contents(installer), QByteArray("MZ program"));
         QCOMPARE(contents(stage.downloads.filePath(DLReadme, next)), QByteArray("news"));
         QCOMPARE(stage.files().size(), 2);
+        QCOMPARE(stage.downloads.downloadedUpdate(), next);
         QVERIFY(stage.server.requests[0].contains("name=marlowen&version=3.000.00020"));
         QTest::ignoreMessage(QtDebugMsg, "Launching Marlowen Update");
         QTest::ignoreMessage(QtDebugMsg, "Failed to launch");
