@@ -47,10 +47,11 @@ template <typename Record>
 std::vector<CommandOption> optionsOf(FieldTable<Record> table, Record &record,
                                      const std::function<void()> &given)
 {
+    static const Record initial{};
     std::vector<OptionField> fields;
     for (const Field<Record> &field : table) {
         const auto store = [&field, &record](double value) { field.store(record, value); };
-        fields.push_back({&field.info, field.type(), field.initial(), store});
+        fields.push_back({&field.info, field.type(), field.value(initial), store});
     }
     return optionsOf(fields, given);
 }
