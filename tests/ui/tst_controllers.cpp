@@ -63,7 +63,6 @@ private slots:
 
     void guardAsksOnceAndObeys_data();
     void guardAsksOnceAndObeys();
-    void failedSaveKeepsTheWork();
     void savingToTheFileBeingOpenedLoadsWhatWasSaved();
     void damagedFileCostsOneBox_data();
     void damagedFileCostsOneBox();
@@ -138,21 +137,6 @@ void TestControllers::guardAsksOnceAndObeys()
     QCOMPARE(_scaleInFile(), saved ? 2.5 : 1.0);
     QCOMPARE(m_bench->importOpen(), proceeds);
     QCOMPARE(m_bench->isModified(), !proceeds);
-}
-
-void TestControllers::failedSaveKeepsTheWork()
-{
-    _open();
-    // A folder in the place of the file: it cannot be replaced.
-    QVERIFY(QFile::remove(_dome()));
-    QVERIFY(QDir().mkpath(_dome() + QStringLiteral("/inside")));
-    PersonAtHand person;
-    person.answers = {QMessageBox::Save, QMessageBox::Ok};
-    QVERIFY(!m_files->openFile(_plate()));
-    QCOMPARE(person.sentences.last(), QStringLiteral("Error! File I/O Error"));
-    QCOMPARE(m_bench->name(), QStringLiteral("dome.scp"));
-    QCOMPARE(m_bench->relief()->zScale, 2.5);
-    QVERIFY(m_bench->isModified());
 }
 
 void TestControllers::savingToTheFileBeingOpenedLoadsWhatWasSaved()
