@@ -262,7 +262,7 @@ void SculptEngine::_dabAt(StrokePoint point, QPointF shift, int image)
     dab.maskWeakens = row->has(HeedsMask);
     dab.direction = directionOf(*row, m_relief->invert);
     mapColumns(dab);
-    if (row->has(UsesPlane))
+    if (row->has(UsesPlane) && function == row->dab)
         dab.plane = footprintMean(dab);
     if (!function(dab))
         return;
