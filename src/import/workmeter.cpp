@@ -51,6 +51,7 @@ bool WorkMeter::rows(int count, qsizetype cellsPerRow, const std::function<void(
     _drain(run, true);
     finished.acquire(helpers);
     m_spent += static_cast<double>(cells);
+    _report(0); // the helpers may have left this thread without a band
     return !m_cancelled;
 }
 

@@ -12,7 +12,8 @@ namespace marlowen {
 
 /// Runs long work over the rows of a grid on all cores, turns the cells it has been through into
 /// progress, and looks at "Cancel" often enough that it takes effect within a few milliseconds.
-/// Only the thread that called is asked to report.
+/// Only the thread that called is asked to report. How many looks there are depends on how the
+/// threads share the bands, but large work is looked at after each call of rows() in any case.
 class WorkMeter
 {
 public:

@@ -67,18 +67,20 @@ double rippleOf(const FloatGrid &grid)
     return 2.0 * sum / count;
 }
 
-/// Cancels at the nth look.
+/// Cancels once a share of the work is done.
 class CancelAt : public Progress
 {
 public:
-    explicit CancelAt(int looks)
-        : m_left(looks)
+    explicit CancelAt(double share)
+        : m_share(share)
     {
     }
-    bool cancelled() const override { return m_left-- <= 0; }
+    void advance(double fraction) override { m_done = fraction; }
+    bool cancelled() const override { return m_done >= m_share; }
 
 private:
-    mutable int m_left;
+    double m_share;
+    double m_done = 0.0;
 };
 
 } // namespace
@@ -204,9 +206,10 @@ private slots:
     void cancelGivesNothing()
     {
         const FloatGrid heights = rippledDome(700, 2.0);
-        for (const int looks : {0, 3, 12, 30}) {
-            CancelAt progress(looks);
-            QVERIFY(!made(heights, {.smoothness = 1000000}, progress));
+        for (const double share : {0.0, 0.1, 0.25, 0.5, 0.75}) {
+            CancelAt progress(share);
+            QVERIFY2(!made(heights, {.smoothness = 1000000}, progress),
+                     qPrintable(QString::number(share)));
         }
     }
 
