@@ -3,6 +3,7 @@
 #include "ui/icons.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QKeySequence>
 #include <QWidget>
 
@@ -14,6 +15,11 @@ constexpr char longNameProperty[] = "longName";
 constexpr char hintProperty[] = "hint";
 constexpr char idleProperty[] = "idle";
 constexpr char reasonProperty[] = "reason";
+
+QString translated(const char *text)
+{
+    return *text ? QCoreApplication::translate("Commands", text) : QString();
+}
 
 } // namespace
 
@@ -31,14 +37,14 @@ void CommandSet::add(std::span<const CommandRow> rows)
 
 QAction *CommandSet::add(const CommandRow &row)
 {
-    auto *action = new QAction(tr(row.label), m_window);
+    auto *action = new QAction(translated(row.label), m_window);
     action->setObjectName(QLatin1String(row.id));
     if (*row.icon)
         action->setIcon(icon(QLatin1String(row.icon)));
     action->setCheckable(row.checkable);
-    action->setProperty(longNameProperty, tr(row.longName));
-    action->setProperty(hintProperty, tr(row.hint));
-    action->setProperty(idleProperty, tr(row.idle));
+    action->setProperty(longNameProperty, translated(row.longName));
+    action->setProperty(hintProperty, translated(row.hint));
+    action->setProperty(idleProperty, translated(row.idle));
     if (*row.keys)
         action->setShortcuts(QKeySequence::listFromString(QLatin1String(row.keys)));
     m_window->addAction(action);

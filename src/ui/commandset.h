@@ -10,7 +10,7 @@ class QWidget;
 
 namespace marlowen {
 
-/// One command of the window.
+/// One command of the window. Texts are marked with QT_TRANSLATE_NOOP("Commands", "...").
 struct CommandRow
 {
     const char *id;    ///< object name of its action

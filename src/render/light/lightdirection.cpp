@@ -7,14 +7,20 @@ namespace {
 // Positive x tilts the light up, positive y tilts it to the right. Left and Right stand with the
 // opposite sign of the corners, as the light table was designed; do not "mend" one row alone.
 constexpr LightPosition positions[] = {
-    {"Top Left", ":/marlowen2/lightPosTopLeft", {0.85, 0.3, -0.3, 0.0}},
-    {"Top", ":/marlowen2/lightPosTop", {0.85, 0.5, 0.0, 0.0}},
-    {"Top Right", ":/marlowen2/lightPosTopRight", {0.85, 0.3, 0.3, -0.0}},
-    {"Left", ":/marlowen2/lightPosLeft", {0.85, 0.0, 0.5, 0.0}},
-    {"Right", ":/marlowen2/lightPosRight", {0.85, 0.0, -0.5, 0.0}},
-    {"Bottom Left", ":/marlowen2/lightPosBottomLeft", {0.85, -0.3, -0.3, 0.0}},
-    {"Bottom", ":/marlowen2/lightPosBottom", {0.85, -0.5, 0.0, 0.0}},
-    {"Bottom Right", ":/marlowen2/lightPosBottomRight", {0.85, -0.3, 0.3, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Top Left"), ":/marlowen2/lightPosTopLeft", {0.85, 0.3, -0.3, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Top"), ":/marlowen2/lightPosTop", {0.85, 0.5, 0.0, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Top Right"),
+     ":/marlowen2/lightPosTopRight",
+     {0.85, 0.3, 0.3, -0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Left"), ":/marlowen2/lightPosLeft", {0.85, 0.0, 0.5, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Right"), ":/marlowen2/lightPosRight", {0.85, 0.0, -0.5, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Bottom Left"),
+     ":/marlowen2/lightPosBottomLeft",
+     {0.85, -0.3, -0.3, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Bottom"), ":/marlowen2/lightPosBottom", {0.85, -0.5, 0.0, 0.0}},
+    {QT_TRANSLATE_NOOP("Light", "Bottom Right"),
+     ":/marlowen2/lightPosBottomRight",
+     {0.85, -0.3, 0.3, 0.0}},
 };
 
 } // namespace

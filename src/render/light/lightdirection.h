@@ -10,9 +10,9 @@ namespace marlowen {
 /// One choice of the light control.
 struct LightPosition
 {
-    const char *label;
-    const char *icon; ///< resource
-    Quaternion tilt;  ///< not of unit length
+    const char *label; ///< to be translated in the context "Light"
+    const char *icon;  ///< resource
+    Quaternion tilt;   ///< not of unit length
 };
 
 /// The eight choices, in the order of the control.

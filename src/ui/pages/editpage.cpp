@@ -20,15 +20,19 @@ namespace marlowen {
 namespace {
 
 constexpr CommandRow commandRows[] = {
-    {"cropApply", "Apply", "accept", "Empties everything outside the crop box.", "",
-     "Choose Crop and drag a box in the 2D view first."},
-    {"modeNormal", "Normal", "exit", "The next shape replaces the selection.", "", "", true},
-    {"modeAdditive", "Additive", "additive_selection", "The next shape is added to the selection.",
-     "", "", true},
-    {"modeSubtractive", "Subtractive", "subtractive_selection",
-     "The next shape is subtracted from the selection.", "", "", true},
-    {"selectNone", "Select None", "select_none", "Lets tools act everywhere again.", "Ctrl+D",
-     "Nothing is selected."},
+    {"cropApply", QT_TRANSLATE_NOOP("Commands", "Apply"), "accept",
+     QT_TRANSLATE_NOOP("Commands", "Empties everything outside the crop box."), "",
+     QT_TRANSLATE_NOOP("Commands", "Choose Crop and drag a box in the 2D view first.")},
+    {"modeNormal", QT_TRANSLATE_NOOP("Commands", "Normal"), "exit",
+     QT_TRANSLATE_NOOP("Commands", "The next shape replaces the selection."), "", "", true},
+    {"modeAdditive", QT_TRANSLATE_NOOP("Commands", "Additive"), "additive_selection",
+     QT_TRANSLATE_NOOP("Commands", "The next shape is added to the selection."), "", "", true},
+    {"modeSubtractive", QT_TRANSLATE_NOOP("Commands", "Subtractive"), "subtractive_selection",
+     QT_TRANSLATE_NOOP("Commands", "The next shape is subtracted from the selection."), "", "",
+     true},
+    {"selectNone", QT_TRANSLATE_NOOP("Commands", "Select None"), "select_none",
+     QT_TRANSLATE_NOOP("Commands", "Lets tools act everywhere again."), "Ctrl+D",
+     QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
 };
 
 /// In the order of SelectionModifier.

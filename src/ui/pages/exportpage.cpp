@@ -13,10 +13,12 @@ namespace exportPage {
 namespace {
 
 constexpr CommandRow commandRows[] = {
-    {"exportStl", "Export STL", "Export STL", "Writes the relief as a triangle mesh.", "",
-     "Open or make a relief first."},
-    {"sendToDrafteon", "Send to Drafteon", "Export to Drafteon",
-     "Hands the relief to Drafteon and closes Marlowen.", "", "Open or make a relief first."},
+    {"exportStl", QT_TRANSLATE_NOOP("Commands", "Export STL"), "Export STL",
+     QT_TRANSLATE_NOOP("Commands", "Writes the relief as a triangle mesh."), "",
+     QT_TRANSLATE_NOOP("Commands", "Open or make a relief first.")},
+    {"sendToDrafteon", QT_TRANSLATE_NOOP("Commands", "Send to Drafteon"), "Export to Drafteon",
+     QT_TRANSLATE_NOOP("Commands", "Hands the relief to Drafteon and closes Marlowen."), "",
+     QT_TRANSLATE_NOOP("Commands", "Open or make a relief first.")},
 };
 
 } // namespace

@@ -18,7 +18,7 @@ namespace marlowen {
 namespace {
 
 constexpr CommandRow commandRows[] = {
-    {"aspectLock", "Proportions", "aspect_xy_locked", "", "", ""},
+    {"aspectLock", QT_TRANSLATE_NOOP("Commands", "Proportions"), "aspect_xy_locked", "", "", ""},
 };
 
 /// A choice of the scale factors; 0 goes back to the imported size.
@@ -28,8 +28,10 @@ struct ScaleFactor
     double factor;
 };
 constexpr ScaleFactor scaleFactors[] = {
-    {"1/10", 0.1}, {"1/5", 0.2}, {"1/4", 0.25}, {"1/3", 1.0 / 3.0}, {"1/2", 0.5}, {"Reset", 0.0},
-    {"2", 2.0},    {"3", 3.0},   {"4", 4.0},    {"5", 5.0},         {"10", 10.0},
+    {"1/10", 0.1},      {"1/5", 0.2}, {"1/4", 0.25},
+    {"1/3", 1.0 / 3.0}, {"1/2", 0.5}, {QT_TRANSLATE_NOOP("marlowen::SizePage", "Reset"), 0.0},
+    {"2", 2.0},         {"3", 3.0},   {"4", 4.0},
+    {"5", 5.0},         {"10", 10.0},
 };
 
 struct LockState
@@ -40,12 +42,21 @@ struct LockState
 /// In the order of AspectLock, which is the order of the clicks.
 constexpr LockState lockStates[] = {
     {"aspect_xy_locked",
-     "X and Y scale together; Z (height) is set on its own. Click to unlock all."},
-    {"aspect_free", "Each axis is sized independently. Click to lock all three."},
-    {"aspect_locked", "Proportions locked: X, Y and Z scale together. Click to lock only X and Y."},
+     QT_TRANSLATE_NOOP(
+         "marlowen::SizePage",
+         "X and Y scale together; Z (height) is set on its own. Click to unlock all.")},
+    {"aspect_free",
+     QT_TRANSLATE_NOOP("marlowen::SizePage",
+                       "Each axis is sized independently. Click to lock all three.")},
+    {"aspect_locked",
+     QT_TRANSLATE_NOOP(
+         "marlowen::SizePage",
+         "Proportions locked: X, Y and Z scale together. Click to lock only X and Y.")},
 };
 
-constexpr const char *axisLabels[] = {"Scale X", "Scale Y", "Scale Z"};
+constexpr const char *axisLabels[] = {QT_TRANSLATE_NOOP("marlowen::SizePage", "Scale X"),
+                                      QT_TRANSLATE_NOOP("marlowen::SizePage", "Scale Y"),
+                                      QT_TRANSLATE_NOOP("marlowen::SizePage", "Scale Z")};
 constexpr int zAxis = 2;
 
 } // namespace

@@ -16,16 +16,20 @@ namespace marlowen {
 namespace {
 
 constexpr CommandRow commandRows[] = {
-    {"maskClear", "Clear", "mask_clear", "Removes the mask from the whole relief.", "", ""},
-    {"maskInvert", "Invert", "mask_invert", "Masks what is free and frees what is masked.", "", ""},
+    {"maskClear", QT_TRANSLATE_NOOP("Commands", "Clear"), "mask_clear",
+     QT_TRANSLATE_NOOP("Commands", "Removes the mask from the whole relief."), "", ""},
+    {"maskInvert", QT_TRANSLATE_NOOP("Commands", "Invert"), "mask_invert",
+     QT_TRANSLATE_NOOP("Commands", "Masks what is free and frees what is masked."), "", ""},
 };
 
 QAction *makeAction(CommandSet &commands, const ToolRow &row, const char *iconName,
                     const char *keys)
 {
+    const QByteArray label = toolText(row.label).toUtf8();
+    const QByteArray hint = toolText(row.hint).toUtf8();
     const QByteArray longName = longToolName(row).toUtf8();
-    QAction *action = commands.add(
-        {iconName, row.label, iconName, row.hint, keys, "", true, longName.constData()});
+    QAction *action = commands.add({iconName, label.constData(), iconName, hint.constData(), keys,
+                                    "", true, longName.constData()});
     action->setData(row.type);
     return action;
 }

@@ -13,6 +13,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QLineEdit>
 #include <QPainter>
 #include <QSignalBlocker>
@@ -22,17 +23,22 @@ namespace marlowen {
 namespace {
 
 constexpr CommandRow commandRows[] = {
-    {"materialAmbient", "Ambient", "", "Colour of the parts the light does not reach.", "",
-     "A preset cannot be changed. Clone it first."},
-    {"materialDiffuse", "Diffuse", "", "Colour in the light.", "",
-     "A preset cannot be changed. Clone it first."},
-    {"materialSpecular", "Specular", "", "Colour of the highlights.", "",
-     "A preset cannot be changed. Clone it first."},
-    {"materialClone", "Clone", "clone", "Makes a copy of the material that can be changed.", "",
-     ""},
-    {"materialDelete", "Delete", "delete", "Removes the material.", "",
-     "A preset cannot be deleted."},
-    {"theme", "Dark", "Theme Dark", "Changes between the light and the dark theme.", "", ""},
+    {"materialAmbient", QT_TRANSLATE_NOOP("Commands", "Ambient"), "",
+     QT_TRANSLATE_NOOP("Commands", "Colour of the parts the light does not reach."), "",
+     QT_TRANSLATE_NOOP("Commands", "A preset cannot be changed. Clone it first.")},
+    {"materialDiffuse", QT_TRANSLATE_NOOP("Commands", "Diffuse"), "",
+     QT_TRANSLATE_NOOP("Commands", "Colour in the light."), "",
+     QT_TRANSLATE_NOOP("Commands", "A preset cannot be changed. Clone it first.")},
+    {"materialSpecular", QT_TRANSLATE_NOOP("Commands", "Specular"), "",
+     QT_TRANSLATE_NOOP("Commands", "Colour of the highlights."), "",
+     QT_TRANSLATE_NOOP("Commands", "A preset cannot be changed. Clone it first.")},
+    {"materialClone", QT_TRANSLATE_NOOP("Commands", "Clone"), "clone",
+     QT_TRANSLATE_NOOP("Commands", "Makes a copy of the material that can be changed."), "", ""},
+    {"materialDelete", QT_TRANSLATE_NOOP("Commands", "Delete"), "delete",
+     QT_TRANSLATE_NOOP("Commands", "Removes the material."), "",
+     QT_TRANSLATE_NOOP("Commands", "A preset cannot be deleted.")},
+    {"theme", QT_TRANSLATE_NOOP("Commands", "Dark"), "Theme Dark",
+     QT_TRANSLATE_NOOP("Commands", "Changes between the light and the dark theme."), "", ""},
 };
 
 constexpr const char *termCommands[MaterialEditor::termCount] = {
@@ -86,7 +92,8 @@ void ViewSettingsPage::_buildLight(RibbonPage &page)
     int index = 0;
     for (const LightPosition &position : lightPositions()) {
         const QString name = QString::fromLatin1(position.icon).section(QLatin1Char('/'), -1);
-        m_light->addItem(index, lightPlaces[index], icon(name), tr(position.label));
+        m_light->addItem(index, lightPlaces[index], icon(name),
+                         QCoreApplication::translate("Light", position.label));
         ++index;
     }
     group->addTall(m_light);

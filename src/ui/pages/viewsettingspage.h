@@ -78,6 +78,9 @@ struct PointerSize
     int percent;
 };
 inline constexpr std::array<PointerSize, 4> pointerSizes{
-    {{"Normal", 100}, {"Large", 150}, {"Larger", 200}, {"Largest", 300}}};
+    {{QT_TRANSLATE_NOOP("marlowen::ViewSettingsPage", "Normal"), 100},
+     {QT_TRANSLATE_NOOP("marlowen::ViewSettingsPage", "Large"), 150},
+     {QT_TRANSLATE_NOOP("marlowen::ViewSettingsPage", "Larger"), 200},
+     {QT_TRANSLATE_NOOP("marlowen::ViewSettingsPage", "Largest"), 300}}};
 
 } // namespace marlowen
