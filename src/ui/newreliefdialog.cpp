@@ -26,7 +26,7 @@ constexpr double firstLevel = 16.0;
 
 struct Unit
 {
-    const char *label;
+    QString label;
     double cells; ///< cells in one of it
     int sizeDecimals;
     int levelDecimals;
@@ -36,9 +36,9 @@ struct Unit
 Unit unitAt(int index)
 {
     if (index <= 0)
-        return {"cells", 1.0, 0, 1};
+        return {NewReliefDialog::tr("cells"), 1.0, 0, 1};
     const LengthUnit &length = lengthUnits[size_t(index - 1)];
-    return {length.label, length.inches * cellsPerInch, length.decimals, length.decimals};
+    return {unitLabel(length), length.inches * cellsPerInch, length.decimals, length.decimals};
 }
 
 struct Amount
@@ -69,7 +69,7 @@ NewReliefDialog::NewReliefDialog(QWidget *parent)
 {
     setWindowTitle(tr("New Relief"));
     for (int i = 0; i <= int(lengthUnits.size()); ++i)
-        m_units->addItem(tr(unitAt(i).label));
+        m_units->addItem(unitAt(i).label);
     m_width->setAccessibleName(tr("Width"));
     m_height->setAccessibleName(tr("Height"));
     m_level->setAccessibleName(tr("Start height"));
@@ -149,7 +149,7 @@ QString NewReliefDialog::_objection() const
     if (widthCells() < smallestSide || heightCells() < smallestSide)
         return tr("A relief has at least 2 by 2 cells.");
     const double area = squareInches(widthCells(), heightCells());
-    return exceedsAreaLimit(area) ? sizeLimitSentence(area) : QString();
+    return exceedsAreaLimit(area) ? sizeLimitFailure(area).sentence : QString();
 }
 
 QString NewReliefDialog::_extent() const

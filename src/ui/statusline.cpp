@@ -32,12 +32,11 @@ void StatusLine::showExtent(const Relief *relief, int unit, double zoom)
     const auto length = [&shown](int cells) {
         return QString::number(cells / cellsPerInch / shown.inches, 'f', 2);
     };
-    m_extent->setText(
-        QStringLiteral("%1 × %2  ·  %3 × %4 %5  ·  %6 %")
-            .arg(relief->width())
-            .arg(relief->height())
-            .arg(length(relief->width()), length(relief->height()), QObject::tr(shown.label))
-            .arg(qRound(zoom * 100)));
+    m_extent->setText(QStringLiteral("%1 × %2  ·  %3 × %4 %5  ·  %6 %")
+                          .arg(relief->width())
+                          .arg(relief->height())
+                          .arg(length(relief->width()), length(relief->height()), unitLabel(shown))
+                          .arg(qRound(zoom * 100)));
 }
 
 } // namespace marlowen

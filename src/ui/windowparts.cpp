@@ -17,6 +17,7 @@
 #include "ui/ribbon/ribbonquickaccessbar.h"
 
 #include <QAction>
+#include <QCoreApplication>
 
 namespace marlowen {
 
@@ -52,8 +53,10 @@ constexpr CommandRow commandRows[] = {
 };
 
 /// Titles of the pages, in the order of WindowPages::Id.
-constexpr const char *pageTitles[] = {"View Settings", "Size",   "Sculpting Tools",
-                                      "2D Edit",       "Export", "Orient / Scale"};
+constexpr const char *pageTitles[] = {
+    QT_TRANSLATE_NOOP("Pages", "View Settings"),   QT_TRANSLATE_NOOP("Pages", "Size"),
+    QT_TRANSLATE_NOOP("Pages", "Sculpting Tools"), QT_TRANSLATE_NOOP("Pages", "2D Edit"),
+    QT_TRANSLATE_NOOP("Pages", "Export"),          QT_TRANSLATE_NOOP("Pages", "Orient / Scale")};
 
 constexpr int toolDockWidth = 300;
 constexpr int libraryDockWidth = 220;
@@ -82,7 +85,7 @@ WindowPages buildRibbon(RibbonMainWindow &window, CommandSet &commands, const To
     for (const char *id : {"undo", "redo", "zoomAll", "openLast"})
         quick->addCommand(commands[id]);
     for (const char *title : pageTitles)
-        window.ribbonBar()->addPage(QObject::tr(title));
+        window.ribbonBar()->addPage(QCoreApplication::translate("Pages", title));
     WindowPages pages{};
     pages.viewSettings =
         new ViewSettingsPage(pageOf(window, WindowPages::ViewSettings), commands, &window);

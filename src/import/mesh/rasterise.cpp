@@ -22,13 +22,13 @@ Outcome checkSize(const FacetShape &shape)
                        QCoreApplication::translate("Rasterise", sentence)};
     };
     if (!shape.hasArea())
-        return refused("Error! The model has no extent in x or y");
+        return refused(QT_TRANSLATE_NOOP("Rasterise", "Error! The model has no extent in x or y"));
     if (shape.tooBig())
-        return Failure{QLatin1String(sizeMessageTitle),
-                       sizeLimitSentence(shape.areaSquareInches())};
+        return sizeLimitFailure(shape.areaSquareInches());
     const FacetShape::GridSize size = shape.gridSize();
     if (!(size.columns * size.rows <= mostCells))
-        return refused("Error! The model is too long and thin for a relief");
+        return refused(
+            QT_TRANSLATE_NOOP("Rasterise", "Error! The model is too long and thin for a relief"));
     return {};
 }
 

@@ -17,10 +17,12 @@ struct PointerOptions
 /// How the pressure of the pen is bent before it acts: pressure to the power of `exponent`.
 struct PenCurve
 {
-    const char *label;
+    const char *label; ///< to be translated in the context "PenCurves"
     double exponent;
 };
-inline constexpr std::array<PenCurve, 3> penCurves{{{"Soft", 0.5}, {"Even", 1.0}, {"Firm", 2.0}}};
+inline constexpr std::array<PenCurve, 3> penCurves{{{QT_TRANSLATE_NOOP("PenCurves", "Soft"), 0.5},
+                                                    {QT_TRANSLATE_NOOP("PenCurves", "Even"), 1.0},
+                                                    {QT_TRANSLATE_NOOP("PenCurves", "Firm"), 2.0}}};
 
 /// Read from the settings once a process.
 const PointerOptions &pointerOptions();

@@ -49,7 +49,7 @@ void EditController::applySize(const SizeWish &inches)
     m_bench.endStroke();
     const double area = inches[0] * inches[1];
     if (exceedsAreaLimit(area))
-        return showFailure(m_window, {tr(sizeMessageTitle), sizeLimitSentence(area)});
+        return showFailure(m_window, sizeLimitFailure(area));
     const double highest = m_bench.changes().heightRange().maximum;
     const double zNow = highest * relief->zScale / cellsPerInch;
     const bool zAsked = highest > 0.0 && std::abs(inches[2] - zNow) > 1e-9 && inches[2] > 0.0;

@@ -74,8 +74,9 @@ void LookController::_showMaterial()
 
 void LookController::askForColor(int term)
 {
-    static constexpr const char *titles[] = {"Choose Ambient Material", "Choose Diffuse Material",
-                                             "Choose Specular Material"};
+    static constexpr const char *titles[] = {QT_TR_NOOP("Choose Ambient Material"),
+                                             QT_TR_NOOP("Choose Diffuse Material"),
+                                             QT_TR_NOOP("Choose Specular Material")};
     const QColor color =
         QColorDialog::getColor(m_materials->color(term), m_window, tr(titles[qBound(0, term, 2)]),
                                QColorDialog::ShowAlphaChannel);

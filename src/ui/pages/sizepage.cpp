@@ -95,7 +95,7 @@ SizePage::SizePage(RibbonPage &page, CommandSet &commands, QObject *parent)
     m_unit->setAccessibleName(tr("Units"));
     m_unit->setToolTip(tr("The unit that sizes are shown and typed in"));
     for (const LengthUnit &unit : lengthUnits)
-        m_unit->addItem(tr(unit.label));
+        m_unit->addItem(unitLabel(unit));
     units->addRow(m_unit);
     RibbonGroup *group =
         page.addGroup(tr("Scale && Size").replace(QStringLiteral("&&"), QStringLiteral("&")));
@@ -179,7 +179,7 @@ void SizePage::_showNumbers()
         field->setDecimals(unitRow.decimals);
         field->setRange(0.0, 10000.0 / unitRow.inches);
         field->setSingleStep(axis == zAxis ? 0.05 / unitRow.inches : 0.5 / unitRow.inches);
-        field->setSuffix(QLatin1Char(' ') + tr(unitRow.label));
+        field->setSuffix(QLatin1Char(' ') + unitLabel(unitRow));
         field->setValue(m_size.working[axis] / unitRow.inches);
         const bool flat = axis == zAxis && m_size.working[axis] <= 0.0;
         const QString reason = m_reason.isEmpty() && flat
@@ -205,7 +205,7 @@ QString SizePage::_sizeText(const std::array<double, 3> &inches) const
         return QLocale().toString(value / unitRow.inches, 'f', unitRow.decimals);
     };
     return QStringLiteral("%1 × %2 × %3 %4")
-        .arg(number(inches[0]), number(inches[1]), number(inches[2]), tr(unitRow.label));
+        .arg(number(inches[0]), number(inches[1]), number(inches[2]), unitLabel(unitRow));
 }
 
 void SizePage::cycleLock()

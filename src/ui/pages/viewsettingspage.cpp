@@ -195,7 +195,7 @@ void ViewSettingsPage::_buildPen(RibbonPage &page)
     curve->setAccessibleName(tr("Pen curve"));
     curve->setToolTip(tr("How hard the pen has to be pressed for the full effect."));
     for (const PenCurve &row : penCurves)
-        curve->addItem(tr(row.label));
+        curve->addItem(QCoreApplication::translate("PenCurves", row.label));
     curve->setCurrentIndex(pointerOptions().penCurve);
     group->addRow(curve);
     connect(curve, &QComboBox::activated, this, [](int index) {

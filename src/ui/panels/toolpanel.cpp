@@ -73,11 +73,12 @@ const std::array<ToolPanel::CheckRow, ToolPanel::checkCount> &ToolPanel::_checkR
 const std::array<ToolPanel::FlagRow, ToolPanel::flagCount> &ToolPanel::_flagRows()
 {
     static const std::array<FlagRow, flagCount> rows{{
-        {"X", "Every stroke is mirrored left to right.", "symmetry_x", UsesFootprint,
-         &ToolPanel::SymmetryXChanged},
-        {"Y", "Every stroke is mirrored top to bottom.", "symmetry_y", UsesFootprint,
-         &ToolPanel::SymmetryYChanged},
-        {"Invert", "The brush does the opposite: Deposit removes, Remove deposits.", "invert",
+        {QT_TR_NOOP("X"), QT_TR_NOOP("Every stroke is mirrored left to right."), "symmetry_x",
+         UsesFootprint, &ToolPanel::SymmetryXChanged},
+        {QT_TR_NOOP("Y"), QT_TR_NOOP("Every stroke is mirrored top to bottom."), "symmetry_y",
+         UsesFootprint, &ToolPanel::SymmetryYChanged},
+        {QT_TR_NOOP("Invert"),
+         QT_TR_NOOP("The brush does the opposite: Deposit removes, Remove deposits."), "invert",
          Inverts, &ToolPanel::InvertChanged},
     }};
     return rows;
