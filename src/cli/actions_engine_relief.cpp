@@ -1,8 +1,14 @@
+#include "cli/clifiles.h"
 #include "cli/scriptaction.h"
 #include "cli/scriptpoints.h"
 #include "cli/scriptstate.h"
-#include "relief/operations/operations.h"
+#include "relief/operations/operationtable.h"
 #include "relief/selection/selections.h"
+
+#include <QByteArrayList>
+
+#include <algorithm>
+#include <map>
 
 namespace marlowen {
 
@@ -10,7 +16,6 @@ namespace {
 
 constexpr char modifierNames[] = "Normal|Additive|Subtractive";
 constexpr char shapeNames[] = "rectangle|ellipse|polygon|magic|none";
-constexpr char maskNames[] = "clear|invert";
 
 /// A selection as the script gives it; the corners may lie off the grid.
 struct Choice
@@ -18,6 +23,7 @@ struct Choice
     QPointF point;
     QList<QPoint> cells;
     SelectionModifier modifier;
+    ToolParams tool; ///< tolerance and continuity of the magic selection
 };
 
 /// One shape: the key that says where it is and how many cells it takes, and how it is selected.
@@ -25,30 +31,29 @@ struct Shape
 {
     const char *key; ///< null for none
     int cells;       ///< exactly so many; 0: any number
-    void (*select)(ScriptState &state, const Choice &choice);
+    void (*select)(Relief &relief, const Choice &choice);
 };
 
 /// In the order of shapeNames.
 const Shape shapes[] = {
     {"cells", 2,
-     [](ScriptState &state, const Choice &choice) {
-         selectRectangle(*state.relief(), choice.cells[0], choice.cells[1], choice.modifier);
+     [](Relief &relief, const Choice &choice) {
+         selectRectangle(relief, choice.cells[0], choice.cells[1], choice.modifier);
      }},
     {"cells", 2,
-     [](ScriptState &state, const Choice &choice) {
-         selectEllipse(*state.relief(), choice.cells[0], choice.cells[1], choice.modifier);
+     [](Relief &relief, const Choice &choice) {
+         selectEllipse(relief, choice.cells[0], choice.cells[1], choice.modifier);
      }},
     {"cells", 0,
-     [](ScriptState &state, const Choice &choice) {
-         selectPolygon(*state.relief(), choice.cells, choice.modifier);
+     [](Relief &relief, const Choice &choice) {
+         selectPolygon(relief, choice.cells, choice.modifier);
      }},
     {"point", 0,
-     [](ScriptState &state, const Choice &choice) {
-         const ToolParams &tool = state.bench.tool;
-         const MagicSelection magic{choice.point, tool.tolerance, tool.continuous};
-         magicSelect(*state.relief(), magic, choice.modifier);
+     [](Relief &relief, const Choice &choice) {
+         const MagicSelection magic{choice.point, choice.tool.tolerance, choice.tool.continuous};
+         magicSelect(relief, magic, choice.modifier);
      }},
-    {nullptr, 0, [](ScriptState &state, const Choice &) { selectNone(*state.relief()); }},
+    {nullptr, 0, [](Relief &relief, const Choice &) { selectNone(relief); }},
 };
 
 /// Which of the keys that say where a shape is do not fit it; empty when all is well.
@@ -76,61 +81,92 @@ Outcome selectAction(ScriptState &state, const QJsonObject &arguments)
         return scriptFailure(wrong);
     const QString modifier =
         arguments.value(QLatin1String("modifier")).toString(QStringLiteral("Normal"));
-    shape.select(state, {pointOf(arguments.value(QLatin1String("point"))),
-                         cellsOf(arguments.value(QLatin1String("cells"))),
-                         static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier))});
-    return {};
+    const Choice choice{pointOf(arguments.value(QLatin1String("point"))),
+                        cellsOf(arguments.value(QLatin1String("cells"))),
+                        static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier)),
+                        state.bench.tool};
+    return state.bench.apply(
+        selectionOperation([&shape, &choice](Relief &relief) { shape.select(relief, choice); }));
 }
 
-Outcome mask(ScriptState &state, const QJsonObject &arguments)
+/// Every row of the operation table with this action, one or several parted by their word.
+std::vector<const OperationRow *> rowsOf(const QString &action)
 {
-    constexpr Operation (*operations[])() = {clearMaskOperation, invertMaskOperation};
-    const QString name = arguments.value(QLatin1String("op")).toString();
-    return state.bench.apply(operations[choiceIndex(maskNames, name)]());
+    std::vector<const OperationRow *> found;
+    for (const OperationRow &row : operationTable()) {
+        if (action == QLatin1String(row.action))
+            found.push_back(&row);
+    }
+    return found;
 }
 
-Outcome resizeAction(ScriptState &state, const QJsonObject &arguments)
+Outcome operationAction(ScriptState &state, const QJsonObject &arguments)
 {
-    const int width = arguments.value(QLatin1String("width")).toInt();
-    const int height = arguments.value(QLatin1String("height")).toInt();
-    if (static_cast<qint64>(width) * height > std::numeric_limits<int>::max())
-        return scriptFailure(QStringLiteral("resize: the relief would have too many cells"));
-    // The present size is no error.
-    return state.bench.apply(resizeOperation(width, height), &state.progress());
+    const QString action = arguments.value(QLatin1String("do")).toString();
+    const QString word = arguments.value(QLatin1String("op")).toString();
+    const auto rows = rowsOf(action);
+    const OperationRow &row = **std::ranges::find_if(
+        rows, [&word](const OperationRow *known) { return word == QLatin1String(known->word); });
+    OperationInput input;
+    for (const OperationNumber &number : row.numbers)
+        input.numbers.push_back(arguments.value(QLatin1String(number.key)).toDouble());
+    if (row.takesPoints)
+        input.points = pointsOf(arguments.value(QLatin1String("points")));
+    Outcome done = state.bench.apply(operation(row, input), &state.progress());
+    if (!done)
+        return scriptFailure(QStringLiteral("%1: %2").arg(action, oneLine(done.failure())));
+    return done;
 }
 
-Outcome zScale(ScriptState &state, const QJsonObject &arguments)
+/// "clear|invert"; empty for an action of one row. The text lives as long as the program.
+const char *wordsOf(const QString &action)
 {
-    return state.bench.apply(zScaleOperation(arguments.value(QLatin1String("value")).toDouble()));
+    static std::map<QString, QByteArray> known;
+    QByteArrayList words;
+    for (const OperationRow *row : rowsOf(action)) {
+        if (*row->word)
+            words.append(row->word);
+    }
+    return known.try_emplace(action, words.join('|')).first->second.constData();
 }
 
-Outcome crop(ScriptState &state, const QJsonObject &arguments)
+ScriptAction actionOf(const OperationRow &row)
 {
-    return state.bench.apply(cropOperation(pointsOf(arguments.value(QLatin1String("points")))));
+    std::vector<ScriptKey> keys;
+    if (*row.word)
+        keys.push_back({.name = "op",
+                        .type = KeyType::Choice,
+                        .required = true,
+                        .choices = wordsOf(QLatin1String(row.action))});
+    for (const OperationNumber &number : row.numbers)
+        keys.push_back({number.key, number.whole ? KeyType::Integer : KeyType::Number, true,
+                        number.range.minimum, number.range.maximum});
+    if (row.takesPoints)
+        keys.push_back({"points", KeyType::Points, true});
+    return {row.action, keys, operationAction};
+}
+
+std::vector<ScriptAction> allActions()
+{
+    std::vector<ScriptAction> actions{
+        {"select",
+         {{.name = "shape", .type = KeyType::Choice, .required = true, .choices = shapeNames},
+          {"cells", KeyType::Cells},
+          {"point", KeyType::Point},
+          {.name = "modifier", .type = KeyType::Choice, .choices = modifierNames}},
+         selectAction}};
+    for (const OperationRow &row : operationTable()) {
+        if (rowsOf(QLatin1String(row.action)).front() == &row)
+            actions.push_back(actionOf(row));
+    }
+    return actions;
 }
 
 } // namespace
 
 const std::vector<ScriptAction> &reliefActions()
 {
-    static const std::vector<ScriptAction> actions{
-        {"select",
-         {{.name = "shape", .type = KeyType::Choice, .required = true, .choices = shapeNames},
-          {"cells", KeyType::Cells},
-          {"point", KeyType::Point},
-          {.name = "modifier", .type = KeyType::Choice, .choices = modifierNames}},
-         selectAction},
-        {"mask",
-         {{.name = "op", .type = KeyType::Choice, .required = true, .choices = maskNames}},
-         mask},
-        {"resize",
-         {{"width", KeyType::Integer, true, 2.0}, {"height", KeyType::Integer, true, 2.0}},
-         resizeAction},
-        {"zscale",
-         {{"value", KeyType::Number, true, zScaleRange.minimum, zScaleRange.maximum}},
-         zScale},
-        {"crop", {{"points", KeyType::Points, true}}, crop},
-    };
+    static const std::vector<ScriptAction> actions = allActions();
     return actions;
 }
 

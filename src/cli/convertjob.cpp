@@ -2,7 +2,6 @@
 
 #include "cli/clifiles.h"
 #include "cli/commandoptions.h"
-#include "cli/scriptkeys.h"
 #include "cli/scriptstate.h"
 #include "files/formats.h"
 #include "import/openfile.h"

@@ -10,9 +10,6 @@
 
 namespace marlowen {
 
-/// A Z scale, in a script as on the command line.
-inline constexpr FieldRange zScaleRange{1e-6, 1e6};
-
 /// What the value of a key may be.
 enum class KeyType {
     Boolean,

@@ -31,6 +31,8 @@ CenterArea::CenterArea(Workbench &bench, QWidget *parent)
         setCurrentWidget(m_startPage);
     _setUp(*m_sculptWin);
     _setUp(*m_flatWin);
+    connect(m_flatWin, &FlatWin::shapeDrawn, &m_bench,
+            [this](const SelectionEdit &edit) { m_bench.apply(selectionOperation(edit)); });
 }
 
 void CenterArea::_setUp(ReliefView &view)
@@ -40,6 +42,7 @@ void CenterArea::_setUp(ReliefView &view)
     view.setChanges(&m_bench.changes());
     view.setTool(&m_bench.tool);
     connect(&view, &ReliefView::reliefEdited, &m_bench, &Workbench::strokeEnded);
+    connect(&view, &ReliefView::selectionChanged, &m_bench, &Workbench::strokeEnded);
 }
 
 void CenterArea::showRelief()

@@ -8,6 +8,7 @@
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
+#include "ui/controllers/openablefiles.h"
 #include "ui/pages/toolspage.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/sculptpanels.h"
@@ -95,7 +96,6 @@ void MainWindow::_connectViews()
         connect(view, &ReliefView::toolSizeUpdated, this, &MainWindow::toolSizeUpdated);
         connect(view, &ReliefView::toolStrengthUpdated, this, &MainWindow::toolStrengthUpdated);
         connect(view, &ReliefView::sampleChanged, this, &MainWindow::sampleChanged);
-        connect(view, &ReliefView::selectionChanged, this, &MainWindow::setupControls);
     }
     connect(sculptWin(), &ReliefView::cameraChanged, this, &MainWindow::showExtent);
     connect(flatWin(), &FlatWin::cropChanged, this, &MainWindow::setupControls);
@@ -200,13 +200,13 @@ void MainWindow::changeEvent(QEvent *event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!dialogsOpen() && !FileController::firstOpenable(*event->mimeData()).isEmpty())
+    if (!dialogsOpen() && !firstOpenable(*event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent *event)
 {
-    const QString path = FileController::firstOpenable(*event->mimeData());
+    const QString path = firstOpenable(*event->mimeData());
     if (path.isEmpty())
         return;
     event->acceptProposedAction();
@@ -307,13 +307,6 @@ void MainWindow::applyCrop()
 {
     if (m_edits->applyCrop(flatWin()->cropOutline()))
         flatWin()->cancelShape();
-}
-
-void MainWindow::selectNoneClicked()
-{
-    m_bench.endStroke();
-    flatWin()->selectNone();
-    setupControls();
 }
 
 void MainWindow::selectionModifierChanged(SelectionModifier modifier)

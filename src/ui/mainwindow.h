@@ -50,6 +50,7 @@ public:
     SculptWin *sculptWin() const;
     FlatWin *flatWin() const;
     ExportController &exports() { return *m_exports; }
+    EditController &edits() { return *m_edits; }
 
 public slots:
     /// Opens the file given to setImportFile().
@@ -102,9 +103,9 @@ public slots:
     void alphaChanged() { m_tool->alphaChanged(); }
 
     void applyCrop();
-    void clearMaskClicked() { m_edits->clearMask(); }
-    void invertMaskClicked() { m_edits->invertMask(); }
-    void selectNoneClicked();
+    void clearMaskClicked() { m_edits->run("maskClear"); }
+    void invertMaskClicked() { m_edits->run("maskInvert"); }
+    void selectNoneClicked() { m_edits->selectNone(); }
     void selectionModifierChanged(SelectionModifier modifier);
     void sampleChanged(double height) { m_edits->showSample(height); }
     void sampleEdited() { m_edits->sampleEdited(); }

@@ -1,6 +1,7 @@
 #include "ui/newreliefdialog.h"
 
 #include "relief/grid/physicalsize.h"
+#include "relief/grid/relief.h"
 #include "ui/ribbon/numberfield.h"
 
 #include <QComboBox>
@@ -11,6 +12,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
+#include <algorithm>
 #include <cmath>
 
 namespace marlowen {
@@ -125,6 +127,22 @@ int NewReliefDialog::heightCells() const
 double NewReliefDialog::level() const
 {
     return m_level->value() * m_cellsPerUnit;
+}
+
+Result<std::unique_ptr<Relief>> NewReliefDialog::makeRelief() const
+{
+    try {
+        auto relief = std::make_unique<Relief>(widthCells(), heightCells());
+        const auto start = static_cast<float>(level());
+        if (start > 0.0F) {
+            std::fill_n(relief->heights().data(), relief->cells(), start);
+            relief->referenceLayer().copyFrom(relief->heights());
+        }
+        return relief;
+    } catch (const std::bad_alloc &) {
+        return Failure{tr("New Failed"),
+                       tr("There is not enough memory for a relief of this size.")};
+    }
 }
 
 void NewReliefDialog::_unitChosen(int index)

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "base/result.h"
+
 #include <QDialog>
+
+#include <memory>
 
 class QComboBox;
 class QLabel;
@@ -9,6 +13,7 @@ class QPushButton;
 namespace marlowen {
 
 class NumberField;
+class Relief;
 
 /// Asks for the size and the start height of a new relief, in cells or in a unit of length. "OK"
 /// can be pressed only for sizes that can be made: at least 2 x 2 cells and less than 1000 square
@@ -24,6 +29,8 @@ public:
     int heightCells() const;
     /// Height of every cell, in heights of the relief (128 an inch).
     double level() const;
+    /// The relief asked for. Fails when there is not enough memory.
+    Result<std::unique_ptr<Relief>> makeRelief() const;
 
 private:
     void _arrange();

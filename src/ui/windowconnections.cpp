@@ -37,8 +37,6 @@ void connectCommands(MainWindow &window, const ToolActions &tools, const RecentF
     on("openLast", &MainWindow::openLastFile);
     on("exportStl", &MainWindow::exportStlFile);
     on("sendToDrafteon", &MainWindow::exportToDrafteon);
-    on("maskClear", &MainWindow::clearMaskClicked);
-    on("maskInvert", &MainWindow::invertMaskClicked);
     on("cropApply", &MainWindow::applyCrop);
     on("selectNone", &MainWindow::selectNoneClicked);
     on("materialClone", &MainWindow::cloneOkClicked);
@@ -46,6 +44,7 @@ void connectCommands(MainWindow &window, const ToolActions &tools, const RecentF
     on("theme", &MainWindow::switchTheme);
     on("smaller", [&window] { window.sculptWin()->brushSizeStep(0); });
     on("larger", [&window] { window.sculptWin()->brushSizeStep(1); });
+    window.edits().connectCommands(commands);
     QObject::connect(&tools, &ToolActions::chosen, &window, &MainWindow::toolChanged);
     for (QAction *action : recent.actions())
         QObject::connect(action, &QAction::triggered, &window, &MainWindow::openRecentFile);

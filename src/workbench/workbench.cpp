@@ -1,10 +1,8 @@
 #include "workbench/workbench.h"
 
-#include "files/formats.h"
 #include "files/workspacefile.h"
 #include "relief/grid/relief.h"
 
-#include <QFileInfo>
 #include <QScopedValueRollback>
 
 #include <new>
@@ -16,13 +14,6 @@ Workbench::Workbench(QObject *parent)
     : QObject(parent)
 {
     m_session.changed = [this] { _importEdited(); };
-}
-
-Workbench::~Workbench()
-{
-    m_engine.attach(nullptr, nullptr);
-    m_session.attach(nullptr);
-    m_changes.setRelief(nullptr);
 }
 
 void Workbench::take(std::unique_ptr<Relief> relief, QString file)
@@ -42,16 +33,6 @@ void Workbench::take(std::unique_ptr<Relief> relief, QString file)
     emit modifiedChanged(false);
     emit changed();
     emit stepDone({Step::Opened, m_relief ? m_relief->rect() : QRect(), {}});
-}
-
-QString Workbench::workspaceFile() const
-{
-    return isWorkspace(m_file) ? m_file : QString();
-}
-
-QString Workbench::name() const
-{
-    return QFileInfo(m_file).fileName();
 }
 
 Outcome Workbench::save(const QString &file)
@@ -75,7 +56,10 @@ Outcome Workbench::apply(const Operation &operation, Progress *progress)
         return {};
     _settle();
     const Outcome done = _run(operation, m_history, progress);
-    _announce(Step::Edit);
+    if (operation.isWork)
+        _announce(Step::Edit);
+    else
+        _show();
     return done;
 }
 

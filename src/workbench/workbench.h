@@ -41,7 +41,6 @@ class Workbench : public QObject
 
 public:
     explicit Workbench(QObject *parent = nullptr);
-    ~Workbench() override;
 
     /// The tool record; it outlives the relief.
     ToolParams tool;
@@ -64,19 +63,17 @@ public:
     /// while the old relief still lives.
     void take(std::unique_ptr<Relief> relief, QString file = {});
 
-    /// Where Save writes without asking; empty when the relief came from something else.
-    QString workspaceFile() const;
-    /// File name without folder for the title; empty for a new relief.
-    QString name() const;
+    /// Where the relief came from or was saved last; empty for a new one.
+    const QString &file() const { return m_file; }
     /// Ends a stroke in progress and writes a workspace: it is the relief's from now on, and the
     /// relief is unmodified.
     Outcome save(const QString &file);
     /// False again when undo or redo leads back to what was opened or saved.
     bool isModified() const { return m_modified; }
 
-    /// Ends a stroke in progress, runs the operation and announces what it changed. What it changed
-    /// without recording it counts as modified until it is saved. Fails with the operation, or when
-    /// memory is short.
+    /// Ends a stroke in progress, runs the operation and announces what it changed. Work that it
+    /// changed without recording it counts as modified until it is saved. Fails with the operation,
+    /// or when memory is short.
     Outcome apply(const Operation &operation, Progress *progress = nullptr);
     /// Ends the stroke in progress, if any, as a release off the relief does.
     void endStroke();

@@ -55,6 +55,10 @@ struct Stage
         view.setTool(&tool);
         view.setEngine(&engine);
         view.setChanges(&changes);
+        QObject::connect(&view, &FlatWin::shapeDrawn, [this](const SelectionEdit &edit) {
+            edit(*relief);
+            changes.notify();
+        });
         view.resize(480, 360);
         view.show();
         if (!QTest::qWaitForWindowExposed(&view))

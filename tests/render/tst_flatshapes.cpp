@@ -25,7 +25,7 @@ private slots:
 void TestFlatShapes::rectanglesCombine()
 {
     Stage stage(Tool::Rectangle);
-    QSignalSpy changed(&stage.view, &FlatWin::selectionChanged);
+    QSignalSpy changed(&stage.view, &FlatWin::shapeDrawn);
     stage.drag(stage.at(20.5, 60.5), stage.at(39.5, 41.5));
     QCOMPARE(selectedCells(*stage.relief), 20 * 20);
     QVERIFY(stage.relief->selectionActive);
@@ -60,7 +60,7 @@ void TestFlatShapes::polygonClosesBy()
 {
     QFETCH(int, way);
     Stage stage(Tool::Polygon);
-    QSignalSpy changed(&stage.view, &FlatWin::selectionChanged);
+    QSignalSpy changed(&stage.view, &FlatWin::shapeDrawn);
     stage.click(stage.at(20.5, 20.5));
     stage.click(stage.at(60.5, 20.5));
     stage.click(stage.at(60.5, 60.5));
@@ -81,7 +81,7 @@ void TestFlatShapes::polygonClosesBy()
 void TestFlatShapes::polygonTakesCornersBack()
 {
     Stage stage(Tool::Polygon);
-    QSignalSpy changed(&stage.view, &FlatWin::selectionChanged);
+    QSignalSpy changed(&stage.view, &FlatWin::shapeDrawn);
     for (const QPointF corner : {QPointF(20, 20), {60, 20}, {60, 60}, {100, 80}})
         stage.click(stage.at(corner.x() + 0.5, corner.y() + 0.5));
     stage.key(Qt::Key_Backspace);

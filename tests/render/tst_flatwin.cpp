@@ -151,9 +151,9 @@ void TestFlatWin::antsFollowTheSelection()
     QVERIFY(!stage.view.antsRunning());
     stage.view.show();
     QTRY_VERIFY(stage.view.antsRunning());
-    stage.view.selectNone();
+    selectNone(*stage.relief);
+    stage.changes.notify();
     stage.settle();
-    QVERIFY(!stage.relief->selectionActive);
     QVERIFY(!stage.view.outlinePresent());
     QVERIFY(!stage.view.antsRunning());
 }
@@ -239,7 +239,6 @@ void TestFlatWin::oddReliefsAndWindows()
     Stage stage(Tool::Rectangle);
     stage.view.setRelief(nullptr);
     stage.drag({100, 100}, {200, 200});
-    stage.view.selectNone();
     stage.settle();
     for (const QSize size : {QSize(1, 1), QSize(1, 400), QSize(400, 1), QSize(2, 2)}) {
         Relief relief(size.width(), size.height());

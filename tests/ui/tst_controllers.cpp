@@ -3,7 +3,7 @@
 #include "personathand.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
-#include "relief/operations/operations.h"
+#include "relief/operations/operationtable.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/commandset.h"
@@ -85,7 +85,7 @@ private:
     void _open()
     {
         QVERIFY(m_files->openFile(_dome()));
-        QVERIFY(m_bench->apply(zScaleOperation(2.5)));
+        QVERIFY(m_bench->apply(operation("zScale", {{2.5}})));
     }
     double _scaleInFile() const { return loadWorkspace(_dome()).value()->zScale; }
 

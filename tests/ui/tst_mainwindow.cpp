@@ -3,7 +3,7 @@
 #include "personathand.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
-#include "relief/operations/operations.h"
+#include "relief/operations/operationtable.h"
 #include "relief/tools/tooltable.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
@@ -181,7 +181,7 @@ void TestMainWindow::_stroke(ReliefView &view, QPoint from, QPoint to)
 
 void TestMainWindow::_modify()
 {
-    QVERIFY(m_window->workbench().apply(zScaleOperation(_relief().zScale + 0.5)));
+    QVERIFY(m_window->workbench().apply(operation("zScale", {{_relief().zScale + 0.5}})));
 }
 
 void TestMainWindow::everyToolButtonChoosesItsTool()
@@ -318,14 +318,14 @@ void TestMainWindow::everyCommandDoesWhatItSays()
 
     person.path = _path(QStringLiteral("dome.scp"));
     click("open");
-    QCOMPARE(bench.name(), QStringLiteral("dome.scp"));
+    QCOMPARE(bench.file(), person.path);
     m_window->openFile(_path(QStringLiteral("other.scp")), 0);
     click("openLast");
-    QCOMPARE(bench.name(), QStringLiteral("other.scp"));
+    QCOMPARE(bench.file(), _path(QStringLiteral("other.scp")));
 
     person.answers = {QMessageBox::Ok};
     click("new");
-    QVERIFY(bench.name().isEmpty());
+    QVERIFY(bench.file().isEmpty());
     QVERIFY(_relief().cells() > 4);
 
     person.titles.clear();
@@ -461,7 +461,7 @@ void TestMainWindow::recentFileThatIsGone()
     QTRY_VERIFY(button->isVisible());
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(person.titles, QStringList{QStringLiteral("Open Failed")});
-    QCOMPARE(m_window->workbench().name(), QStringLiteral("plate.PNG"));
+    QCOMPARE(m_window->workbench().file(), _path(QStringLiteral("plate.PNG")));
 }
 
 void TestMainWindow::typedSizeResamplesAndComesBack()

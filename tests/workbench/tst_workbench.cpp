@@ -2,6 +2,7 @@
 #include "import/imageimport.h"
 #include "relief/grid/relief.h"
 #include "relief/operations/operations.h"
+#include "relief/operations/operationtable.h"
 #include "workbench/workbench.h"
 
 #include <QPainter>
@@ -92,21 +93,21 @@ void TestWorkbench::everyStepIsTold()
     click(bench, {0.0, 0.0});
     QVERIFY(steps.cells.contains(side / 2, side / 2));
     QVERIFY(steps.cells.width() < side);
-    QVERIFY(bench.apply(resizeOperation(20, 30)));
+    QVERIFY(bench.apply(operation("resize", {{20, 30}})));
     QCOMPARE(steps.cells, QRect(0, 0, 20, 30));
     bench.undo();
     QCOMPARE(steps.cells, QRect(0, 0, side, side));
     bench.redo();
-    QVERIFY(bench.apply(zScaleOperation(2.0)));
+    QVERIFY(bench.apply(operation("zScale", {{2.0}})));
     QVERIFY(steps.cells.isEmpty());
-    QVERIFY(bench.apply(zScaleOperation(2.0)));
+    QVERIFY(bench.apply(operation("zScale", {{2.0}})));
     QVERIFY(bench.save(folder.filePath(QStringLiteral("a.scp"))));
     QCOMPARE(steps.take().join(QLatin1String(", ")),
              QStringLiteral("Opened, Stroke Deposit, Edit Resize, Undo Resize, Redo Resize, "
                             "Edit Z Scale, Saved"));
     // A stroke in progress is a step of its own before the edit that ends it.
     bench.engine().beginStroke(bench.tool, {0.0, 0.0});
-    QVERIFY(bench.apply(invertMaskOperation()));
+    QVERIFY(bench.apply(operation("maskInvert")));
     bench.undo();
     QCOMPARE(steps.take().join(QLatin1String(", ")),
              QStringLiteral("Stroke Deposit, Edit Invert Mask, Undo Invert Mask"));
@@ -124,7 +125,7 @@ void TestWorkbench::modifiedFollowsTheHistory()
     QVERIFY(!bench.isModified());
     bench.redo();
     QVERIFY(bench.save(folder.filePath(QStringLiteral("a.scp"))));
-    QCOMPARE(bench.name(), QStringLiteral("a.scp"));
+    QCOMPARE(bench.file(), folder.filePath(QStringLiteral("a.scp")));
     QVERIFY(!bench.isModified());
     bench.undo();
     QVERIFY(bench.isModified());
@@ -217,7 +218,7 @@ void TestWorkbench::stepsDropAPreview()
     bench.undo();
     QCOMPARE(heightsOf(bench), before);
     QVERIFY(bench.preview().run(keepColumns(5, 20)));
-    QVERIFY(bench.apply(zScaleOperation(2.0)));
+    QVERIFY(bench.apply(operation("zScale", {{2.0}})));
     QCOMPARE(heightsOf(bench), before);
     QCOMPARE(bench.history().count(), 1);
 }
@@ -233,7 +234,7 @@ void TestWorkbench::cancelledOrFailedEditChangesNothing()
     Workbench bench;
     bench.take(flat(5.0F));
     Impatient impatient;
-    QVERIFY(bench.apply(resizeOperation(30, 100), &impatient));
+    QVERIFY(bench.apply(operation("resize", {{30, 100}}), &impatient));
     QCOMPARE(bench.relief()->width(), side);
     const Outcome failed =
         bench.apply({{}, [](Relief &, const EditRun &) -> Outcome { throw std::bad_alloc(); }});

@@ -22,8 +22,8 @@ struct PendingCells
 /// region and its heights-changed and appearance-changed flags); this object takes that from it,
 /// clears it there, and keeps it for every view until that view has drawn it.
 ///
-/// The window makes one, gives it to its views (ReliefView::setChanges) and calls notify() after
-/// every change of the relief that did not come from a view. It owns nothing.
+/// The workbench has one, which the views of its relief share (ReliefView::setChanges), and calls
+/// notify() after every change that is no stroke of a view. It owns nothing.
 class ReliefChanges : public QObject
 {
     Q_OBJECT

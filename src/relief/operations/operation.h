@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <utility>
 
 namespace marlowen {
 
@@ -29,13 +30,29 @@ struct EditRun
     bool closeGroup;    ///< false: later events join the same step
 };
 
-/// One edit of the whole relief, ready to run: what the step is called (English, for "Undo %1") and
-/// what it does. It marks the changes in the relief, records them in run.undo as one step, and
-/// leaves the relief as it was when it fails or is cancelled; to be cancelled is no failure.
+/// One edit of the relief, ready to run: what the step is called (English, for "Undo %1") and what
+/// it does. It marks the changes in the relief, records them in run.undo as one step, and leaves
+/// the relief as it was when it fails or is cancelled; to be cancelled is no failure. The
+/// operations that commands and scripts offer are rows of operationTable().
 struct Operation
 {
     QString name;
     std::function<Outcome(Relief &relief, const EditRun &run)> run;
+    bool isWork = true; ///< false: it changes the selection alone, which is no step and not saved
 };
+
+/// A change of the selection, ready to be made.
+using SelectionEdit = std::function<void(Relief &relief)>;
+
+/// The same as an operation.
+inline Operation selectionOperation(SelectionEdit edit)
+{
+    return {{},
+            [edit = std::move(edit)](Relief &relief, const EditRun &) {
+                edit(relief);
+                return Outcome();
+            },
+            false};
+}
 
 } // namespace marlowen

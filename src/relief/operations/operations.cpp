@@ -146,44 +146,4 @@ void invertMask(Relief &relief, const EditRun &run)
     });
 }
 
-Operation resizeOperation(int newWidth, int newHeight)
-{
-    return {QStringLiteral("Resize"), [=](Relief &relief, const EditRun &run) {
-                resize(relief, newWidth, newHeight, run);
-                return Outcome();
-            }};
-}
-
-Operation zScaleOperation(double value)
-{
-    return {QStringLiteral("Z Scale"), [=](Relief &relief, const EditRun &run) {
-                setZScale(relief, value, run);
-                return Outcome();
-            }};
-}
-
-Operation cropOperation(const QList<QPointF> &outline)
-{
-    return {QStringLiteral("Crop"), [=](Relief &relief, const EditRun &run) {
-                cropApply(relief, outline, run);
-                return Outcome();
-            }};
-}
-
-Operation clearMaskOperation()
-{
-    return {QStringLiteral("Clear Mask"), [](Relief &relief, const EditRun &run) {
-                clearMask(relief, run);
-                return Outcome();
-            }};
-}
-
-Operation invertMaskOperation()
-{
-    return {QStringLiteral("Invert Mask"), [](Relief &relief, const EditRun &run) {
-                invertMask(relief, run);
-                return Outcome();
-            }};
-}
-
 } // namespace marlowen

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "base/fieldtable.h"
 #include "relief/operations/operation.h"
 
 #include <QList>
 #include <QPointF>
 
 namespace marlowen {
+
+/// The Z scales that a person or a script may set.
+inline constexpr FieldRange zScaleRange{1e-6, 1e6};
 
 /// Operations on the whole relief; each is one undo step where run.undo is given. All but the Z
 /// scale do nothing while a stroke is in progress. They throw std::bad_alloc.
@@ -26,12 +30,5 @@ void cropApply(Relief &relief, const QList<QPointF> &outline, const EditRun &run
 void clearMask(Relief &relief, const EditRun &run);
 /// Every mask value m becomes 1 - m.
 void invertMask(Relief &relief, const EditRun &run);
-
-/// The same, ready to run.
-Operation resizeOperation(int newWidth, int newHeight);
-Operation zScaleOperation(double value);
-Operation cropOperation(const QList<QPointF> &outline);
-Operation clearMaskOperation();
-Operation invertMaskOperation();
 
 } // namespace marlowen

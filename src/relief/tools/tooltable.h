@@ -27,7 +27,11 @@ enum ToolUse : unsigned {
     UsesPlane = 1U << 13,   ///< works toward the mean of its footprint (Dab::plane)
     PaintsMask = 1U << 14,  ///< changes the mask in place of the heights
     DabsAtCells = 1U << 15, ///< its dabs lie one cell apart however large it is
+    DabsIn2d = 1U << 16,    ///< a brush that acts in the 2D view, too
 };
+
+/// What the pointer draws with a tool of the kind Shape.
+enum class ToolShape { None, Rectangle, Ellipse, Polygon, CropBox };
 
 /// How a tool is worked.
 enum class ToolKind { Brush, Click, Shape, None };
@@ -52,6 +56,7 @@ struct ToolRow
     const char *keys;             ///< shortcut
     const char *hint;             ///< one sentence: what it does
     ToolKind kind = ToolKind::Brush;
+    ToolShape shape = ToolShape::None;
     ToolGroup group = ToolGroup::None;
     int order = 0;     ///< within its group
     unsigned uses = 0; ///< ToolUse bits

@@ -2,7 +2,7 @@
 
 #include "relief/grid/relief.h"
 #include "relief/strokes/sculptengine.h"
-#include "relief/tools/tool.h"
+#include "relief/tools/tooltable.h"
 #include "render/engines/legacyshader.h"
 #include "render/views/flatvertices.h"
 
@@ -18,19 +18,10 @@ namespace {
 
 constexpr double mostLevels = 65536.0;
 
-bool isShapeTool(int type)
+bool dabsHere(int type)
 {
-    return type >= Tool::Rectangle && type <= Tool::Crop;
-}
-
-bool isClickTool(int type)
-{
-    return type == Tool::Magic || type == Tool::Sample || type == Tool::Fill;
-}
-
-bool hasFootprintHere(int type)
-{
-    return type == Tool::HeightBrush || type == Tool::Erase;
+    const ToolRow *row = toolRow(type);
+    return row && row->has(DabsIn2d);
 }
 
 /// The pointer for what a press on the crop box would take hold of.
@@ -81,7 +72,9 @@ void FlatWin::setRelief(Relief *relief, bool resize)
 
 bool FlatWin::actsHere(int toolType)
 {
-    return isShapeTool(toolType) || isClickTool(toolType) || hasFootprintHere(toolType);
+    const ToolRow *row = toolRow(toolType);
+    return row &&
+           (row->kind == ToolKind::Click || row->kind == ToolKind::Shape || row->has(DabsIn2d));
 }
 
 std::unique_ptr<Shader> FlatWin::createShader(bool legacy)
@@ -155,7 +148,7 @@ void FlatWin::drawOverlays(QOpenGLFunctions_2_1 &gl)
     m_ants.update(gl, *relief(), drawRegion(), camera().zoom * devicePixelRatioF());
     m_ants.draw(gl, devicePixelRatioF());
     const bool free = mode() == NoMode || mode() == SculptMode;
-    if (free && hasFootprintHere(tool().type))
+    if (free && dabsHere(tool().type))
         drawFootprint(gl);
 }
 
@@ -179,14 +172,6 @@ void FlatWin::hideEvent(QHideEvent *event)
     // The next paint starts them again.
     m_ants.pause();
     ReliefView::hideEvent(event);
-}
-
-void FlatWin::selectNone()
-{
-    if (!relief())
-        return;
-    marlowen::selectNone(*relief());
-    _selectionEdited();
 }
 
 void FlatWin::cancelShape()
@@ -241,25 +226,9 @@ void FlatWin::_shapeChanged()
 
 void FlatWin::_finishShape()
 {
-    switch (m_shape.tool()) {
-    case Tool::Rectangle:
-        selectRectangle(*relief(), cellAt(m_shape.from()), cellAt(m_shape.to()), m_modifier);
-        break;
-    case Tool::Elliptical:
-        selectEllipse(*relief(), m_shape.from(), m_shape.to(), m_modifier);
-        break;
-    default:
-        selectPolygon(*relief(), m_shape.corners(), m_modifier);
-        break;
-    }
+    const SelectionEdit edit = m_shape.selection(m_modifier);
     m_shape.cancel();
-    _selectionEdited();
-}
-
-void FlatWin::_selectionEdited()
-{
-    changes()->notify();
-    emit selectionChanged();
+    emit shapeDrawn(edit);
 }
 
 QPointF FlatWin::_gridAt(QPointF position) const
@@ -352,7 +321,7 @@ bool FlatWin::_handlesKey(int key) const
         return false;
     const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
     return key == Qt::Key_Escape || (enter && (m_shape.close() || !cropBox().isEmpty())) ||
-           (key == Qt::Key_Backspace && m_shape.tool() == Tool::Polygon);
+           (key == Qt::Key_Backspace && m_shape.shape() == ToolShape::Polygon);
 }
 
 bool FlatWin::event(QEvent *event)

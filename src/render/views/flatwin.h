@@ -54,8 +54,6 @@ public slots:
     void colorOffsetChanged(double offset);
     /// Number of height levels, at least 2.
     void quantizationChanged(double levels);
-    /// No selection.
-    void selectNone();
     /// Forgets a shape being drawn and the crop box.
     void cancelShape();
 
@@ -64,6 +62,8 @@ signals:
     void cropChanged(bool present);
     /// Enter or a double-click in the crop box.
     void cropApplyRequested();
+    /// A shape was drawn. Whoever owns the relief makes the edit.
+    void shapeDrawn(const marlowen::SelectionEdit &edit);
 
 protected:
     std::unique_ptr<Shader> createShader(bool legacy) override;
@@ -90,7 +90,6 @@ private:
     void _pressEngine(QMouseEvent *event);
     void _shapeChanged();
     void _finishShape();
-    void _selectionEdited();
     void _drawShape(QOpenGLFunctions_2_1 &gl);
     void _updateCursor(QPointF position);
     bool _handlesKey(int key) const;

@@ -61,7 +61,7 @@ signals:
     void reliefEdited();
     /// The Sample tool picked a height.
     void sampleChanged(double height);
-    /// A shape, a magic selection or selectNone() changed the selection.
+    /// A magic selection changed the selection.
     void selectionChanged();
 
 protected:

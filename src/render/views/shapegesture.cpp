@@ -1,7 +1,5 @@
 #include "render/views/shapegesture.h"
 
-#include "relief/tools/tool.h"
-
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -59,13 +57,10 @@ void ShapeGesture::setTool(int type, QSize grid)
     if (type == m_tool && grid == m_grid)
         return;
     cancel();
+    const ToolRow *row = toolRow(type);
     m_tool = type;
+    m_shape = row ? row->shape : ToolShape::None;
     m_grid = grid;
-}
-
-bool ShapeGesture::usable() const
-{
-    return m_tool >= Tool::Rectangle && m_tool <= Tool::Crop && !m_grid.isEmpty();
 }
 
 void ShapeGesture::cancel()
@@ -86,7 +81,7 @@ void ShapeGesture::press(QPointF at, double pixel)
     if (!usable())
         return;
     m_to = at;
-    if (m_tool == Tool::Polygon) {
+    if (m_shape == ToolShape::Polygon) {
         if (!_nearFirstCorner(at, pixel))
             m_corners.append(cellAt(at));
         return;
@@ -101,25 +96,43 @@ void ShapeGesture::moveTo(QPointF at, double pixel)
 {
     m_to = at;
     const bool twitch = m_hold == 0 && distance(m_from, at) < smallestDrag * pixel;
-    if (m_dragging && m_tool == Tool::Crop && !twitch)
+    if (m_dragging && m_shape == ToolShape::CropBox && !twitch)
         _dragBox(at);
 }
 
 bool ShapeGesture::release(QPointF at, double pixel)
 {
-    if (m_tool == Tool::Polygon)
+    if (m_shape == ToolShape::Polygon)
         return _nearFirstCorner(at, pixel) && close();
     if (!m_dragging)
         return false;
     moveTo(at, pixel);
     m_dragging = false;
     m_hold = 0;
-    return m_tool != Tool::Crop && distance(m_from, at) >= smallestDrag * pixel;
+    return m_shape != ToolShape::CropBox && distance(m_from, at) >= smallestDrag * pixel;
+}
+
+SelectionEdit ShapeGesture::selection(SelectionModifier modifier) const
+{
+    switch (m_shape) {
+    case ToolShape::Rectangle:
+        return [from = cellAt(m_from), to = cellAt(m_to), modifier](Relief &relief) {
+            selectRectangle(relief, from, to, modifier);
+        };
+    case ToolShape::Ellipse:
+        return [from = m_from, to = m_to, modifier](Relief &relief) {
+            selectEllipse(relief, from, to, modifier);
+        };
+    default:
+        return [corners = m_corners, modifier](Relief &relief) {
+            selectPolygon(relief, corners, modifier);
+        };
+    }
 }
 
 bool ShapeGesture::close() const
 {
-    return m_tool == Tool::Polygon && m_corners.size() >= 3;
+    return m_shape == ToolShape::Polygon && m_corners.size() >= 3;
 }
 
 void ShapeGesture::removeLastCorner()
@@ -169,7 +182,7 @@ void ShapeGesture::_dragBox(QPointF at)
 
 int ShapeGesture::holdAt(QPointF at, double pixel) const
 {
-    if (m_tool != Tool::Crop || m_box.isEmpty())
+    if (m_shape != ToolShape::CropBox || m_box.isEmpty())
         return 0;
     const QRectF box(m_box);
     const double reach = handleReach * pixel;
@@ -186,27 +199,27 @@ int ShapeGesture::holdAt(QPointF at, double pixel) const
 
 QPolygonF ShapeGesture::preview() const
 {
-    if (m_tool == Tool::Crop)
+    if (m_shape == ToolShape::CropBox)
         return m_box.isEmpty() ? QPolygonF() : rectangleOf(m_box);
-    if (m_tool == Tool::Polygon && !m_corners.isEmpty()) {
+    if (m_shape == ToolShape::Polygon && !m_corners.isEmpty()) {
         QPolygonF line(QPolygonF(m_corners).translated(0.5, 0.5));
         line.append(m_to);
         return line;
     }
     if (!m_dragging)
         return {};
-    return m_tool == Tool::Rectangle ? rectangleOf(cellsBetween(cellAt(m_from), cellAt(m_to)))
-                                     : ellipseOf(m_from, m_to);
+    return m_shape == ToolShape::Rectangle ? rectangleOf(cellsBetween(cellAt(m_from), cellAt(m_to)))
+                                           : ellipseOf(m_from, m_to);
 }
 
 bool ShapeGesture::previewClosed() const
 {
-    return m_tool != Tool::Polygon;
+    return m_shape != ToolShape::Polygon;
 }
 
 QPolygonF ShapeGesture::handles() const
 {
-    if (m_tool != Tool::Crop || m_box.isEmpty())
+    if (m_shape != ToolShape::CropBox || m_box.isEmpty())
         return {};
     const QPolygonF corners = rectangleOf(m_box);
     QPolygonF points;

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "relief/operations/operation.h"
+#include "relief/selection/selections.h"
+#include "relief/tools/tooltable.h"
+
 #include <QPointF>
 #include <QPolygon>
 #include <QPolygonF>
@@ -21,7 +25,9 @@ public:
     void setTool(int type, QSize grid);
     int tool() const { return m_tool; }
     QSize grid() const { return m_grid; }
-    bool usable() const;
+    /// What it draws; None for types that are no shape tool.
+    ToolShape shape() const { return m_shape; }
+    bool usable() const { return m_shape != ToolShape::None && !m_grid.isEmpty(); }
 
     /// `pixel` is the length of one logical pixel in cells: how near counts as on a handle or on
     /// the first corner, and how far as a drag.
@@ -41,10 +47,8 @@ public:
     /// A button is held on the shape.
     bool dragging() const { return m_dragging; }
 
-    // The finished shape.
-    QPointF from() const { return m_from; }
-    QPointF to() const { return m_to; }
-    QPolygon corners() const { return m_corners; }
+    /// Selects the finished shape.
+    SelectionEdit selection(SelectionModifier modifier) const;
     /// Cells, never beyond the grid; empty without one.
     QRect cropBox() const { return m_box; }
 
@@ -64,6 +68,7 @@ private:
     QPoint _cellOnGrid(QPointF at) const;
 
     int m_tool = -1;
+    ToolShape m_shape = ToolShape::None;
     QSize m_grid;
     bool m_dragging = false;
     QPointF m_from; ///< where the drag began

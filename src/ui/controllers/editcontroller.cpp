@@ -3,6 +3,7 @@
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 #include "relief/operations/operations.h"
+#include "relief/selection/selections.h"
 #include "relief/tools/tool.h"
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
@@ -11,6 +12,7 @@
 #include "workbench/workbench.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QWidget>
 
 #include <cmath>
@@ -36,7 +38,8 @@ EditController::EditController(Workbench &bench, const Pages &pages, QWidget *wi
 
 void EditController::apply(const Operation &operation)
 {
-    ProgressBox progress(tr(operation.name.toLatin1().constData()), m_window);
+    const QByteArray name = operation.name.toLatin1();
+    ProgressBox progress(QCoreApplication::translate("Commands", name.constData()), m_window);
     if (const Outcome done = m_bench.apply(operation, &progress); !done)
         showFailure(m_window, done.failure());
 }
@@ -56,7 +59,8 @@ void EditController::applySize(const SizeWish &inches)
     const int width = cellsOf(inches[0]);
     const int height = cellsOf(inches[1]);
     const double zScale = zAsked ? inches[2] * cellsPerInch / highest : relief->zScale;
-    apply({QStringLiteral("Size"), [=](Relief &sized, const EditRun &run) {
+    const char *step = QT_TRANSLATE_NOOP("Commands", "Size");
+    apply({QLatin1String(step), [=](Relief &sized, const EditRun &run) {
                resize(sized, width, height, {run.undo, run.progress, !zAsked});
                if (!run.cancelled())
                    setZScale(sized, zScale, run);
@@ -69,18 +73,21 @@ bool EditController::applyCrop(const QList<QPointF> &outline)
     if (outline.isEmpty() || m_bench.tool.type != Tool::Crop ||
         !reasonAgainstEditing(m_bench).isEmpty())
         return false;
-    apply(cropOperation(outline));
+    apply(operation("crop", {.points = outline}));
     return true;
 }
 
-void EditController::clearMask()
+void EditController::connectCommands(const CommandSet &commands)
 {
-    apply(clearMaskOperation());
+    for (const OperationRow &row : operationTable()) {
+        if (row.group != OperationGroup::None)
+            connect(commands[row.id], &QAction::triggered, this, [this, &row] { run(row.id); });
+    }
 }
 
-void EditController::invertMask()
+void EditController::selectNone()
 {
-    apply(invertMaskOperation());
+    m_bench.apply(selectionOperation(marlowen::selectNone));
 }
 
 void EditController::showSample(double height)
@@ -118,8 +125,10 @@ void EditController::setupControls(CommandSet &commands, bool cropDrawn) const
 {
     const Relief *relief = m_bench.relief();
     const QString reason = reasonAgainstEditing(m_bench);
-    for (const char *id : {"maskClear", "maskInvert"})
-        commands.setReason(id, reason);
+    for (const OperationRow &row : operationTable()) {
+        if (row.group != OperationGroup::None)
+            commands.setReason(row.id, reason);
+    }
     commands["cropApply"]->setEnabled(reason.isEmpty() && m_bench.tool.type == Tool::Crop &&
                                       cropDrawn);
     commands["selectNone"]->setEnabled(relief && relief->selectionActive);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "relief/operations/operation.h"
+#include "relief/operations/operationtable.h"
 #include "ui/pages/sizepage.h"
 
 #include <QObject>
@@ -36,8 +36,11 @@ public:
     void applySize(const SizeWish &inches);
     /// Empties what lies outside the outline. False when there is none or Crop is not the tool.
     bool applyCrop(const QList<QPointF> &outline);
-    void clearMask();
-    void invertMask();
+    /// Runs a row of the operation table that takes no input.
+    void run(const char *id) { apply(operation(id)); }
+    /// Runs the rows that have commands when these are chosen.
+    void connectCommands(const CommandSet &commands);
+    void selectNone();
 
     void showSample(double height);
     /// The user typed another sample height.

@@ -29,7 +29,7 @@ void ExportController::exportStl()
     if (!m_bench.relief())
         return;
     m_bench.endStroke();
-    const QString name = QFileInfo(m_bench.name()).completeBaseName();
+    const QString name = QFileInfo(m_bench.file()).completeBaseName();
     const QString path =
         askForTarget(m_window, {tr("Export"), tr("Export (*.stl);;"), QStringLiteral("stl"),
                                 QStringLiteral(".stl"), QevSettings().lastExportFolder(), name});

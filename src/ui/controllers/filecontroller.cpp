@@ -8,6 +8,7 @@
 #include "relief/grid/relief.h"
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
+#include "ui/controllers/openablefiles.h"
 #include "ui/newreliefdialog.h"
 #include "workbench/workbench.h"
 
@@ -15,32 +16,13 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPushButton>
-#include <QUrl>
 
-#include <algorithm>
 #include <new>
 
 namespace marlowen {
 
-namespace {
-
 using Loaded = Result<std::unique_ptr<Relief>>;
-
-bool opensHere(const QString &path)
-{
-    const Format *format = formatOf(path);
-    return format && format->inWindow;
-}
-
-/// "Sculpt Files (*.scp *.jpg ...)".
-QString openFilter()
-{
-    return FileController::tr("Sculpt Files (%1)").arg(openPatterns().join(QLatin1Char(' ')));
-}
-
-} // namespace
 
 FileController::FileController(Workbench &bench, QWidget *window)
     : QObject(window)
@@ -49,18 +31,9 @@ FileController::FileController(Workbench &bench, QWidget *window)
 {
 }
 
-QString FileController::firstOpenable(const QMimeData &data)
-{
-    for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile() && opensHere(url.toLocalFile()))
-            return url.toLocalFile();
-    }
-    return {};
-}
-
 bool FileController::openFile(const QString &path)
 {
-    if (!opensHere(path)) {
+    if (!opensInWindow(path)) {
         logWarning() << "Unknown file type" << path << "\n";
         logFlush();
         emit said(tr("%1 is no file that Marlowen opens.").arg(QFileInfo(path).fileName()), 5000);
@@ -78,24 +51,13 @@ void FileController::newRelief()
         return;
     m_bench.endStroke();
     NewReliefDialog dialog(m_window);
-    if (dialog.exec() == QDialog::Accepted && mayLoseWork())
-        _make(dialog);
-}
-
-void FileController::_make(const NewReliefDialog &wish)
-{
-    try {
-        auto relief = std::make_unique<Relief>(wish.widthCells(), wish.heightCells());
-        const auto level = static_cast<float>(wish.level());
-        if (level > 0.0F) {
-            std::fill_n(relief->heights().data(), relief->cells(), level);
-            relief->referenceLayer().copyFrom(relief->heights());
-        }
-        m_bench.take(std::move(relief));
-    } catch (const std::bad_alloc &) {
-        showFailure(m_window, {tr("New Failed"),
-                               tr("There is not enough memory for a relief of this size.")});
-    }
+    if (dialog.exec() != QDialog::Accepted || !mayLoseWork())
+        return;
+    Loaded made = dialog.makeRelief();
+    if (made)
+        m_bench.take(made.take());
+    else
+        showFailure(m_window, made.failure());
 }
 
 /// Reads the file before asking about unsaved work, so that a damaged one costs one box and no
@@ -114,8 +76,7 @@ bool FileController::_load(const QString &path)
     if (loaded && !mayLoseWork())
         return false;
     // The question may have saved to the very file.
-    const QFileInfo own(m_bench.workspaceFile());
-    if (loaded && modified && !m_bench.workspaceFile().isEmpty() && own == QFileInfo(path))
+    if (loaded && modified && QFileInfo(m_bench.file()) == QFileInfo(path))
         loaded = read();
     if (!loaded) {
         showFailure(m_window, loaded.failure());
@@ -169,15 +130,14 @@ bool FileController::save()
 {
     if (!m_bench.relief())
         return false;
-    const QString path = m_bench.workspaceFile();
-    return path.isEmpty() ? saveAs() : _saveTo(path);
+    return isWorkspace(m_bench.file()) ? _saveTo(m_bench.file()) : saveAs();
 }
 
 bool FileController::saveAs()
 {
     if (!m_bench.relief())
         return false;
-    const QString name = QFileInfo(m_bench.name()).completeBaseName();
+    const QString name = QFileInfo(m_bench.file()).completeBaseName();
     const QString path = askForTarget(
         m_window, {tr("Save WorkSpace"), tr("Sculpt Work Space (*.scp);;"), QStringLiteral(".scp"),
                    QStringLiteral(".scp"), QevSettings().lastFolder(), name});
@@ -199,7 +159,7 @@ QString FileController::windowTitle() const
 {
     QString title = QString::fromLatin1(productName);
     if (m_bench.relief()) {
-        const QString name = m_bench.name();
+        const QString name = QFileInfo(m_bench.file()).fileName();
         title += QStringLiteral(" - ") + (name.isEmpty() ? tr("new relief") : name);
     }
     if (m_bench.isModified())

@@ -3,16 +3,11 @@
 #include <QObject>
 #include <QString>
 
-#include <memory>
-
-class QMimeData;
 class QWidget;
 
 namespace marlowen {
 
 class CommandSet;
-class NewReliefDialog;
-class Relief;
 class Workbench;
 
 /// The file commands: new, open, save, and the guard of unsaved work. Dialogs stand over the
@@ -23,9 +18,6 @@ class FileController : public QObject
 
 public:
     FileController(Workbench &bench, QWidget *window);
-
-    /// The first local file of a drag that can be opened; empty when there is none.
-    static QString firstOpenable(const QMimeData &data);
 
     /// Opens the file by the end of its name. False when nothing was opened; what is open stays.
     bool openFile(const QString &path);
@@ -50,7 +42,6 @@ signals:
     void said(const QString &text, int milliseconds);
 
 private:
-    void _make(const NewReliefDialog &wish);
     bool _load(const QString &path);
     bool _saveTo(const QString &path);
     void _remember(const QString &path);

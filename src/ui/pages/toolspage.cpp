@@ -1,5 +1,6 @@
 #include "ui/pages/toolspage.h"
 
+#include "relief/operations/operationtable.h"
 #include "relief/tools/tooltable.h"
 #include "ui/commandset.h"
 #include "ui/panels/panelcontrols.h"
@@ -14,13 +15,6 @@
 namespace marlowen {
 
 namespace {
-
-constexpr CommandRow commandRows[] = {
-    {"maskClear", QT_TRANSLATE_NOOP("Commands", "Clear"), "mask_clear",
-     QT_TRANSLATE_NOOP("Commands", "Removes the mask from the whole relief."), "", ""},
-    {"maskInvert", QT_TRANSLATE_NOOP("Commands", "Invert"), "mask_invert",
-     QT_TRANSLATE_NOOP("Commands", "Masks what is free and frees what is masked."), "", ""},
-};
 
 QAction *makeAction(CommandSet &commands, const ToolRow &row, const char *iconName,
                     const char *keys)
@@ -78,7 +72,10 @@ void ToolActions::setReason(const QString &reason)
 
 void ToolsPage::addCommands(CommandSet &commands)
 {
-    commands.add(commandRows);
+    for (const OperationRow &row : operationTable()) {
+        if (row.group != OperationGroup::None)
+            commands.add({row.id, row.label, row.icon, row.hint, row.keys, ""});
+    }
 }
 
 ToolsPage::ToolsPage(RibbonPage &page, CommandSet &commands, const ToolActions &tools,
@@ -89,8 +86,10 @@ ToolsPage::ToolsPage(RibbonPage &page, CommandSet &commands, const ToolActions &
     _addTools(tools, ToolGroup::Sculpting);
     m_group->addSeparator();
     _addTools(tools, ToolGroup::Masking);
-    m_group->addSmallButton(commands["maskClear"]);
-    m_group->addSmallButton(commands["maskInvert"]);
+    for (const OperationRow &row : operationTable()) {
+        if (row.group == OperationGroup::Masking)
+            m_group->addSmallButton(commands[row.id]);
+    }
     m_group->addSeparator();
     _addTools(tools, ToolGroup::Restoring);
 }
