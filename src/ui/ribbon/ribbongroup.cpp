@@ -373,45 +373,9 @@ bool RibbonGroup::eventFilter(QObject *watched, QEvent *event)
         return false;
     }
     if (event->type() == QEvent::KeyPress && qobject_cast<RibbonButton *>(watched) &&
-        _moveFocus(static_cast<QKeyEvent *>(event)->key()))
+        moveFocus(isPopupOpen() ? m_popup : parentWidget(), static_cast<QKeyEvent *>(event)->key()))
         return true;
     return QWidget::eventFilter(watched, event);
-}
-
-/// Arrow keys go to the nearest control of the page in that direction, across groups.
-bool RibbonGroup::_moveFocus(int key)
-{
-    QWidget *page = isPopupOpen() ? m_popup : parentWidget();
-    const QWidget *from = page ? page->window()->focusWidget() : nullptr;
-    if (!from ||
-        (key != Qt::Key_Left && key != Qt::Key_Right && key != Qt::Key_Up && key != Qt::Key_Down))
-        return false;
-    const auto centerOf = [page](const QWidget *widget) {
-        return widget->mapTo(page, widget->rect().center());
-    };
-    const QPoint start = centerOf(from);
-    QWidget *best = nullptr;
-    int bestCost = 0;
-    const QList<QWidget *> all = page->findChildren<QWidget *>();
-    for (QWidget *candidate : all) {
-        if (candidate == from || !candidate->isVisible() || !candidate->isEnabled() ||
-            !(candidate->focusPolicy() & Qt::TabFocus) || candidate->focusProxy())
-            continue;
-        const QPoint way = centerOf(candidate) - start;
-        const bool across = key == Qt::Key_Left || key == Qt::Key_Right;
-        const int sign = key == Qt::Key_Right || key == Qt::Key_Down ? 1 : -1;
-        const int ahead = sign * (across ? way.x() : way.y());
-        const int aside = qAbs(across ? way.y() : way.x());
-        const int cost = ahead + 3 * aside;
-        if (ahead > 2 && (!best || cost < bestCost)) {
-            best = candidate;
-            bestCost = cost;
-        }
-    }
-    if (best)
-        best->setFocus(Qt::TabFocusReason);
-    // Up from the first row is the bar's business.
-    return best != nullptr || key != Qt::Key_Up;
 }
 
 } // namespace marlowen

@@ -92,7 +92,6 @@ private:
     int _layOutContent(State state, bool place);
     int _placeColumn(const Column &column, int left, bool place);
     int _placeRows(const Column &column, int left, bool place);
-    bool _moveFocus(int key);
 
     QString m_title;
     QIcon m_icon;
