@@ -1,9 +1,9 @@
 #include "baseline.h"
+#include "sheet.h"
 
 #include "import/mesh/rasterise.h"
 
 #include <cmath>
-#include <functional>
 
 using namespace marlowen;
 
@@ -13,38 +13,6 @@ namespace {
 /// The largest relief the program works with: 1000 square inches at 128 cells an inch.
 constexpr int side = 4047;
 constexpr double inches = (side - 1) / 128.0;
-
-using HeightAt = std::function<double(double x, double y)>;
-
-/// squares x squares pairs of facets over the whole relief; `jitter` moves the inner corners by
-/// that share of a square, as those of a scan lie anywhere.
-TriangleMesh sheet(quint32 squares, double jitter, const HeightAt &heightAt)
-{
-    TriangleMesh mesh;
-    const double step = inches / squares;
-    quint32 seed = 1;
-    const auto shifted = [&](quint32 i) {
-        seed = seed * 1664525U + 1013904223U;
-        const bool inner = i > 0 && i < squares;
-        return (i + (inner ? jitter * (seed / 4294967296.0 - 0.5) : 0.0)) * step;
-    };
-    for (quint32 r = 0; r <= squares; ++r) {
-        for (quint32 c = 0; c <= squares; ++c) {
-            const double x = shifted(c);
-            const double y = shifted(r);
-            mesh.positions.push_back({x, y, heightAt(x, y)});
-        }
-    }
-    for (quint32 r = 0; r < squares; ++r) {
-        for (quint32 c = 0; c < squares; ++c) {
-            const quint32 a = r * (squares + 1) + c;
-            const quint32 b = a + squares + 1;
-            mesh.triangles.push_back({a, a + 1, b});
-            mesh.triangles.push_back({b, a + 1, b + 1});
-        }
-    }
-    return mesh;
-}
 
 double waves(double x, double y)
 {
@@ -80,7 +48,7 @@ void measureRaster(benchmark::State &state, TriangleMesh mesh)
 
 static void rasteriseSmall(benchmark::State &state)
 {
-    measureRaster(state, sheet(1000, 0.0, waves));
+    measureRaster(state, sheet({1000, inches, 0.0}, waves));
 }
 BENCHMARK(rasteriseSmall)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9);
 
@@ -92,6 +60,6 @@ BENCHMARK(rasteriseHuge)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterat
 
 static void rasteriseScan(benchmark::State &state)
 {
-    measureRaster(state, sheet(316, 0.8, waves));
+    measureRaster(state, sheet({316, inches, 0.8}, waves));
 }
 BENCHMARK(rasteriseScan)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9);

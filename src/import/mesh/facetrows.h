@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/mesh/modelplacement.h"
+#include "files/mesh/modelplacement.h"
 
 namespace marlowen {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/mesh/modelplacement.h"
+#include "files/mesh/modelplacement.h"
 #include "relief/grid/physicalsize.h"
 
 namespace marlowen {
@@ -18,6 +18,8 @@ public:
     FacetShape(TriangleMesh mesh, size_t unit);
 
     const TriangleMesh &mesh() const { return m_mesh; }
+    /// About the triangles as they stand in the file.
+    const ModelBox &fileBox() const { return m_fileBox; }
 
     void turn(ModelTurn turn);
     void resetOrientation();

@@ -1,7 +1,6 @@
 #include "render/views/sculptwin.h"
 
 #include "render/engines/legacyshader.h"
-#include "render/light/lightdirection.h"
 #include "render/views/turntable.h"
 
 #include <QOpenGLFunctions_2_1>
@@ -10,7 +9,6 @@ namespace marlowen {
 
 SculptWin::SculptWin(QWidget *parent)
     : ReliefView(parent)
-    , m_material(materialNamed(presetMaterials(), defaultMaterialName))
 {
     setAccessibleName(tr("3D view"));
     enableTurning();
@@ -23,13 +21,13 @@ SculptWin::~SculptWin()
 
 void SculptWin::setMaterial(const Material &material)
 {
-    m_material = material;
+    m_look.material = material;
     invalidatePicture();
 }
 
 void SculptWin::setLightPos(int index)
 {
-    m_lightPos = index;
+    m_look.lightPos = index;
     invalidatePicture();
 }
 
@@ -62,11 +60,7 @@ void SculptWin::fillVertices(ReliefMesh &mesh, const QRect &vertices)
 
 void SculptWin::configureShader(Shader &shader)
 {
-    shader.ambient = rgbaOf(m_material.ambient);
-    shader.diffuse = rgbaOf(m_material.diffuse);
-    shader.specular = rgbaOf(m_material.specular);
-    shader.shininess = static_cast<float>(m_material.shinyness);
-    shader.lightPosition = lightDirection(m_lightPos);
+    m_look.applyTo(shader);
 }
 
 void SculptWin::drawOverlays(QOpenGLFunctions_2_1 &gl)

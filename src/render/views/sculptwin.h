@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/light/materials.h"
+#include "render/light/surfacelook.h"
 #include "render/views/reliefview.h"
 
 namespace marlowen {
@@ -22,9 +22,9 @@ public:
 
     /// Colours and shininess of the relief.
     void setMaterial(const Material &material);
-    const Material &material() const { return m_material; }
+    const Material &material() const { return m_look.material; }
     /// The index last given to setLightPos.
-    int lightPos() const { return m_lightPos; }
+    int lightPos() const { return m_look.lightPos; }
 
     /// Times the gizmo was drawn anew.
     int gizmoPictures() const;
@@ -41,8 +41,7 @@ protected:
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
 
 private:
-    Material m_material;
-    int m_lightPos = 0;
+    SurfaceLook m_look;
 };
 
 } // namespace marlowen

@@ -214,7 +214,7 @@ SurfaceView::Quality SurfaceView::_wantedQuality() const
 void SurfaceView::_rasterise()
 {
     m_quality = _wantedQuality();
-    m_picture->begin(*m_gl, m_backdrop, m_quality == Complete);
+    m_picture->begin(*m_gl, m_backdrop, m_quality == Complete && !(m_slowDriver && isDense()));
     m_gl->glMatrixMode(GL_PROJECTION);
     m_gl->glLoadMatrixd(m_drawn.projection.data());
     m_gl->glMatrixMode(GL_MODELVIEW);

@@ -38,6 +38,7 @@ public:
 
     /// What lies behind the surface.
     void setBackdrop(const QColor &color);
+    const QColor &backdrop() const { return m_backdrop; }
     /// Interaction mode (ViewMode) and its cursor; any other value sets the default cursor.
     void setMode(int mode);
     int mode() const { return m_mode; }
@@ -108,6 +109,8 @@ protected:
     /// Draws the surface, or a coarser one that takes less time; matrices, viewport and depth test
     /// are set.
     virtual void drawSurface(Shader &shader, bool coarse) = 0;
+    /// The surface has so many small facets that a slow driver draws it with one sample a pixel.
+    virtual bool isDense() const { return false; }
     /// Over the surface, in every frame. The fixed-function matrices and the viewport are those of
     /// the picture; blending, depth test, lighting and texturing are off. To be called last by an
     /// override: it draws the gizmo and loses the matrices.

@@ -1,4 +1,4 @@
-#include "import/mesh/modelplacement.h"
+#include "files/mesh/modelplacement.h"
 
 #include <algorithm>
 
