@@ -46,8 +46,9 @@ std::unique_ptr<Relief> reliefOf(QImage image, const ImportSettings &settings)
     FloatGrid grey = greyGrid(image);
     image = {};
     const Padding padding = paddingFor(grey);
-    return std::make_unique<Relief>(
-        std::make_unique<ImportSource>(padded(std::move(grey), padding), settings));
+    auto source = std::make_unique<ImportSource>(padded(std::move(grey), padding), settings);
+    source->isPicture = true;
+    return std::make_unique<Relief>(std::move(source));
 }
 
 } // namespace

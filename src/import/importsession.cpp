@@ -1,23 +1,22 @@
 #include "import/importsession.h"
 
+#include <algorithm>
+
 namespace marlowen {
 
-ImportSettings ImportSession::openingSettings() const
+void ImportSession::startWith(const ImportSettings &opening)
 {
-    ImportSettings opening;
-    for (const Field<ImportSettings> &field : importFields()) {
-        if (field.info.has(StartsNextImport))
-            field.store(opening, field.value(m_settings));
-    }
-    return opening;
+    m_opening = clampedFields(importFields(), opening);
+    if (!m_source)
+        m_settings = m_opening;
 }
 
 void ImportSession::attach(Relief *relief)
 {
+    m_comparing = false;
     m_relief = relief;
     m_source = relief ? dynamic_cast<ImportSource *>(relief->source()) : nullptr;
-    if (m_source)
-        m_settings = m_source->settings();
+    m_settings = m_source ? m_source->settings() : m_opening;
 }
 
 bool ImportSession::active() const
@@ -26,14 +25,34 @@ bool ImportSession::active() const
            m_source->height() == m_relief->height();
 }
 
+bool ImportSession::_follows() const
+{
+    return followsChanges && m_settings.basRelief && m_settings.preview && m_source->dirty &&
+           basReliefIsQuick(heightView(*m_relief));
+}
+
+/// What is set for a model says nothing about the next picture.
+void ImportSession::_keepForNext(const ImportSettings &settings)
+{
+    if (m_source && !m_source->isPicture)
+        return;
+    for (const Field<ImportSettings> &field : importFields()) {
+        const double value = field.value(settings);
+        if (field.info.has(StartsNextImport) && value != field.value(m_settings))
+            field.store(m_opening, value);
+    }
+}
+
 void ImportSession::_apply(const ImportSettings &settings, Effect effect)
 {
+    compare(false);
+    _keepForNext(settings);
     m_settings = settings;
     if (active()) {
         m_source->setSettings(settings);
         m_source->dirty = m_source->dirty || effect.dirty;
-        if (effect.recompute)
-            recompute(*m_relief, *m_source, {});
+        if (effect.recompute || _follows())
+            recompute(*m_relief, *m_source, {followsChanges, true, &basReliefGenerator});
     }
     if (changed)
         changed();
@@ -71,17 +90,36 @@ void ImportSession::update(Progress *progress)
 {
     if (!active())
         return;
-    recompute(*m_relief, *m_source, {true, &basReliefGenerator, progress});
+    compare(false);
+    recompute(*m_relief, *m_source, {true, false, &basReliefGenerator, progress});
     if (changed)
         changed();
+}
+
+void ImportSession::compare(bool without)
+{
+    if (without == m_comparing || !canCompare())
+        return;
+    m_comparing = without;
+    float *heights = m_relief->heights().data();
+    if (without)
+        m_source->computeHeights(heights);
+    else
+        std::ranges::copy(m_source->lastBasRelief, heights);
+    m_relief->heightsChanged = true;
+    m_relief->frameRegion = m_relief->rect();
+    if (shown)
+        shown();
 }
 
 void ImportSession::accept()
 {
     if (!m_source)
         return;
+    compare(false);
     m_source = nullptr;
     m_relief->setSource(nullptr);
+    startWith(m_opening);
     if (changed)
         changed();
 }

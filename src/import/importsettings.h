@@ -33,6 +33,7 @@ enum ImportFieldFlag : unsigned {
     WaitsForUpdate = 1U << 1,   ///< a change recomputes nothing until the next update
     KeepsBasRelief = 1U << 2,   ///< a change leaves the last bas-relief result valid
     NeedsPreview = 1U << 3,     ///< its control is disabled while the preview is off
+    NeedsBasRelief = 1U << 4,   ///< its control is disabled while the bas-relief is off
 };
 
 /// One row a setting, in the order of the record.

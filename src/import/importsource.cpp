@@ -1,5 +1,6 @@
 #include "import/importsource.h"
 
+#include "import/bas/basutil.h"
 #include "import/pipeline.h"
 
 #include <algorithm>
@@ -50,10 +51,11 @@ void ImportSource::_rebuildTilt()
 
 namespace {
 
-void makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRun &run)
+/// False when there is no new result.
+bool makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRun &run)
 {
     if (!run.generator || !*run.generator)
-        return;
+        return false;
     Progress silent;
     const ImportSettings &settings = source.settings();
     std::optional<std::vector<float>> result =
@@ -61,17 +63,25 @@ void makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRu
                           settings.gridSize, settings.contrastFactor, settings.smoothness},
                          run.progress ? *run.progress : silent);
     if (!result)
-        return;
+        return false;
     Q_ASSERT(static_cast<qsizetype>(result->size()) == relief.cells());
     source.lastBasRelief = std::move(*result);
     source.dirty = false;
+    return true;
 }
 
-void applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &run)
+bool allowed(const Relief &relief, const RecomputeRun &run)
 {
-    if (source.dirty && run.allowBasRelief)
-        makeBasRelief(relief, source, run);
-    if (!source.dirty && !source.lastBasRelief.empty())
+    return run.allowBasRelief && (!run.onlyWhenQuick || basReliefIsQuick(heightView(relief)));
+}
+
+/// `shown`: the last result was what the relief showed before.
+void applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &run, bool shown)
+{
+    const bool wanted = source.dirty && allowed(relief, run);
+    const bool failed = wanted && !makeBasRelief(relief, source, run);
+    source.showsBasRelief = !source.lastBasRelief.empty() && (!source.dirty || (failed && shown));
+    if (source.showsBasRelief)
         std::copy(source.lastBasRelief.begin(), source.lastBasRelief.end(),
                   relief.heights().data());
 }
@@ -81,10 +91,11 @@ void applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &ru
 void recompute(Relief &relief, ImportSource &source, const RecomputeRun &run)
 {
     Q_ASSERT(relief.width() == source.width() && relief.height() == source.height());
+    const bool shown = std::exchange(source.showsBasRelief, false);
     source.computeHeights(relief.heights().data());
     if (source.settings().preview) {
         if (source.settings().basRelief)
-            applyBasRelief(relief, source, run);
+            applyBasRelief(relief, source, run, shown);
         relief.referenceLayer().copyFrom(relief.heights());
     }
     relief.heightsChanged = true;

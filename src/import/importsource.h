@@ -36,6 +36,8 @@ public:
     ValueRange tiltedRange() const { return m_tiltedRange; }
 
     bool dirty = true;                ///< the last bas-relief result does not reflect the settings
+    bool showsBasRelief = false;      ///< the relief's heights are the last bas-relief result
+    bool isPicture = false;           ///< the values are grey levels
     bool tiltDirty = true;            ///< the tilted values must be rebuilt
     std::vector<float> lastBasRelief; ///< empty until one was computed
 
@@ -53,7 +55,9 @@ private:
 struct RecomputeRun
 {
     bool allowBasRelief = false;
-    /// Null or empty: no bas-relief can be made; the heights stay without it and dirty stays set.
+    bool onlyWhenQuick = false; ///< then only one that takes a moment (basReliefIsQuick)
+    /// Null or empty: no bas-relief can be made, as when the user cancels: the heights stay what
+    /// they were, dirty stays set.
     const BasReliefGenerator *generator = nullptr;
     Progress *progress = nullptr; ///< may be null
 };

@@ -56,6 +56,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_tool(new ToolController(
           m_bench, {m_docks.panels->toolPanel(), m_toolActions, m_pages.tools, m_pages.edit}, this))
     , m_edits(new EditController(m_bench, {m_pages.size, m_pages.edit}, this))
+    , m_import(new ImportController(m_bench, m_docks.panels->importPanel(), this))
 {
     m_look = new LookController({sculptWin(), flatWin(), m_pages.viewSettings}, this);
     setAcceptDrops(true);
@@ -219,6 +220,7 @@ void MainWindow::_reliefReplaced()
     backstage()->setOpen(false);
     m_center->showRelief();
     m_docks.panels->importPanel()->refresh();
+    m_import->opened();
     if (m_bench.importOpen())
         m_docks.panels->showImportTab();
     else
@@ -280,12 +282,6 @@ void MainWindow::setStatus(const QString &text)
 void MainWindow::_say(const QString &text, int milliseconds)
 {
     statusBar()->showMessage(text, milliseconds);
-}
-
-void MainWindow::updateClicked()
-{
-    ProgressBox progress(tr("Making the bas-relief"), this);
-    m_bench.session().update(&progress);
 }
 
 void MainWindow::zoomAll()

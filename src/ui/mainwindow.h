@@ -3,6 +3,7 @@
 #include "ui/controllers/editcontroller.h"
 #include "ui/controllers/exportcontroller.h"
 #include "ui/controllers/filecontroller.h"
+#include "ui/controllers/importcontroller.h"
 #include "ui/controllers/lookcontroller.h"
 #include "ui/controllers/toolcontroller.h"
 #include "ui/ribbon/ribbonmainwindow.h"
@@ -76,7 +77,7 @@ public slots:
     void showExtent();
     void reliefDirtyChanged(bool) { setWindowTitle(m_files->windowTitle()); }
     void acceptClicked() { m_bench.acceptImport(); }
-    void updateClicked();
+    void updateClicked() { m_import->update(); }
     void tabActivated(int page);
     void ribbonTabChanged(int page) { tabActivated(page); }
 
@@ -156,6 +157,7 @@ private:
     ExportController *m_exports;
     ToolController *m_tool;
     EditController *m_edits;
+    ImportController *m_import;
 
     QString m_importFile;
     QString m_integrationString;

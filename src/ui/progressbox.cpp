@@ -42,7 +42,8 @@ void ProgressBox::advance(double fraction)
     if (!m_dialog) {
         m_dialog =
             std::make_unique<QProgressDialog>(m_label, QObject::tr("Cancel"), 0, steps, m_window);
-        m_dialog->setWindowModality(Qt::WindowModal);
+        m_dialog->setWindowModality(Qt::ApplicationModal);
+        m_dialog->setWindowFlag(Qt::WindowStaysOnTopHint);
         m_dialog->setMinimumDuration(0);
         m_dialog->setAutoClose(false);
         m_dialog->setAutoReset(false);

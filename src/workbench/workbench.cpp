@@ -14,6 +14,7 @@ Workbench::Workbench(QObject *parent)
     : QObject(parent)
 {
     m_session.changed = [this] { _importEdited(); };
+    m_session.shown = [this] { _show(); };
 }
 
 void Workbench::take(std::unique_ptr<Relief> relief, QString file)
@@ -99,6 +100,7 @@ void Workbench::_settle()
 {
     endStroke();
     m_preview.drop();
+    m_session.compare(false);
 }
 
 void Workbench::undo()

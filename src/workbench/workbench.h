@@ -53,7 +53,7 @@ public:
     /// Whoever runs a stroke through the engine calls strokeEnded() afterwards.
     SculptEngine &engine() { return m_engine; }
     ReliefChanges &changes() { return m_changes; }
-    /// Its `changed` hook is the workbench's, which emits importChanged().
+    /// Its hooks are the workbench's, which emits importChanged() and changed().
     ImportSession &session() { return m_session; }
     bool importOpen() const { return m_session.active(); }
     LivePreview &preview() { return m_preview; }

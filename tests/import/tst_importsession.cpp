@@ -44,6 +44,13 @@ void setTilt(ImportSession &session, int horizontal, int vertical)
     session.change(settings);
 }
 
+/// A bas-relief of its grid size everywhere.
+std::optional<std::vector<float>> levelOf(const BasReliefInput &input, Progress &)
+{
+    const size_t cells = static_cast<size_t>(input.width) * static_cast<size_t>(input.height);
+    return std::vector<float>(cells, static_cast<float>(input.gridSize));
+}
+
 } // namespace
 
 class TestImportSession : public QObject
@@ -210,11 +217,9 @@ private slots:
         const auto relief = importedPicture();
         ImportSession session;
         int runs = 0;
-        session.basReliefGenerator = [&runs](const BasReliefInput &input, Progress &) {
+        session.basReliefGenerator = [&runs](const BasReliefInput &input, Progress &progress) {
             ++runs;
-            const size_t cells =
-                static_cast<size_t>(input.width) * static_cast<size_t>(input.height);
-            return std::optional(std::vector<float>(cells, static_cast<float>(input.gridSize)));
+            return levelOf(input, progress);
         };
         session.attach(relief.get());
         set(session, &ImportSettings::basRelief, true);
@@ -251,6 +256,57 @@ private slots:
         session.update(nullptr);
         QVERIFY(session.dirty());
         QVERIFY(heightsOf(*relief) == before);
+        // The last result stays where it is shown.
+        const BasReliefGenerator cancelled = std::exchange(session.basReliefGenerator, levelOf);
+        session.update(nullptr);
+        set(session, &ImportSettings::gridSize, 16);
+        session.basReliefGenerator = cancelled;
+        session.update(nullptr);
+        QVERIFY(session.dirty());
+        QCOMPARE(relief->heightAt(0), 2.0F);
+    }
+
+    void comparingShowsTheHeightsWithoutTheStep()
+    {
+        const auto relief = importedPicture();
+        const std::vector<float> before = heightsOf(*relief);
+        ImportSession session;
+        session.basReliefGenerator = levelOf;
+        session.attach(relief.get());
+        session.compare(true);
+        set(session, &ImportSettings::basRelief, true);
+        QVERIFY(!session.canCompare());
+        session.update(nullptr);
+        QVERIFY(session.canCompare());
+        int shown = 0;
+        session.shown = [&shown] { ++shown; };
+        session.compare(true);
+        QVERIFY(heightsOf(*relief) == before);
+        session.compare(false);
+        QCOMPARE(relief->heightAt(0), 2.0F);
+        QCOMPARE(shown, 2);
+        session.compare(true);
+        set(session, &ImportSettings::gridSize, 16);
+        QCOMPARE(relief->heightAt(0), 2.0F);
+        session.compare(true);
+        session.accept();
+        QCOMPARE(relief->heightAt(0), 2.0F);
+    }
+
+    void aSmallBasReliefFollowsItsControls()
+    {
+        const auto relief = importedPicture();
+        ImportSession session;
+        session.basReliefGenerator = levelOf;
+        session.followsChanges = true;
+        session.attach(relief.get());
+        set(session, &ImportSettings::gridSize, 4);
+        QCOMPARE(relief->heightAt(0), 0.0F);
+        set(session, &ImportSettings::basRelief, true);
+        QCOMPARE(relief->heightAt(0), 4.0F);
+        set(session, &ImportSettings::gridSize, 32);
+        QCOMPARE(relief->heightAt(0), 32.0F);
+        QVERIFY(!session.dirty());
     }
 
     void acceptingEndsTheImport()
@@ -290,6 +346,13 @@ private slots:
         set(session, &ImportSettings::gridSize, 16);
         const ImportSettings expected{.flipY = true, .smoothing = 5.0};
         QVERIFY(session.openingSettings() == expected);
+        // What is set for a model is not for the next picture.
+        const auto model = importedPicture();
+        session.attach(model.get());
+        set(session, &ImportSettings::invertZ, true);
+        QVERIFY(session.openingSettings() == expected);
+        session.accept();
+        QVERIFY(session.settings() == expected);
     }
 
     void sliderPositions()

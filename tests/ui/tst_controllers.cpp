@@ -10,9 +10,12 @@
 #include "ui/controllers/editcontroller.h"
 #include "ui/controllers/exportcontroller.h"
 #include "ui/controllers/filecontroller.h"
+#include "ui/controllers/importcontroller.h"
 #include "ui/controllers/lookcontroller.h"
 #include "ui/controllers/toolcontroller.h"
 #include "ui/pages/toolspage.h"
+#include "ui/panels/importpanel.h"
+#include "ui/panels/noticebar.h"
 #include "ui/panels/toolpanel.h"
 #include "ui/ribbon/ribbonmainwindow.h"
 #include "ui/windowparts.h"
@@ -77,6 +80,7 @@ private slots:
     void toolRecordShowsEverywhere();
     void choosingAToolEndsTheStroke();
     void materialsAreRenamedClonedAndDeleted();
+    void importSettingsStayForTheNextStart();
 
 private:
     QString _path(const QString &name) const { return m_folder->filePath(name); }
@@ -358,6 +362,27 @@ void TestControllers::materialsAreRenamedClonedAndDeleted()
     look.chooseMaterial(QStringLiteral("gold"));
     look.store();
     QCOMPARE(QevSettings().value(QStringLiteral("material")).toString(), QStringLiteral("gold"));
+}
+
+void TestControllers::importSettingsStayForTheNextStart()
+{
+    for (const bool firstStart : {true, false}) {
+        Workbench bench;
+        ImportPanel panel(&bench.session());
+        ImportController controller(bench, &panel, m_window.get());
+        connect(&bench, &Workbench::importChanged, &panel, &ImportPanel::refresh);
+        FileController files(bench, m_window.get());
+        QVERIFY(files.openFile(_plate()));
+        controller.opened();
+        ImportSettings settings = bench.session().settings();
+        QCOMPARE(settings.smoothing, firstStart ? 0.0 : 1.5);
+        auto *notice = panel.findChild<NoticeBar *>();
+        QCOMPARE(notice->isVisibleTo(&panel), firstStart);
+        settings.smoothing = 1.5;
+        bench.session().change(settings);
+        emit notice->dismissed();
+        QVERIFY(!notice->isVisibleTo(&panel));
+    }
 }
 
 QTEST_MAIN(TestControllers)

@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTabBar>
+#include <QToolButton>
 #include <QtTest>
 
 using namespace marlowen;
@@ -132,17 +133,18 @@ private slots:
         QVERIFY(_field("Trim")->isEnabled());
     }
 
-    void updateIsThereWithABasReliefAndEnabledWhenDirty()
+    void aBasReliefIsMadeComparedAndMadeAgain()
     {
         const auto relief = openRelief(24, 18);
         _open(*relief);
-        QVERIFY(!_button("Update")->isVisible());
-        ImportSettings settings = m_session->settings();
-        settings.basRelief = true;
-        m_session->change(settings);
-        m_panel->refresh();
-        QVERIFY(_button("Update")->isVisible());
-        QCOMPARE(_button("Update")->isEnabled(), m_session->dirty());
+        const std::vector<float> before = _heights(*relief);
+        QVERIFY(!_button("Update")->isEnabled());
+        QVERIFY(!_field("Contrast Factor")->isEnabled());
+        QTest::keyClick(_box("On / Off"), Qt::Key_Space);
+        QVERIFY(_field("Contrast Factor")->isEnabled());
+        QTRY_VERIFY(m_session->settings().basRelief);
+        QVERIFY(_button("Update")->isEnabled());
+        QVERIFY(!_button("Compare")->isEnabled());
         connect(m_panel.get(), &ImportPanel::UpdateClicked, m_panel.get(), [this] {
             Progress progress;
             m_session->update(&progress);
@@ -150,8 +152,28 @@ private slots:
         QTest::mouseClick(_button("Update"), Qt::LeftButton);
         QVERIFY(!m_session->dirty());
         QVERIFY(!_button("Update")->isEnabled());
+        QVERIFY(_heights(*relief) != before);
+        QTest::mousePress(_button("Compare"), Qt::LeftButton);
+        QVERIFY(_heights(*relief) == before);
+        QTest::mouseRelease(_button("Compare"), Qt::LeftButton);
+        QVERIFY(_heights(*relief) != before);
         QTest::keyClick(_field("Trim")->slider(), Qt::Key_Right);
         QTRY_VERIFY(_button("Update")->isEnabled());
+    }
+
+    void theNoticeFlipsThePictureOrIsPutAway()
+    {
+        const auto relief = openRelief(24, 18);
+        _open(*relief);
+        QSignalSpy answered(m_panel.get(), &ImportPanel::FlipAnswered);
+        m_panel->askToFlip(true);
+        QTest::mouseClick(_button("Flip Y"), Qt::LeftButton);
+        QVERIFY(m_session->settings().flipY);
+        QVERIFY(_box("Flip Y")->isChecked());
+        QTest::mouseClick(_byText<QToolButton>(QStringLiteral("\u00d7")), Qt::LeftButton);
+        QVERIFY(m_session->settings().flipY);
+        QTest::keyClick(_box("Flip Y"), Qt::Key_Space);
+        QCOMPARE(answered.size(), 3);
     }
 
     void acceptIncludesPendingChanges()

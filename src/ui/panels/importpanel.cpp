@@ -1,6 +1,7 @@
 #include "ui/panels/importpanel.h"
 
 #include "ui/icons.h"
+#include "ui/panels/noticebar.h"
 #include "ui/panels/panelcontrols.h"
 
 #include <QCheckBox>
@@ -10,6 +11,8 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace marlowen {
 
@@ -23,12 +26,13 @@ ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
     for (const auto check : {&ImportSettings::flipY, &ImportSettings::preview,
                              &ImportSettings::invertZ, &ImportSettings::transparency})
         _makeCheck(check);
+    _makeNotice();
     _makeButtons();
     _arrange();
     refresh();
 }
 
-void ImportPanel::_makeCheck(bool ImportSettings::*member)
+QCheckBox *ImportPanel::_makeCheck(bool ImportSettings::*member)
 {
     const SettingField &field = fieldOf(importFields(), member);
     QCheckBox *box = makeCheckBox(field.info, this);
@@ -37,6 +41,7 @@ void ImportPanel::_makeCheck(bool ImportSettings::*member)
         field.store(m_wanted, on);
         _changed();
     });
+    return box;
 }
 
 template <typename Value>
@@ -59,6 +64,12 @@ void ImportPanel::_makeButtons()
         flush();
         emit UpdateClicked();
     });
+    m_compare = new QPushButton(tr("Compare"), this);
+    connect(m_compare, &QPushButton::pressed, this, [this] {
+        flush();
+        m_session->compare(true);
+    });
+    connect(m_compare, &QPushButton::released, this, [this] { m_session->compare(false); });
     m_accept = new QPushButton(icon(QStringLiteral("accept")), tr("Accept"), this);
     connect(m_accept, &QPushButton::clicked, this, [this] {
         flush();
@@ -66,11 +77,36 @@ void ImportPanel::_makeButtons()
     });
 }
 
+void ImportPanel::_makeNotice()
+{
+    m_notice = new NoticeBar(tr("A relief counts its rows from the bottom: turn the picture over?"),
+                             tr("Flip Y"), this);
+    m_notice->hide();
+    connect(m_notice, &NoticeBar::accepted, this, [this] { _answerFlip(true); });
+    connect(m_notice, &NoticeBar::dismissed, this, [this] { _answerFlip(false); });
+    // The check box answers it as well.
+    connect(m_checks.front().box, &QCheckBox::clicked, this, &ImportPanel::FlipAnswered);
+}
+
+void ImportPanel::_answerFlip(bool flip)
+{
+    if (flip)
+        m_checks.front().box->setChecked(true);
+    flush();
+    emit FlipAnswered();
+}
+
+void ImportPanel::askToFlip(bool ask)
+{
+    m_notice->setVisible(ask);
+}
+
 void ImportPanel::_arrange()
 {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(12, 8, 12, 12);
     column->setSpacing(6);
+    column->addWidget(m_notice);
     auto *checks = new QGridLayout;
     checks->setHorizontalSpacing(16);
     checks->setVerticalSpacing(6);
@@ -81,22 +117,35 @@ void ImportPanel::_arrange()
     column->addSpacing(4);
     _makeNumber(&ImportSettings::smoothing);
     _makeNumber(&ImportSettings::raiseLower);
-    const SliderField *widest = m_numbers.back().slider;
     _makeNumber(&ImportSettings::trim);
     addSection(*column, tr("Tilt"));
     _makeNumber(&ImportSettings::tiltVertical);
     _makeNumber(&ImportSettings::tiltHorizontal);
+    _addBasRelief(*column);
     column->addSpacing(8);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_update);
-    buttons->addWidget(m_accept);
-    column->addLayout(buttons);
+    column->addWidget(m_accept, 0, Qt::AlignRight);
     column->addStretch(1);
     std::vector<SliderField *> sliders;
-    for (const NumberControl &number : m_numbers)
+    int widest = 0;
+    for (const NumberControl &number : m_numbers) {
         sliders.push_back(number.slider);
-    alignFields(sliders, widest->label()->sizeHint().width());
+        widest = std::max(widest, number.slider->label()->sizeHint().width());
+    }
+    alignFields(sliders, widest);
+}
+
+void ImportPanel::_addBasRelief(QVBoxLayout &column)
+{
+    addSection(column, tr("Bas-Relief"));
+    auto *first = new QHBoxLayout;
+    first->addWidget(_makeCheck(&ImportSettings::basRelief));
+    first->addStretch(1);
+    first->addWidget(m_compare);
+    first->addWidget(m_update);
+    column.addLayout(first);
+    _makeNumber(&ImportSettings::gridSize);
+    _makeNumber(&ImportSettings::contrastFactor);
+    _makeNumber(&ImportSettings::smoothness);
 }
 
 void ImportPanel::_changed()
@@ -135,8 +184,22 @@ QString ImportPanel::_reason(const SettingField &field) const
     const bool open = m_session->active();
     if (!open && !field.info.has(StartsNextImport))
         return tr("No import is open.");
-    const bool waits = open && !m_wanted.preview && field.info.has(NeedsPreview);
-    return waits ? tr("Check Preview first.") : QString();
+    if (open && !m_wanted.preview && field.info.has(NeedsPreview))
+        return tr("Check Preview first.");
+    if (open && !m_wanted.basRelief && field.info.has(NeedsBasRelief))
+        return tr("Switch the bas-relief on first.");
+    return {};
+}
+
+QString ImportPanel::_updateReason() const
+{
+    if (!m_session->active())
+        return tr("No import is open.");
+    if (!m_wanted.basRelief)
+        return tr("Switch the bas-relief on first.");
+    if (!m_wanted.preview)
+        return tr("Check Preview first.");
+    return m_session->dirty() ? QString() : tr("The bas-relief is up to date.");
 }
 
 void ImportPanel::_enable()
@@ -145,10 +208,9 @@ void ImportPanel::_enable()
         showReason(*check.box, fieldText(check.field->info.hint), _reason(*check.field));
     for (const NumberControl &number : m_numbers)
         showReason(*number.slider, fieldText(number.field->info.hint), _reason(*number.field));
-    // Without a bas-relief there is nothing that an update could add.
-    m_update->setVisible(m_session->settings().basRelief);
-    showReason(*m_update, tr("Computes the bas-relief again."),
-               m_session->dirty() ? QString() : tr("The bas-relief is up to date."));
+    showReason(*m_update, tr("Computes the bas-relief again."), _updateReason());
+    showReason(*m_compare, tr("Shows the heights without the bas-relief while it is held."),
+               m_session->canCompare() ? QString() : tr("No bas-relief is shown."));
     showReason(*m_accept, tr("Ends the import; the relief is ready to be sculpted."),
                m_session->active() ? QString() : tr("No import is open."));
 }

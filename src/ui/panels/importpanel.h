@@ -10,8 +10,11 @@
 
 class QCheckBox;
 class QPushButton;
+class QVBoxLayout;
 
 namespace marlowen {
+
+class NoticeBar;
 
 /// The import controls of a session: changes reach the session once in each iteration of the
 /// event loop, with the latest values, so that a dragged slider keeps up on large pictures.
@@ -32,12 +35,16 @@ public:
     /// Passes pending changes to the session now: before the session is read or the import
     /// is accepted.
     void flush();
+    /// Asks at the top whether the picture shall be flipped, or no longer asks.
+    void askToFlip(bool ask);
 
 signals:
     /// "Update": the owner runs the session's update with its progress. Changes are flushed.
     void UpdateClicked();
     /// "Accept": the owner ends the import. Changes are flushed.
     void AcceptClicked();
+    /// What askToFlip() asked was answered, here or at the control of its own.
+    void FlipAnswered();
 
 private:
     using SettingField = Field<ImportSettings>;
@@ -52,13 +59,18 @@ private:
         SliderField *slider;
     };
 
-    void _makeCheck(bool ImportSettings::*member);
+    QCheckBox *_makeCheck(bool ImportSettings::*member);
     template <typename Value>
     void _makeNumber(Value ImportSettings::*member);
     /// Why the control of a field cannot be used; empty when it can.
     QString _reason(const SettingField &field) const;
+    /// The same for "Update".
+    QString _updateReason() const;
     void _makeButtons();
+    void _makeNotice();
     void _arrange();
+    void _addBasRelief(QVBoxLayout &column);
+    void _answerFlip(bool flip);
     void _changed();
     void _enable();
 
@@ -68,7 +80,9 @@ private:
     QTimer m_handOver;
     std::vector<CheckControl> m_checks;
     std::vector<NumberControl> m_numbers;
+    NoticeBar *m_notice = nullptr;
     QPushButton *m_update = nullptr;
+    QPushButton *m_compare = nullptr;
     QPushButton *m_accept = nullptr;
 };
 
