@@ -52,10 +52,16 @@ void ImportSession::_apply(const ImportSettings &settings, Effect effect)
         m_source->setSettings(settings);
         m_source->dirty = m_source->dirty || effect.dirty;
         if (effect.recompute || _follows())
-            recompute(*m_relief, *m_source, {followsChanges, true, &basReliefGenerator});
+            _recompute({followsChanges, true, &basReliefGenerator});
     }
     if (changed)
         changed();
+}
+
+void ImportSession::_recompute(const RecomputeRun &run)
+{
+    recompute(*m_relief, *m_source, run);
+    ++m_recomputes;
 }
 
 ImportSession::Effect ImportSession::_effectOf(const ImportSettings &settings) const
@@ -91,7 +97,7 @@ void ImportSession::update(Progress *progress)
     if (!active())
         return;
     compare(false);
-    recompute(*m_relief, *m_source, {true, false, &basReliefGenerator, progress});
+    _recompute({true, false, &basReliefGenerator, progress});
     if (changed)
         changed();
 }

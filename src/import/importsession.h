@@ -33,6 +33,8 @@ public:
     /// A bas-relief setting changed since the last result: exactly then "Update" is enabled.
     bool dirty() const { return active() && m_source->dirty; }
     const ImportSettings &settings() const { return m_settings; }
+    /// How often the heights were computed; a change of the settings may leave them as they are.
+    int recomputes() const { return m_recomputes; }
     /// What a picture opened now starts with: some settings (StartsNextImport) as they were last
     /// set while a picture or nothing was open, everything else at its default.
     const ImportSettings &openingSettings() const { return m_opening; }
@@ -69,12 +71,14 @@ private:
     void _keepForNext(const ImportSettings &settings);
     bool _follows() const;
     void _apply(const ImportSettings &settings, Effect effect);
+    void _recompute(const RecomputeRun &run);
 
     Relief *m_relief = nullptr;
     ImportSource *m_source = nullptr;
     ImportSettings m_settings;
     ImportSettings m_opening;
     bool m_comparing = false;
+    int m_recomputes = 0;
 };
 
 } // namespace marlowen

@@ -9,8 +9,8 @@
 namespace marlowen {
 
 ImportSource::ImportSource(FloatGrid values, const ImportSettings &settings)
-    : m_values(std::move(values))
-    , m_range(rangeOf(m_values.values))
+    : m_values(std::make_shared<const FloatGrid>(std::move(values)))
+    , m_range(rangeOf(m_values->values))
     , m_settings(settings)
 {
 }
@@ -31,7 +31,7 @@ void ImportSource::computeHeights(float *heights)
     if (std::exchange(tiltDirty, false))
         _rebuildTilt();
     const bool tilt = !m_tilted.empty();
-    const GridView source{tilt ? m_tilted.data() : m_values.values.data(), width(), height()};
+    const GridView source{tilt ? m_tilted.data() : m_values->values.data(), width(), height()};
     mapBase(source, tilt ? m_tiltedRange : m_range, m_settings, heights);
     if (!m_settings.preview)
         return;
@@ -45,7 +45,7 @@ void ImportSource::_rebuildTilt()
     m_tilted = {};
     if (!m_settings.tilted())
         return;
-    m_tilted = tiltedValues(m_values, tiltSlope(m_settings, valueRange()));
+    m_tilted = tiltedValues(*m_values, tiltSlope(m_settings, valueRange()));
     m_tiltedRange = rangeOf(m_tilted);
 }
 
@@ -66,6 +66,7 @@ bool makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRu
         return false;
     Q_ASSERT(static_cast<qsizetype>(result->size()) == relief.cells());
     source.lastBasRelief = std::move(*result);
+    ++source.basReliefs;
     source.dirty = false;
     return true;
 }

@@ -6,6 +6,7 @@
 #include "relief/grid/floatgrid.h"
 #include "relief/grid/relief.h"
 
+#include <memory>
 #include <vector>
 
 namespace marlowen {
@@ -19,8 +20,8 @@ public:
     /// Takes a grid that already has its padding; at least one cell.
     ImportSource(FloatGrid values, const ImportSettings &settings);
 
-    int width() const override { return m_values.width; }
-    int height() const override { return m_values.height; }
+    int width() const override { return m_values->width; }
+    int height() const override { return m_values->height; }
     double valueRange() const override { return m_range.span(); }
     /// The pipeline up to smoothing; the bas-relief step is left to recompute().
     void computeHeights(float *heights) override;
@@ -29,7 +30,9 @@ public:
     void setSettings(const ImportSettings &settings);
     const ImportSettings &settings() const { return m_settings; }
 
-    const FloatGrid &values() const { return m_values; }
+    const FloatGrid &values() const { return *m_values; }
+    /// The same, for a reader that may outlive this object; they never change.
+    const std::shared_ptr<const FloatGrid> &sharedValues() const { return m_values; }
     ValueRange range() const { return m_range; }
     /// Empty while both tilt angles are 0.
     const std::vector<float> &tilted() const { return m_tilted; }
@@ -40,11 +43,12 @@ public:
     bool isPicture = false;           ///< the values are grey levels
     bool tiltDirty = true;            ///< the tilted values must be rebuilt
     std::vector<float> lastBasRelief; ///< empty until one was computed
+    int basReliefs = 0;               ///< raised with every new one
 
 private:
     void _rebuildTilt();
 
-    FloatGrid m_values;
+    std::shared_ptr<const FloatGrid> m_values;
     ValueRange m_range;
     std::vector<float> m_tilted;
     ValueRange m_tiltedRange;

@@ -2,6 +2,7 @@
 
 #include "files/workspacefile.h"
 #include "relief/grid/relief.h"
+#include "relief/tools/tool.h"
 
 #include <QScopedValueRollback>
 
@@ -19,8 +20,19 @@ Workbench::Workbench(QObject *parent)
 
 void Workbench::take(std::unique_ptr<Relief> relief, QString file)
 {
+    _replace(std::move(relief), nullptr, std::move(file));
+}
+
+void Workbench::takeRecovered(std::unique_ptr<Relief> relief, SculptUndo &history, QString file)
+{
+    _replace(std::move(relief), &history, std::move(file));
+}
+
+void Workbench::_replace(std::unique_ptr<Relief> relief, SculptUndo *history, QString file)
+{
     _settle();
     m_engine.attach(nullptr, nullptr);
+    // Events refer to their relief: those of the old one go before it does.
     m_history.clear();
     model.reset();
     const std::unique_ptr<Relief> old = std::exchange(m_relief, std::move(relief));
@@ -28,10 +40,12 @@ void Workbench::take(std::unique_ptr<Relief> relief, QString file)
     m_engine.attach(m_relief.get(), &m_history);
     m_session.attach(m_relief.get());
     m_changes.setRelief(m_relief.get());
+    if (history)
+        m_history.adopt(*history);
     m_announced = m_saved = m_history.state();
-    m_unrecorded = m_modified = false;
+    m_unrecorded = m_modified = history != nullptr;
     emit replaced();
-    emit modifiedChanged(false);
+    emit modifiedChanged(m_modified);
     emit changed();
     emit stepDone({Step::Opened, m_relief ? m_relief->rect() : QRect(), {}});
 }
@@ -57,10 +71,12 @@ Outcome Workbench::apply(const Operation &operation, Progress *progress)
         return {};
     _settle();
     const Outcome done = _run(operation, m_history, progress);
-    if (operation.isWork)
+    if (operation.isWork) {
         _announce(Step::Edit);
-    else
+    } else {
         _show();
+        emit selectionEdited();
+    }
     return done;
 }
 
@@ -91,8 +107,11 @@ void Workbench::endStroke()
 
 void Workbench::strokeEnded()
 {
-    if (m_relief)
-        _announce(Step::Stroke);
+    if (!m_relief)
+        return;
+    _announce(Step::Stroke);
+    if (tool.type == Tool::Magic)
+        emit selectionEdited();
 }
 
 /// Everything but a stroke begins here.

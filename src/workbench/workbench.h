@@ -63,6 +63,10 @@ public:
     /// while the old relief still lives.
     void take(std::unique_ptr<Relief> relief, QString file = {});
 
+    /// The same for work that was recovered, with its history, which is emptied. It counts as
+    /// modified until it is saved.
+    void takeRecovered(std::unique_ptr<Relief> relief, SculptUndo &history, QString file);
+
     /// Where the relief came from or was saved last; empty for a new one.
     const QString &file() const { return m_file; }
     /// Ends a stroke in progress and writes a workspace: it is the relief's from now on, and the
@@ -94,6 +98,8 @@ signals:
     void modifiedChanged(bool modified);
     /// Size, heights, mask or selection may have changed.
     void changed();
+    /// The selection may have changed by itself, which is no step.
+    void selectionEdited();
     /// The import's settings or heights changed, or it was accepted.
     void importChanged();
     /// Once for each step, after changed().
@@ -103,6 +109,7 @@ private:
     friend class LivePreview;
     Outcome _run(const Operation &operation, SculptUndo &history, Progress *progress);
     void _importEdited();
+    void _replace(std::unique_ptr<Relief> relief, SculptUndo *history, QString file);
     void _settle();
     void _show();
     void _announce(Step::Kind kind);

@@ -4,6 +4,8 @@
 
 #include <QAction>
 
+#include <utility>
+
 namespace marlowen {
 
 void SculptUndo::setActions(QAction *undoAction, QAction *redoAction)
@@ -118,6 +120,19 @@ void SculptUndo::clear()
     m_events.clear();
     m_cursor = 0;
     m_total = 0;
+    _updateActions();
+}
+
+void SculptUndo::adopt(SculptUndo &other)
+{
+    clear();
+    m_oldestState = ++m_lastSerial;
+    m_events = std::exchange(other.m_events, {});
+    for (const std::unique_ptr<SculptUndoEvent> &event : m_events)
+        event->serial = ++m_lastSerial;
+    m_cursor = std::exchange(other.m_cursor, 0);
+    m_total = std::exchange(other.m_total, 0);
+    other.clear();
     _updateActions();
 }
 

@@ -57,11 +57,16 @@ public:
     void takeOver(SculptUndo &other);
     /// Forgets everything, as for a new relief.
     void clear();
+    /// Forgets everything and takes the events of another history with its cursor; empties that
+    /// one. The events must be of the relief that this history is of from now on.
+    void adopt(SculptUndo &other);
 
     using Events = std::span<const std::unique_ptr<SculptUndoEvent>>;
     /// The group that undo() or redo() takes next, oldest first; empty at the end.
     Events stepToUndo() const;
     Events stepToRedo() const;
+    /// Oldest first, undone ones included.
+    Events all() const { return m_events; }
     /// Which state of the relief the history stands at: the same number again exactly when undo or
     /// redo led back to it.
     uint64_t state() const;

@@ -79,19 +79,19 @@ void Patch::pasteInto(GridLayer &layer, int layerWidth) const
 
 SculptPatchEvent::SculptPatchEvent(Relief &relief, Patch before, Patch after)
     : m_relief(relief)
-    , m_before(std::move(before))
-    , m_after(std::move(after))
+    , m_before(std::make_shared<const Patch>(std::move(before)))
+    , m_after(std::make_shared<const Patch>(std::move(after)))
 {
 }
 
 uint32_t SculptPatchEvent::size() const
 {
-    return accounted(144, sizeof(float), m_before.count() + m_after.count());
+    return accounted(144, sizeof(float), m_before->count() + m_after->count());
 }
 
 QRect SculptPatchEvent::cells() const
 {
-    return m_after.region.boundingRect();
+    return m_after->region.boundingRect();
 }
 
 void SculptModifyEvent::_apply(const Patch &patch)

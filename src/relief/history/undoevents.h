@@ -34,13 +34,15 @@ class SculptPatchEvent : public SculptUndoEvent
 {
 public:
     SculptPatchEvent(Relief &relief, Patch before, Patch after);
-    void undo() override { _apply(m_before); }
-    void redo() override { _apply(m_after); }
+    void undo() override { _apply(*m_before); }
+    void redo() override { _apply(*m_after); }
     /// 144 and 4 for every float of both patches.
     uint32_t size() const override;
     QRect cells() const override;
-    const Patch &before() const { return m_before; }
-    const Patch &after() const { return m_after; }
+    /// The patches never change, so that another thread may read them; they outlive the event for
+    /// as long as somebody holds them.
+    const std::shared_ptr<const Patch> &before() const { return m_before; }
+    const std::shared_ptr<const Patch> &after() const { return m_after; }
 
 protected:
     Relief &m_relief;
@@ -48,8 +50,8 @@ protected:
 private:
     virtual void _apply(const Patch &patch) = 0;
 
-    Patch m_before;
-    Patch m_after;
+    std::shared_ptr<const Patch> m_before;
+    std::shared_ptr<const Patch> m_after;
 };
 
 /// Heights. Applying a patch unites its region into the frame region and sets heights-changed.
@@ -92,6 +94,8 @@ public:
     /// 104 and 16 for every cell of the old grid.
     uint32_t size() const override;
     QRect cells() const override { return m_relief.rect(); }
+    int newWidth() const { return m_newWidth; }
+    int newHeight() const { return m_newHeight; }
 
 private:
     Relief &m_relief;
@@ -109,6 +113,8 @@ public:
     void undo() override { _apply(m_before); }
     void redo() override { _apply(m_after); }
     uint32_t size() const override { return 48; }
+    double before() const { return m_before; }
+    double after() const { return m_after; }
 
 private:
     void _apply(double value);

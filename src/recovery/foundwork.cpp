@@ -1,0 +1,110 @@
+#include "recovery/foundwork.h"
+
+#include "recovery/replay.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QObject>
+
+#include <algorithm>
+#include <new>
+
+namespace marlowen {
+
+namespace {
+
+const QString pattern = QStringLiteral("window-*");
+
+Failure restoreFailed(const QString &sentence)
+{
+    return {QObject::tr("Restore Failed"), sentence};
+}
+
+/// False when there is nothing to restore. Reads the heads of the records, not their data.
+bool lookInto(JournalReader &reader, FoundWork &work)
+{
+    if (!reader.next())
+        return false;
+    const std::optional<BaseHead> base = readBaseHead(reader);
+    if (!base)
+        return false;
+    work.file = base->state.file;
+    work.steps = base->state.steps;
+    bool any = base->state.modified;
+    while (reader.next()) {
+        const RecordType type = reader.head().type;
+        work.steps += reader.head().has(EndsStep) && type != RecordType::Selection ? 1 : 0;
+        any = any || type != RecordType::Selection;
+    }
+    return any;
+}
+
+bool replayAll(JournalReader &reader, Replay &replay, Progress &progress)
+{
+    while (reader.next() && replay.take(reader)) {
+        progress.advance(static_cast<double>(reader.end()) / static_cast<double>(reader.size()));
+        if (progress.cancelled())
+            return false;
+    }
+    replay.finish();
+    return true;
+}
+
+} // namespace
+
+QList<FoundWork> findWork(const QString &root)
+{
+    QList<FoundWork> found;
+    const QDir folder(root);
+    for (const QString &name : folder.entryList({pattern}, QDir::Dirs | QDir::NoDotAndDotDot)) {
+        std::optional<RecoveryFolder> taken = RecoveryFolder::take(folder.filePath(name));
+        if (!taken)
+            continue;
+        FoundWork work;
+        work.folder = taken->path();
+        work.time = QFileInfo(taken->journal()).lastModified();
+        JournalReader reader;
+        const JournalReader::State state = reader.open(taken->journal());
+        if (state == JournalReader::State::Foreign)
+            continue;
+        if (state == JournalReader::State::Readable && lookInto(reader, work))
+            found.append(work);
+        else
+            taken->discard();
+    }
+    std::ranges::sort(found, std::greater(), &FoundWork::time);
+    return found;
+}
+
+Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress)
+{
+    std::optional<RecoveryFolder> taken = RecoveryFolder::take(folder);
+    if (!taken)
+        return restoreFailed(QObject::tr("Another window works on it."));
+    const Failure unreadable = restoreFailed(QObject::tr("The kept work cannot be read."));
+    try {
+        JournalReader reader;
+        if (reader.open(taken->journal()) != JournalReader::State::Readable)
+            return unreadable;
+        Replay replay(true);
+        if (!replayAll(reader, replay, progress))
+            return restoreFailed({});
+        if (!replay.relief)
+            return unreadable;
+        return RecoveredWork{std::move(*taken),         std::move(replay.relief),
+                             std::move(replay.history), replay.base().file,
+                             replay.goodEnd(),          replay.goodEnd() < reader.size()};
+    } catch (const std::bad_alloc &) {
+        return restoreFailed(QObject::tr("There is not enough memory for this relief."));
+    }
+}
+
+bool discardWork(const QString &folder)
+{
+    std::optional<RecoveryFolder> taken = RecoveryFolder::take(folder);
+    if (taken)
+        taken->discard();
+    return taken.has_value();
+}
+
+} // namespace marlowen

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/progress.h"
+#include "base/result.h"
+#include "recovery/recoveryfolder.h"
+#include "relief/grid/relief.h"
+#include "relief/history/sculptundo.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+namespace marlowen {
+
+/// Unsaved work that a window has left behind, as far as it can be told without reading all of it.
+struct FoundWork
+{
+    QString folder;
+    QString file;   ///< where the relief came from; empty for a new one
+    QDateTime time; ///< of the last step
+    int steps = 0;  ///< since the relief was opened or saved
+};
+
+/// What the windows that are gone have left below `root`, newest first. Folders without anything to
+/// restore are removed; those in use, of another user or another version are left alone.
+QList<FoundWork> findWork(const QString &root);
+
+/// Work brought back.
+struct RecoveredWork
+{
+    RecoveryFolder folder; ///< locked
+    std::unique_ptr<Relief> relief;
+    SculptUndo history; ///< the steps of the journal; refers to the relief
+    QString file;
+    int64_t journalEnd = 0; ///< where the last whole step ends in the journal
+    bool damaged = false;   ///< steps after that one are lost
+};
+
+/// Brings work back up to its last whole step; the journal stays as it is. Fails when another
+/// window has it meanwhile, when not even its beginning can be read, or when memory is short. A
+/// cancelled progress is a failure without a sentence.
+Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress);
+
+/// Deletes work that no window has. False when one has it.
+bool discardWork(const QString &folder);
+
+} // namespace marlowen
