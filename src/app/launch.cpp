@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 
+#include <cstdio>
 #include <functional>
 #include <utility>
 
@@ -20,8 +21,8 @@ QList<LaunchStep> fileSteps(const QStringList &arguments)
         steps.append({Kind::SecondIntegrationString, arguments[3]});
     if (arguments.size() >= 3)
         steps.append({Kind::ExportPath, arguments[2]});
-    if (QFileInfo::exists(arguments[1]))
-        steps.append({Kind::OpenFile, arguments[1]});
+    const bool found = QFileInfo::exists(arguments[1]);
+    steps.append({found ? Kind::OpenFile : Kind::MissingFile, arguments[1]});
     return steps;
 }
 
@@ -36,6 +37,24 @@ QList<LaunchStep> integrationSteps(const QStringList &arguments)
     };
 }
 
+/// To whoever typed the command.
+void sayNotOpened(const QString &path)
+{
+    std::fprintf(stderr, "marlowen: %s could not be opened\n", qPrintable(path));
+}
+
+void openOrSay(MainWindow &window, const QString &path)
+{
+    if (!window.openFile(path, 0))
+        sayNotOpened(path);
+}
+
+void sayMissing(MainWindow &window, const QString &path)
+{
+    window.reportMissing(path);
+    sayNotOpened(path);
+}
+
 void applyStep(const LaunchStep &step, MainWindow &window)
 {
     static const std::pair<Kind, std::function<void(MainWindow &, const QString &)>> actions[] = {
@@ -43,7 +62,8 @@ void applyStep(const LaunchStep &step, MainWindow &window)
         {Kind::SecondIntegrationString, &MainWindow::setSecondIntegrationString},
         {Kind::ExportPath, &MainWindow::setExportPath},
         {Kind::ImportFile, &MainWindow::setImportFile},
-        {Kind::OpenFile, [](MainWindow &target, const QString &path) { target.openFile(path, 0); }},
+        {Kind::OpenFile, openOrSay},
+        {Kind::MissingFile, sayMissing},
         {Kind::Raise, [](MainWindow &target, const QString &) { target.raise(); }},
     };
     for (const auto &[kind, act] : actions) {

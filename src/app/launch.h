@@ -17,6 +17,7 @@ struct LaunchStep
         ExportPath,
         ImportFile,
         OpenFile,
+        MissingFile, ///< says that it is not there
         Raise,
     };
 
@@ -27,9 +28,9 @@ struct LaunchStep
 };
 
 /// What the arguments ask for, in the order in which it is done; the program itself is argument 0.
-/// Up to three further arguments: a file to open (nothing when it does not exist), the export path,
-/// a second string. Four or more are the sister program's call: string, import file, export path,
-/// second string; the rest is ignored.
+/// Up to three further arguments: a file to open, the export path, a second string. Four or more
+/// are the sister program's call: string, import file, export path, second string; the rest is
+/// ignored.
 QList<LaunchStep> launchSteps(const QStringList &arguments);
 
 void applyLaunchSteps(const QList<LaunchStep> &steps, MainWindow &window);

@@ -74,6 +74,10 @@ void reportFatalError(const char *text)
     logCritical() << text << "\n";
     logFlush();
     QMessageBox::critical(nullptr, QStringLiteral("Fatal Error"), QString::fromUtf8(text));
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *window = qobject_cast<MainWindow *>(widget))
+            window->endForGood();
+    }
     QApplication::closeAllWindows();
     logClose();
 }

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace marlowen {
 
@@ -46,7 +47,11 @@ std::unique_ptr<Relief> reliefOf(QImage image, const ImportSettings &settings)
     FloatGrid grey = greyGrid(image);
     image = {};
     const Padding padding = paddingFor(grey);
-    auto source = std::make_unique<ImportSource>(padded(std::move(grey), padding), settings);
+    FloatGrid values = padded(std::move(grey), padding);
+    ImportSettings opened = settings;
+    if (std::exchange(opened.proposeDepth, false))
+        opened.depth = std::min(values.width, values.height) / 10.0;
+    auto source = std::make_unique<ImportSource>(std::move(values), opened);
     source->isPicture = true;
     return std::make_unique<Relief>(std::move(source));
 }

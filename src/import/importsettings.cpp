@@ -85,7 +85,7 @@ constexpr Field<S> rows[] = {
       .control = {-10, 10, 0.1, 2, 1, "°", tenthsScale}, .option = {"--tilt", "V"}}},
     {&S::depth,
      {.key = "depth", .label = QT_TRANSLATE_NOOP("Fields", "Depth"),
-      .hint = QT_TRANSLATE_NOOP("Fields", "Height of the whole range in cells; 0 keeps the values of the source."),
+      .hint = QT_TRANSLATE_NOOP("Fields", "Height of the whole range; 0 takes every value of the source as a height in cells."),
       .range = {0, largestDepth}, .option = {"--depth", "D"}}},
     {&S::basRelief,
      {.key = "basRelief", .label = QT_TRANSLATE_NOOP("Fields", "On / Off"),

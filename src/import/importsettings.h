@@ -10,14 +10,15 @@ struct ImportSettings
 {
     bool flipY = false;
     bool invertZ = false;
-    bool transparency = true; ///< cells of height 0 stay 0 through smoothing
-    bool preview = true;      ///< off: raise/lower, trim, smoothing and bas-relief are left out
-    double smoothing = 0.0;   ///< passes
-    int raiseLower = 0;       ///< percent of the range; positive lowers
-    int trim = 0;             ///< cells removed from the outline
-    int tiltHorizontal = 0;   ///< tenths of a degree
-    int tiltVertical = 0;     ///< tenths of a degree
-    double depth = 0.0;       ///< height that the whole source range spans; 0: source units
+    bool transparency = true;  ///< cells of height 0 stay 0 through smoothing
+    bool preview = true;       ///< off: raise/lower, trim, smoothing and bas-relief are left out
+    double smoothing = 0.0;    ///< passes
+    int raiseLower = 0;        ///< percent of the range; positive lowers
+    int trim = 0;              ///< cells removed from the outline
+    int tiltHorizontal = 0;    ///< tenths of a degree
+    int tiltVertical = 0;      ///< tenths of a degree
+    double depth = 0.0;        ///< height that the whole source range spans; 0: source units
+    bool proposeDepth = false; ///< the depth becomes a tenth of the smaller side when it is opened
     bool basRelief = false;
     int gridSize = 2;       ///< bas-relief
     int contrastFactor = 8; ///< bas-relief

@@ -52,6 +52,18 @@ void CenterArea::showRelief()
     m_flatWin->setRelief(m_bench.relief());
 }
 
+void CenterArea::showStartPage()
+{
+    m_startPage->setBack(m_bench.relief() != nullptr);
+    setCurrentWidget(m_startPage);
+}
+
+void CenterArea::leaveStartPage()
+{
+    setCurrentWidget(m_splitter);
+    m_sculptWin->setFocus();
+}
+
 void CenterArea::letGo()
 {
     m_sculptWin->setRelief(nullptr);
@@ -67,6 +79,12 @@ void CenterArea::setReason(const QString &reason)
     m_flatWin->setEngine(engine);
     m_sculptWin->setReason(reason);
     m_flatWin->setReason(reason);
+}
+
+void CenterArea::setUnit(int unit)
+{
+    m_sculptWin->setUnit(unit);
+    m_flatWin->setUnit(unit);
 }
 
 void CenterArea::zoomAll()

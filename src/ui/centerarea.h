@@ -30,10 +30,15 @@ public:
 
     /// Shows the views on the bench's relief.
     void showRelief();
+    /// Shows the start page, with a way back when there is a relief.
+    void showStartPage();
+    void leaveStartPage();
     /// The views forget the relief and the bench.
     void letGo();
     /// Strokes act, or a reason says why they do not.
     void setReason(const QString &reason);
+    /// Index in lengthUnits of the unit that lengths are shown in.
+    void setUnit(int unit);
     void zoomAll();
     /// The tool's footprint looks different.
     void refresh();

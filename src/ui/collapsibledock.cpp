@@ -64,6 +64,12 @@ void CollapsibleDock::setCollapsed(bool on)
     _showState();
 }
 
+void CollapsibleDock::fold(int openWidth)
+{
+    setCollapsed(true);
+    m_openWidth = openWidth;
+}
+
 void CollapsibleDock::takeOpenWidth()
 {
     if (auto *window = qobject_cast<QMainWindow *>(parentWidget()); window && !m_collapsed)

@@ -17,6 +17,10 @@ public:
     CollapsibleDock(const QString &title, const QString &name, QWidget *parent);
 
     bool isCollapsed() const { return m_collapsed; }
+    /// Width in pixels that it has open.
+    int openWidth() const { return m_collapsed ? m_openWidth : width(); }
+    /// Folds it and remembers the width to open with.
+    void fold(int openWidth);
     /// Width the dock starts with, in pixels.
     void setContent(QWidget *content, int width);
 

@@ -9,6 +9,7 @@
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
 #include "ui/controllers/openablefiles.h"
+#include "ui/keyrouter.h"
 #include "ui/pages/toolspage.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/sculptpanels.h"
@@ -23,6 +24,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDir>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -65,10 +67,14 @@ MainWindow::MainWindow(QWidget *parent)
     connectCommands(*this, *m_toolActions, *m_recentFiles);
     connectPages(*this, m_pages);
     connectDocks(*this, m_docks);
+    auto *keys = new KeyRouter(this, backstage());
+    keys->addView(sculptWin());
+    keys->addView(flatWin());
     _connectViews();
     _connectWorkbench();
     setupControls();
     m_tool->show();
+    unitChanged();
     setWindowTitle(m_files->windowTitle());
     _restoreLayout();
 }
@@ -102,6 +108,7 @@ void MainWindow::_connectViews()
     connect(flatWin(), &FlatWin::cropChanged, this, &MainWindow::setupControls);
     connect(flatWin(), &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
     StartPage *start = m_center->startPage();
+    connect(start, &StartPage::BackClicked, m_center, &CenterArea::leaveStartPage);
     connect(start, &StartPage::NewClicked, this, &MainWindow::newRelief);
     connect(start, &StartPage::OpenClicked, this, &MainWindow::chooseFileToOpen);
     connect(start, &StartPage::RecentClicked, m_files, &FileController::openFile);
@@ -134,6 +141,11 @@ void MainWindow::setImportFile(const QString &path)
     QTimer::singleShot(1, this, &MainWindow::loadImportFile);
 }
 
+void MainWindow::reportMissing(const QString &path)
+{
+    _say(tr("There is no file %1.").arg(QDir::toNativeSeparators(path)), 10000);
+}
+
 void MainWindow::setExportPath(const QString &path)
 {
     m_exports->setHandOverPath(path);
@@ -155,6 +167,11 @@ void MainWindow::toggleBackStage()
 void MainWindow::showAbout()
 {
     AboutBox(this).exec();
+}
+
+void MainWindow::showStartPage()
+{
+    m_center->showStartPage();
 }
 
 void MainWindow::_restoreLayout()
@@ -226,7 +243,6 @@ void MainWindow::_reliefReplaced()
     else
         m_docks.panels->showToolTab();
     m_edits->startSize();
-    m_edits->showSample(double(m_bench.relief()->sampleHeight));
     // The views know their size only after the first layout.
     QTimer::singleShot(0, this, &MainWindow::zoomAll);
 }
@@ -256,6 +272,8 @@ void MainWindow::setupControls()
     m_tool->setupControls();
     m_edits->setupControls(*m_commands, !flatWin()->cropOutline().isEmpty());
     m_center->setReason(reason);
+    if (!reason.isEmpty() && ribbonBar()->currentPage() == WindowPages::Export)
+        ribbonBar()->setCurrentPage(WindowPages::SculptingTools);
     ribbonBar()->setPageVisible(WindowPages::Export, reason.isEmpty());
 }
 
@@ -271,6 +289,14 @@ void MainWindow::_showRelief()
 void MainWindow::showExtent()
 {
     m_status->showExtent(m_bench.relief(), m_pages.size->unit(), sculptWin()->camera().zoom);
+}
+
+void MainWindow::unitChanged()
+{
+    m_center->setUnit(m_pages.size->unit());
+    m_docks.panels->importPanel()->setUnit(m_pages.size->unit());
+    m_edits->showSample();
+    showExtent();
 }
 
 void MainWindow::setStatus(const QString &text)

@@ -43,6 +43,10 @@ public:
     /// The strings of the sister program's call; stored, without further meaning here.
     void setIntegrationString(const QString &text) { m_integrationString = text; }
     void setSecondIntegrationString(const QString &text) { m_secondIntegrationString = text; }
+    /// The program cannot go on: closing can no longer be cancelled.
+    void endForGood() { m_files->endForGood(); }
+    /// Says that a file named at the start is not there.
+    void reportMissing(const QString &path);
     /// Where the sister program waits for the height map; shows "Send to Drafteon".
     void setExportPath(const QString &path);
 
@@ -67,6 +71,7 @@ public slots:
     void exportStlFile() { m_exports->exportStl(); }
     void exportToDrafteon() { m_exports->handOver(); }
     void showAbout();
+    void showStartPage();
 
     void undo() { m_bench.undo(); }
     void redo() { m_bench.redo(); }
@@ -77,6 +82,7 @@ public slots:
     void showExtent();
     void reliefDirtyChanged(bool) { setWindowTitle(m_files->windowTitle()); }
     void acceptClicked() { m_bench.acceptImport(); }
+    void depthChosen(double cells) { m_files->rememberDepth(cells); }
     void updateClicked() { m_import->update(); }
     void tabActivated(int page);
     void ribbonTabChanged(int page) { tabActivated(page); }
@@ -108,7 +114,8 @@ public slots:
     void invertMaskClicked() { m_edits->run("maskInvert"); }
     void selectNoneClicked() { m_edits->selectNone(); }
     void selectionModifierChanged(SelectionModifier modifier);
-    void sampleChanged(double height) { m_edits->showSample(height); }
+    void sampleChanged(double) { m_edits->showSample(); }
+    void unitChanged();
     void sampleEdited() { m_edits->sampleEdited(); }
     void sizeWanted(const SizeWish &inches) { m_edits->applySize(inches); }
 

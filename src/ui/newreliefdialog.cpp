@@ -1,5 +1,7 @@
 #include "ui/newreliefdialog.h"
 
+#include "base/numbertext.h"
+#include "base/qevsettings.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 #include "ui/ribbon/numberfield.h"
@@ -8,7 +10,6 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QSignalBlocker>
 
@@ -59,6 +60,19 @@ void showAmount(NumberField &field, const Unit &unit, const Amount &amount)
     field.setValue(amount.cells / unit.cells);
 }
 
+QString key(const char *name)
+{
+    return QStringLiteral("/state/new/") + QLatin1String(name);
+}
+
+/// A stored number, or the first one where there is none that can be used.
+double remembered(const char *name, double first, double largest)
+{
+    bool ok = false;
+    const double value = QevSettings().value(key(name), first).toDouble(&ok);
+    return ok && value >= 0.0 && value <= largest ? value : first;
+}
+
 } // namespace
 
 NewReliefDialog::NewReliefDialog(QWidget *parent)
@@ -77,7 +91,13 @@ NewReliefDialog::NewReliefDialog(QWidget *parent)
     m_level->setAccessibleName(tr("Start height"));
     m_level->setToolTip(tr("How thick the relief is before it is sculpted; cells of height 0 are "
                            "empty, and brushes leave them alone while Keep Transparency is on"));
-    _showIn(0, {firstWidth, firstHeight}, firstLevel);
+    const auto whole = [](const char *name, int first, int largest) {
+        return static_cast<int>(remembered(name, first, largest));
+    };
+    m_units->setCurrentIndex(whole("units", 0, m_units->count() - 1));
+    _showIn(m_units->currentIndex(),
+            {whole("width", firstWidth, largestSide), whole("height", firstHeight, largestSide)},
+            remembered("level", firstLevel, largestLevel));
     _arrange();
     for (NumberField *field : {m_width, m_height, m_level}) {
         // What is being typed counts at once, so that "OK" and the message follow it.
@@ -162,6 +182,16 @@ void NewReliefDialog::_showIn(int unitIndex, QSize cells, double levelCells)
     showAmount(*m_level, unit, {levelCells, largestLevel, unit.levelDecimals});
 }
 
+void NewReliefDialog::accept()
+{
+    QevSettings settings;
+    settings.setValue(key("units"), m_units->currentIndex());
+    settings.setValue(key("width"), widthCells());
+    settings.setValue(key("height"), heightCells());
+    settings.setValue(key("level"), level());
+    QDialog::accept();
+}
+
 QString NewReliefDialog::_objection() const
 {
     if (widthCells() < smallestSide || heightCells() < smallestSide)
@@ -172,11 +202,10 @@ QString NewReliefDialog::_objection() const
 
 QString NewReliefDialog::_extent() const
 {
-    const QLocale locale;
     return tr("%1 × %2 cells, %3 × %4 in.")
         .arg(QString::number(widthCells()), QString::number(heightCells()),
-             locale.toString(widthCells() / cellsPerInch, 'f', 2),
-             locale.toString(heightCells() / cellsPerInch, 'f', 2));
+             numberText(widthCells() / cellsPerInch, 2),
+             numberText(heightCells() / cellsPerInch, 2));
 }
 
 void NewReliefDialog::_check()

@@ -17,7 +17,8 @@ class Relief;
 
 /// Asks for the size and the start height of a new relief, in cells or in a unit of length. "OK"
 /// can be pressed only for sizes that can be made: at least 2 x 2 cells and less than 1000 square
-/// inches; what is wrong is said below the fields.
+/// inches; what is wrong is said below the fields. The next dialog starts with what the last one
+/// was accepted with (settings "/state/new/...").
 class NewReliefDialog : public QDialog
 {
     Q_OBJECT
@@ -31,6 +32,9 @@ public:
     double level() const;
     /// The relief asked for. Fails when there is not enough memory.
     Result<std::unique_ptr<Relief>> makeRelief() const;
+
+public slots:
+    void accept() override;
 
 private:
     void _arrange();

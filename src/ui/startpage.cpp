@@ -101,6 +101,11 @@ void StartPage::_arrange()
     whole->addWidget(area);
 }
 
+void StartPage::setBack(bool on)
+{
+    m_back->setVisible(on);
+}
+
 QWidget *StartPage::_head()
 {
     auto *head = new QWidget;
@@ -114,17 +119,22 @@ QWidget *StartPage::_head()
     newRelief->setToolTip(tr("Starts an empty relief"));
     auto *open = new QPushButton(icon(QStringLiteral("open_32")), tr("Open..."));
     open->setToolTip(tr("Opens a workspace or a picture"));
-    for (QPushButton *button : {newRelief, open}) {
+    m_back = new QPushButton(icon(QStringLiteral("view_3d")), tr("Back"));
+    m_back->setToolTip(tr("Back to the relief that is open"));
+    m_back->hide();
+    for (QPushButton *button : {newRelief, open, m_back}) {
         button->setIconSize(QSize(22, 22));
         button->setMinimumSize(116, 36);
     }
     connect(newRelief, &QPushButton::clicked, this, &StartPage::NewClicked);
     connect(open, &QPushButton::clicked, this, &StartPage::OpenClicked);
+    connect(m_back, &QPushButton::clicked, this, &StartPage::BackClicked);
 
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(8);
     buttons->addWidget(newRelief);
     buttons->addWidget(open);
+    buttons->addWidget(m_back);
     buttons->addStretch(1);
     auto *grid = new QGridLayout(head);
     grid->setContentsMargins(0, 0, 0, 0);

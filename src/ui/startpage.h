@@ -7,6 +7,7 @@
 class QCheckBox;
 class QGridLayout;
 class QLabel;
+class QPushButton;
 class QToolButton;
 
 namespace marlowen {
@@ -24,6 +25,8 @@ public:
     /// Whether the page is to be shown when the program starts; true unless it was switched off.
     static bool shownAtStartup();
 
+    /// Whether "Back" is offered, which leads to the relief that is open.
+    void setBack(bool on);
     /// Reads the recent files again; done by itself whenever the page is shown.
     void refresh();
 
@@ -31,6 +34,7 @@ signals:
     void NewClicked();
     void OpenClicked();
     void RecentClicked(const QString &path);
+    void BackClicked();
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -46,6 +50,7 @@ private:
     QGridLayout *m_grid = nullptr;
     QLabel *m_nothing = nullptr;
     QCheckBox *m_startup = nullptr;
+    QPushButton *m_back = nullptr;
     QList<QToolButton *> m_cards;   ///< in the order of the recent files
     QList<QToolButton *> m_waiting; ///< for their pictures
 };

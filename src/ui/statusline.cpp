@@ -1,5 +1,6 @@
 #include "ui/statusline.h"
 
+#include "base/numbertext.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 
@@ -30,7 +31,7 @@ void StatusLine::showExtent(const Relief *relief, int unit, double zoom)
         return m_extent->clear();
     const LengthUnit &shown = lengthUnits[static_cast<size_t>(unit)];
     const auto length = [&shown](int cells) {
-        return QString::number(cells / cellsPerInch / shown.inches, 'f', 2);
+        return numberText(cells / cellsPerInch / shown.inches, 2);
     };
     m_extent->setText(QStringLiteral("%1 × %2  ·  %3 × %4 %5  ·  %6 %")
                           .arg(relief->width())

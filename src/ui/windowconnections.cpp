@@ -29,6 +29,7 @@ void connectCommands(MainWindow &window, const ToolActions &tools, const RecentF
     on("open", &MainWindow::chooseFileToOpen);
     on("save", &MainWindow::saveWorkSpace);
     on("saveAs", &MainWindow::saveWorkSpaceAs);
+    on("startPage", &MainWindow::showStartPage);
     on("about", &MainWindow::showAbout);
     on("exit", &MainWindow::close);
     on("undo", &MainWindow::undo);
@@ -68,7 +69,7 @@ void connectPages(MainWindow &window, const WindowPages &pages)
     on(pages.viewSettings, &View::quantizationChanged, &MainWindow::quantizationChanged);
     on(pages.viewSettings, &View::pointerChosen, &MainWindow::cursorSizeChanged);
     on(pages.size, &SizePage::sizeWanted, &MainWindow::sizeWanted);
-    on(pages.size, &SizePage::unitChanged, &MainWindow::showExtent);
+    on(pages.size, &SizePage::unitChanged, &MainWindow::unitChanged);
     on(pages.tools, &ToolsPage::limitChanged, &MainWindow::ceilingOrFloorChanged);
     on(pages.edit, &EditPage::modifierChosen, &MainWindow::selectionModifierChanged);
     on(pages.edit, &EditPage::toleranceChanged, &MainWindow::toleranceChanged);
@@ -105,6 +106,7 @@ void connectDocks(MainWindow &window, const WindowDocks &docks)
     on(&ToolPanel::AlphaRepeatChanged, &MainWindow::alphaChanged);
     ImportPanel *import = docks.panels->importPanel();
     QObject::connect(import, &ImportPanel::AcceptClicked, &window, &MainWindow::acceptClicked);
+    QObject::connect(import, &ImportPanel::DepthChosen, &window, &MainWindow::depthChosen);
     QObject::connect(import, &ImportPanel::UpdateClicked, &window, &MainWindow::updateClicked);
     QObject::connect(docks.library, &LibraryPanel::AlphaChanged, &window,
                      &MainWindow::alphaChanged);

@@ -1,6 +1,7 @@
 #include "ui/windowlayout.h"
 
 #include "base/qevsettings.h"
+#include "ui/collapsibledock.h"
 
 #include <QMainWindow>
 #include <QScreen>
@@ -16,6 +17,12 @@ constexpr QSize roomySize(1400, 900);
 constexpr char geometryKey[] = "geometry";
 constexpr char docksKey[] = "windowState";
 constexpr char splitterKey[] = "splitterState";
+
+/// Where a folded dock keeps the width to open with; absent for an open one.
+QString foldedKey(const CollapsibleDock &dock)
+{
+    return QStringLiteral("/state/folded/") + dock.objectName();
+}
 
 /// A layout kept from a larger or another screen must not leave the window out of reach.
 void fitOnScreen(QMainWindow &window)
@@ -46,6 +53,11 @@ bool restore(QMainWindow &window, QSplitter &splitter)
     fitOnScreen(window);
     const bool docks = window.restoreState(kept(docksKey));
     splitter.restoreState(kept(splitterKey));
+    const QevSettings settings;
+    for (CollapsibleDock *dock : window.findChildren<CollapsibleDock *>()) {
+        if (const int width = settings.value(foldedKey(*dock)).toInt(); width > 0)
+            dock->fold(width);
+    }
     return docks;
 }
 
@@ -55,6 +67,12 @@ void store(const QMainWindow &window, const QSplitter &splitter)
     settings.setValue(QLatin1String(geometryKey), window.saveGeometry());
     settings.setValue(QLatin1String(docksKey), window.saveState());
     settings.setValue(QLatin1String(splitterKey), splitter.saveState());
+    for (const CollapsibleDock *dock : window.findChildren<CollapsibleDock *>()) {
+        if (dock->isCollapsed())
+            settings.setValue(foldedKey(*dock), dock->openWidth());
+        else
+            settings.remove(foldedKey(*dock));
+    }
     settings.sync();
 }
 

@@ -8,8 +8,8 @@ namespace marlowen {
 /// The window's own layout between two starts.
 namespace windowLayout {
 
-/// Restores geometry, docks and splitter, and keeps the window on the screen. False when there was
-/// no layout of the docks.
+/// Restores geometry, docks (also which of them are folded) and splitter, and keeps the window on
+/// the screen. False when there was no layout of the docks.
 bool restore(QMainWindow &window, QSplitter &splitter);
 void store(const QMainWindow &window, const QSplitter &splitter);
 

@@ -34,6 +34,8 @@ constexpr CommandRow commandRows[] = {
      QT_TRANSLATE_NOOP("Commands", "Saves the workspace."), "Ctrl+S", ""},
     {"saveAs", QT_TRANSLATE_NOOP("Commands", "Save As"), "save_as_32",
      QT_TRANSLATE_NOOP("Commands", "Saves the workspace under another name."), "Ctrl+Shift+S", ""},
+    {"startPage", QT_TRANSLATE_NOOP("Commands", "Start Page"), "start_page",
+     QT_TRANSLATE_NOOP("Commands", "Shows new, open and the recent files with pictures."), "", ""},
     {"about", QT_TRANSLATE_NOOP("Commands", "About"), "about",
      QT_TRANSLATE_NOOP("Commands", "Version and makers."), "", ""},
     {"exit", QT_TRANSLATE_NOOP("Commands", "Exit"), "exit",
@@ -122,7 +124,7 @@ RecentFilesMenu *buildFilePage(RibbonMainWindow &window, const CommandSet &comma
     for (const char *id : {"new", "open", "save", "saveAs"})
         page->addCommand(commands[id]);
     page->addStretch();
-    for (const char *id : {"about", "exit"})
+    for (const char *id : {"startPage", "about", "exit"})
         page->addCommand(commands[id]);
     auto *recentFiles = new RecentFilesMenu(&window);
     page->setContent(recentFiles->makeList());

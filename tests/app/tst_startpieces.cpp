@@ -53,9 +53,11 @@ private slots:
 
         QTest::newRow("none") << QStringList{} << Steps{};
         QTest::newRow("file") << QStringList{there} << Steps{open};
-        QTest::newRow("missing file") << QStringList{"/no/such.png"} << Steps{};
+        const LaunchStep missing{Kind::MissingFile, "no"};
+        QTest::newRow("missing file") << QStringList{"no"} << Steps{missing};
         QTest::newRow("export path") << QStringList{there, "out"} << Steps{path, open};
-        QTest::newRow("missing file, export path") << QStringList{"no", "out"} << Steps{path};
+        QTest::newRow("missing file, export path")
+            << QStringList{"no", "out"} << Steps{path, missing};
         QTest::newRow("second string")
             << QStringList{there, "out", "text"}
             << Steps{{Kind::SecondIntegrationString, "text"}, path, open};

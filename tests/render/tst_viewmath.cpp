@@ -337,8 +337,10 @@ private slots:
     void statusLine()
     {
         const SceneBox box{256, 128, 0, 1};
-        QCOMPARE(statusText({0, 0, 63.5}, box), QString("Position: (1.00, 0.50) z = 0.50"));
-        QCOMPARE(statusText({-128, 63.5, -3}, box), QString("Position: (0.00, 1.00) z = 0.00"));
+        QCOMPARE(statusText({0, 0, 63.5}, box), QString("Position: (1.00, 0.50) z = 0.496 in."));
+        QCOMPARE(statusText({-128, 63.5, -3}, box),
+                 QString("Position: (0.00, 1.00) z = 0.000 in."));
+        QCOMPARE(statusText({0, 0, 64}, box, 2), QString("Position: (25.5, 12.8) z = 12.7 mm"));
     }
 };
 

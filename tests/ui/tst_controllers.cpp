@@ -66,7 +66,10 @@ private slots:
 
     void guardAsksOnceAndObeys_data();
     void guardAsksOnceAndObeys();
+    void guardOfAnEndingProgramCannotBeCancelled();
     void savingToTheFileBeingOpenedLoadsWhatWasSaved();
+    void fileThatChangedOnDiskIsNotReplacedUnasked();
+    void pictureStartsAtCarvingDepth();
     void damagedFileCostsOneBox_data();
     void damagedFileCostsOneBox();
     void unknownFileOpensNothing();
@@ -75,9 +78,11 @@ private slots:
     void sizesFollowTheLock_data();
     void sizesFollowTheLock();
     void sizeIsOneStep();
+    void askedDepthHoldsAfterResampling();
     void tooLargeASizeIsRefused();
     void cropNeedsItsToolAndAnOutline();
     void toolRecordShowsEverywhere();
+    void toolsKeepTheirOwnValues();
     void choosingAToolEndsTheStroke();
     void materialsAreRenamedClonedAndDeleted();
     void importSettingsStayForTheNextStart();
@@ -128,6 +133,18 @@ void TestControllers::guardAsksOnceAndObeys_data()
     QTest::newRow("Cancel") << int(QMessageBox::Cancel) << false << false;
 }
 
+/// The person cancels saving, too; only then the work is given up.
+void TestControllers::guardOfAnEndingProgramCannotBeCancelled()
+{
+    m_bench->take(flat());
+    QVERIFY(m_bench->apply(operation("zScale", {{2.5}})));
+    m_files->endForGood();
+    PersonAtHand person;
+    person.answers = {QMessageBox::Save, QMessageBox::Discard};
+    QVERIFY(m_files->mayLoseWork());
+    QCOMPARE(person.sentences.size(), 2);
+}
+
 void TestControllers::guardAsksOnceAndObeys()
 {
     QFETCH(int, answer);
@@ -150,6 +167,33 @@ void TestControllers::savingToTheFileBeingOpenedLoadsWhatWasSaved()
     person.answers = {QMessageBox::Save};
     QVERIFY(m_files->openFile(_dome()));
     QCOMPARE(m_bench->relief()->zScale, 2.5);
+}
+
+void TestControllers::fileThatChangedOnDiskIsNotReplacedUnasked()
+{
+    _open();
+    QFile file(_dome());
+    QVERIFY(file.open(QIODevice::Append) && file.write("more") == 4);
+    file.close();
+    const qint64 size = QFileInfo(_dome()).size();
+    PersonAtHand person;
+    person.answers = {QMessageBox::No, QMessageBox::Yes};
+    QVERIFY(!m_files->save());
+    QCOMPARE(QFileInfo(_dome()).size(), size);
+    QVERIFY(m_files->save());
+    QVERIFY(m_files->save());
+    QCOMPARE(person.titles.size(), 2);
+}
+
+void TestControllers::pictureStartsAtCarvingDepth()
+{
+    QVERIFY(m_files->openFile(_plate()));
+    const Relief &relief = *m_bench->relief();
+    const double tenth = std::min(relief.width(), relief.height()) / 10.0;
+    QCOMPARE(m_bench->session().settings().depth, tenth);
+    m_files->rememberDepth(25.0);
+    QVERIFY(m_files->openFile(_plate()));
+    QCOMPARE(m_bench->session().settings().depth, 25.0);
 }
 
 void TestControllers::damagedFileCostsOneBox_data()
@@ -264,6 +308,21 @@ void TestControllers::sizeIsOneStep()
     QVERIFY(!m_bench->isModified());
 }
 
+void TestControllers::askedDepthHoldsAfterResampling()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
+    auto needle = flat();
+    needle->heights().data()[needle->index(side / 2, side / 2)] = 60.0F;
+    m_bench->take(std::move(needle));
+    const double inches = side / cellsPerInch / 4;
+    edits.applySize({inches, inches, 0.1});
+    const double peak = m_bench->changes().heightRange().maximum;
+    QVERIFY(peak < 60.0);
+    QCOMPARE(peak * m_bench->relief()->zScale / cellsPerInch, 0.1);
+}
+
 void TestControllers::tooLargeASizeIsRefused()
 {
     Ribbon ribbon;
@@ -317,8 +376,29 @@ void TestControllers::toolRecordShowsEverywhere()
     QCOMPARE(panel.params().type, int(Tool::Remove));
     QCOMPARE(panel.params().hardness, 0.25);
     QVERIFY(ribbon.window.findChild<QCheckBox *>(QStringLiteral("floor"))->isChecked());
+}
+
+void TestControllers::toolsKeepTheirOwnValues()
+{
+    Ribbon ribbon;
+    ribbon.build();
+    ToolPanel panel;
+    ToolController tool(
+        *m_bench, {&panel, ribbon.tools.get(), ribbon.pages.tools, ribbon.pages.edit}, nullptr);
     tool.setFlag(&Relief::symmetryX, true);
+    m_bench->take(flat());
     QVERIFY(m_bench->relief()->symmetryX);
+    m_bench->take(flat());
+    QVERIFY(m_bench->relief()->symmetryX && !m_bench->relief()->symmetryY);
+    tool.choose(Tool::Remove);
+    tool.set(&ToolParams::ceilingOrFloor, true);
+    tool.set(&ToolParams::size, 0.9);
+    tool.choose(Tool::Smooth);
+    QCOMPARE(panel.params().size, ToolParams{}.size);
+    QVERIFY(!panel.params().ceilingOrFloor);
+    tool.choose(Tool::Remove);
+    QCOMPARE(panel.params().size, 0.9);
+    QVERIFY(panel.params().ceilingOrFloor);
 }
 
 void TestControllers::choosingAToolEndsTheStroke()

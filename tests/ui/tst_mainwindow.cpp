@@ -7,6 +7,7 @@
 #include "relief/tools/tooltable.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
+#include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/mainwindow.h"
 #include "ui/panels/sculptpanels.h"
@@ -328,6 +329,14 @@ void TestMainWindow::everyCommandDoesWhatItSays()
     QVERIFY(bench.file().isEmpty());
     QVERIFY(_relief().cells() > 4);
 
+    click("startPage");
+    QVERIFY(!m_window->sculptWin()->isVisible());
+    for (QPushButton *button : m_window->findChildren<QPushButton *>()) {
+        if (button->text() == QLatin1String("Back") && button->isVisible())
+            button->click();
+    }
+    QVERIFY(m_window->sculptWin()->isVisible());
+
     person.titles.clear();
     click("about");
     QCOMPARE(person.titles.size(), 1);
@@ -368,6 +377,12 @@ void TestMainWindow::keysChooseToolsButNotWhileTyping()
     field->setFocus();
     QTest::keyClicks(field, QStringLiteral("csd["));
     QCOMPARE(m_window->workbench().tool.type, int(Tool::Remove));
+    auto *library = m_window->findChild<QListWidget *>();
+    library->setFocus();
+    QTest::keyClick(library, Qt::Key_D);
+    m_window->toggleBackStage();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_D);
+    QCOMPARE(m_window->workbench().tool.type, int(Tool::Remove));
 }
 
 void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
@@ -404,6 +419,12 @@ void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
     QCOMPARE(heightsOf(_relief()), opened);
     QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(heightsOf(_relief()), sculpted);
+
+    PersonAtHand person;
+    person.answers = {QMessageBox::Discard};
+    m_window->ribbonBar()->setCurrentPage(WindowPages::Export);
+    QVERIFY(m_window->openFile(_path(QStringLiteral("plate.PNG")), 0));
+    QCOMPARE(m_window->ribbonBar()->currentPage(), int(WindowPages::SculptingTools));
 }
 
 void TestMainWindow::commandsSayWhyTheyCannotAct()
@@ -427,9 +448,9 @@ void TestMainWindow::guardKeepsTheWorkWhenSavingFails()
     const QString path = _path(QStringLiteral("dome.scp"));
     QVERIFY(QFile::remove(path) && QFile::link(QStringLiteral("/dev/full"), path));
     PersonAtHand person;
-    person.answers = {QMessageBox::Save, QMessageBox::Ok};
+    person.answers = {QMessageBox::Save, QMessageBox::Yes, QMessageBox::Ok};
     QVERIFY(!m_window->close());
-    QCOMPARE(person.titles.value(1), QStringLiteral("Save Failed"));
+    QCOMPARE(person.titles.value(2), QStringLiteral("Save Failed"));
     QVERIFY(m_window->isVisible() && m_window->workbench().isModified());
     QCOMPARE(_relief().zScale, scale);
 }
@@ -480,7 +501,9 @@ void TestMainWindow::typedSizeResamplesAndComesBack()
     QTest::keyClick(x, Qt::Key_Return);
     QCOMPARE(_relief().width(), 128);
     QCOMPARE(_relief().height(), 128);
-    QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
+    QTRY_VERIFY(m_window->sculptWin()->hasFocus());
+    x->setFocus();
+    QTest::keyClick(x, Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(_relief().width(), side);
     QCOMPARE(heightsOf(_relief()), heights);
 }
@@ -565,6 +588,7 @@ void TestMainWindow::layoutComesBack()
     const double share = double(splitter->sizes()[0]) / splitter->sizes()[1];
     m_window->resize(1100, 640);
     m_window->setLightPos(5);
+    m_window->findChild<CollapsibleDock *>(QStringLiteral("LibraryDock"))->setCollapsed(true);
     m_window->chooseMaterial(QStringLiteral("gold"));
     QTest::qWait(50);
     QVERIFY(m_window->close());
@@ -573,6 +597,9 @@ void TestMainWindow::layoutComesBack()
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     QTRY_COMPARE(m_window->size(), QSize(1100, 640));
+    auto *library = m_window->findChild<CollapsibleDock *>(QStringLiteral("LibraryDock"));
+    QVERIFY(library->isCollapsed());
+    QVERIFY(library->openWidth() > 100);
     m_window->openFile(_path(QStringLiteral("dome.scp")), 0);
     QTest::qWait(50);
     splitter = _child<QSplitter>("CentralSplitter");

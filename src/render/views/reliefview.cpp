@@ -205,7 +205,13 @@ void ReliefView::drawFootprint(QOpenGLFunctions_2_1 &gl)
 
 QString ReliefView::statusText(const Vector &point) const
 {
-    return marlowen::statusText(point, sceneBox());
+    return marlowen::statusText(point, sceneBox(), m_unit);
+}
+
+void ReliefView::setUnit(int unit)
+{
+    m_unit = unit;
+    refreshStatus();
 }
 
 void ReliefView::setEngine(SculptEngine *engine)

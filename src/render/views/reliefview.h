@@ -41,6 +41,8 @@ public:
     SculptEngine *engine() const { return m_engine; }
     /// Why the pointer only looks: shown in the status line by a press that would edit.
     void setReason(const QString &reason) { m_reason = reason; }
+    /// Index in lengthUnits of the unit that the status line speaks in; inches at first.
+    void setUnit(int unit);
     /// Share one with the other views of the same relief; null: the view's own.
     void setChanges(ReliefChanges *changes);
     ReliefChanges *changes() const { return m_changes; }
@@ -131,6 +133,7 @@ private:
     double m_pressure = 1.0;    ///< of the pen that the pointer event at hand comes from
     bool m_eraser = false;
     QString m_reason;
+    int m_unit = 0;
     std::unique_ptr<FootprintPainter> m_footprint;
     bool m_verticesStale = true;
     bool m_indicesStale = true;

@@ -4,15 +4,21 @@
 #include "workbench/workbench.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 
 namespace marlowen {
 
-void showFailure(QWidget *window, const Failure &failure)
+void showFailure(QWidget *window, const Failure &failure, const QString &file)
 {
-    QMessageBox::critical(window, failure.title, failure.sentence);
+    QMessageBox box(QMessageBox::Critical, failure.title, failure.sentence, QMessageBox::Ok,
+                    window);
+    QStringList below{failure.detail, QDir::toNativeSeparators(file)};
+    below.removeAll(QString());
+    box.setInformativeText(below.join(QLatin1Char('\n')));
+    box.exec();
 }
 
 QString askForTarget(QWidget *window, const SaveQuestion &question)

@@ -10,8 +10,9 @@ namespace marlowen {
 
 class Workbench;
 
-/// Shows what went wrong in a box over the window.
-void showFailure(QWidget *window, const Failure &failure);
+/// Shows what went wrong in a box over the window; below the sentence the reason and the file,
+/// where they are known.
+void showFailure(QWidget *window, const Failure &failure, const QString &file = {});
 
 /// A question that only a save dialog can ask.
 struct SaveQuestion

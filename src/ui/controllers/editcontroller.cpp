@@ -1,5 +1,7 @@
 #include "ui/controllers/editcontroller.h"
 
+#include "import/openfile.h"
+#include "relief/grid/heightscan.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 #include "relief/operations/operations.h"
@@ -26,6 +28,18 @@ int cellsOf(double inches)
     return qMax(2, static_cast<int>(std::lround(inches * cellsPerInch)));
 }
 
+/// Without a usable Z scale a height counts as at scale 1.
+double inchesPerHeight(const Relief *relief)
+{
+    const double zScale = relief && relief->zScale > 0.0 ? relief->zScale : 1.0;
+    return zScale / cellsPerInch;
+}
+
+double peakOf(const Relief &relief)
+{
+    return scanHeights({relief.heights().constData(), static_cast<size_t>(relief.cells())}).maximum;
+}
+
 } // namespace
 
 EditController::EditController(Workbench &bench, const Pages &pages, QWidget *window)
@@ -34,6 +48,8 @@ EditController::EditController(Workbench &bench, const Pages &pages, QWidget *wi
     , m_pages(pages)
     , m_window(window)
 {
+    connect(&m_bench, &Workbench::replaced, this,
+            [this] { m_imported = takesImportSettings(m_bench.file()); });
 }
 
 void EditController::apply(const Operation &operation)
@@ -58,12 +74,15 @@ void EditController::applySize(const SizeWish &inches)
     const bool zAsked = highest > 0.0 && std::abs(inches[2] - zNow) > 1e-9 && inches[2] > 0.0;
     const int width = cellsOf(inches[0]);
     const int height = cellsOf(inches[1]);
-    const double zScale = zAsked ? inches[2] * cellsPerInch / highest : relief->zScale;
+    const double zInches = inches[2];
     const char *step = QT_TRANSLATE_NOOP("Commands", "Size");
     apply({QLatin1String(step), [=](Relief &sized, const EditRun &run) {
                resize(sized, width, height, {run.undo, run.progress, !zAsked});
-               if (!run.cancelled())
-                   setZScale(sized, zScale, run);
+               // The peak that is scaled is that of the resampled heights.
+               const double peak = zAsked && !run.cancelled() ? peakOf(sized) : 0.0;
+               if (peak > 0.0)
+                   setZScale(sized, zInches * cellsPerInch / peak, run);
+               run.undo->markGroupEnd();
                return Outcome();
            }});
 }
@@ -90,15 +109,18 @@ void EditController::selectNone()
     m_bench.apply(selectionOperation(marlowen::selectNone));
 }
 
-void EditController::showSample(double height)
+void EditController::showSample()
 {
-    m_pages.edit->showSample(height);
+    const Relief *relief = m_bench.relief();
+    const double height = relief ? double(relief->sampleHeight) : 0.0;
+    m_pages.edit->showSample(height * inchesPerHeight(relief), m_pages.size->unit());
 }
 
 void EditController::sampleEdited()
 {
-    if (Relief *relief = m_bench.relief())
-        relief->sampleHeight = static_cast<float>(m_pages.edit->sample());
+    Relief *relief = m_bench.relief();
+    if (relief)
+        relief->sampleHeight = static_cast<float>(m_pages.edit->sample() / inchesPerHeight(relief));
 }
 
 void EditController::showSize()
@@ -112,7 +134,8 @@ void EditController::showSize()
                                        highest * relief->zScale / cellsPerInch};
     if (m_openedSize[0] <= 0.0 || m_bench.importOpen())
         m_openedSize = now;
-    m_pages.size->showSize({now, m_openedSize}, reasonAgainstEditing(m_bench));
+    m_pages.size->showSize({now, m_openedSize, m_imported}, reasonAgainstEditing(m_bench));
+    showSample();
 }
 
 void EditController::startSize()

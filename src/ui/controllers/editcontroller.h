@@ -42,7 +42,8 @@ public:
     void connectCommands(const CommandSet &commands);
     void selectNone();
 
-    void showSample(double height);
+    /// Shows the sampled height in the unit of the sizes.
+    void showSample();
     /// The user typed another sample height.
     void sampleEdited();
     /// Shows the relief's size. What it is now counts as the imported size until the next relief or
@@ -59,6 +60,7 @@ private:
     Pages m_pages;
     QWidget *m_window;
     std::array<double, 3> m_openedSize{}; ///< inches, as the relief was opened
+    bool m_imported = false;              ///< it came from a picture or a mesh
 };
 
 } // namespace marlowen

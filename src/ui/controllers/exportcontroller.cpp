@@ -38,7 +38,7 @@ void ExportController::exportStl()
     ProgressBox progress(tr("Exporting"), m_window);
     const Outcome written = exportGridStl(*m_bench.relief(), path, &progress);
     if (!written && !progress.cancelled())
-        return showFailure(m_window, written.failure());
+        return showFailure(m_window, written.failure(), path);
     if (!written)
         return;
     QevSettings().setLastExportFile(path);
@@ -51,7 +51,7 @@ void ExportController::handOver()
         return;
     m_bench.endStroke();
     if (const Outcome sent = exportDrafteonMap(*m_bench.relief(), m_handOverPath); !sent)
-        return showFailure(m_window, sent.failure());
+        return showFailure(m_window, sent.failure(), m_handOverPath);
     m_handedOver = true;
     emit handedOver();
     armForcedExit(forcedExit);

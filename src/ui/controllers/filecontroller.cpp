@@ -24,6 +24,18 @@ namespace marlowen {
 
 using Loaded = Result<std::unique_ptr<Relief>>;
 
+namespace {
+
+constexpr char depthKey[] = "/state/import/depth";
+
+FileController::FileStamp stampOf(const QString &path)
+{
+    const QFileInfo file(path);
+    return {file.lastModified(), file.size()};
+}
+
+} // namespace
+
 FileController::FileController(Workbench &bench, QWidget *window)
     : QObject(window)
     , m_bench(bench)
@@ -60,13 +72,30 @@ void FileController::newRelief()
         showFailure(m_window, made.failure());
 }
 
+void FileController::rememberDepth(double cells)
+{
+    const Format *format = formatOf(m_bench.file());
+    if (format && format->opensAs == OpensAs::Picture)
+        QevSettings().setValue(QLatin1String(depthKey), cells);
+}
+
+/// A picture's depth is a share of its size until a person chose one.
+ImportSettings FileController::_openingSettings() const
+{
+    ImportSettings settings = m_bench.session().openingSettings();
+    const QVariant depth = QevSettings().value(QLatin1String(depthKey));
+    settings.proposeDepth = !depth.isValid();
+    settings.depth = depth.toDouble();
+    return clampedFields(importFields(), settings);
+}
+
 /// Reads the file before asking about unsaved work, so that a damaged one costs one box and no
 /// question.
 bool FileController::_load(const QString &path)
 {
     const auto read = [&]() -> Loaded {
         try {
-            return openRelief(path, m_bench.session().openingSettings());
+            return openRelief(path, _openingSettings());
         } catch (const std::bad_alloc &) {
             return Failure{tr("Open Failed"), tr("There is not enough memory for this file.")};
         }
@@ -79,10 +108,11 @@ bool FileController::_load(const QString &path)
     if (loaded && modified && QFileInfo(m_bench.file()) == QFileInfo(path))
         loaded = read();
     if (!loaded) {
-        showFailure(m_window, loaded.failure());
+        showFailure(m_window, loaded.failure(), path);
         return false;
     }
     m_bench.take(loaded.take(), path);
+    m_stamp = stampOf(path);
     _remember(path);
     return true;
 }
@@ -96,19 +126,31 @@ void FileController::_remember(const QString &path)
 bool FileController::mayLoseWork()
 {
     m_bench.endStroke();
-    if (!m_bench.isModified())
-        return true;
+    while (m_bench.isModified()) {
+        const int answer = _askAboutWork();
+        if (answer == QMessageBox::Discard || (answer == QMessageBox::Save && save()))
+            return true;
+        if (!m_ending)
+            return false;
+    }
+    return true;
+}
+
+int FileController::_askAboutWork()
+{
+    const auto cancel = m_ending ? QMessageBox::NoButton : QMessageBox::Cancel;
     QMessageBox box(QMessageBox::Question, QString::fromLatin1("Marlowen"),
                     tr("The current model has been modified."),
-                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+                    QMessageBox::Save | QMessageBox::Discard | cancel, m_window);
     box.setInformativeText(tr("Do you want to save your workspace?"));
     box.setDefaultButton(QMessageBox::Save);
-    box.setEscapeButton(QMessageBox::Cancel);
-    box.button(QMessageBox::Discard)->setText(tr("Discard"));
-    const int answer = box.exec();
-    if (answer == QMessageBox::Save)
-        return save();
-    return answer == QMessageBox::Discard;
+    box.button(QMessageBox::Save)->setText(tr("&Save"));
+    box.button(QMessageBox::Discard)->setText(tr("&Discard"));
+    if (!m_ending) {
+        box.setEscapeButton(QMessageBox::Cancel);
+        box.button(QMessageBox::Cancel)->setText(tr("&Cancel"));
+    }
+    return box.exec();
 }
 
 void FileController::chooseFileToOpen()
@@ -144,12 +186,30 @@ bool FileController::saveAs()
     return !path.isEmpty() && _saveTo(path);
 }
 
+/// Another program, or another window of this one, may have written to the file meanwhile.
+bool FileController::_mayReplace(const QString &path)
+{
+    const bool own = QFileInfo(path) == QFileInfo(m_bench.file());
+    const FileStamp now = stampOf(path);
+    if (!own || !now.modified.isValid() || now == m_stamp)
+        return true;
+    const auto yes = QMessageBox::Yes;
+    return QMessageBox::question(m_window, tr("Save WorkSpace"),
+                                 tr("%1 was changed by another program since it was opened here.\n"
+                                    "Do you want to replace it?")
+                                     .arg(QFileInfo(path).fileName()),
+                                 yes | QMessageBox::No, QMessageBox::No) == yes;
+}
+
 bool FileController::_saveTo(const QString &path)
 {
+    if (!_mayReplace(path))
+        return false;
     if (const Outcome saved = m_bench.save(path); !saved) {
-        showFailure(m_window, saved.failure());
+        showFailure(m_window, saved.failure(), path);
         return false;
     }
+    m_stamp = stampOf(path);
     _remember(path);
     emit said(tr("Saved."), 3000);
     return true;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "import/importsettings.h"
+
+#include <QDateTime>
 #include <QObject>
 #include <QString>
 
@@ -17,6 +20,14 @@ class FileController : public QObject
     Q_OBJECT
 
 public:
+    /// Tells one content of a file from another.
+    struct FileStamp
+    {
+        QDateTime modified; ///< invalid when there is no file
+        qint64 size = 0;
+        bool operator==(const FileStamp &) const = default;
+    };
+
     FileController(Workbench &bench, QWidget *window);
 
     /// Opens the file by the end of its name. False when nothing was opened; what is open stays.
@@ -27,8 +38,13 @@ public:
     /// False when the user cancelled or the file could not be written.
     bool save();
     bool saveAs();
+    /// The depth in cells that pictures are opened with from now on; nothing while something else
+    /// than a picture is open.
+    void rememberDepth(double cells);
     /// The unsaved-work guard: true when what is open may be replaced.
     bool mayLoseWork();
+    /// The program cannot go on: from now on the guard offers no "Cancel".
+    void endForGood() { m_ending = true; }
 
     /// "Brindlemark Marlowen 3 - name *"
     QString windowTitle() const;
@@ -42,12 +58,17 @@ signals:
     void said(const QString &text, int milliseconds);
 
 private:
+    ImportSettings _openingSettings() const;
+    int _askAboutWork();
+    bool _mayReplace(const QString &path);
     bool _load(const QString &path);
     bool _saveTo(const QString &path);
     void _remember(const QString &path);
 
     Workbench &m_bench;
     QWidget *m_window;
+    FileStamp m_stamp; ///< of the open file as it was read or written here
+    bool m_ending = false;
 };
 
 } // namespace marlowen

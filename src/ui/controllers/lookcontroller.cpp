@@ -1,6 +1,7 @@
 #include "ui/controllers/lookcontroller.h"
 
 #include "base/qevsettings.h"
+#include "render/light/lightdirection.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/controllers/dialogs.h"
@@ -45,7 +46,8 @@ LookController::LookController(const Parts &parts, QWidget *window)
 void LookController::restore()
 {
     const int light = QevSettings().value(QLatin1String(lightKey), 0).toInt();
-    m_parts.page->showLightPosition(qBound(0, light, 7));
+    const bool known = light >= 0 && light < static_cast<int>(lightPositions().size());
+    m_parts.page->showLightPosition(known ? light : 0);
     setLight(m_parts.page->lightPosition());
 }
 

@@ -13,22 +13,39 @@ ToolController::ToolController(Workbench &bench, const Controls &controls, QObje
     , m_bench(bench)
     , m_controls(controls)
 {
+    connect(&m_bench, &Workbench::replaced, this, &ToolController::_takeRelief);
 }
 
 void ToolController::choose(Tool::Type type)
 {
     m_bench.endStroke();
-    m_bench.tool.type = type;
-    m_bench.tool.ceilingOrFloor = false;
+    ToolParams &tool = m_bench.tool;
+    m_own[static_cast<size_t>(tool.type)] = {tool.size, tool.strength, tool.ceilingOrFloor};
+    const OwnValues &own = m_own[static_cast<size_t>(type)];
+    tool.type = type;
+    tool.size = own.size;
+    tool.strength = own.strength;
+    tool.ceilingOrFloor = own.ceilingOrFloor;
     show();
     emit chosen();
 }
 
 void ToolController::setFlag(bool Relief::*member, bool on)
 {
+    std::erase_if(m_flags, [member](const Flag &flag) { return flag.member == member; });
+    m_flags.push_back({member, on});
     if (Relief *relief = m_bench.relief())
         relief->*member = on;
     emit changed();
+}
+
+/// A relief starts without flags; the panel's stay.
+void ToolController::_takeRelief()
+{
+    for (const Flag &flag : m_flags) {
+        if (Relief *relief = m_bench.relief())
+            relief->*flag.member = flag.on;
+    }
 }
 
 void ToolController::alphaChanged()

@@ -6,6 +6,9 @@
 
 #include <QObject>
 
+#include <array>
+#include <vector>
+
 namespace marlowen {
 
 class EditPage;
@@ -15,7 +18,8 @@ class ToolPanel;
 class ToolsPage;
 
 /// The tool record and the relief's flags, and the controls that show them: what is set in one
-/// place shows in all.
+/// place shows in all. Size, strength and "Ceiling" / "Floor" belong to each tool; symmetry and
+/// invert stay set when another relief is opened.
 class ToolController : public QObject
 {
     Q_OBJECT
@@ -30,7 +34,7 @@ public:
     };
     ToolController(Workbench &bench, const Controls &controls, QObject *parent);
 
-    /// Makes this the tool; ends a stroke in progress.
+    /// Makes this the tool, with its own size, strength and limit; ends a stroke in progress.
     void choose(Tool::Type type);
     template <typename Value>
     void set(Value ToolParams::*member, Value value)
@@ -38,7 +42,7 @@ public:
         m_bench.tool.*member = value;
         show();
     }
-    /// Nothing without a relief.
+    /// For the relief that is there and those that come.
     void setFlag(bool Relief::*member, bool on);
     /// The alpha brush of the process has another image, mode or repeat count.
     void alphaChanged();
@@ -57,8 +61,25 @@ signals:
     void changed();
 
 private:
+    /// What each tool keeps while another one is chosen.
+    struct OwnValues
+    {
+        double size = ToolParams{}.size;
+        double strength = ToolParams{}.strength;
+        bool ceilingOrFloor = false;
+    };
+    /// A flag of the relief as it was set here.
+    struct Flag
+    {
+        bool Relief::*member;
+        bool on;
+    };
+    void _takeRelief();
+
     Workbench &m_bench;
     Controls m_controls;
+    std::array<OwnValues, Tool::None + 1> m_own;
+    std::vector<Flag> m_flags;
 };
 
 } // namespace marlowen

@@ -1,5 +1,6 @@
 #include "ui/pages/editpage.h"
 
+#include "relief/grid/physicalsize.h"
 #include "relief/tools/toolfields.h"
 #include "ui/commandset.h"
 #include "ui/pages/toolspage.h"
@@ -23,7 +24,7 @@ constexpr CommandRow commandRows[] = {
     {"cropApply", QT_TRANSLATE_NOOP("Commands", "Apply"), "accept",
      QT_TRANSLATE_NOOP("Commands", "Empties everything outside the crop box."), "",
      QT_TRANSLATE_NOOP("Commands", "Choose Crop and drag a box in the 2D view first.")},
-    {"modeNormal", QT_TRANSLATE_NOOP("Commands", "Normal"), "exit",
+    {"modeNormal", QT_TRANSLATE_NOOP("Commands", "Normal"), "normal_selection",
      QT_TRANSLATE_NOOP("Commands", "The next shape replaces the selection."), "", "", true},
     {"modeAdditive", QT_TRANSLATE_NOOP("Commands", "Additive"), "additive_selection",
      QT_TRANSLATE_NOOP("Commands", "The next shape is added to the selection."), "", "", true},
@@ -38,7 +39,7 @@ constexpr CommandRow commandRows[] = {
 /// In the order of SelectionModifier.
 constexpr const char *modifierCommands[] = {"modeNormal", "modeAdditive", "modeSubtractive"};
 
-constexpr double highestSample = 1e6;
+constexpr double highestSample = 1e4; ///< inches
 
 } // namespace
 
@@ -104,15 +105,16 @@ void EditPage::_addHeights(const ToolActions &tools)
     m_group->addSeparator();
     m_sample = new NumberField;
     m_sample->setObjectName(QStringLiteral("sampleValue"));
-    m_sample->setDecimals(1);
-    m_sample->setRange(0.0, highestSample);
     m_sample->setButtonSymbols(QAbstractSpinBox::NoButtons);
-    m_sample->setFixedWidth(72);
+    m_sample->setFixedWidth(96);
+    showSample(0.0, 0);
     m_sample->setAccessibleName(tr("Sampled height"));
     m_sample->setToolTip(tr("The height that Brush and Fill use"));
     _addTools(tools, ToolGroup::Heights);
     m_group->addLargeButton(tools.selectionErase());
     connect(m_sample, &NumberField::valueChanged, this, &EditPage::sampleEdited);
+    // The exact height may be another one that is shown alike.
+    connect(m_sample, &NumberField::typed, this, &EditPage::sampleEdited);
 }
 
 void EditPage::_addTools(const ToolActions &tools, ToolGroup group)
@@ -132,15 +134,21 @@ void EditPage::showParams(const ToolParams &params)
     m_continuous->setChecked(params.continuous);
 }
 
-void EditPage::showSample(double height)
+void EditPage::showSample(double inches, int unit)
 {
+    const LengthUnit &shown = lengthUnits[static_cast<size_t>(unit)];
     const QSignalBlocker quiet(m_sample);
-    m_sample->setValue(height);
+    m_inchesPerUnit = shown.inches;
+    m_sample->setDecimals(shown.decimals);
+    m_sample->setMaximum(highestSample / shown.inches);
+    m_sample->setSingleStep(shown.inches < 1.0 ? 0.5 : 0.01);
+    m_sample->setSuffix(QLatin1Char(' ') + tr(shown.label));
+    m_sample->setValue(inches / shown.inches);
 }
 
 double EditPage::sample() const
 {
-    return m_sample->value();
+    return m_sample->value() * m_inchesPerUnit;
 }
 
 } // namespace marlowen

@@ -30,9 +30,10 @@ public:
 
     /// Tolerance and continuity of the magic selection.
     void showParams(const ToolParams &params);
-    /// The exact height is the relief's; the field shows it rounded.
-    void showSample(double height);
-    /// What the sample field holds.
+    /// Shows a height of so many inches in a unit of lengthUnits. The exact height is the relief's;
+    /// the field shows it rounded.
+    void showSample(double inches, int unit);
+    /// What the sample field holds, in inches.
     double sample() const;
 
 signals:
@@ -53,6 +54,7 @@ private:
     SliderField *m_tolerance = nullptr;
     QCheckBox *m_continuous = nullptr;
     NumberField *m_sample = nullptr;
+    double m_inchesPerUnit = 1.0; ///< of the sample field
 };
 
 } // namespace marlowen

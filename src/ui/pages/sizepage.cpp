@@ -1,5 +1,7 @@
 #include "ui/pages/sizepage.h"
 
+#include "base/numbertext.h"
+#include "base/qevsettings.h"
 #include "relief/grid/physicalsize.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
@@ -21,7 +23,7 @@ constexpr CommandRow commandRows[] = {
     {"aspectLock", QT_TRANSLATE_NOOP("Commands", "Proportions"), "aspect_xy_locked", "", "", ""},
 };
 
-/// A choice of the scale factors; 0 goes back to the imported size.
+/// A choice of the scale factors; 0 goes back to the size that the relief was opened with.
 struct ScaleFactor
 {
     const char *label;
@@ -58,6 +60,8 @@ constexpr const char *axisLabels[] = {QT_TRANSLATE_NOOP("marlowen::SizePage", "S
                                       QT_TRANSLATE_NOOP("marlowen::SizePage", "Scale Y"),
                                       QT_TRANSLATE_NOOP("marlowen::SizePage", "Scale Z")};
 constexpr int zAxis = 2;
+constexpr char unitKey[] = "/state/units";
+const QString widestSize = QStringLiteral("8888.88 × 8888.88 × 888.88 mm");
 
 } // namespace
 
@@ -133,9 +137,15 @@ SizePage::SizePage(RibbonPage &page, CommandSet &commands, QObject *parent)
     m_imported->setObjectName(QStringLiteral("importedSize"));
     m_working = new QLabel;
     m_working->setObjectName(QStringLiteral("workingSize"));
+    // The group does not follow a text that grows.
+    for (QLabel *size : {m_imported, m_working})
+        size->setMinimumWidth(size->fontMetrics().horizontalAdvance(widestSize));
     group->addRow(m_imported, tr("Imported"));
     group->addRow(m_working, tr("Working"));
-    connect(m_unit, &QComboBox::activated, this, [this] {
+    m_unit->setCurrentIndex(
+        qBound(0, QevSettings().value(QLatin1String(unitKey)).toInt(), m_unit->count() - 1));
+    connect(m_unit, &QComboBox::activated, this, [this](int unit) {
+        QevSettings().setValue(QLatin1String(unitKey), unit);
         _showNumbers();
         emit unitChanged();
     });
@@ -160,7 +170,7 @@ void SizePage::_scale(int axis, int choice)
     const auto at = static_cast<size_t>(axis);
     m_factors[at]->setCurrentIndex(-1);
     const double factor = scaleFactors[choice].factor;
-    _ask(axis, factor > 0.0 ? m_size.working[at] * factor : m_size.imported[at]);
+    _ask(axis, factor > 0.0 ? m_size.working[at] * factor : m_size.opened[at]);
 }
 
 void SizePage::showSize(const ReliefSize &size, const QString &reason)
@@ -190,9 +200,10 @@ void SizePage::_showNumbers()
         field->setToolTip(reason.isEmpty() ? tr("Size along %1").arg(QChar('X' + int(axis)))
                                            : reason);
         m_factors[axis]->setToolTip(
-            reason.isEmpty() ? tr("Multiply the size; Reset returns to the imported one") : reason);
+            reason.isEmpty() ? tr("Multiply the size; Reset returns to the one it was opened with")
+                             : reason);
     }
-    m_imported->setText(_sizeText(m_size.imported));
+    m_imported->setText(_sizeText(m_size.imported ? m_size.opened : std::array<double, 3>{}));
     m_working->setText(_sizeText(m_size.working));
 }
 
@@ -202,7 +213,7 @@ QString SizePage::_sizeText(const std::array<double, 3> &inches) const
         return QStringLiteral("–");
     const LengthUnit &unitRow = lengthUnits[static_cast<size_t>(unit())];
     const auto number = [&unitRow](double value) {
-        return QLocale().toString(value / unitRow.inches, 'f', unitRow.decimals);
+        return numberText(value / unitRow.inches, unitRow.decimals);
     };
     return QStringLiteral("%1 × %2 × %3 %4")
         .arg(number(inches[0]), number(inches[1]), number(inches[2]), unitLabel(unitRow));

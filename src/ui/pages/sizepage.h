@@ -16,8 +16,9 @@ class RibbonPage;
 /// What the page "Size" shows, in inches.
 struct ReliefSize
 {
-    std::array<double, 3> working{};  ///< width, height, depth as they are
-    std::array<double, 3> imported{}; ///< as they were when the relief was opened
+    std::array<double, 3> working{}; ///< width, height, depth as they are
+    std::array<double, 3> opened{};  ///< as they were when the relief was opened
+    bool imported = false;           ///< it came from a picture or a mesh
 };
 
 /// A wish of the page: the size that each axis shall have, in inches.

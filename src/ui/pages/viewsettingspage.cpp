@@ -1,6 +1,8 @@
 #include "ui/pages/viewsettingspage.h"
 
 #include "render/light/lightdirection.h"
+#include "render/light/materialball.h"
+#include "render/light/materials.h"
 #include "render/views/pointeroptions.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
@@ -65,6 +67,12 @@ QIcon swatch(const QColor &color, const QColor &border)
     return icon;
 }
 
+/// Sharp on dense screens too.
+QIcon ballIcon(const Material &material)
+{
+    return QIcon(QPixmap::fromImage(materialBall(material, 0, 40)));
+}
+
 } // namespace
 
 void ViewSettingsPage::addCommands(CommandSet &commands)
@@ -108,6 +116,7 @@ void ViewSettingsPage::_buildMaterials(RibbonPage &page)
     m_materials = new QComboBox;
     m_materials->setObjectName(QStringLiteral("materials"));
     m_materials->setMinimumWidth(190);
+    m_materials->setIconSize(QSize(20, 20));
     m_materials->setToolTip(tr("What the relief looks made of"));
     group->addRow(m_materials, tr("Material"));
     m_materialName = new QLineEdit;
@@ -227,7 +236,7 @@ void ViewSettingsPage::showMaterials(const MaterialEditor &editor)
     const QSignalBlocker quiet(m_materials);
     m_materials->clear();
     for (const Material &material : editor.materials())
-        m_materials->addItem(material.name);
+        m_materials->addItem(ballIcon(material), material.name);
     m_materials->setCurrentText(current.name);
     if (m_materialName->text() != current.name)
         m_materialName->setText(current.name);

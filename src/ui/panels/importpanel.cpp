@@ -1,8 +1,10 @@
 #include "ui/panels/importpanel.h"
 
+#include "relief/grid/physicalsize.h"
 #include "ui/icons.h"
 #include "ui/panels/noticebar.h"
 #include "ui/panels/panelcontrols.h"
+#include "ui/ribbon/numberfield.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -16,6 +18,17 @@
 
 namespace marlowen {
 
+namespace {
+
+constexpr double largestDepthInches = 1000.0;
+
+double cellsIn(int unit)
+{
+    return lengthUnits[static_cast<size_t>(unit)].inches * cellsPerInch;
+}
+
+} // namespace
+
 ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
     : QWidget(parent)
     , m_session(session)
@@ -27,6 +40,7 @@ ImportPanel::ImportPanel(ImportSession *session, QWidget *parent)
                              &ImportSettings::invertZ, &ImportSettings::transparency})
         _makeCheck(check);
     _makeNotice();
+    _makeDepth();
     _makeButtons();
     _arrange();
     refresh();
@@ -55,6 +69,38 @@ void ImportPanel::_makeNumber(Value ImportSettings::*member)
         field.storeShown(m_wanted, value);
         _changed();
     });
+}
+
+void ImportPanel::_makeDepth()
+{
+    const FieldInfo &info = fieldOf(importFields(), &ImportSettings::depth).info;
+    m_depthLabel = new QLabel(fieldText(info.label), this);
+    m_depth = new NumberField(this);
+    m_depth->setObjectName(QLatin1String(info.label));
+    m_depth->setAccessibleName(m_depthLabel->text());
+    m_depthLabel->setBuddy(m_depth);
+    connect(m_depth, &NumberField::valueChanged, this, [this](double value) {
+        m_wanted.depth = value * cellsIn(m_unit);
+        emit DepthChosen(m_wanted.depth);
+        _changed();
+    });
+}
+
+void ImportPanel::setUnit(int unit)
+{
+    m_unit = unit;
+    _showDepth();
+}
+
+void ImportPanel::_showDepth()
+{
+    const LengthUnit &unit = lengthUnits[static_cast<size_t>(m_unit)];
+    const QSignalBlocker quiet(m_depth);
+    m_depth->setDecimals(unit.decimals);
+    m_depth->setRange(0.0, largestDepthInches / unit.inches);
+    m_depth->setSingleStep(unit.inches < 1.0 ? 0.5 : 0.05);
+    m_depth->setSuffix(QLatin1Char(' ') + fieldText(unit.label));
+    m_depth->setValue(m_wanted.depth / cellsIn(m_unit));
 }
 
 void ImportPanel::_makeButtons()
@@ -115,6 +161,12 @@ void ImportPanel::_arrange()
     checks->setColumnStretch(2, 1);
     column->addLayout(checks);
     column->addSpacing(4);
+    auto *depth = new QHBoxLayout;
+    depth->setSpacing(8);
+    depth->addWidget(m_depthLabel);
+    depth->addWidget(m_depth);
+    depth->addStretch(1);
+    column->addLayout(depth);
     _makeNumber(&ImportSettings::smoothing);
     _makeNumber(&ImportSettings::raiseLower);
     _makeNumber(&ImportSettings::trim);
@@ -132,6 +184,7 @@ void ImportPanel::_arrange()
         widest = std::max(widest, number.slider->label()->sizeHint().width());
     }
     alignFields(sliders, widest);
+    m_depthLabel->setFixedWidth(widest);
 }
 
 void ImportPanel::_addBasRelief(QVBoxLayout &column)
@@ -176,17 +229,17 @@ void ImportPanel::refresh()
     }
     for (const NumberControl &number : m_numbers)
         number.slider->showValue(number.field->shown(m_wanted));
+    _showDepth();
     _enable();
 }
 
 QString ImportPanel::_reason(const SettingField &field) const
 {
-    const bool open = m_session->active();
-    if (!open && !field.info.has(StartsNextImport))
+    if (!m_session->active())
         return tr("No import is open.");
-    if (open && !m_wanted.preview && field.info.has(NeedsPreview))
+    if (!m_wanted.preview && field.info.has(NeedsPreview))
         return tr("Check Preview first.");
-    if (open && !m_wanted.basRelief && field.info.has(NeedsBasRelief))
+    if (!m_wanted.basRelief && field.info.has(NeedsBasRelief))
         return tr("Switch the bas-relief on first.");
     return {};
 }
@@ -208,6 +261,10 @@ void ImportPanel::_enable()
         showReason(*check.box, fieldText(check.field->info.hint), _reason(*check.field));
     for (const NumberControl &number : m_numbers)
         showReason(*number.slider, fieldText(number.field->info.hint), _reason(*number.field));
+    const FieldInfo &depth = fieldOf(importFields(), &ImportSettings::depth).info;
+    showReason(*m_depth, fieldText(depth.hint),
+               m_session->active() ? QString() : tr("No import is open."));
+    m_depthLabel->setToolTip(m_depth->toolTip());
     showReason(*m_update, tr("Computes the bas-relief again."), _updateReason());
     showReason(*m_compare, tr("Shows the heights without the bas-relief while it is held."),
                m_session->canCompare() ? QString() : tr("No bas-relief is shown."));

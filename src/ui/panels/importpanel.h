@@ -9,18 +9,19 @@
 #include <vector>
 
 class QCheckBox;
+class QLabel;
 class QPushButton;
 class QVBoxLayout;
 
 namespace marlowen {
 
 class NoticeBar;
+class NumberField;
 
 /// The import controls of a session: changes reach the session once in each iteration of the
 /// event loop, with the latest values, so that a dragged slider keeps up on large pictures.
 ///
-/// Without an open import the controls that the next opened file starts with can be set; the others
-/// are disabled.
+/// Without an open import everything is disabled.
 class ImportPanel : public QWidget
 {
     Q_OBJECT
@@ -37,8 +38,12 @@ public:
     void flush();
     /// Asks at the top whether the picture shall be flipped, or no longer asks.
     void askToFlip(bool ask);
+    /// Index in lengthUnits of the unit that the depth is shown in.
+    void setUnit(int unit);
 
 signals:
+    /// The user chose a depth, in cells.
+    void DepthChosen(double cells);
     /// "Update": the owner runs the session's update with its progress. Changes are flushed.
     void UpdateClicked();
     /// "Accept": the owner ends the import. Changes are flushed.
@@ -66,6 +71,8 @@ private:
     QString _reason(const SettingField &field) const;
     /// The same for "Update".
     QString _updateReason() const;
+    void _makeDepth();
+    void _showDepth();
     void _makeButtons();
     void _makeNotice();
     void _arrange();
@@ -81,6 +88,9 @@ private:
     std::vector<CheckControl> m_checks;
     std::vector<NumberControl> m_numbers;
     NoticeBar *m_notice = nullptr;
+    QLabel *m_depthLabel = nullptr;
+    NumberField *m_depth = nullptr;
+    int m_unit = 0;
     QPushButton *m_update = nullptr;
     QPushButton *m_compare = nullptr;
     QPushButton *m_accept = nullptr;

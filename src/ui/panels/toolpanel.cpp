@@ -32,6 +32,16 @@ QWidget *switchedRow(QCheckBox *box, SliderField *field)
     return row;
 }
 
+/// Check boxes side by side.
+QHBoxLayout *checkRow(std::initializer_list<QCheckBox *> boxes)
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(16);
+    for (QCheckBox *box : boxes)
+        row->addWidget(box, 1);
+    return row;
+}
+
 } // namespace
 
 const std::array<ToolPanel::NumberRow, ToolPanel::numberCount> &ToolPanel::_numberRows()
@@ -196,7 +206,7 @@ void ToolPanel::_arrange()
     for (const Number number : {Size, Strength, Hardness})
         column->addWidget(m_numbers[number]);
     column->addWidget(m_mode);
-    column->addWidget(m_checks[Limit]);
+    column->addLayout(checkRow({m_checks[Limit], m_flags[Invert]}));
     column->addWidget(m_checks[KeepTransparency]);
     addSection(*column, tr("Brush"));
     column->addWidget(m_falloff);
@@ -207,12 +217,7 @@ void ToolPanel::_arrange()
     column->addWidget(switchedRow(m_checks[UseDecay], m_numbers[DecayLength]));
     column->addWidget(switchedRow(m_checks[SmoothPaths], m_numbers[SmoothLength]));
     addSection(*column, tr("Symmetry"));
-    auto *flags = new QHBoxLayout;
-    flags->setSpacing(16);
-    for (QCheckBox *flag : m_flags)
-        flags->addWidget(flag);
-    flags->addStretch(1);
-    column->addLayout(flags);
+    column->addLayout(checkRow({m_flags[SymmetryX], m_flags[SymmetryY]}));
     addSection(*column, tr("Alpha Brush"));
     column->addWidget(m_alphaMode);
     column->addWidget(m_repeat);

@@ -172,8 +172,17 @@ def padlock(x, y, closed=True):
     return stroke(bow, LINE) + solid(f"M{x - 5} {y} H{x + 5} V{y + 8} H{x - 5} Z", MATERIAL)
 
 
-def axes_cross():
-    return stroke("M5 5 V27 H27", LINE) + stroke("M2 8 L5 4 L8 8 M24 24 L28 27 L24 30")
+def axis_letters(bound):
+    """The letters X, Y and Z in a row, those that scale together in the accent colour."""
+    letters = {"X": "M3 4 L9 13 M9 4 L3 13", "Y": "M13 4 L16 8.5 L19 4 M16 8.5 V13",
+               "Z": "M23 4 H29 L23 13 H29"}
+    return "".join(stroke(d, ACCENT if letter in bound else LINE, 2.5)
+                   for letter, d in letters.items())
+
+
+def sign(mark):
+    """For the boxes that ask and tell: a mark on a round field."""
+    return ring(16, 16, 13, ACCENT) + mark
 
 
 def profile(d):
@@ -234,6 +243,13 @@ ICONS = {
     "redo_32": mirrored(undo_arrow(ACCENT)),
     "ZoomToBoard_22": stroke("M3 9 V3 H9 M23 3 H29 V9 M29 23 V29 H23 M9 29 H3 V23", LINE)
                       + solid("M9 10 H23 V22 H9 Z", MATERIAL),
+    "start_page": tint("M3 4 H29 V28 H3 Z") + stroke("M3 4 H29 V28 H3 Z M3 11 H29")
+                  + solid("M7 15 H14 V24 H7 Z", MATERIAL) + solid("M18 15 H25 V24 H18 Z", ACCENT),
+    "ask": sign(stroke("M12 13 C12 7 20 7 20 12 C20 15 16 15 16 19", ACCENT, 3) + disc(16, 24, 2)),
+    "tell": sign(stroke("M16 15 V23", ACCENT, 3) + disc(16, 10, 2)),
+    "warn": solid("M16 4 L29 27 H3 Z", MATERIAL) + stroke("M16 12 V19", LINE, 3)
+            + disc(16, 23, 1.8, LINE),
+    "fail": ring(16, 16, 13) + cross(16, 16, 5, LINE),
     "about": ring(16, 16, 12) + disc(16, 10, 2, ACCENT) + stroke("M16 15 V23", ACCENT, 3.5),
     "close": cross(16, 16, 8, LINE),
     "chevron_up": stroke("M7 20 L16 11 L25 20", LINE, 3),
@@ -296,9 +312,11 @@ ICONS = {
                  + arrow_right(7, 25, 6),
     "mask_tool": body("M2 25 H30")
                  + solid("M16 3 L25 6 V13 C25 18 21 21 16 23 C11 21 7 18 7 13 V6 Z", ACCENT),
-    "undo_tool": body("M2 24 H8 C12 24 12 16 16 16 C20 16 20 24 24 24 H30")
-                 + stroke("M8 7 H18 C22 7 25 9 25 13", ACCENT, 3)
-                 + stroke("M12 3 L8 7 L12 11", ACCENT, 3),
+    # The old surface, dashed, comes back under the brush.
+    "undo_tool": body("M2 24 C8 24 8 14 13 14 C15 14 16 16 17 24 H30")
+                 + dashed("M13 14 C21 13 22 24 28 24", LINE, "2.5 2.5")
+                 + stroke("M28 3 L20 12", LINE, 3.5)
+                 + solid("M17 11 C20 11 22 13 21 15 C20 18 16 19 13 18 C15 17 14 13 17 11 Z", ACCENT),
     "erase_tool": fill("M2 22 H9 V29 H2 Z M23 22 H30 V29 H23 Z", MATERIAL)
                   + stroke("M2 22 H9 V29 M30 22 H23 V29") + eraser(),
     "ceiling": stroke("M2 7 H30", ACCENT, 3) + body("M2 24 C9 24 9 11 13 11 H19 C23 11 23 24 30 24"),
@@ -363,10 +381,9 @@ ICONS = {
     "scale": tint("M5 5 H27 V27 H5 Z") + stroke("M5 5 H27 V27 H5 Z")
              + solid("M5 17 H15 V27 H5 Z", MATERIAL)
              + stroke("M17 15 L23 9 M18 9 H23 V14", ACCENT, 2.5),
-    "aspect_xy_locked": axes_cross() + padlock(18, 12),
-    "aspect_free": axes_cross() + padlock(18, 12, False),
-    "aspect_locked": stroke("M5 5 V23 H23 M5 23 L14 14", LINE)
-                     + stroke("M2 8 L5 4 L8 8 M20 20 L24 23 L20 26") + padlock(21, 13),
+    "aspect_xy_locked": axis_letters("XY") + stroke("M4 17 H18", ACCENT) + padlock(11, 22),
+    "aspect_free": axis_letters("") + padlock(16, 22, False),
+    "aspect_locked": axis_letters("XYZ") + stroke("M4 17 H28", ACCENT) + padlock(16, 22),
 
     # Export and models
     "quality": solid("M16 3 L29 25 H3 Z", MATERIAL)

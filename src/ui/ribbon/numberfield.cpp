@@ -1,8 +1,12 @@
 #include "ui/ribbon/numberfield.h"
 
+#include "base/numbertext.h"
+
 #include <QLineEdit>
 #include <QTimer>
 #include <QWheelEvent>
+
+#include <utility>
 
 namespace marlowen {
 
@@ -34,6 +38,11 @@ NumberField::NumberField(QWidget *parent)
     setKeyboardTracking(false);
     setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
     setAlignment(Qt::AlignRight);
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { m_edited = true; });
+    connect(this, &QAbstractSpinBox::editingFinished, this, [this] {
+        if (std::exchange(m_edited, false))
+            emit typed();
+    });
 }
 
 QValidator::State NumberField::validate(QString &text, int &position) const
@@ -62,9 +71,7 @@ double NumberField::valueFromText(const QString &text) const
 
 QString NumberField::textFromValue(double value) const
 {
-    QLocale plain = locale();
-    plain.setNumberOptions(QLocale::OmitGroupSeparator);
-    return plain.toString(value, 'f', decimals());
+    return numberText(value, decimals());
 }
 
 void NumberField::fixup(QString &text) const

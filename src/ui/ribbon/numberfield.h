@@ -20,9 +20,16 @@ public:
     QString textFromValue(double value) const override;
     void fixup(QString &text) const override;
 
+signals:
+    /// The user finished typing, also when the number is the one that was shown before.
+    void typed();
+
 protected:
     void wheelEvent(QWheelEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+
+private:
+    bool m_edited = false;
 };
 
 } // namespace marlowen

@@ -16,6 +16,8 @@ RibbonMainWindow::RibbonMainWindow(QWidget *parent)
     setMenuWidget(m_bar);
     auto *fold = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F1), this);
     connect(fold, &QShortcut::activated, m_bar, &RibbonBar::toggleMinimized);
+    auto *reach = new QShortcut(QKeySequence(Qt::Key_F10), this);
+    connect(reach, &QShortcut::activated, m_bar, &RibbonBar::takeFocus);
     qApp->installEventFilter(this);
 }
 

@@ -8,8 +8,8 @@ class RibbonBackstage;
 class RibbonBar;
 class RibbonQuickAccessBar;
 
-/// A main window whose commands live on a ribbon. Pressing and letting go of Alt alone gives the
-/// keyboard to the ribbon's tabs; Ctrl+F1 minimises the ribbon.
+/// A main window whose commands live on a ribbon. Pressing and letting go of Alt alone, or F10,
+/// gives the keyboard to the ribbon's tabs; Ctrl+F1 minimises the ribbon.
 class RibbonMainWindow : public QMainWindow
 {
     Q_OBJECT
