@@ -43,9 +43,24 @@ void ImportSession::_keepForNext(const ImportSettings &settings)
     }
 }
 
+/// False when the user cancelled the work that the settings need first.
+bool ImportSession::_prepared(const ImportSettings &settings)
+{
+    if (!active() || settings.deband == m_settings.deband)
+        return true;
+    const std::unique_ptr<Progress> progress =
+        startWork ? startWork() : std::make_unique<Progress>();
+    return m_source->prepareDebanded(settings.deband, *progress);
+}
+
 void ImportSession::_apply(const ImportSettings &settings, Effect effect)
 {
     compare(false);
+    if (!_prepared(settings)) {
+        if (changed)
+            changed();
+        return;
+    }
     _keepForNext(settings);
     m_settings = settings;
     if (active()) {

@@ -4,6 +4,7 @@
 #include "import/importsource.h"
 
 #include <functional>
+#include <memory>
 
 namespace marlowen {
 
@@ -18,6 +19,8 @@ public:
     std::function<void()> changed;
     /// Called when other heights are shown while nothing changed: redraw.
     std::function<void()> shown;
+    /// Makes what a change reports to while it takes long (debanding); empty: nothing is shown.
+    std::function<std::unique_ptr<Progress>()> startWork;
     /// Makes bas-reliefs.
     BasReliefGenerator basReliefGenerator = makeBasRelief;
     /// A change also makes the bas-relief again where that takes a moment (basReliefIsQuick), as
@@ -45,7 +48,7 @@ public:
 
     /// What the controls do with one or more changed settings: stores them, recomputes at once
     /// unless all of them wait for update(), and marks the bas-relief stale unless all of them
-    /// leave it valid (ImportFieldFlag). Nothing when none is new.
+    /// leave it valid (ImportFieldFlag). Nothing when none is new, or when the user cancelled.
     void change(const ImportSettings &settings);
     /// As change(), with one recompute in every case.
     void setSettings(const ImportSettings &settings);
@@ -70,6 +73,7 @@ private:
     Effect _effectOf(const ImportSettings &settings) const;
     void _keepForNext(const ImportSettings &settings);
     bool _follows() const;
+    bool _prepared(const ImportSettings &settings);
     void _apply(const ImportSettings &settings, Effect effect);
     void _recompute(const RecomputeRun &run);
 

@@ -12,6 +12,7 @@ struct ImportSettings
     bool invertZ = false;
     bool transparency = true;  ///< cells of height 0 stay 0 through smoothing
     bool preview = true;       ///< off: raise/lower, trim, smoothing and bas-relief are left out
+    double deband = 0.0;       ///< 0..1: how far source values may move, in half levels
     double smoothing = 0.0;    ///< passes
     int raiseLower = 0;        ///< percent of the range; positive lowers
     int trim = 0;              ///< cells removed from the outline

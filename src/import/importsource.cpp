@@ -1,6 +1,7 @@
 #include "import/importsource.h"
 
 #include "import/bas/basutil.h"
+#include "import/deband/deband.h"
 #include "import/pipeline.h"
 
 #include <algorithm>
@@ -22,16 +23,18 @@ void ImportSource::setSettings(const ImportSettings &settings)
     const bool sameTilt = settings.tiltHorizontal == m_settings.tiltHorizontal &&
                           settings.tiltVertical == m_settings.tiltVertical &&
                           settings.depth == m_settings.depth;
-    tiltDirty = tiltDirty || !sameTilt;
+    tiltDirty = tiltDirty || !sameTilt || settings.deband != m_settings.deband;
     m_settings = settings;
 }
 
 void ImportSource::computeHeights(float *heights)
 {
+    Progress silent;
+    prepareDebanded(m_settings.deband, silent);
     if (std::exchange(tiltDirty, false))
         _rebuildTilt();
     const bool tilt = !m_tilted.empty();
-    const GridView source{tilt ? m_tilted.data() : m_values->values.data(), width(), height()};
+    const GridView source{tilt ? m_tilted.data() : _start().values.data(), width(), height()};
     mapBase(source, tilt ? m_tiltedRange : m_range, m_settings, heights);
     if (!m_settings.preview)
         return;
@@ -40,12 +43,28 @@ void ImportSource::computeHeights(float *heights)
     smooth(view, m_settings.smoothing, m_settings.transparency);
 }
 
+bool ImportSource::prepareDebanded(double strength, Progress &progress)
+{
+    if (strength == m_debandedWith)
+        return true;
+    FloatGrid result;
+    if (strength > 0.0) {
+        std::optional<std::vector<float>> values = debanded(*m_values, strength, progress);
+        if (!values)
+            return false;
+        result = {width(), height(), std::move(*values)};
+    }
+    m_debanded = std::move(result);
+    m_debandedWith = strength;
+    return true;
+}
+
 void ImportSource::_rebuildTilt()
 {
     m_tilted = {};
     if (!m_settings.tilted())
         return;
-    m_tilted = tiltedValues(*m_values, tiltSlope(m_settings, valueRange()));
+    m_tilted = tiltedValues(_start(), tiltSlope(m_settings, valueRange()));
     m_tiltedRange = rangeOf(m_tilted);
 }
 

@@ -26,6 +26,10 @@ public:
     /// The pipeline up to smoothing; the bas-relief step is left to recompute().
     void computeHeights(float *heights) override;
 
+    /// Makes the debanded values of a strength, see debanded(). computeHeights() does when the
+    /// settings ask for others than there are; on large pictures that takes long. False when the
+    /// user cancelled, with the values that were there kept.
+    bool prepareDebanded(double strength, Progress &progress);
     /// Takes new settings; marks the tilted values when they no longer fit.
     void setSettings(const ImportSettings &settings);
     const ImportSettings &settings() const { return m_settings; }
@@ -47,8 +51,12 @@ public:
 
 private:
     void _rebuildTilt();
+    /// What tilt and mapping start from.
+    const FloatGrid &_start() const { return m_debanded.values.empty() ? *m_values : m_debanded; }
 
     std::shared_ptr<const FloatGrid> m_values;
+    FloatGrid m_debanded;        ///< empty while debanding is off
+    double m_debandedWith = 0.0; ///< their strength
     ValueRange m_range;
     std::vector<float> m_tilted;
     ValueRange m_tiltedRange;

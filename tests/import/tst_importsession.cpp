@@ -309,6 +309,27 @@ private slots:
         QVERIFY(!session.dirty());
     }
 
+    void cancelledDebandingChangesNothing()
+    {
+        struct Cancelled : Progress
+        {
+            bool cancelled() const override { return true; }
+        };
+        const auto relief = importedPicture();
+        ImportSession session;
+        session.attach(relief.get());
+        session.startWork = [] { return std::make_unique<Cancelled>(); };
+        const std::vector<float> before = heightsOf(*relief);
+        set(session, &ImportSettings::deband, 1.0);
+        QCOMPARE(session.settings().deband, 0.0);
+        session.startWork = nullptr;
+        set(session, &ImportSettings::invertZ, true);
+        set(session, &ImportSettings::invertZ, false);
+        QVERIFY(heightsOf(*relief) == before);
+        set(session, &ImportSettings::deband, 1.0);
+        QCOMPARE(session.settings().deband, 1.0);
+    }
+
     void acceptingEndsTheImport()
     {
         const auto relief = importedPicture();

@@ -9,12 +9,13 @@ namespace marlowen {
 /// one.
 ///
 /// The heights are split into form and detail (formOf, at two scales). The slopes of the form are
-/// flattened, steep ones most, within every island of filled cells, and integrated again; the
-/// result is scaled to a share of the old depth and the detail is added back at its own height.
+/// flattened, steep ones most, within every island of filled cells, and integrated again; that is
+/// scaled to a share of the old depth and the detail is added back at its own height.
 /// Empty cells (height 0) stay empty and do not touch their neighbours; all others lie above 0, the
 /// lowest just above. Depth is the highest minus the lowest filled height.
-///   contrastFactor 2..65536  the depth falls to 1 / (1 + 0.8 log2) of what it was: 0.29 at 8;
-///                            detail gains a little. Larger ones also even out the slopes more.
+///   contrastFactor 2..65536  the depth of the form falls to 1 / (1 + 1.05 log2) of what it was:
+///                            0.24 at 8, with the detail on it about 0.3. Larger ones also even out
+///                            the slopes more, and detail gains a little.
 ///   smoothness 20000..1e7    blurs the detail: not at all at 20000, by 7 cells at the end.
 ///   gridSize 2..32           larger ones let broad forms sink against small ones, from about 4 / g
 ///                            of the larger side on.

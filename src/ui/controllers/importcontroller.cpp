@@ -46,6 +46,9 @@ ImportController::ImportController(Workbench &bench, ImportPanel *panel, QWidget
 {
     ImportSession &session = m_bench.session();
     session.followsChanges = true;
+    session.startWork = [window] {
+        return std::make_unique<ProgressBox>(tr("Smoothing the terraces"), window);
+    };
     session.startWith(rememberedSettings());
     m_remembered = session.openingSettings();
     m_panel->refresh();

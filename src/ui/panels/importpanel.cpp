@@ -167,6 +167,7 @@ void ImportPanel::_arrange()
     depth->addWidget(m_depth);
     depth->addStretch(1);
     column->addLayout(depth);
+    _makeNumber(&ImportSettings::deband);
     _makeNumber(&ImportSettings::smoothing);
     _makeNumber(&ImportSettings::raiseLower);
     _makeNumber(&ImportSettings::trim);

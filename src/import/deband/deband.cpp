@@ -1,0 +1,94 @@
+#include "import/deband/deband.h"
+
+#include "import/deband/debandlevel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+
+namespace marlowen {
+namespace {
+
+/// A grid whose smaller side is below this is the coarsest.
+constexpr int smallestSide = 8;
+/// Terraces wider than 2 to the power of this, in cells, are not levelled out fully.
+constexpr size_t mostLevels = 9;
+/// Steps on the finest grid; every coarser one gets half as many more again.
+constexpr int finestSteps = 5;
+constexpr int mostSteps = 200;
+constexpr float stepLevels = 8.0F;
+/// Estimate of the passes over the cells of the finest grid.
+constexpr double passes = 18.0;
+
+/// Level of values that are whole numbers of 0..255; 0 when there are others.
+float levelOfBytes(const FloatGrid &values)
+{
+    std::array<bool, 256> met{};
+    for (const float value : values.values) {
+        if (!(value >= 0.0F && value <= 255.0F) || value != std::floor(value))
+            return 0.0F;
+        met[static_cast<size_t>(value)] = true;
+    }
+    int last = -1;
+    int level = 256;
+    for (int value = 0; value < 256; ++value) {
+        if (!met[static_cast<size_t>(value)])
+            continue;
+        if (last >= 0)
+            level = std::min(level, value - last);
+        last = value;
+    }
+    return level == 256 ? 0.0F : static_cast<float>(level);
+}
+
+} // namespace
+
+float levelOf(const FloatGrid &values)
+{
+    if (const float level = levelOfBytes(values); level > 0.0F)
+        return level;
+    std::vector<float> sorted = values.values;
+    std::sort(sorted.begin(), sorted.end());
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    float level = 0.0F;
+    for (size_t i = 1; i < sorted.size(); ++i) {
+        const float difference = sorted[i] - sorted[i - 1];
+        level = level == 0.0F ? difference : std::min(level, difference);
+    }
+    return level;
+}
+
+std::optional<std::vector<float>> debanded(const FloatGrid &values, double strength,
+                                           Progress &progress)
+{
+    const float level = levelOf(values);
+    if (!(level > 0.0F) || !(strength > 0.0))
+        return values.values;
+    WorkMeter meter(progress, passes * static_cast<double>(values.cells()));
+    std::vector<uint8_t> valid(values.values.size());
+    std::transform(values.values.begin(), values.values.end(), valid.begin(),
+                   [](float value) { return value != 0.0F; });
+    const DebandLimits limits{*std::min_element(values.values.begin(), values.values.end()),
+                              stepLevels * level};
+    FloatGrid reach(values.width, 1);
+    std::fill(reach.values.begin(), reach.values.end(),
+              0.5F * static_cast<float>(strength) * level);
+    std::vector<std::unique_ptr<DebandLevel>> levels;
+    levels.push_back(std::make_unique<DebandLevel>(
+        DebandCells{values, std::move(reach), std::move(valid)}, limits, meter));
+    while (levels.size() < mostLevels &&
+           std::min(levels.back()->width(), levels.back()->height()) >= smallestSide)
+        levels.push_back(std::make_unique<DebandLevel>(levels.back()->coarser(meter)));
+    for (size_t i = levels.size(); i-- > 0;) {
+        const double steps = finestSteps * std::pow(3.0, static_cast<double>(i));
+        if (i + 1 < levels.size() && !levels[i]->beginFrom(*levels[i + 1], meter))
+            return std::nullopt;
+        levels.resize(i + 1);
+        if (!levels[i]->smooth(static_cast<int>(std::min<double>(steps, mostSteps)), meter))
+            return std::nullopt;
+    }
+    return levels[0]->takeSmoothed().values;
+}
+
+} // namespace marlowen
