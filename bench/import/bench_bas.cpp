@@ -22,9 +22,8 @@ struct Setting
 FloatGrid made(const FloatGrid &heights, const Setting &setting = {})
 {
     Progress silent;
-    auto result = makeBasRelief({heights.values.data(), heights.width, heights.height,
-                                 setting.gridSize, setting.contrastFactor, setting.smoothness},
-                                silent);
+    auto result = makeBasRelief(
+        {heights.view(), setting.gridSize, setting.contrastFactor, setting.smoothness}, silent);
     return {heights.width, heights.height, std::move(*result)};
 }
 

@@ -35,7 +35,7 @@ void setAlpha(bool on, int mode)
     std::vector<float> image(size * size);
     for (size_t i = 0; i < image.size(); ++i)
         image[i] = static_cast<float>(0.5 + 0.5 * std::sin(static_cast<double>(i % size) * 0.1));
-    AlphaBrush::instance().setImage(on ? image.data() : nullptr, size);
+    AlphaBrush::instance().setImage(on ? GridView{image.data(), size, size} : GridView{});
     AlphaBrush::instance().mode = mode;
 }
 

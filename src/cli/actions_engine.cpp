@@ -8,6 +8,7 @@
 #include "import/imageimport.h"
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/tool.h"
+#include "relief/tools/toolfields.h"
 
 namespace marlowen {
 
@@ -54,12 +55,12 @@ Outcome alpha(ScriptState &, const QJsonObject &arguments)
     AlphaBrush &brush = AlphaBrush::instance();
     const QJsonValue file = arguments.value(QLatin1String("file"));
     if (file.isNull())
-        brush.setImage(nullptr, 0);
+        brush.setImage({});
     if (file.isString()) {
         const Result<FloatGrid> grid = squarePicture(file.toString());
         if (!grid)
             return grid.failure();
-        brush.setImage(grid.value().values.data(), grid.value().width);
+        brush.setImage(grid.value().view());
     }
     const QJsonValue mode = arguments.value(QLatin1String("mode"));
     if (mode.isString())
@@ -142,7 +143,8 @@ const std::vector<ScriptAction> &strokeActions()
         {"alpha",
          {{"file", KeyType::TextOrNull},
           {.name = "mode", .type = KeyType::Choice, .choices = alphaModeNames},
-          {"repeat", KeyType::Integer, false, 1.0, 1000.0}},
+          {alphaRepeatField.key, KeyType::Integer, false, alphaRepeatField.range.minimum,
+           alphaRepeatField.range.maximum}},
          alpha,
          false},
         {"stroke", {{"points", KeyType::StrokePoints, true}}, stroke},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/progress.h"
+#include "relief/grid/floatgrid.h"
 
 #include <functional>
 #include <optional>
@@ -8,18 +9,16 @@
 
 namespace marlowen {
 
-/// What a bas-relief is made of: width x height heights, row-major, none negative.
+/// What a bas-relief is made of: heights, none negative, and the three settings.
 struct BasReliefInput
 {
-    const float *heights = nullptr;
-    int width = 0;
-    int height = 0;
+    GridView heights;
     int gridSize = 2;
     int contrastFactor = 8;
     int smoothness = 20000;
 };
 
-/// Compresses the height range while keeping the detail. Returns width x height heights, none
+/// Compresses the height range while keeping the detail. Returns as many heights, none
 /// negative, or nothing when the user cancelled.
 using BasReliefGenerator =
     std::function<std::optional<std::vector<float>>(const BasReliefInput &, Progress &)>;

@@ -78,8 +78,10 @@ bool makeBasRelief(const Relief &relief, ImportSource &source, const RecomputeRu
     Progress silent;
     const ImportSettings &settings = source.settings();
     std::optional<std::vector<float>> result =
-        (*run.generator)({relief.heights().constData(), relief.width(), relief.height(),
-                          settings.gridSize, settings.contrastFactor, settings.smoothness},
+        (*run.generator)({{relief.heights().constData(), relief.width(), relief.height()},
+                          settings.gridSize,
+                          settings.contrastFactor,
+                          settings.smoothness},
                          run.progress ? *run.progress : silent);
     if (!result)
         return false;

@@ -40,7 +40,6 @@ public:
     ValueRange range() const { return m_range; }
     /// Empty while both tilt angles are 0.
     const std::vector<float> &tilted() const { return m_tilted; }
-    ValueRange tiltedRange() const { return m_tiltedRange; }
 
     bool dirty = true;                ///< the last bas-relief result does not reflect the settings
     bool showsBasRelief = false;      ///< the relief's heights are the last bas-relief result

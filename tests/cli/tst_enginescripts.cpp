@@ -66,7 +66,7 @@ class TestEngineScripts : public QObject
 
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false")); }
-    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+    void cleanup() { AlphaBrush::instance().setImage({}); }
 
     void mistakes_data();
     void mistakes();

@@ -35,9 +35,9 @@ FloatGrid rippledDome(int side, double ripple)
 std::optional<FloatGrid> made(const FloatGrid &heights, const ImportSettings &settings,
                               Progress &progress)
 {
-    auto result = makeBasRelief({heights.values.data(), heights.width, heights.height,
-                                 settings.gridSize, settings.contrastFactor, settings.smoothness},
-                                progress);
+    auto result = makeBasRelief(
+        {heights.view(), settings.gridSize, settings.contrastFactor, settings.smoothness},
+        progress);
     if (!result)
         return std::nullopt;
     return FloatGrid(heights.width, heights.height, std::move(*result));

@@ -47,7 +47,7 @@ void setTilt(ImportSession &session, int horizontal, int vertical)
 /// A bas-relief of its grid size everywhere.
 std::optional<std::vector<float>> levelOf(const BasReliefInput &input, Progress &)
 {
-    const size_t cells = static_cast<size_t>(input.width) * static_cast<size_t>(input.height);
+    const auto cells = static_cast<size_t>(input.heights.cells());
     return std::vector<float>(cells, static_cast<float>(input.gridSize));
 }
 

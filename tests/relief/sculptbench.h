@@ -21,7 +21,7 @@ inline Layer copyOf(const GridLayer &layer)
 inline void stampImage()
 {
     const float white[] = {1.0F};
-    AlphaBrush::instance().setImage(white, 1);
+    AlphaBrush::instance().setImage({white, 1, 1});
     AlphaBrush::instance().mode = AlphaBrush::Stamp;
 }
 

@@ -70,7 +70,7 @@ class TestBrushes : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+    void cleanup() { AlphaBrush::instance().setImage({}); }
 
     void namedToolsHaveTheirRows()
     {

@@ -65,7 +65,7 @@ class TestBrushProperties : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+    void cleanup() { AlphaBrush::instance().setImage({}); }
 
     void properties_data()
     {

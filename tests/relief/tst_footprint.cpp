@@ -96,7 +96,7 @@ void loadAlpha(int mode, int side = 5)
     std::vector<float> image(static_cast<size_t>(side * side));
     for (size_t i = 0; i < image.size(); ++i)
         image[i] = static_cast<float>(i % 7) / 6.0F;
-    AlphaBrush::instance().setImage(image.data(), side);
+    AlphaBrush::instance().setImage({image.data(), side, side});
     AlphaBrush::instance().mode = mode;
     AlphaBrush::instance().repeatCount = 3;
 }
@@ -110,7 +110,7 @@ class TestFootprint : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+    void cleanup() { AlphaBrush::instance().setImage({}); }
 
     void radiusAndDimension_data()
     {
@@ -240,7 +240,7 @@ private slots:
         params.hardness = hardness;
         std::vector<double> map(100, 0.0);
         map[34] = distance;
-        QVERIFY(std::abs(falloffWeight(params, map.data(), 4, 3, 10) - weight) < 1e-12);
+        QVERIFY(std::abs(falloffWeight(params, {map.data(), 10, 10}, 4, 3) - weight) < 1e-12);
     }
 
     void alphaSamples_data()
@@ -266,7 +266,7 @@ private slots:
         QFETCH(bool, wrap);
         QFETCH(double, value);
         const float image[] = {0.0F, 1.0F, 0.25F, 0.25F};
-        QCOMPARE(alphaSample(image, 2, u, v, wrap), value);
+        QCOMPARE(alphaSample({image, 2, 2}, u, v, wrap), value);
     }
 
     void alphaImages()
@@ -274,9 +274,9 @@ private slots:
         AlphaBrush &brush = AlphaBrush::instance();
         const uint32_t before = brush.changeCounter();
         const float image[] = {std::nanf(""), -1.0F, 2.0F, 0.5F};
-        brush.setImage(image, 2);
+        brush.setImage({image, 2, 2});
         QCOMPARE(brush.values(), (std::vector<float>{0.0F, 0.0F, 1.0F, 0.5F}));
-        brush.setImage(image, 0);
+        brush.setImage({});
         QVERIFY(!brush.loaded() && brush.side() == 0);
         QCOMPARE(brush.changeCounter(), before + 4);
     }
@@ -312,16 +312,17 @@ private slots:
         params.falloff = Tool::LinearFalloff;
         params.hardness = 0.0;
         const float image[] = {0.25F};
-        AlphaBrush::instance().setImage(image, 1);
+        AlphaBrush::instance().setImage({image, 1, 1});
         AlphaBrush::instance().mode = AlphaBrush::Stamp;
-        QCOMPARE(falloffWeight(params, map.data(), 6, 6, 12), 0.25);
-        QCOMPARE(falloffWeight(params, map.data(), 10, 6, 12), 0.0); // beyond the image
+        QCOMPARE(falloffWeight(params, {map.data(), 12, 12}, 6, 6), 0.25);
+        QCOMPARE(falloffWeight(params, {map.data(), 12, 12}, 10, 6), 0.0); // beyond the image
         AlphaBrush::instance().mode = AlphaBrush::Tile;
-        QCOMPARE(falloffWeight(params, map.data(), 10, 6, 12), 0.5 * 0.25);
+        QCOMPARE(falloffWeight(params, {map.data(), 12, 12}, 10, 6), 0.5 * 0.25);
         AlphaBrush::instance().mode = AlphaBrush::Shape;
-        QCOMPARE(falloffWeight(params, map.data(), 6, 6, 12), 0.25);
+        QCOMPARE(falloffWeight(params, {map.data(), 12, 12}, 6, 6), 0.25);
         const double t = 3.0 / (10.0 / std::sqrt(8.0));
-        QVERIFY(std::abs(falloffWeight(params, map.data(), 9, 6, 12) - 0.25 * (1.0 - t)) < 1e-12);
+        QVERIFY(std::abs(falloffWeight(params, {map.data(), 12, 12}, 9, 6) - 0.25 * (1.0 - t)) <
+                1e-12);
     }
 
     void strokeWeightsAreTheFormula_data()
@@ -357,7 +358,8 @@ private slots:
                     continue;
                 }
                 QVERIFY(x >= extent.first && x <= extent.last);
-                const double exact = falloffWeight(params, tool.distanceMap(), column, row, side);
+                const double exact =
+                    falloffWeight(params, {tool.distanceMap(), side, side}, column, row);
                 QVERIFY(std::abs(weight - exact) < 1e-6);
             }
         }

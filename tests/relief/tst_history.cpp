@@ -104,7 +104,7 @@ struct Surroundings
     static void applyAlpha(bool loaded, int mode)
     {
         const std::array values{0.0F, 0.5F, 1.0F, 0.25F, 1.0F, 0.75F, 0.5F, 0.25F, 1.0F};
-        AlphaBrush::instance().setImage(loaded ? values.data() : nullptr, loaded ? 3 : 0);
+        AlphaBrush::instance().setImage(loaded ? GridView{values.data(), 3, 3} : GridView{});
         AlphaBrush::instance().mode = mode;
     }
 
@@ -394,7 +394,7 @@ class TestHistory : public QObject
 
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false")); }
-    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+    void cleanup() { AlphaBrush::instance().setImage({}); }
 
     void neverDiverges_data();
     void neverDiverges();

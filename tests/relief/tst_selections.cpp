@@ -88,7 +88,6 @@ private slots:
     void magicEqualsStackFill();
     void modifiers_data();
     void modifiers();
-    void combineReadsTheWorkLayer();
     void untouchedSelectionStaysUntouched();
     void rectangle_data();
     void rectangle();
@@ -205,22 +204,6 @@ void TestSelections::modifiers()
     selectNone(relief);
     QVERIFY(!relief.selectionActive);
     QCOMPARE(pictures::ofSelection(relief), QStringList({".....", "....."}));
-}
-
-void TestSelections::combineReadsTheWorkLayer()
-{
-    Relief relief(5, 1);
-    pictures::intoLayer({"11100"}, relief.selectionLayer());
-    pictures::intoLayer({"00110"}, relief.workLayer());
-    combineSelection(relief, Modifier::Subtractive);
-    QCOMPARE(pictures::ofSelection(relief), QStringList({"##..."}));
-    combineSelection(relief, Modifier::Additive);
-    QCOMPARE(pictures::ofSelection(relief), QStringList({"####."}));
-    combineSelection(relief, Modifier::Normal);
-    QCOMPARE(pictures::ofSelection(relief), QStringList({"..##."}));
-    // A shape leaves its cells, and only them, in the work layer.
-    selectRectangle(relief, {0, 0}, {0, 0}, Modifier::Additive);
-    QCOMPARE(pictures::ofLayer(relief, relief.workLayer()), QStringList({"#...."}));
 }
 
 void TestSelections::untouchedSelectionStaysUntouched()

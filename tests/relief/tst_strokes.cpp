@@ -51,7 +51,7 @@ class TestStrokes : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { AlphaBrush::instance().setImage(nullptr, 0); }
+    void cleanup() { AlphaBrush::instance().setImage({}); }
 
     void batchesShareTheirPoint()
     {

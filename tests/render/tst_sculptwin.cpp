@@ -377,10 +377,10 @@ private slots:
         const QImage round = b.paint();
         std::vector<float> half(64 * 64, 0.0F);
         std::fill_n(half.begin(), half.size() / 2, 1.0F); // its first rows: low y, low in the view
-        AlphaBrush::instance().setImage(half.data(), 64);
+        AlphaBrush::instance().setImage({half.data(), 64, 64});
         b.view.refresh();
         const QImage image = b.paint();
-        AlphaBrush::instance().setImage(nullptr, 0);
+        AlphaBrush::instance().setImage({});
         QVERIFY(image != round);
         const QPoint low = b.centre() + QPoint(15, 12);
         const QPoint high = b.centre() + QPoint(15, -12);

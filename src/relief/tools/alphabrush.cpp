@@ -13,25 +13,26 @@ AlphaBrush &AlphaBrush::instance()
     return brush;
 }
 
-void AlphaBrush::setImage(const float *values, int side)
+void AlphaBrush::setImage(GridView image)
 {
     m_changes += 2;
     m_values.clear();
     m_side = 0;
-    if (!values || side <= 0)
+    if (!image.values || image.width <= 0)
         return;
-    m_values.assign(values, values + static_cast<size_t>(side) * static_cast<size_t>(side));
-    m_side = side;
+    Q_ASSERT(image.width == image.height);
+    m_values.assign(image.values, image.values + image.cells());
+    m_side = image.width;
     // Comparisons are written so that NaN becomes 0.
     for (float &value : m_values)
         value = value > 0.0F ? std::min(value, 1.0F) : 0.0F;
 }
 
-double alphaSample(const float *values, int side, double u, double v, bool wrap)
+double alphaSample(GridView image, double u, double v, bool wrap)
 {
-    if (side <= 0 || !std::isfinite(u) || !std::isfinite(v))
+    if (image.width <= 0 || !std::isfinite(u) || !std::isfinite(v))
         return 0.0;
-    return alphaAt({values, side, side}, u, v, wrap);
+    return alphaAt(image, u, v, wrap);
 }
 
 } // namespace marlowen

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "relief/grid/floatgrid.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -16,14 +18,15 @@ public:
 
     static AlphaBrush &instance();
 
-    /// Copies side x side grey values 0..1, row-major. Side 0 or null values remove the image.
-    void setImage(const float *values, int side);
+    /// Copies a square image of grey values 0..1. An empty one removes the image.
+    void setImage(GridView image);
     bool loaded() const { return !m_values.empty(); }
     const std::vector<float> &values() const { return m_values; }
     int side() const { return m_side; }
 
-    int mode = Shape;    ///< AlphaBrush::Mode
-    int repeatCount = 3; ///< tiles across the footprint in Tile mode
+    static constexpr int initialRepeat = 3;
+    int mode = Shape;                ///< AlphaBrush::Mode
+    int repeatCount = initialRepeat; ///< tiles across the footprint in Tile mode
     /// Grows by two with every change of image.
     uint32_t changeCounter() const { return m_changes; }
 
@@ -37,6 +40,6 @@ private:
 
 /// Bilinear sample at (u * side - 0.5, v * side - 0.5). With wrap the indices run modulo side;
 /// without it (u, v) outside 0..1 gives 0 and neighbour cells are clamped to the image.
-double alphaSample(const float *values, int side, double u, double v, bool wrap);
+double alphaSample(GridView image, double u, double v, bool wrap);
 
 } // namespace marlowen

@@ -218,14 +218,13 @@ bool alphaShapes(const ToolParams &params)
     return usesAlpha(params) && AlphaBrush::instance().mode != AlphaBrush::Tile;
 }
 
-double falloffWeight(const ToolParams &params, const double *distanceMap, int column, int row,
-                     int dimension)
+double falloffWeight(const ToolParams &params, DistanceView map, int column, int row)
 {
+    const int dimension = map.width;
     const double half = dimension * 0.5;
     double t = 0.0;
     if (column >= 0 && column < dimension && row >= 0 && row < dimension) {
-        const ptrdiff_t cell = static_cast<ptrdiff_t>(row) * dimension + column;
-        t = std::min(1.0, (half - distanceMap[cell]) / half);
+        t = std::min(1.0, (half - map.row(row)[column]) / half);
     }
     if (dimension <= 0 || !usesAlpha(params))
         return profileOf(params, t);
@@ -241,35 +240,36 @@ double falloffWeight(const ToolParams &params, const double *distanceMap, int co
 
 void computeWeights(const ToolParams &params, const FootprintMap &map, const WeightTarget &target)
 {
-    const int side = 2 * target.reach + 1;
-    const int origin = map.dimension / 2 - target.reach; // array cell under the first weight
+    const int side = target.weights.width;
+    const int dimension = map.footprint.width;
+    const int origin = dimension / 2 - side / 2; // array cell under the first weight
     const int first = std::max(0, -origin);
-    const int count = std::min(side, map.dimension - origin) - first;
+    const int count = std::min(side, dimension - origin) - first;
     const bool alpha = usesAlpha(params);
-    const AlphaFrame frame(params, map.dimension);
+    const AlphaFrame frame(params, dimension);
     std::vector<double> rim(static_cast<size_t>(side));
     std::vector<float> greys(static_cast<size_t>(side));
     for (int y = 0; y < side; ++y) {
-        float *row = target.weights + static_cast<ptrdiff_t>(y) * side;
+        float *row = target.weights.row(y);
+        FootprintWeights::Extent &extent = target.extents[static_cast<size_t>(y)];
         std::fill_n(row, side, -1.0F);
-        target.extents[y] = {};
+        extent = {};
         const QPoint place(origin + first, origin + y);
-        if (place.y() < 0 || place.y() >= map.dimension)
+        if (place.y() < 0 || place.y() >= dimension)
             continue;
-        const ptrdiff_t cell = static_cast<ptrdiff_t>(place.y()) * map.dimension + place.x();
-        const double *distance = map.distance + cell;
+        const double *distance = map.distance.row(place.y()) + place.x();
         if (alpha && frame.mode == AlphaBrush::Shape) {
             measureRim(frame, place, rim.data(), count);
             distance = rim.data();
         }
-        weighRows[params.falloff]({map.footprint + cell, distance, row + first, count,
-                                   map.dimension * 0.5, usableHardness(params)});
+        weighRows[params.falloff]({map.footprint.row(place.y()) + place.x(), distance, row + first,
+                                   count, dimension * 0.5, usableHardness(params)});
         if (alpha) {
             const auto sample = frame.mode == AlphaBrush::Tile ? sampleTiles : sampleOnce;
             sample(frame, place, greys.data(), count);
             applyAlpha(frame, greys.data(), row + first, count);
         }
-        target.extents[y] = extentOf(row, side);
+        extent = extentOf(row, side);
     }
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "relief/tools/footprint.h"
 #include "relief/tools/tool.h"
+
+#include <span>
 
 namespace marlowen {
 
@@ -9,26 +12,22 @@ namespace marlowen {
 bool alphaShapes(const ToolParams &params);
 
 /// Weight 0..1 of a footprint cell, from its distance to the outline, the falloff profile, the
-/// hardness and the alpha image. The map is dimension x dimension; cells off it count as
-/// its centre.
-double falloffWeight(const ToolParams &params, const double *distanceMap, int column, int row,
-                     int dimension);
+/// hardness and the alpha image. Cells off the map count as its centre.
+double falloffWeight(const ToolParams &params, DistanceView map, int column, int row);
 
-/// A footprint and its distance map, dimension x dimension each.
+/// A footprint and its distance map, of one size.
 struct FootprintMap
 {
-    const unsigned char *footprint;
-    const double *distance;
-    int dimension;
+    FootprintView footprint;
+    DistanceView distance;
 };
 
-/// Memory for the weights of the cells within `reach` of the middle: (2 reach + 1) squared values
+/// Memory for the weights of the cells within a reach of the middle: (2 reach + 1) squared values
 /// and one extent a row (see FootprintWeights).
 struct WeightTarget
 {
-    int reach;
-    float *weights;
-    FootprintWeights::Extent *extents;
+    MutableGridView weights;
+    std::span<FootprintWeights::Extent> extents;
 };
 
 /// falloffWeight() of every cell within the target's reach. Weights are computed in doubles and

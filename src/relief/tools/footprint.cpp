@@ -315,26 +315,25 @@ private:
 
 } // namespace
 
-void buildFootprint(unsigned char *footprint, int dimension, const ToolParams &params,
-                    double radius)
+void buildFootprint(BasicGridView<unsigned char> footprint, const ToolParams &params, double radius)
 {
-    std::memset(footprint, Inside, static_cast<size_t>(dimension) * static_cast<size_t>(dimension));
+    std::ranges::fill(footprint.span(), static_cast<unsigned char>(Inside));
     if (alphaShapes(params))
         return;
-    OutlinePen pen(footprint, dimension, params.angle);
+    OutlinePen pen(footprint.values, footprint.width, params.angle);
     if (params.form == Tool::Square)
         traceSquare(pen, radius, radius / params.aspect);
     else
         traceRound(pen, radius, radius / params.aspect);
-    BorderFlood(footprint, dimension).run();
+    BorderFlood(footprint.values, footprint.width).run();
 }
 
-int chamferDistances(double *map, const unsigned char *footprint, int dimension)
+int chamferDistances(BasicGridView<double> map, FootprintView footprint)
 {
-    DistanceSweeps sweeps(map, footprint, dimension);
+    DistanceSweeps sweeps(map.values, footprint.values, map.width);
     // Both directions in turn: two sweeps settle a convex shape, a third changes
     // nothing.
-    const int limit = std::max(1, (dimension + 1) / 2);
+    const int limit = std::max(1, (map.width + 1) / 2);
     int count = 0;
     bool changed = true;
     while (changed && count < limit)

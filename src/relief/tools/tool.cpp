@@ -70,7 +70,7 @@ Tool::Tool(const ToolParams &params, StrokePoint firstPoint, double scale)
 {
     const auto cells = static_cast<size_t>(m_dimension) * static_cast<size_t>(m_dimension);
     unsigned char *footprint = m_buffers->footprint.need(cells);
-    buildFootprint(footprint, m_dimension, m_params, m_radius);
+    buildFootprint({footprint, m_dimension, m_dimension}, m_params, m_radius);
     double *distance = m_buffers->distance.need(cells);
     genDistMap(distance, footprint, m_dimension);
 
@@ -79,8 +79,9 @@ Tool::Tool(const ToolParams &params, StrokePoint firstPoint, double scale)
     const auto side = static_cast<size_t>(m_weights.side());
     float *weights = m_buffers->weights.need(side * side);
     FootprintWeights::Extent *extents = m_buffers->extents.need(side);
-    computeWeights(m_params, {footprint, distance, m_dimension},
-                   {m_weights.reach, weights, extents});
+    computeWeights(m_params,
+                   {{footprint, m_dimension, m_dimension}, {distance, m_dimension, m_dimension}},
+                   {{weights, m_weights.side(), m_weights.side()}, {extents, side}});
     m_weights.values = weights;
     m_weights.rows = extents;
 
@@ -182,7 +183,8 @@ void Tool::genDistMap(double *map, unsigned char *footprint, int dimension)
 {
     QElapsedTimer timer;
     timer.start();
-    const int loops = chamferDistances(map, footprint, dimension);
+    const int loops =
+        chamferDistances({map, dimension, dimension}, {footprint, dimension, dimension});
     qDebug("genDistMap: %d loops, %f msec.", loops,
            static_cast<double>(timer.nsecsElapsed()) * 1e-6);
 }

@@ -98,6 +98,13 @@ std::string typeNames()
 
 } // namespace
 
+const FieldInfo alphaRepeatField{
+    .key = "repeat",
+    .label = QT_TRANSLATE_NOOP("Fields", "Repeat"),
+    .hint = QT_TRANSLATE_NOOP("Fields", "Number of tiles across the brush."),
+    .range = {1, 1000},
+    .control = {1, 20, 1, 5}};
+
 FieldTable<ToolParams> toolFields()
 {
     static const std::string types = typeNames();

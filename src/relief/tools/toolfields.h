@@ -9,4 +9,7 @@ namespace marlowen {
 /// tools that use it.
 FieldTable<ToolParams> toolFields();
 
+/// Of AlphaBrush::repeatCount.
+extern const FieldInfo alphaRepeatField;
+
 } // namespace marlowen

@@ -126,7 +126,6 @@ void FootprintPainter::_updateTexture(QOpenGLFunctions_2_1 &gl)
     if (m_texture && m_textureChange == brush.changeCounter())
         return;
     m_textureChange = brush.changeCounter();
-    ++m_textureBuilds;
     std::vector<uint8_t> pixels;
     pixels.reserve(4 * brush.values().size());
     for (const float value : brush.values()) {

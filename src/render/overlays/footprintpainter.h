@@ -29,9 +29,6 @@ public:
               const Place &place);
     void release(QOpenGLFunctions_2_1 &gl);
 
-    /// Times the texture of the alpha brush was made.
-    int textureBuilds() const { return m_textureBuilds; }
-
 private:
     struct SurfacePoint
     {
@@ -51,7 +48,6 @@ private:
 
     uint32_t m_texture = 0;
     uint32_t m_textureChange = 0;
-    int m_textureBuilds = 0;
 };
 
 } // namespace marlowen

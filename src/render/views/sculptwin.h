@@ -23,8 +23,6 @@ public:
     /// Colours and shininess of the relief.
     void setMaterial(const Material &material);
     const Material &material() const { return m_look.material; }
-    /// The index last given to setLightPos.
-    int lightPos() const { return m_look.lightPos; }
 
     /// Times the gizmo was drawn anew.
     int gizmoPictures() const;

@@ -112,7 +112,7 @@ Outcome chooseAlpha(const QString &path)
         return Failure{
             Texts::tr("Open Failed"),
             Texts::tr("%1 is not a picture that can be read.").arg(QFileInfo(path).fileName())};
-    AlphaBrush::instance().setImage(grid.values.data(), grid.width);
+    AlphaBrush::instance().setImage(grid.view());
     return {};
 }
 

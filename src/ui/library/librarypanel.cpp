@@ -135,7 +135,7 @@ void LibraryPanel::_forgetLostChoice()
     if (_itemOf(m_chosen))
         return;
     m_chosen.clear();
-    AlphaBrush::instance().setImage(nullptr, 0);
+    AlphaBrush::instance().setImage({});
     emit AlphaChanged();
 }
 
@@ -194,7 +194,7 @@ void LibraryPanel::_choose(QListWidgetItem *item)
         return;
     const QString path = item->data(PathRole).toString();
     if (path.isEmpty()) {
-        AlphaBrush::instance().setImage(nullptr, 0);
+        AlphaBrush::instance().setImage({});
     } else if (const Outcome chosen = chooseAlpha(path); !chosen) {
         _showLater(chosen.failure());
         QTimer::singleShot(0, this, &LibraryPanel::reload);

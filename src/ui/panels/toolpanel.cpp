@@ -189,8 +189,7 @@ void ToolPanel::_makeAlpha()
         _enable();
         emit AlphaModeChanged(AlphaBrush::Mode(mode));
     });
-    m_repeat = new SliderField(tr("Repeat"), {1, 20, 1, 5, 3, 0, {}}, this);
-    m_repeat->setObjectName(QStringLiteral("Repeat"));
+    m_repeat = makeSlider(alphaRepeatField, AlphaBrush::initialRepeat, this);
     connect(m_repeat, &SliderField::valueChanged, this, [this](double value) {
         AlphaBrush::instance().repeatCount = int(std::lround(value));
         emit AlphaRepeatChanged(AlphaBrush::instance().repeatCount);
@@ -362,7 +361,7 @@ void ToolPanel::_enableAlpha()
     m_alphaMode->setReason(reason);
     if (reason.isEmpty() && AlphaBrush::instance().mode != AlphaBrush::Tile)
         reason = tr("Only the mode Tile repeats the alpha brush.");
-    showReason(*m_repeat, tr("Number of tiles across the brush."), reason);
+    showReason(*m_repeat, fieldText(alphaRepeatField.hint), reason);
 }
 
 } // namespace marlowen

@@ -27,9 +27,6 @@ public:
     QString title() const { return m_title; }
     /// Icon of the drop-down button; without one the first button's icon is used.
     void setIcon(const QIcon &icon);
-    /// Groups with a lower number give way first; equal ones from the right. 0 at first.
-    void setPriority(int priority) { m_priority = priority; }
-    int priority() const { return m_priority; }
 
     RibbonButton *addLargeButton(QAction *action);
     RibbonButton *addSmallButton(QAction *action);
@@ -95,7 +92,6 @@ private:
 
     QString m_title;
     QIcon m_icon;
-    int m_priority = 0;
     bool m_breakNext = false;
     bool m_separatorNext = false;
     State m_state = Full;

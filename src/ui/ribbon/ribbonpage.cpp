@@ -44,13 +44,12 @@ bool RibbonPage::event(QEvent *event)
     return done;
 }
 
-/// The group that takes the step to `state` next: lowest priority first, then the rightmost.
+/// The group that takes the step to `state` next: the rightmost.
 RibbonGroup *RibbonPage::_nextToGiveWay(int state) const
 {
     RibbonGroup *next = nullptr;
     for (RibbonGroup *group : m_groups) {
-        if (!group->isHidden() && group->state() < state &&
-            (!next || group->priority() <= next->priority()))
+        if (!group->isHidden() && group->state() < state)
             next = group;
     }
     return next;
