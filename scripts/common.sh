@@ -5,7 +5,8 @@ jobs=$(nproc)
 
 build_packages=(
     build-essential g++ cmake ninja-build ccache mold
-    qt6-base-dev libqt6opengl6-dev qt6-svg-dev zlib1g-dev qt6-tools-dev qt6-qpa-plugins
+    qt6-base-dev libqt6opengl6-dev qt6-svg-dev zlib1g-dev libtiff-dev libjpeg-dev
+    qt6-tools-dev qt6-qpa-plugins
     libgl1-mesa-dev libglu1-mesa-dev libgl1-mesa-dri libbenchmark-dev
 )
 display_packages=(xvfb xauth xdotool openbox x11-utils)

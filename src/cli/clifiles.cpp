@@ -52,10 +52,13 @@ Failure aboutFile(const QString &path, const Failure &failure)
 
 Result<std::unique_ptr<Relief>> openFile(const QString &path, const ImportSettings &settings)
 {
-    const auto quiet = quietFor(path);
+    auto quiet = quietFor(path);
     Result<std::unique_ptr<Relief>> opened = openRelief(path, settings);
+    quiet.reset();
     if (!opened)
         return aboutFile(path, opened.failure());
+    if (const QString note = importNote(*opened.value()); !note.isEmpty())
+        std::fprintf(stderr, "%s\n", note.toLocal8Bit().constData());
     return opened.take();
 }
 

@@ -93,6 +93,7 @@ Result<QString> writePng(const ExportJob &job)
 
 constexpr unsigned meshOptions = TakesQuality | TakesTolerance | TakesFacets | TakesSolid;
 
+constexpr const char *tiff = QT_TRANSLATE_NOOP("Formats", "TIFF picture");
 constexpr const char *jpeg = QT_TRANSLATE_NOOP("Formats", "JPEG picture");
 
 // In the order in which a person sees them.
@@ -151,10 +152,20 @@ constexpr Format rows[] = {
      .opensAs = OpensAs::Picture,
      .inWindow = true,
      .thumbnail = readImageWithin},
+    {.ending = ".tif",
+     .label = tiff,
+     .opensAs = OpensAs::Picture,
+     .inWindow = true,
+     .thumbnail = readImageWithin},
+    {.ending = ".tiff",
+     .label = tiff,
+     .opensAs = OpensAs::Picture,
+     .inWindow = true,
+     .thumbnail = readImageWithin},
     {.ending = ".pfm",
      .label = QT_TRANSLATE_NOOP("Formats", "float height map"),
      .opensAs = OpensAs::Relief,
-     .inWindow = false,
+     .inWindow = true,
      .load = loadHeightMap,
      .save = writePfm,
      .written = QT_TRANSLATE_NOOP("Formats", "float height map, the heights as they are")},

@@ -6,6 +6,8 @@
 #include "relief/grid/floatgrid.h"
 #include "relief/grid/relief.h"
 
+#include <QString>
+
 #include <memory>
 #include <vector>
 
@@ -43,6 +45,7 @@ public:
 
     bool dirty = true;                ///< the last bas-relief result does not reflect the settings
     bool showsBasRelief = false;      ///< the relief's heights are the last bas-relief result
+    QString note;                     ///< how the file was read, for a person; usually empty
     bool isPicture = false;           ///< the values are grey levels
     bool tiltDirty = true;            ///< the tilted values must be rebuilt
     std::vector<float> lastBasRelief; ///< empty until one was computed

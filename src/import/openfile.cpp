@@ -2,6 +2,7 @@
 
 #include "files/formats.h"
 #include "import/imageimport.h"
+#include "import/importsource.h"
 #include "import/mesh/openmodel.h"
 
 namespace marlowen {
@@ -27,6 +28,12 @@ Result<std::unique_ptr<Relief>> openRelief(const QString &path, const ImportSett
         return Failure{QStringLiteral("Invalid File"),
                        QStringLiteral("a mesh must be oriented before it is a relief")};
     return format->load(path);
+}
+
+QString importNote(const Relief &relief)
+{
+    const auto *source = dynamic_cast<const ImportSource *>(relief.source());
+    return source ? source->note : QString();
 }
 
 bool takesImportSettings(const QString &path)

@@ -77,6 +77,12 @@ Got readImage(const QString &path)
     return judged(readWholeImage(path), [](const QImage &image) { return !image.isNull(); });
 }
 
+Got readGrey(const QString &path)
+{
+    return judged(readGreyPicture(path),
+                  [](const GreyPicture &picture) { return picture.values.cells() > 0; });
+}
+
 Got readTriangles(const QString &path)
 {
     Progress silent;
@@ -99,6 +105,23 @@ QByteArray encoded(QImage::Format format, const char *name)
     buffer.open(QIODevice::WriteOnly);
     picture().scaled(12, 9).convertToFormat(format).save(&buffer, name);
     return bytes;
+}
+
+/// 16 bits, big-endian, the pixels behind the directory.
+QByteArray tiff()
+{
+    return QByteArray::fromHex("4d4d002a00000008"
+                               "0008"
+                               "010000030000000100060000" // width 6
+                               "010100030000000100040000" // height 4
+                               "010200030000000100100000" // bits
+                               "010300030000000100010000" // no compression
+                               "010600030000000100010000" // black is 0
+                               "01110004000000010000006e" // where the pixels are
+                               "011600030000000100040000" // rows in the strip
+                               "011700040000000100000030" // its bytes
+                               "00000000") +
+           QByteArray(48, '\x47');
 }
 
 /// What `write` leaves in a file.
@@ -126,8 +149,8 @@ std::vector<Reader> readers()
          readTriangles, QLatin1String(".stl"), false},
         {"OBJ", "v 0 0 0\nv 1.5 0 2\nv 0 2.5e1 0\nv 1 1 1 2\nf 1 2 3\nf -1 -2/1 1\n", readTriangles,
          QLatin1String(".obj"), false},
-        // A PNG ends in the checksum of a chunk that holds nothing.
-        {"PNG", encoded(QImage::Format_RGB32, "png").chopped(4), readImage},
+        {"PNG", encoded(QImage::Format_RGB32, "png"), readImage},
+        {"TIFF", tiff(), readGrey},
         {"BMP 24", encoded(QImage::Format_RGB32, "bmp"), readImage},
         {"BMP 8", encoded(QImage::Format_Indexed8, "bmp"), readImage},
         {"JPEG", encoded(QImage::Format_RGB32, "jpg"), readImage},

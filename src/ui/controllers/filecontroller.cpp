@@ -111,9 +111,12 @@ bool FileController::_load(const QString &path)
         showFailure(m_window, loaded.failure(), path);
         return false;
     }
+    const QString note = importNote(*loaded.value());
     m_bench.take(loaded.take(), path);
     m_stamp = stampOf(path);
     _remember(path);
+    if (!note.isEmpty())
+        emit said(note, 10000);
     return true;
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 QString keyOf(const FieldInfo &info)
 {
-    return QStringLiteral("import/") + QLatin1String(info.key);
+    return QStringLiteral("/state/import/") + QLatin1String(info.key);
 }
 
 QString flipKey()
