@@ -10,8 +10,6 @@
 
 namespace marlowen {
 
-/// Factors of a model's axes, in a script as on the command line.
-inline constexpr FieldRange modelScaleRange{1e-12, 1e12};
 inline constexpr char relativeIndicesKey[] = "relativeIndices";
 
 /// As openModel(); prints the problems of the file on standard error. The failure names the file.

@@ -1,5 +1,6 @@
 #include "ui/centerarea.h"
 
+#include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/startpage.h"
@@ -16,6 +17,7 @@ CenterArea::CenterArea(Workbench &bench, QWidget *parent)
     , m_splitter(new QSplitter(Qt::Horizontal, this))
     , m_sculptWin(new SculptWin(m_splitter))
     , m_flatWin(new FlatWin(m_splitter))
+    , m_facetWin(new FacetWin(this))
 {
     m_splitter->setObjectName(QStringLiteral("CentralSplitter"));
     m_sculptWin->setAccessibleName(tr("3D view"));
@@ -27,6 +29,8 @@ CenterArea::CenterArea(Workbench &bench, QWidget *parent)
     m_splitter->setStretchFactor(View2d, 2);
     addWidget(m_splitter);
     addWidget(m_startPage);
+    addWidget(m_facetWin);
+    m_facetWin->setMinimumSize(80, 80);
     if (StartPage::shownAtStartup())
         setCurrentWidget(m_startPage);
     _setUp(*m_sculptWin);
@@ -54,18 +58,31 @@ void CenterArea::showRelief()
 
 void CenterArea::showStartPage()
 {
-    m_startPage->setBack(m_bench.relief() != nullptr);
+    m_startPage->setBack(m_bench.relief() || m_bench.model);
     setCurrentWidget(m_startPage);
 }
 
 void CenterArea::leaveStartPage()
 {
+    if (m_bench.model)
+        return showModel(true);
     setCurrentWidget(m_splitter);
     m_sculptWin->setFocus();
 }
 
+void CenterArea::showModel(bool on)
+{
+    if (on)
+        setCurrentWidget(m_facetWin);
+    else if (m_bench.relief() || !StartPage::shownAtStartup())
+        setCurrentWidget(m_splitter);
+    else
+        showStartPage();
+}
+
 void CenterArea::letGo()
 {
+    m_facetWin->setMesh(nullptr);
     m_sculptWin->setRelief(nullptr);
     m_flatWin->setRelief(nullptr);
     m_sculptWin->setChanges(nullptr);
@@ -89,8 +106,17 @@ void CenterArea::setUnit(int unit)
 
 void CenterArea::zoomAll()
 {
+    if (currentWidget() == m_facetWin)
+        return m_facetWin->zoomAll();
     m_sculptWin->zoomAll();
     m_flatWin->zoomAll();
+}
+
+void CenterArea::fit()
+{
+    for (SurfaceView *view :
+         std::initializer_list<SurfaceView *>{m_sculptWin, m_flatWin, m_facetWin})
+        view->fit();
 }
 
 void CenterArea::refresh()

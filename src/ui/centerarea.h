@@ -6,13 +6,15 @@ class QSplitter;
 
 namespace marlowen {
 
+class FacetWin;
 class FlatWin;
 class ReliefView;
 class SculptWin;
 class StartPage;
 class Workbench;
 
-/// The middle of the window: the start page, or the 3D and the 2D view side by side.
+/// The middle of the window: the start page, the 3D and the 2D view side by side, or the model that
+/// is being oriented.
 class CenterArea : public QStackedWidget
 {
     Q_OBJECT
@@ -26,6 +28,7 @@ public:
     StartPage *startPage() const { return m_startPage; }
     SculptWin *sculptWin() const { return m_sculptWin; }
     FlatWin *flatWin() const { return m_flatWin; }
+    FacetWin *facetWin() const { return m_facetWin; }
     QSplitter *splitter() const { return m_splitter; }
 
     /// Shows the views on the bench's relief.
@@ -33,6 +36,8 @@ public:
     /// Shows the start page, with a way back when there is a relief.
     void showStartPage();
     void leaveStartPage();
+    /// Shows the model, or the relief again.
+    void showModel(bool on);
     /// The views forget the relief and the bench.
     void letGo();
     /// Strokes act, or a reason says why they do not.
@@ -40,6 +45,8 @@ public:
     /// Index in lengthUnits of the unit that lengths are shown in.
     void setUnit(int unit);
     void zoomAll();
+    /// Shows all of what a view shows, without turning it.
+    void fit();
     /// The tool's footprint looks different.
     void refresh();
     /// Gives a hidden view half of the room; otherwise the splitter stays as it is.
@@ -53,6 +60,7 @@ private:
     QSplitter *m_splitter;
     SculptWin *m_sculptWin;
     FlatWin *m_flatWin;
+    FacetWin *m_facetWin;
 };
 
 } // namespace marlowen

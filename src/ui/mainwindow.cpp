@@ -1,6 +1,7 @@
 #include "ui/mainwindow.h"
 
 #include "relief/grid/relief.h"
+#include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/aboutbox.h"
@@ -10,6 +11,7 @@
 #include "ui/controllers/dialogs.h"
 #include "ui/controllers/openablefiles.h"
 #include "ui/keyrouter.h"
+#include "ui/modelstage.h"
 #include "ui/pages/toolspage.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/sculptpanels.h"
@@ -59,17 +61,20 @@ MainWindow::MainWindow(QWidget *parent)
           m_bench, {m_docks.panels->toolPanel(), m_toolActions, m_pages.tools, m_pages.edit}, this))
     , m_edits(new EditController(m_bench, {m_pages.size, m_pages.edit}, this))
     , m_import(new ImportController(m_bench, m_docks.panels->importPanel(), this))
+    , m_models(new ModelController(m_bench, {m_pages.orient, m_center->facetWin()}, this))
 {
-    m_look = new LookController({sculptWin(), flatWin(), m_pages.viewSettings}, this);
+    m_look = new LookController(
+        {sculptWin(), flatWin(), m_center->facetWin(), m_pages.viewSettings}, this);
+    m_stage.reset(new ModelStage({m_bench, *m_commands, *m_center, *m_docks.panels, *ribbonBar()}));
     setAcceptDrops(true);
     setCentralWidget(m_center);
-    m_bench.history().setActions((*m_commands)["undo"], (*m_commands)["redo"]);
     connectCommands(*this, *m_toolActions, *m_recentFiles);
     connectPages(*this, m_pages);
     connectDocks(*this, m_docks);
     auto *keys = new KeyRouter(this, backstage());
     keys->addView(sculptWin());
     keys->addView(flatWin());
+    keys->addView(m_center->facetWin());
     _connectViews();
     _connectWorkbench();
     setupControls();
@@ -107,6 +112,7 @@ void MainWindow::_connectViews()
     connect(sculptWin(), &ReliefView::cameraChanged, this, &MainWindow::showExtent);
     connect(flatWin(), &FlatWin::cropChanged, this, &MainWindow::setupControls);
     connect(flatWin(), &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
+    connect(m_center->facetWin(), &FacetWin::statusChanged, this, &MainWindow::setStatus);
     StartPage *start = m_center->startPage();
     connect(start, &StartPage::BackClicked, m_center, &CenterArea::leaveStartPage);
     connect(start, &StartPage::NewClicked, this, &MainWindow::newRelief);
@@ -124,6 +130,8 @@ void MainWindow::_connectWorkbench()
             &ImportPanel::refresh);
     connect(m_files, &FileController::filesChanged, this, &MainWindow::_filesChanged);
     connect(m_files, &FileController::said, this, &MainWindow::_say);
+    m_files->openModel = [this](const QString &path) { return m_models->open(path); };
+    connect(m_models, &ModelController::shownChanged, this, &MainWindow::_modelShown);
     connect(m_exports, &ExportController::said, this, &MainWindow::_say);
     connect(m_exports, &ExportController::handedOver, this, &MainWindow::_saveLayout);
     connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
@@ -194,8 +202,8 @@ void MainWindow::_saveLayout()
 void MainWindow::showEvent(QShowEvent *event)
 {
     RibbonMainWindow::showEvent(event);
-    if (m_bench.relief() && !event->spontaneous())
-        QTimer::singleShot(settleMs, this, &MainWindow::zoomAll);
+    if ((m_bench.relief() || m_bench.model) && !event->spontaneous())
+        QTimer::singleShot(settleMs, m_center, &CenterArea::fit);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
@@ -244,7 +252,16 @@ void MainWindow::_reliefReplaced()
         m_docks.panels->showToolTab();
     m_edits->startSize();
     // The views know their size only after the first layout.
-    QTimer::singleShot(0, this, &MainWindow::zoomAll);
+    QTimer::singleShot(0, m_center, &CenterArea::fit);
+}
+
+void MainWindow::_modelShown()
+{
+    backstage()->setOpen(false);
+    m_stage->refresh();
+    setWindowTitle(m_files->windowTitle());
+    _showRelief();
+    QTimer::singleShot(0, m_center, &CenterArea::fit);
 }
 
 void MainWindow::_stepDone(const Step &step)
@@ -266,7 +283,7 @@ void MainWindow::_filesChanged()
 void MainWindow::setupControls()
 {
     const QString reason = reasonAgainstEditing(m_bench);
-    m_commands->setReason("zoomAll", reasonAgainstSaving(m_bench));
+    m_commands->setReason("zoomAll", m_bench.model ? QString() : reasonAgainstSaving(m_bench));
     m_files->setupControls(*m_commands);
     m_exports->setupControls(*m_commands);
     m_tool->setupControls();
@@ -288,7 +305,8 @@ void MainWindow::_showRelief()
 
 void MainWindow::showExtent()
 {
-    m_status->showExtent(m_bench.relief(), m_pages.size->unit(), sculptWin()->camera().zoom);
+    m_status->showExtent(m_bench.model ? nullptr : m_bench.relief(), m_pages.size->unit(),
+                         sculptWin()->camera().zoom);
 }
 
 void MainWindow::unitChanged()

@@ -5,6 +5,7 @@
 #include "ui/controllers/filecontroller.h"
 #include "ui/controllers/importcontroller.h"
 #include "ui/controllers/lookcontroller.h"
+#include "ui/controllers/modelcontroller.h"
 #include "ui/controllers/toolcontroller.h"
 #include "ui/ribbon/ribbonmainwindow.h"
 #include "ui/windowparts.h"
@@ -19,6 +20,7 @@ namespace marlowen {
 class CenterArea;
 class CommandSet;
 class FlatWin;
+class ModelStage;
 class SculptWin;
 class StatusLine;
 
@@ -145,6 +147,7 @@ private:
     void _restoreLayout();
     void _saveLayout();
     void _reliefReplaced();
+    void _modelShown();
     void _stepDone(const Step &step);
     void _filesChanged();
     void _showRelief();
@@ -165,6 +168,8 @@ private:
     ToolController *m_tool;
     EditController *m_edits;
     ImportController *m_import;
+    ModelController *m_models;
+    std::unique_ptr<ModelStage> m_stage;
 
     QString m_importFile;
     QString m_integrationString;

@@ -118,7 +118,7 @@ QWidget *StartPage::_head()
     auto *newRelief = new QPushButton(icon(QStringLiteral("new_32")), tr("New..."));
     newRelief->setToolTip(tr("Starts an empty relief"));
     auto *open = new QPushButton(icon(QStringLiteral("open_32")), tr("Open..."));
-    open->setToolTip(tr("Opens a workspace or a picture"));
+    open->setToolTip(tr("Opens a workspace, a pattern, a mesh or a picture"));
     m_back = new QPushButton(icon(QStringLiteral("view_3d")), tr("Back"));
     m_back->setToolTip(tr("Back to the relief that is open"));
     m_back->hide();

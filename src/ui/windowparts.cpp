@@ -5,6 +5,7 @@
 #include "ui/library/librarypanel.h"
 #include "ui/pages/editpage.h"
 #include "ui/pages/exportpage.h"
+#include "ui/pages/orientpage.h"
 #include "ui/pages/sizepage.h"
 #include "ui/pages/toolspage.h"
 #include "ui/pages/viewsettingspage.h"
@@ -29,7 +30,8 @@ constexpr CommandRow commandRows[] = {
     {"new", QT_TRANSLATE_NOOP("Commands", "New"), "new_32",
      QT_TRANSLATE_NOOP("Commands", "Makes a flat relief."), "Ctrl+N", ""},
     {"open", QT_TRANSLATE_NOOP("Commands", "Open"), "open_32",
-     QT_TRANSLATE_NOOP("Commands", "Opens a workspace or a picture."), "Ctrl+O", ""},
+     QT_TRANSLATE_NOOP("Commands", "Opens a workspace, a pattern, a mesh or a picture."), "Ctrl+O",
+     ""},
     {"save", QT_TRANSLATE_NOOP("Commands", "Save"), "save_32",
      QT_TRANSLATE_NOOP("Commands", "Saves the workspace."), "Ctrl+S", ""},
     {"saveAs", QT_TRANSLATE_NOOP("Commands", "Save As"), "save_as_32",
@@ -78,6 +80,7 @@ void addWindowCommands(CommandSet &commands)
     ToolsPage::addCommands(commands);
     EditPage::addCommands(commands);
     exportPage::addCommands(commands);
+    OrientPage::addCommands(commands);
 }
 
 WindowPages buildRibbon(RibbonMainWindow &window, CommandSet &commands, const ToolActions &tools)
@@ -96,6 +99,7 @@ WindowPages buildRibbon(RibbonMainWindow &window, CommandSet &commands, const To
         new ToolsPage(pageOf(window, WindowPages::SculptingTools), commands, tools, &window);
     pages.edit = new EditPage(pageOf(window, WindowPages::Edit2D), commands, tools, &window);
     exportPage::build(pageOf(window, WindowPages::Export), commands);
+    pages.orient = new OrientPage(pageOf(window, WindowPages::OrientScale), commands, &window);
     window.ribbonBar()->setPageVisible(WindowPages::OrientScale, false);
     window.ribbonBar()->setPageVisible(WindowPages::Export, false);
     window.ribbonBar()->setCurrentPage(WindowPages::SculptingTools);

@@ -11,6 +11,7 @@ class CommandSet;
 class EditPage;
 class ImportSession;
 class LibraryPanel;
+class OrientPage;
 class RecentFilesMenu;
 class RibbonMainWindow;
 class SculptPanels;
@@ -29,6 +30,7 @@ struct WindowPages
     SizePage *size;
     ToolsPage *tools;
     EditPage *edit;
+    OrientPage *orient;
 };
 
 struct WindowDocks

@@ -4,6 +4,7 @@
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 #include "relief/operations/operationtable.h"
+#include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/commandset.h"
@@ -421,7 +422,9 @@ void TestControllers::materialsAreRenamedClonedAndDeleted()
     ribbon.build();
     SculptWin sculptWin;
     FlatWin flatWin;
-    LookController look({&sculptWin, &flatWin, ribbon.pages.viewSettings}, m_window.get());
+    FacetWin facetWin;
+    LookController look({&sculptWin, &flatWin, &facetWin, ribbon.pages.viewSettings},
+                        m_window.get());
     look.chooseMaterial(QStringLiteral("gold"));
     look.cloneMaterial();
     auto *list = ribbon.window.findChild<QComboBox *>(QStringLiteral("materials"));

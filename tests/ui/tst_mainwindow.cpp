@@ -124,7 +124,7 @@ void TestMainWindow::typedSizeResamplesAndComesBack()
     const QByteArray before = heights();
     auto *units = child<QComboBox>("units");
     QTest::keyClick(units, Qt::Key_End);
-    auto *x = child<NumberField>("size0");
+    auto *x = child<NumberField>("reliefSize0");
     QVERIFY(x->text().endsWith(QLatin1String("mm")));
     QCOMPARE(qRound(x->value() * 10), qRound(side / cellsPerInch * 254));
     x->setFocus();

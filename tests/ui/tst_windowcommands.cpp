@@ -210,7 +210,7 @@ void TestWindowCommands::keysChooseToolsButNotWhileTyping()
     QVERIFY(child<QCheckBox>("floor")->isEnabled());
     QVERIFY(!child<QCheckBox>("ceiling")->isEnabled());
     m_window->ribbonBar()->setCurrentPage(WindowPages::Size);
-    auto *field = child<NumberField>("size0");
+    auto *field = child<NumberField>("reliefSize0");
     field->setFocus();
     QTest::keyClicks(field, QStringLiteral("csd["));
     QCOMPARE(bench().tool.type, int(Tool::Remove));

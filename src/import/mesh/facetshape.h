@@ -1,9 +1,13 @@
 #pragma once
 
+#include "base/fieldtable.h"
 #include "files/mesh/modelplacement.h"
 #include "relief/grid/physicalsize.h"
 
 namespace marlowen {
+
+/// Factors of a model's axes that a person, a script or the command line can ask for.
+inline constexpr FieldRange modelScaleRange{1e-12, 1e12};
 
 /// A triangle mesh on its way to a relief: turned in steps, scaled along its axes, measured in a
 /// unit. The triangles themselves never change. Turning and scaling are about the origin of the

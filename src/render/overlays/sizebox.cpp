@@ -9,6 +9,7 @@
 #include <QOpenGLTexture>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace marlowen {
@@ -150,6 +151,7 @@ void SizeBox::drawSizes(QOpenGLFunctions_2_1 &gl, const SceneBox &box, const Vie
 {
     if (std::exchange(m_ratio, ratio) != ratio)
         release();
+    const QSize whole = physicalSize(QSize(view.viewport[2], view.viewport[3]), ratio);
     gl.glEnable(GL_BLEND);
     gl.glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     for (size_t axis = 0; axis < m_labels.size(); ++axis) {
@@ -164,13 +166,16 @@ void SizeBox::drawSizes(QOpenGLFunctions_2_1 &gl, const SceneBox &box, const Vie
         }
         const int width = label.texture->width();
         const int height = label.texture->height();
-        gl.glViewport(static_cast<int>(std::lround(place->x() * ratio)) - width / 2,
-                      static_cast<int>(std::lround(place->y() * ratio)) - height / 2, width,
-                      height);
+        // A label beyond the edge of the view stays in sight.
+        const auto inView = [](double at, int size, int room) {
+            return std::clamp(static_cast<int>(std::lround(at)) - size / 2, 0,
+                              std::max(0, room - size));
+        };
+        gl.glViewport(inView(place->x() * ratio, width, whole.width()),
+                      inView(place->y() * ratio, height, whole.height()), width, height);
         drawTextureOverViewport(gl, label.texture->textureId());
     }
     gl.glDisable(GL_BLEND);
-    const QSize whole = physicalSize(QSize(view.viewport[2], view.viewport[3]), ratio);
     gl.glViewport(0, 0, whole.width(), whole.height());
 }
 

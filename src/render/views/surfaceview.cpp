@@ -86,12 +86,17 @@ void SurfaceView::setCamera(const Camera &camera)
     emit cameraChanged();
 }
 
+void SurfaceView::fit()
+{
+    m_fitPending = !isValid() || size().isEmpty();
+    if (!m_fitPending)
+        _fitCamera();
+}
+
 void SurfaceView::zoomAll()
 {
-    if (!isValid() || size().isEmpty()) {
-        m_zoomAllPending = true;
-        return;
-    }
+    if (!isValid() || size().isEmpty())
+        return fit();
     if (!_fitCamera() && rotation() != Quaternion()) {
         setRotation({});
         _fitCamera();
@@ -174,8 +179,8 @@ void SurfaceView::releaseGL()
 void SurfaceView::resizeGL(int, int)
 {
     m_pictureStale = true;
-    if (std::exchange(m_zoomAllPending, false))
-        zoomAll();
+    if (m_fitPending)
+        fit();
 }
 
 void SurfaceView::paintGL()

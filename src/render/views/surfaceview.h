@@ -80,6 +80,8 @@ public:
     void setRotation(const Quaternion &rotation);
 
 public slots:
+    /// Shows the whole surface from the side that the camera looks from.
+    void fit();
     /// Shows the whole surface; a turned view that shows it already turns to the top.
     void zoomAll();
     /// Percent of the normal size of the mouse pointers of all views; stored in the settings.
@@ -201,7 +203,7 @@ private:
     bool m_slowDriver = false;
     bool m_depthStale = true;
     bool m_depthHeld = false;
-    bool m_zoomAllPending = false;
+    bool m_fitPending = false;
     bool m_statusPending = false;
     bool m_pointerInside = true;
     int m_mode = NoMode;

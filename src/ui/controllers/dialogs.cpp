@@ -53,6 +53,8 @@ bool dialogsOpen()
 
 QString reasonAgainstSaving(const Workbench &bench)
 {
+    if (bench.model)
+        return QObject::tr("Accept or cancel the model first.");
     return bench.relief() ? QString() : QObject::tr("Open or make a relief first.");
 }
 

@@ -4,6 +4,7 @@
 #include "base/sessionlog.h"
 #include "base/version.h"
 #include "files/formats.h"
+#include "import/mesh/openmodel.h"
 #include "import/openfile.h"
 #include "relief/grid/relief.h"
 #include "ui/commandset.h"
@@ -54,7 +55,7 @@ bool FileController::openFile(const QString &path)
     if (dialogsOpen())
         return false;
     m_bench.endStroke();
-    return _load(path);
+    return opensAsModel(path) ? _show(path) : _load(path);
 }
 
 void FileController::newRelief()
@@ -117,6 +118,16 @@ bool FileController::_load(const QString &path)
     _remember(path);
     if (!note.isEmpty())
         emit said(note, 10000);
+    return true;
+}
+
+/// The relief stays until the model is accepted, so this is the time to ask about it: then the
+/// orienting is not interrupted.
+bool FileController::_show(const QString &path)
+{
+    if (!mayLoseWork() || !openModel(path))
+        return false;
+    _remember(path);
     return true;
 }
 
@@ -221,6 +232,8 @@ bool FileController::_saveTo(const QString &path)
 QString FileController::windowTitle() const
 {
     QString title = QString::fromLatin1(productName);
+    if (m_bench.model)
+        return title + QStringLiteral(" - ") + QFileInfo(m_bench.model->file).fileName();
     if (m_bench.relief()) {
         const QString name = QFileInfo(m_bench.file()).fileName();
         title += QStringLiteral(" - ") + (name.isEmpty() ? tr("new relief") : name);

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
 class QWidget;
 
 namespace marlowen {
@@ -29,6 +31,10 @@ public:
     };
 
     FileController(Workbench &bench, QWidget *window);
+
+    /// Shows a mesh to be oriented; false when it could not be read. To be set before meshes are
+    /// opened.
+    std::function<bool(const QString &path)> openModel;
 
     /// Opens the file by the end of its name. False when nothing was opened; what is open stays.
     bool openFile(const QString &path);
@@ -62,6 +68,7 @@ private:
     int _askAboutWork();
     bool _mayReplace(const QString &path);
     bool _load(const QString &path);
+    bool _show(const QString &path);
     bool _saveTo(const QString &path);
     void _remember(const QString &path);
 

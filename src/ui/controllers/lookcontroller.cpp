@@ -2,6 +2,7 @@
 
 #include "base/qevsettings.h"
 #include "render/light/lightdirection.h"
+#include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/controllers/dialogs.h"
@@ -61,6 +62,7 @@ void LookController::store() const
 void LookController::setLight(int index)
 {
     m_parts.sculptWin->setLightPos(index);
+    m_parts.facetWin->setLightPos(index);
 }
 
 void LookController::chooseMaterial(const QString &name)
@@ -72,6 +74,7 @@ void LookController::_showMaterial()
 {
     m_parts.page->showMaterials(*m_materials);
     m_parts.sculptWin->setMaterial(m_materials->current());
+    m_parts.facetWin->setMaterial(m_materials->current());
 }
 
 void LookController::askForColor(int term)
@@ -153,6 +156,7 @@ void LookController::showPalette()
                                                    : mixedColor(chrome, QColor(0x4a5260), 0.45);
     m_parts.sculptWin->setBackdrop(backdrop);
     m_parts.flatWin->setBackdrop(backdrop);
+    m_parts.facetWin->setBackdrop(backdrop);
     m_parts.page->showMaterials(*m_materials);
 }
 

@@ -7,8 +7,9 @@ class QWidget;
 
 namespace marlowen {
 
-class MaterialEditor;
+class FacetWin;
 class FlatWin;
+class MaterialEditor;
 class SculptWin;
 class ViewSettingsPage;
 
@@ -23,6 +24,7 @@ public:
     {
         SculptWin *sculptWin;
         FlatWin *flatWin;
+        FacetWin *facetWin;
         ViewSettingsPage *page;
     };
     LookController(const Parts &parts, QWidget *window);
