@@ -3,6 +3,8 @@
 
 medal.png    8-bit grey, 600 x 600: a rim, lettering along it, a rosette
 face.png     16-bit grey, 512 x 640: a soft face on an empty ground
+coin.png     16-bit grey, 512 x 512: a high dome with a shell, lettering and a beaded rim
+valley.png   16-bit grey, 600 x 400: trees, hills and mountains behind each other
 weave.png    8-bit grey, 256 x 256: a texture whose edges meet
 star.obj     a star on a plate, 74 x 74 x 9 mm: quads, an octagon, a concave polygon of ten corners
 shell.stl    binary, a fluted shell, 92 x 77 x 15 mm
@@ -152,6 +154,68 @@ def face():
     write_png("face.png", rows, 16)
 
 
+def coin():
+    side = 512
+    centre = side / 2.0
+    letters = [[0.0] * side for _ in range(side)]
+    text = "MARLOWEN * FAIR SAILS *".replace("*", " ")
+    for index, letter in enumerate(text):
+        if letter != " ":
+            letter_along_circle(letters, letter, centre, 190.0, 2.0 * math.pi * index / len(text) - 2.0)
+    rows = []
+    for y in range(side):
+        row = []
+        for x in range(side):
+            r, angle = math.hypot(x - centre, y - centre), math.atan2(x - centre, centre + 90.0 - y)
+            height = 0.0
+            if r < 245.0:
+                height = 0.10 + 0.62 * (1.0 - (r / 245.0) ** 2)
+                height += 0.05 * smoothstep((r - 222.0) / 6.0)
+                bead = math.cos(72.0 * math.atan2(y - centre, x - centre))
+                height += 0.03 * smoothstep(1.0 - abs(r - 214.0) / 6.0) * smoothstep(0.5 + bead)
+                height += 0.07 * smoothstep(letters[y][x])
+                fan = math.hypot(x - centre, y - centre - 90.0)
+                if abs(angle) < 1.0 and fan < 185.0:
+                    edge = smoothstep((1.0 - abs(angle)) * fan / 16.0) * smoothstep((185.0 - fan) / 14.0)
+                    height += edge * (0.10 + 0.035 * math.cos(angle * 22.0) + 0.012 * math.cos(fan / 3.5))
+            row.append(height)
+        rows.append(row)
+    write_png("coin.png", rows, 16)
+
+
+def ridge(x, seed, rough):
+    """The skyline of a range of hills: waves of falling length."""
+    return sum(rough ** n * math.sin(x * 1.9 ** n * 0.011 + seed * (n + 1)) for n in range(7))
+
+
+def valley():
+    width, height = 600, 400
+    # Foot of the skyline, its waves, roughness, nearness, seed.
+    layers = [(150.0, 42.0, 0.62, 0.30, 1.7), (235.0, 26.0, 0.45, 0.55, 4.1), (310.0, 18.0, 0.35, 0.78, 2.6)]
+    rows = []
+    for y in range(height):
+        row = []
+        for x in range(width):
+            level = 0.10 + 0.05 * y / height
+            for foot, waves, rough, near, seed in layers:
+                below = y - foot + waves * ridge(x, seed, rough)
+                if below > 0.0:
+                    folds = ridge(x * 1.7 + below * 0.9, seed + 1.0, rough)
+                    level = near + 0.10 * smoothstep(below / 90.0) + 0.018 * folds * smoothstep(below / 25.0)
+            row.append(level)
+        rows.append(row)
+    for index, cx in enumerate([60, 545, 215, 410, 20, 320, 500, 130, 250, 585]):  # trees, the near ones last
+        tall = 24.0 + 2.5 * index
+        cy = 322.0 + 6.0 * index
+        for y in range(max(0, int(cy - tall)), min(height, int(cy + tall) + 1)):
+            for x in range(max(0, int(cx - tall)), min(width, int(cx + tall) + 1)):
+                rest = 1.0 - ((x - cx) ** 2 + (y - cy) ** 2) / tall ** 2
+                if rest > 0.0:
+                    leaves = 0.014 * math.sin(x * 0.61 + index) * math.sin(y * 0.53 + 0.4 * math.sin(x * 0.2))
+                    rows[y][x] = max(rows[y][x], 0.80 + 0.16 * math.sqrt(rest) + leaves * smoothstep(rest * 4.0))
+    write_png("valley.png", rows, 16)
+
+
 def weave():
     side = 256
     rows = []
@@ -221,6 +285,8 @@ def shell():
 if __name__ == "__main__":
     medal()
     face()
+    coin()
+    valley()
     weave()
     star()
     shell()

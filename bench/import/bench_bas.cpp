@@ -141,6 +141,16 @@ double keptSigns(const FloatGrid &before, const FloatGrid &after)
     return kept / all;
 }
 
+/// The signs that a relief keeps whose form falls to a third while its texture keeps 0.8: more
+/// cannot be had where both fall so.
+double mostSigns(const MadeRelief &relief)
+{
+    FloatGrid best = relief.form;
+    for (size_t i = 0; i < best.values.size(); ++i)
+        best.values[i] = best.values[i] / 3.0F + 0.8F * relief.texture.values[i];
+    return keptSigns(relief.heights(), best);
+}
+
 void basFigureHead(benchmark::State &state)
 {
     const MadeRelief relief = head(512, static_cast<double>(state.range(0)) / 100.0);
@@ -151,6 +161,7 @@ void basFigureHead(benchmark::State &state)
     state.counters["q_depth"] = depthShare(before, after);
     state.counters["q_outline"] = outlineShare(after) - outlineShare(before);
     state.counters["q_signs"] = keptSigns(before, after);
+    state.counters["q_signs_most"] = mostSigns(relief);
     if (state.range(0) == 0)
         return;
     const Line line = textureLine(relief);

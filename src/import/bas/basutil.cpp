@@ -15,8 +15,8 @@ namespace marlowen {
 namespace {
 
 /// Deviations from a plane beyond this share of the depth are form rather than detail.
-constexpr float detailThreshold = 0.025F;
-constexpr float middleThreshold = 0.02F;
+constexpr float detailThreshold = 0.02F;
+constexpr float middleThreshold = 0.015F;
 constexpr int fineSpacing = 2;
 constexpr int middleSpacing = 8;
 /// A relief whose depth is a smaller share of its height counts as flat.
