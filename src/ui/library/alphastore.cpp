@@ -2,8 +2,7 @@
 
 #include "base/datafolder.h"
 #include "files/alphaimage.h"
-#include "files/boundedimage.h"
-#include "import/wholeimage.h"
+#include "files/pictures/picturefile.h"
 #include "relief/tools/alphabrush.h"
 
 #include <QCoreApplication>
@@ -35,13 +34,16 @@ QStringList pictureFilters()
     return {"*.png", "*.jpg", "*.jpeg", "*.bmp"};
 }
 
-/// Null when the file cannot be read or lacks its end; decoders fill missing rows without a word.
+/// At most `side` pixels wide and high. Null when the file cannot be read or is damaged.
 QImage readWhole(const QString &path, int side)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || imageCutShort(file))
+    const Result<QImage> whole = readWholeImage(path);
+    if (!whole)
         return {};
-    return readImageWithin(path, side);
+    const QImage &image = whole.value();
+    if (image.width() <= side && image.height() <= side)
+        return image;
+    return image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
 QString freePath(const QFileInfo &source)
