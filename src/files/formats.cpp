@@ -3,6 +3,7 @@
 #include "files/boundedimage.h"
 #include "files/export/meshexport.h"
 #include "files/heightmaps.h"
+#include "files/mesh/meshthumbnail.h"
 #include "files/patternfile.h"
 #include "files/workspacefile.h"
 #include "files/workspacethumbnail.h"
@@ -121,14 +122,16 @@ constexpr Format rows[] = {
      .inWindow = true,
      .save = writeObj,
      .written = QT_TRANSLATE_NOOP("Formats", "OBJ mesh"),
-     .exportOptions = meshOptions},
+     .exportOptions = meshOptions,
+     .thumbnail = meshThumbnail},
     {.ending = ".stl",
      .label = QT_TRANSLATE_NOOP("Formats", "STL mesh"),
      .opensAs = OpensAs::Model,
      .inWindow = true,
      .save = writeStl,
      .written = QT_TRANSLATE_NOOP("Formats", "STL mesh"),
-     .exportOptions = meshOptions | TakesStandardStl},
+     .exportOptions = meshOptions | TakesStandardStl,
+     .thumbnail = meshThumbnail},
     {.ending = ".jpg",
      .label = jpeg,
      .opensAs = OpensAs::Picture,

@@ -116,7 +116,7 @@ void OrientPage::_addTurns(RibbonPage &page)
 
 void OrientPage::_addSizes(RibbonPage &page, CommandSet &commands)
 {
-    RibbonGroup *group = page.addGroup(sizeGroupTitle());
+    RibbonGroup *group = m_sizes = page.addGroup(sizeGroupTitle());
     group->setIcon(icon(QStringLiteral("scale")));
     m_unit = addUnitChoice(*group, QStringLiteral("modelUnits"));
     m_unit->setToolTip(tr("The unit of the model's numbers"));
@@ -128,6 +128,7 @@ void OrientPage::_addSizes(RibbonPage &page, CommandSet &commands)
                               "and takes the index -1 for the last vertex before the face"));
     group->addRow(m_relative);
     connect(m_relative, &QCheckBox::clicked, this, &OrientPage::relativeIndicesChanged);
+    group->breakColumn();
     m_rows = new SizeRows({*group, commands, lockCommand, QStringLiteral("model")}, this);
     connect(m_unit, &QComboBox::activated, this, &OrientPage::unitChosen);
     connect(m_rows, &SizeRows::sizesWanted, this, &OrientPage::sizesWanted);
@@ -165,6 +166,7 @@ void OrientPage::show(const ModelReadout &readout)
     m_commands["invertNormals"]->setChecked(readout.inverted);
     m_relative->setChecked(readout.relativeIndices);
     m_relative->setVisible(readout.hasIndices);
+    m_sizes->updateGeometry();
     _showAccept(readout);
 }
 

@@ -14,6 +14,7 @@ class QPushButton;
 namespace marlowen {
 
 class CommandSet;
+class RibbonGroup;
 class RibbonPage;
 
 /// What the page "Orient / Scale" shows of a model.
@@ -64,6 +65,7 @@ private:
     CommandSet &m_commands;
     QComboBox *m_unit = nullptr;
     SizeRows *m_rows = nullptr;
+    RibbonGroup *m_sizes = nullptr;
     QCheckBox *m_relative = nullptr;
     QLabel *m_cells = nullptr;
     QLabel *m_inches = nullptr;
