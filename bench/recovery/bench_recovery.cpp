@@ -42,7 +42,7 @@ struct Window
             before = baseline::now();
         });
         journal = std::make_unique<RecoveryJournal>(
-            bench, RecoveryJournal::Options{folder.path(), {}, 10s, 2ms});
+            bench, RecoveryJournal::Options{folder.path(), {}, 10s, 0ms});
         QObject::connect(&bench, &Workbench::stepDone, &bench,
                          [this] { pause = baseline::now() - before; });
     }

@@ -128,7 +128,7 @@ int runWindow(QevApplication &application, const QStringList &arguments)
     _installStyle();
     MainWindow window;
     application.setMainWindow(&window);
-    quitOnTerminationSignals();
+    quitOnTerminationSignals([&window] { return window.leaveWorkForNextStart(); });
     logStep("Created main window");
     printVersion();
     applyLaunchSteps(launchSteps(arguments), window);

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <array>
 #include <csignal>
@@ -18,6 +19,7 @@ namespace {
 
 std::array<int, 2> pipeEnds{-1, -1};
 bool requested = false;
+std::function<bool()> leave;
 
 /// Runs on the GUI thread for every signal.
 void quitOrEnd()
@@ -28,6 +30,9 @@ void quitOrEnd()
         std::_Exit(EXIT_FAILURE);
     }
     requested = true;
+    // A dialog that is open must not keep the process.
+    if (leave && leave())
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
     QCoreApplication::quit();
 }
 
@@ -40,8 +45,9 @@ extern "C" void noteSignal(int)
 
 } // namespace
 
-void quitOnTerminationSignals()
+void quitOnTerminationSignals(std::function<bool()> leaveWork)
 {
+    leave = std::move(leaveWork);
     if (pipe2(pipeEnds.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return;
     QCoreApplication *app = QCoreApplication::instance();

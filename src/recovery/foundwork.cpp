@@ -1,5 +1,7 @@
 #include "recovery/foundwork.h"
 
+#include "files/heightpicture.h"
+#include "recovery/journalmodel.h"
 #include "recovery/replay.h"
 
 #include <QDir>
@@ -96,6 +98,35 @@ Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress)
                              replay.goodEnd(),          replay.goodEnd() < reader.size()};
     } catch (const std::bad_alloc &) {
         return restoreFailed(QObject::tr("There is not enough memory for this relief."));
+    }
+}
+
+QImage foundThumbnail(const QString &folder, int side)
+{
+    try {
+        // Twice through: without a history, steps that were taken back must be known before.
+        const QString path = folder + QStringLiteral("/journal");
+        JournalReader heads;
+        JournalReader reader;
+        if (heads.open(path) != JournalReader::State::Readable || !heads.next() ||
+            reader.open(path) != JournalReader::State::Readable)
+            return {};
+        JournalModel model;
+        while (heads.next())
+            model.add({heads.head(), heads.begin(), heads.end()});
+        Replay replay(false);
+        if (!reader.next() || !replay.take(reader))
+            return {};
+        for (const JournalModel::Record &record : model.records()) {
+            const bool counts = record.inForce && record.head.type != RecordType::Undo &&
+                                record.head.type != RecordType::Redo;
+            if (!reader.next() || (counts && !replay.take(reader)))
+                break;
+        }
+        replay.finish();
+        return heightThumbnail(heightView(*replay.relief), replay.relief->zScale, side);
+    } catch (const std::bad_alloc &) {
+        return {};
     }
 }
 

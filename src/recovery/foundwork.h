@@ -7,6 +7,7 @@
 #include "relief/history/sculptundo.h"
 
 #include <QDateTime>
+#include <QImage>
 #include <QList>
 #include <QString>
 
@@ -42,6 +43,10 @@ struct RecoveredWork
 /// window has it meanwhile, when not even its beginning can be read, or when memory is short. A
 /// cancelled progress is a failure without a sentence.
 Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress);
+
+/// A small lit picture of work as it was after its last step; null when it cannot be read. Takes no
+/// lock and is not tied to a thread.
+QImage foundThumbnail(const QString &folder, int side);
 
 /// Deletes work that no window has. False when one has it.
 bool discardWork(const QString &folder);

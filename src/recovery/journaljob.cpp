@@ -33,7 +33,7 @@ int64_t JournalJob::bytes() const
     int64_t bytes = base ? base->bytes() : 0;
     for (const JournalEvent &event : events)
         bytes += event.after ? 2 * event.after->count() * qsizetype{sizeof(float)} : 0;
-    return bytes + static_cast<int64_t>(runs.size() * sizeof(SelectionRun)) +
+    return bytes + static_cast<int64_t>(runs.size() * sizeof(EqualRun)) +
            static_cast<int64_t>(basRelief.size() * sizeof(float));
 }
 

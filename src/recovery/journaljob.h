@@ -37,7 +37,7 @@ struct JournalJob
     std::shared_ptr<BaseState> base;  ///< Base
     std::vector<JournalEvent> events; ///< Push, Undo, Redo; oldest first
     QByteArray meta;                  ///< Selection, Import
-    std::vector<SelectionRun> runs;   ///< Selection
+    std::vector<EqualRun> runs;       ///< Selection
     std::vector<float> basRelief;     ///< Import
 
     /// Memory that the job holds, shared or not.

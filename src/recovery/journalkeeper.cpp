@@ -72,7 +72,7 @@ JournalKeeper::Written JournalKeeper::write(const JournalJob &job)
     const auto type = std::ranges::find(types, job.kind, &decltype(types)::value_type::first);
     const std::array<QByteArrayView, 2> data{
         QByteArrayView(reinterpret_cast<const char *>(job.runs.data()),
-                       static_cast<qsizetype>(job.runs.size() * sizeof(SelectionRun))),
+                       static_cast<qsizetype>(job.runs.size() * sizeof(EqualRun))),
         QByteArrayView(reinterpret_cast<const char *>(job.basRelief.data()),
                        static_cast<qsizetype>(job.basRelief.size() * sizeof(float)))};
     const bool written = _append({.type = type->second, .flags = EndsStep}, job.meta, data);

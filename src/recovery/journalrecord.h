@@ -32,7 +32,7 @@ enum class RecordType : uint8_t {
     ZScale,    ///< an undo event: a double, the new value, and name
     Undo,      ///< of the group that the history of the journal stands at
     Redo,      ///< the same forward
-    Selection, ///< one byte, whether it is active; SelectionRun for the whole layer or nothing
+    Selection, ///< one byte, whether it is active; EqualRun for the whole layer or nothing
     Import,    ///< ImportMeta and settings; the values of a new bas-relief or nothing
     Accept,    ///< the end of the import
 };
@@ -75,8 +75,8 @@ struct SizeMeta
     int32_t height = 0;
 };
 
-/// Equal values of the selection, row after row.
-struct SelectionRun
+/// Cells of the selection with the same value, row after row.
+struct EqualRun
 {
     uint32_t count = 0;
     float value = 0.0F;

@@ -136,13 +136,12 @@ void RecoveryJournal::_noteImport()
     m_basReliefs = source ? source->basReliefs : 0;
 }
 
-/// A step waits a moment for the one before it: should the process be killed, no more than the last
-/// step is lost, however fast they come.
 void RecoveryJournal::_add(JournalJob job)
 {
     if (m_off || !m_writer)
         return;
-    m_writer->waitUntilWritten(m_options.longestWait);
+    if (m_options.longestWait > m_options.longestWait.zero())
+        m_writer->waitUntilWritten(m_options.longestWait);
     if (m_writer->waitingBytes() > mostWaitingBytes)
         return _setOff(tr("the disk is too slow"));
     m_writer->add(std::move(job));

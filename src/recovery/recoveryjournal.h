@@ -33,8 +33,9 @@ public:
         QString root = recoveryRoot();
         JournalTiming timing = {};
         std::chrono::milliseconds retry{10000}; ///< between two attempts while it is off
-        /// How long a step may wait for the step before it to be written.
-        std::chrono::milliseconds longestWait{2};
+        /// How long a step may wait for the step before it to be written. A hand is always slower
+        /// than the disk; a script that is not can be made to lose no more than its last step.
+        std::chrono::milliseconds longestWait{0};
     };
     /// The workbench outlives the journal.
     explicit RecoveryJournal(Workbench &bench);
@@ -81,7 +82,7 @@ private:
     QTimer m_retry;
 
     QTimer m_reading; ///< of the selection
-    std::vector<SelectionRun> m_runs;
+    std::vector<EqualRun> m_runs;
     qsizetype m_read = 0; ///< cells
 
     int m_recomputes = 0; ///< of the import when it was last written

@@ -143,12 +143,12 @@ void Replay::_applyPatch(Event &event)
 bool Replay::_takeSelection(JournalReader &reader)
 {
     const std::optional<uint8_t> active = unpacked<uint8_t>(reader.meta());
-    std::vector<SelectionRun> runs(reader.head().dataBytes / sizeof(SelectionRun));
-    if (!active || !reader.read(runs.data(), runs.size() * sizeof(SelectionRun)) ||
+    std::vector<EqualRun> runs(reader.head().dataBytes / sizeof(EqualRun));
+    if (!active || !reader.read(runs.data(), runs.size() * sizeof(EqualRun)) ||
         !reader.isWhole())
         return false;
     int64_t cells = 0;
-    for (const SelectionRun &run : runs)
+    for (const EqualRun &run : runs)
         cells += run.count;
     // It may be of a grid that a step in between has replaced; another follows then.
     if (cells != 0 && cells != relief->cells())
@@ -159,7 +159,7 @@ bool Replay::_takeSelection(JournalReader &reader)
         return true;
     }
     float *values = relief->selectionLayer().data();
-    for (const SelectionRun &run : runs)
+    for (const EqualRun &run : runs)
         values = std::fill_n(values, run.count, run.value);
     return true;
 }

@@ -3,6 +3,7 @@
 #include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
+#include "ui/recoverypage.h"
 #include "ui/startpage.h"
 #include "workbench/workbench.h"
 
@@ -14,6 +15,7 @@ CenterArea::CenterArea(Workbench &bench, QWidget *parent)
     : QStackedWidget(parent)
     , m_bench(bench)
     , m_startPage(new StartPage(this))
+    , m_recoveryPage(new RecoveryPage(this))
     , m_splitter(new QSplitter(Qt::Horizontal, this))
     , m_sculptWin(new SculptWin(m_splitter))
     , m_flatWin(new FlatWin(m_splitter))
@@ -31,6 +33,7 @@ CenterArea::CenterArea(Workbench &bench, QWidget *parent)
     addWidget(m_startPage);
     addWidget(m_facetWin);
     m_facetWin->setMinimumSize(80, 80);
+    addWidget(m_recoveryPage);
     if (StartPage::shownAtStartup())
         setCurrentWidget(m_startPage);
     _setUp(*m_sculptWin);
@@ -78,6 +81,14 @@ void CenterArea::showModel(bool on)
         setCurrentWidget(m_splitter);
     else
         showStartPage();
+}
+
+void CenterArea::showRecovery(bool shown)
+{
+    if (shown)
+        setCurrentWidget(m_recoveryPage);
+    else
+        showModel(m_bench.model != nullptr);
 }
 
 void CenterArea::letGo()

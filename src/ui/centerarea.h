@@ -9,6 +9,7 @@ namespace marlowen {
 class FacetWin;
 class FlatWin;
 class ReliefView;
+class RecoveryPage;
 class SculptWin;
 class StartPage;
 class Workbench;
@@ -26,6 +27,7 @@ public:
     explicit CenterArea(Workbench &bench, QWidget *parent = nullptr);
 
     StartPage *startPage() const { return m_startPage; }
+    RecoveryPage *recoveryPage() const { return m_recoveryPage; }
     SculptWin *sculptWin() const { return m_sculptWin; }
     FlatWin *flatWin() const { return m_flatWin; }
     FacetWin *facetWin() const { return m_facetWin; }
@@ -38,6 +40,8 @@ public:
     void leaveStartPage();
     /// Shows the model, or the relief again.
     void showModel(bool on);
+    /// Shows the list of unsaved work, or again what there was before it.
+    void showRecovery(bool shown);
     /// The views forget the relief and the bench.
     void letGo();
     /// Strokes act, or a reason says why they do not.
@@ -57,6 +61,7 @@ private:
 
     Workbench &m_bench;
     StartPage *m_startPage;
+    RecoveryPage *m_recoveryPage;
     QSplitter *m_splitter;
     SculptWin *m_sculptWin;
     FlatWin *m_flatWin;

@@ -74,11 +74,15 @@ void CommandSet::setReason(QAction *action, const QString &reason)
     _describe(action);
 }
 
+QString CommandSet::nameOf(const QAction &action)
+{
+    const QString text = action.property(longNameProperty).toString();
+    return text.isEmpty() ? action.text().remove(QLatin1Char('&')) : text;
+}
+
 void CommandSet::_describe(QAction *action)
 {
-    QString text = action->property(longNameProperty).toString();
-    if (text.isEmpty())
-        text = action->text().remove(QLatin1Char('&'));
+    QString text = nameOf(*action);
     QStringList keys;
     for (const QKeySequence &sequence : action->shortcuts())
         keys.append(sequence.toString(QKeySequence::NativeText));

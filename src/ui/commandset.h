@@ -37,7 +37,10 @@ public:
     QAction *add(const CommandRow &row);
     /// The action of an id that was added; anything else is a programming error.
     QAction *operator[](const char *id) const;
+    bool has(const char *id) const { return m_actions.contains(QLatin1String(id)); }
     QList<QAction *> all() const { return m_order; }
+    /// The words its tool tip begins with.
+    static QString nameOf(const QAction &action);
 
     /// Disables with this reason; an empty one enables.
     void setReason(const char *id, const QString &reason);

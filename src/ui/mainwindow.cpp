@@ -1,5 +1,6 @@
 #include "ui/mainwindow.h"
 
+#include "net/updateservice.h"
 #include "relief/grid/relief.h"
 #include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
@@ -10,6 +11,7 @@
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
 #include "ui/controllers/openablefiles.h"
+#include "ui/help/whatsthis.h"
 #include "ui/keyrouter.h"
 #include "ui/modelstage.h"
 #include "ui/pages/toolspage.h"
@@ -23,6 +25,7 @@
 #include "ui/statusline.h"
 #include "ui/windowconnections.h"
 #include "ui/windowlayout.h"
+#include "ui/windowservices.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -63,6 +66,9 @@ MainWindow::MainWindow(QWidget *parent)
     , m_import(new ImportController(m_bench, m_docks.panels->importPanel(), this))
     , m_models(new ModelController(m_bench, {m_pages.orient, m_center->facetWin()}, this))
 {
+    m_services = new WindowServices(
+        {m_bench, *m_commands, *m_center, [this] { return m_files->mayLoseWork(); }}, this,
+        updateBaseUrl());
     m_look = new LookController(
         {sculptWin(), flatWin(), m_center->facetWin(), m_pages.viewSettings}, this);
     m_stage.reset(new ModelStage({m_bench, *m_commands, *m_center, *m_docks.panels, *ribbonBar()}));
@@ -82,6 +88,7 @@ MainWindow::MainWindow(QWidget *parent)
     unitChanged();
     setWindowTitle(m_files->windowTitle());
     _restoreLayout();
+    m_services->start();
 }
 
 MainWindow::~MainWindow()
@@ -133,6 +140,7 @@ void MainWindow::_connectWorkbench()
     m_files->openModel = [this](const QString &path) { return m_models->open(path); };
     connect(m_models, &ModelController::shownChanged, this, &MainWindow::_modelShown);
     connect(m_exports, &ExportController::said, this, &MainWindow::_say);
+    connect(m_services, &WindowServices::said, this, &MainWindow::_say);
     connect(m_exports, &ExportController::handedOver, this, &MainWindow::_saveLayout);
     connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
     connect(m_tool, &ToolController::chosen, this, &MainWindow::setupControls);
@@ -208,13 +216,27 @@ void MainWindow::showEvent(QShowEvent *event)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (ProgressBox::anyAtWork() || (!m_exports->isHandedOver() && !m_files->mayLoseWork())) {
+    const bool free = m_workIsLeft || m_exports->isHandedOver();
+    if (!m_workIsLeft && (ProgressBox::anyAtWork() || (!free && !m_files->mayLoseWork()))) {
         event->ignore();
         return;
     }
     m_bench.endStroke();
     _saveLayout();
+    m_services->windowCloses();
     event->accept();
+}
+
+bool MainWindow::leaveWorkForNextStart()
+{
+    m_bench.endStroke();
+    m_workIsLeft = m_bench.isModified() && m_services->leaveForNextStart();
+    return m_workIsLeft;
+}
+
+bool MainWindow::event(QEvent *event)
+{
+    return explainFromTips(*this, *event) || RibbonMainWindow::event(event);
 }
 
 void MainWindow::changeEvent(QEvent *event)
@@ -285,6 +307,7 @@ void MainWindow::setupControls()
     const QString reason = reasonAgainstEditing(m_bench);
     m_commands->setReason("zoomAll", m_bench.model ? QString() : reasonAgainstSaving(m_bench));
     m_files->setupControls(*m_commands);
+    m_services->setupControls();
     m_exports->setupControls(*m_commands);
     m_tool->setupControls();
     m_edits->setupControls(*m_commands, !flatWin()->cropOutline().isEmpty());

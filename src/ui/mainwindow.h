@@ -23,6 +23,7 @@ class FlatWin;
 class ModelStage;
 class SculptWin;
 class StatusLine;
+class WindowServices;
 
 /// The single top-level window: ribbon, quick access bar and file page, the 3D and the 2D view side
 /// by side, the tool dock and the library dock. It connects commands, panels and views to the
@@ -47,6 +48,9 @@ public:
     void setSecondIntegrationString(const QString &text) { m_secondIntegrationString = text; }
     /// The program cannot go on: closing can no longer be cancelled.
     void endForGood() { m_files->endForGood(); }
+    /// Waits until unsaved work is safe in its journal; closing asks no question then. False when
+    /// it is not safe.
+    bool leaveWorkForNextStart();
     /// Says that a file named at the start is not there.
     void reportMissing(const QString &path);
     /// Where the sister program waits for the height map; shows "Send to Drafteon".
@@ -135,6 +139,7 @@ public slots:
     void switchTheme() { m_look->switchTheme(); }
 
 protected:
+    bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -170,6 +175,8 @@ private:
     ImportController *m_import;
     ModelController *m_models;
     std::unique_ptr<ModelStage> m_stage;
+    WindowServices *m_services;
+    bool m_workIsLeft = false;
 
     QString m_importFile;
     QString m_integrationString;

@@ -3,9 +3,11 @@
 #include "base/qevsettings.h"
 #include "base/version.h"
 #include "files/filethumbnail.h"
+#include "ui/controllers/openablefiles.h"
 #include "ui/icons.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -46,6 +48,18 @@ QIcon squareIcon(const QImage &picture)
     return QIcon(square);
 }
 
+/// Where the program was installed, or in the source tree that it was built in; empty when there
+/// are none.
+QString samplesFolder()
+{
+    const QDir programs(QCoreApplication::applicationDirPath());
+    for (const char *place : {"../share/marlowen/samples", "../../../samples"}) {
+        if (programs.exists(QLatin1String(place)))
+            return QDir::cleanPath(programs.filePath(QLatin1String(place)));
+    }
+    return {};
+}
+
 QLabel *heading(const QString &text)
 {
     auto *label = new QLabel(text);
@@ -73,6 +87,9 @@ void StartPage::_arrange()
     m_grid = new QGridLayout;
     m_grid->setSpacing(gap);
     m_grid->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_sampleGrid = new QGridLayout;
+    m_sampleGrid->setSpacing(gap);
+    m_sampleGrid->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_nothing = new QLabel(tr("Files that you open or save are listed here."));
     m_startup = new QCheckBox(tr("Show on Startup"));
     m_startup->setToolTip(tr("Shows this page whenever the program starts"));
@@ -88,6 +105,11 @@ void StartPage::_arrange()
     column->addWidget(heading(tr("Recent files")));
     column->addWidget(m_nothing);
     column->addLayout(m_grid);
+    m_samplesHeading = heading(tr("Samples to try things with"));
+    column->addSpacing(gap);
+    column->addWidget(m_samplesHeading);
+    column->addLayout(m_sampleGrid);
+    _addSamples();
     column->addStretch(1);
     column->addWidget(m_startup);
 
@@ -168,6 +190,16 @@ QToolButton *StartPage::_card(const QString &path)
     return card;
 }
 
+void StartPage::_addSamples()
+{
+    const QDir folder(samplesFolder());
+    for (const QFileInfo &file : folder.entryInfoList(QDir::Files, QDir::Name)) {
+        if (opensInWindow(file.fileName()))
+            m_samples << _card(file.filePath());
+    }
+    m_samplesHeading->setVisible(!m_samples.isEmpty());
+}
+
 void StartPage::refresh()
 {
     const QSignalBlocker quiet(m_startup);
@@ -184,8 +216,9 @@ void StartPage::refresh()
             m_cards << _card(path);
     }
     m_nothing->setVisible(m_cards.isEmpty());
-    _placeCards();
-    for (QToolButton *card : std::as_const(m_cards)) {
+    _placeCards(m_grid, m_cards);
+    _placeCards(m_sampleGrid, m_samples);
+    for (QToolButton *card : m_cards + m_samples) {
         if (card->isEnabled())
             m_waiting << card;
     }
@@ -193,13 +226,13 @@ void StartPage::refresh()
         QTimer::singleShot(0, this, &StartPage::_makeThumbnails);
 }
 
-void StartPage::_placeCards()
+void StartPage::_placeCards(QGridLayout *grid, const QList<QToolButton *> &cards)
 {
     const int room = width() - 2 * margin;
     const int columns = qMax(1, (room + gap) / (cardSize.width() + gap));
-    for (int i = 0; i < m_cards.size(); ++i) {
-        m_grid->removeWidget(m_cards[i]);
-        m_grid->addWidget(m_cards[i], i / columns, i % columns);
+    for (int i = 0; i < cards.size(); ++i) {
+        grid->removeWidget(cards[i]);
+        grid->addWidget(cards[i], i / columns, i % columns);
     }
 }
 
@@ -225,7 +258,8 @@ void StartPage::showEvent(QShowEvent *event)
 void StartPage::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    _placeCards();
+    _placeCards(m_grid, m_cards);
+    _placeCards(m_sampleGrid, m_samples);
 }
 
 } // namespace marlowen

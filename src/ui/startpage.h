@@ -12,7 +12,8 @@ class QToolButton;
 
 namespace marlowen {
 
-/// The first thing a person sees: new, open, and the recent files with pictures of what is in them.
+/// The first thing a person sees: new, open, the recent files and the samples with pictures of what
+/// is in them.
 /// Pictures are read one a turn of the event loop once the page is shown. Files that are gone are
 /// disabled and say so.
 class StartPage : public QWidget
@@ -44,14 +45,18 @@ private:
     void _arrange();
     QWidget *_head();
     QToolButton *_card(const QString &path);
-    void _placeCards();
+    void _placeCards(QGridLayout *grid, const QList<QToolButton *> &cards);
+    void _addSamples();
     void _makeThumbnails();
 
     QGridLayout *m_grid = nullptr;
+    QGridLayout *m_sampleGrid = nullptr;
     QLabel *m_nothing = nullptr;
+    QLabel *m_samplesHeading = nullptr;
     QCheckBox *m_startup = nullptr;
     QPushButton *m_back = nullptr;
-    QList<QToolButton *> m_cards;   ///< in the order of the recent files
+    QList<QToolButton *> m_cards; ///< in the order of the recent files
+    QList<QToolButton *> m_samples;
     QList<QToolButton *> m_waiting; ///< for their pictures
 };
 

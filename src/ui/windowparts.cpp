@@ -1,5 +1,6 @@
 #include "ui/windowparts.h"
 
+#include "net/updateservice.h"
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/library/librarypanel.h"
@@ -16,6 +17,7 @@
 #include "ui/ribbon/ribbonmainwindow.h"
 #include "ui/ribbon/ribbonpage.h"
 #include "ui/ribbon/ribbonquickaccessbar.h"
+#include "ui/windowservices.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -81,6 +83,7 @@ void addWindowCommands(CommandSet &commands)
     EditPage::addCommands(commands);
     exportPage::addCommands(commands);
     OrientPage::addCommands(commands);
+    WindowServices::addCommands(commands, updateBaseUrl());
 }
 
 WindowPages buildRibbon(RibbonMainWindow &window, CommandSet &commands, const ToolActions &tools)
@@ -127,7 +130,11 @@ RecentFilesMenu *buildFilePage(RibbonMainWindow &window, const CommandSet &comma
     RibbonBackstage *page = window.backstage();
     for (const char *id : {"new", "open", "save", "saveAs"})
         page->addCommand(commands[id]);
+    for (const char *id : WindowServices::fileCommands())
+        page->addCommand(commands[id]);
     page->addStretch();
+    for (const char *id : WindowServices::footCommands(updateBaseUrl()))
+        page->addCommand(commands[id]);
     for (const char *id : {"startPage", "about", "exit"})
         page->addCommand(commands[id]);
     auto *recentFiles = new RecentFilesMenu(&window);
