@@ -36,12 +36,21 @@ QString nameOf(const FoundWork &work)
     return name.isEmpty() ? RecoveryPage::tr("New relief") : name;
 }
 
+QString momentOf(const QDateTime &time)
+{
+    const QLocale locale;
+    const QString clock = locale.toString(time, QStringLiteral("HH:mm"));
+    const QString day = time.date() == QDate::currentDate()
+                            ? RecoveryPage::tr("today")
+                            : locale.toString(time.date(), QStringLiteral("d MMM yyyy"));
+    return day + QLatin1Char(' ') + clock;
+}
+
 QString detailsOf(const FoundWork &work)
 {
     const QString steps =
         work.steps == 1 ? RecoveryPage::tr("1 step") : RecoveryPage::tr("%1 steps").arg(work.steps);
-    return RecoveryPage::tr("%1 since it was opened or saved, the last %2")
-        .arg(steps, QLocale().toString(work.time, QLocale::ShortFormat));
+    return RecoveryPage::tr("%1 not saved, last changed %2").arg(steps, momentOf(work.time));
 }
 
 } // namespace

@@ -91,6 +91,7 @@ void StartPage::_arrange()
     m_sampleGrid->setSpacing(gap);
     m_sampleGrid->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_nothing = new QLabel(tr("Files that you open or save are listed here."));
+    m_nothing->setObjectName(QStringLiteral("nothing"));
     m_startup = new QCheckBox(tr("Show on Startup"));
     m_startup->setToolTip(tr("Shows this page whenever the program starts"));
     connect(m_startup, &QCheckBox::toggled, this,
@@ -169,9 +170,10 @@ QWidget *StartPage::_head()
     return head;
 }
 
-QToolButton *StartPage::_card(const QString &path)
+QToolButton *StartPage::_card(const QString &path, const QString &name)
 {
     auto *card = new QToolButton;
+    card->setObjectName(name);
     const QFileInfo file(path);
     card->setProperty(pathProperty, path);
     card->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
@@ -195,7 +197,7 @@ void StartPage::_addSamples()
     const QDir folder(samplesFolder());
     for (const QFileInfo &file : folder.entryInfoList(QDir::Files, QDir::Name)) {
         if (opensInWindow(file.fileName()))
-            m_samples << _card(file.filePath());
+            m_samples << _card(file.filePath(), QStringLiteral("sample"));
     }
     m_samplesHeading->setVisible(!m_samples.isEmpty());
 }
@@ -213,7 +215,7 @@ void StartPage::refresh()
     m_cards.clear();
     for (const QString &path : QevSettings().recentFiles()) {
         if (!path.isEmpty())
-            m_cards << _card(path);
+            m_cards << _card(path, QStringLiteral("recentFile"));
     }
     m_nothing->setVisible(m_cards.isEmpty());
     _placeCards(m_grid, m_cards);

@@ -44,7 +44,7 @@ protected:
 private:
     void _arrange();
     QWidget *_head();
-    QToolButton *_card(const QString &path);
+    QToolButton *_card(const QString &path, const QString &name);
     void _placeCards(QGridLayout *grid, const QList<QToolButton *> &cards);
     void _addSamples();
     void _makeThumbnails();

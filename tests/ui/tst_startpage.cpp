@@ -112,7 +112,7 @@ private slots:
     void theListFollowsWhatWasOpenedMeanwhile()
     {
         _show();
-        QVERIFY(m_page->findChildren<QLabel *>().last()->isVisible());
+        QVERIFY(m_page->findChild<QLabel *>(QStringLiteral("nothing"))->isVisible());
         QVERIFY(_names().isEmpty());
         _savedDome(QStringLiteral("later.scp"));
         m_page->hide();
@@ -162,7 +162,10 @@ private:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
-    QList<QToolButton *> _cards() { return m_page->findChildren<QToolButton *>(); }
+    QList<QToolButton *> _cards()
+    {
+        return m_page->findChildren<QToolButton *>(QStringLiteral("recentFile"));
+    }
 
     QStringList _names()
     {

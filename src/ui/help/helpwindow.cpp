@@ -15,6 +15,12 @@
 #include <QTextDocument>
 #include <QVBoxLayout>
 
+// The macro works outside of namespaces only.
+static void loadHelp()
+{
+    Q_INIT_RESOURCE(help);
+}
+
 namespace marlowen {
 
 namespace {
@@ -39,6 +45,7 @@ protected:
 
 QString manualText(const CommandSet &commands)
 {
+    loadHelp();
     QFile file(QStringLiteral(":/help/manual.md"));
     const QString manual =
         file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();

@@ -38,7 +38,7 @@ constexpr KeyRow viewKeys[] = {
 };
 
 constexpr KeyRow windowKeys[] = {
-    {"Alt", QT_TRANSLATE_NOOP("Keys", "Go to the ribbon's tabs")},
+    {"Alt, F10", QT_TRANSLATE_NOOP("Keys", "Go to the ribbon's tabs")},
     {"Ctrl+F1", QT_TRANSLATE_NOOP("Keys", "Fold the ribbon away or out")},
     {"Arrow keys",
      QT_TRANSLATE_NOOP("Keys", "In the ribbon and the File page: go to the next command")},
