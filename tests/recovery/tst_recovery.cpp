@@ -132,7 +132,7 @@ void TestRecovery::importComesBack()
     Window window(_root());
     Workbench &bench = window.bench;
     bench.session().basReliefGenerator = [](const BasReliefInput &input, Progress &) {
-        return std::vector<float>(size_t(input.width) * size_t(input.height), 7.0F);
+        return std::vector<float>(size_t(input.heights.cells()), 7.0F);
     };
     bench.take(importedRelief(30, 20), QStringLiteral("a.png"));
     const auto set = [&bench](auto ImportSettings::*member, auto value) {
