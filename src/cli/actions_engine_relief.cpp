@@ -1,4 +1,5 @@
 #include "cli/clifiles.h"
+#include "cli/placeaction.h"
 #include "cli/scriptaction.h"
 #include "cli/scriptpoints.h"
 #include "cli/scriptstate.h"
@@ -159,6 +160,7 @@ std::vector<ScriptAction> allActions()
         if (rowsOf(QLatin1String(row.action)).front() == &row)
             actions.push_back(actionOf(row));
     }
+    actions.push_back(placeAction());
     return actions;
 }
 

@@ -141,7 +141,8 @@ Outcome saveAction(ScriptState &state, const QJsonObject &arguments)
 Outcome exportAction(ScriptState &state, const QJsonObject &arguments)
 {
     const ExportOptions options = withValues(exportFields(), ExportOptions{}, arguments);
-    return writeFile({*state.relief(), fileOf(arguments), options, &state.progress()});
+    return writeFile({*state.relief(), fileOf(arguments), options, &state.progress(),
+                      arguments.value(QLatin1String("author")).toString()});
 }
 
 Outcome dumpAction(ScriptState &state, const QJsonObject &arguments)
@@ -193,7 +194,7 @@ std::vector<ScriptKey> openKeys(const ScriptKey &file)
 /// The file, and the options that some format takes.
 std::vector<ScriptKey> exportKeys(const ScriptKey &file)
 {
-    std::vector<ScriptKey> keys{file};
+    std::vector<ScriptKey> keys{file, {"author", KeyType::Text}};
     if (knownExportOptions() != 0)
         std::ranges::copy(keysOf(exportFields(), knownExportOptions()), std::back_inserter(keys));
     return keys;

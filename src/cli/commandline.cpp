@@ -4,6 +4,7 @@
 #include "cli/clifiles.h"
 #include "cli/convertjob.h"
 #include "cli/modelfiles.h"
+#include "cli/placeaction.h"
 #include "cli/scriptrunner.h"
 #include "cli/scriptstate.h"
 #include "cli/terminalprogress.h"
@@ -75,7 +76,8 @@ QString infoHelp()
 
 QString runHelp()
 {
-    return QStringLiteral("Runs a script of one JSON object a line.\n") + toolRecordHelp();
+    return QStringLiteral("Runs a script of one JSON object a line.\n") + toolRecordHelp() +
+           placeHelp();
 }
 
 QString thumbnailHelp()

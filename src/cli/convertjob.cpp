@@ -16,6 +16,7 @@ namespace marlowen {
 namespace {
 
 constexpr FieldRange sideRange{2, 1000000};
+constexpr qsizetype longestAttribute = 65530; ///< bytes
 
 Failure usage(const QString &sentence)
 {
@@ -55,6 +56,11 @@ std::vector<CommandOption> optionsFor(ConvertJob &job)
     options.push_back({QStringLiteral("--z-scale"), QStringLiteral("Z"),
                        QStringLiteral("Factor on all heights, above 0."),
                        [&job](const QString &text) { return parseZScale(text, job); }});
+    options.push_back({QStringLiteral("--author"), QStringLiteral("NAME"),
+                       QStringLiteral("Who made the pattern (.ptr)."), [&job](const QString &text) {
+                           job.author = text;
+                           return text.toUtf8().size() <= longestAttribute;
+                       }});
     for (const Field<ExportOptions> &field : exportFields()) {
         if (field.info.has(knownExportOptions()))
             std::ranges::move(
@@ -142,7 +148,7 @@ Outcome runConvert(const ConvertJob &job, Progress &progress)
         return shaped;
     if (progress.cancelled())
         return aboutFile(job.output, scriptFailure(QStringLiteral("interrupted")));
-    return writeFile({*state.relief(), job.output, job.exportOptions, &progress});
+    return writeFile({*state.relief(), job.output, job.exportOptions, &progress, job.author});
 }
 
 QString convertOptionsHelp()

@@ -26,6 +26,7 @@ struct ConvertJob
     std::optional<QSize> size;
     std::optional<double> zScale;
     ExportOptions exportOptions;
+    QString author; ///< of a pattern
 };
 
 /// The job that the arguments behind "convert" describe; the failure says what is wrong with them.

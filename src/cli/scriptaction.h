@@ -25,7 +25,7 @@ const std::vector<ScriptAction> &importActions(); ///< import, update, accept
 const std::vector<ScriptAction> &modelActions();  ///< orient, rasterize
 /// tool, symmetry, invert, alpha, stroke, sample, setSample, fill, undo, redo
 const std::vector<ScriptAction> &strokeActions();
-const std::vector<ScriptAction> &reliefActions(); ///< select, mask, resize, zscale, crop
+const std::vector<ScriptAction> &reliefActions(); ///< select, mask, resize, zscale, crop, place
 
 /// The row of a name; null when there is none.
 const ScriptAction *findAction(const QString &name);

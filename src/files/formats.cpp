@@ -51,8 +51,9 @@ Result<QString> writeObj(const ExportJob &job)
 Result<QString> writePattern(const ExportJob &job)
 {
     Progress quiet;
-    const PatternToSave pattern{newPatternAttributes(job.path, QLatin1String(lengthUnits[0].label)),
-                                job.relief.zScale, heightView(job.relief)};
+    PatternToSave pattern{newPatternAttributes(job.path, QLatin1String(lengthUnits[0].label)),
+                          job.relief.zScale, heightView(job.relief)};
+    pattern.attributes.author = job.author;
     return quietly(savePattern(pattern, job.path, job.progress ? *job.progress : quiet));
 }
 
@@ -114,6 +115,7 @@ constexpr Format rows[] = {
      .load = openPattern,
      .save = writePattern,
      .written = QT_TRANSLATE_NOOP("Formats", "pattern with its name, time and thumbnail"),
+     .takesAuthor = true,
      .thumbnail = patternThumbnail,
      .attributes = patternAttributes},
     {.ending = ".obj",
@@ -248,6 +250,9 @@ Result<QString> exportFile(const ExportJob &job)
     if (const auto *field = unwantedOption(job.options, format->exportOptions))
         return cannotWrite(QStringLiteral("files ending in %1 take no %2")
                                .arg(QLatin1String(format->ending), QLatin1String(field->info.key)));
+    if (!job.author.isEmpty() && !format->takesAuthor)
+        return cannotWrite(
+            QStringLiteral("files ending in %1 take no author").arg(QLatin1String(format->ending)));
     return format->save(job);
 }
 

@@ -32,6 +32,7 @@ struct ExportJob
     const QString &path;
     ExportOptions options = {};
     Progress *progress = nullptr; ///< may be null
+    QString author = {};          ///< only for a format that takes one; may be empty
 };
 
 /// One row a file name ending. The open filter, drops, the recent files, scripts, the command line
@@ -48,6 +49,7 @@ struct Format
     Result<QString> (*save)(const ExportJob &job) = nullptr;
     const char *written = "";   ///< what `save` writes, for the help
     unsigned exportOptions = 0; ///< ExportOption bits
+    bool takesAuthor = false;   ///< it can say who made the relief
     /// At most so many pixels wide and high; a null image on failure. May be null.
     QImage (*thumbnail)(const QString &path, int side) = nullptr;
     /// What the file says besides its relief, as texts; empty when it cannot be read. May be null.
