@@ -14,6 +14,8 @@
 #include "ui/help/whatsthis.h"
 #include "ui/keyrouter.h"
 #include "ui/modelstage.h"
+#include "ui/library/patternpanel.h"
+#include "ui/pages/sizepage.h"
 #include "ui/pages/toolspage.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/sculptpanels.h"
@@ -59,10 +61,11 @@ MainWindow::MainWindow(QWidget *parent)
     , m_recentFiles(buildFilePage(*this, *m_commands))
     , m_status(std::make_unique<StatusLine>(*statusBar()))
     , m_files(new FileController(m_bench, this))
-    , m_exports(new ExportController(m_bench, this))
+    , m_exports(new ExportController(m_bench, m_pages.exports, this))
     , m_tool(new ToolController(
           m_bench, {m_docks.panels->toolPanel(), m_toolActions, m_pages.tools, m_pages.edit}, this))
     , m_edits(new EditController(m_bench, {m_pages.size, m_pages.edit}, this))
+    , m_place(new PlaceController(m_bench, {m_docks.patterns, m_docks.place, flatWin()}, this))
     , m_import(new ImportController(m_bench, m_docks.panels->importPanel(), this))
     , m_models(new ModelController(m_bench, {m_pages.orient, m_center->facetWin()}, this))
 {
@@ -84,6 +87,7 @@ MainWindow::MainWindow(QWidget *parent)
     _connectViews();
     _connectWorkbench();
     setupControls();
+    unitChanged();
     m_tool->show();
     unitChanged();
     setWindowTitle(m_files->windowTitle());
@@ -142,6 +146,9 @@ void MainWindow::_connectWorkbench()
     connect(m_exports, &ExportController::said, this, &MainWindow::_say);
     connect(m_services, &WindowServices::said, this, &MainWindow::_say);
     connect(m_exports, &ExportController::handedOver, this, &MainWindow::_saveLayout);
+    connect(m_place, &PlaceController::said, this, &MainWindow::_say);
+    connect(m_place, &PlaceController::placingChanged, this, &MainWindow::_placingChanged);
+    connect(m_docks.patterns, &PatternPanel::openWanted, m_files, &FileController::openFile);
     connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
     connect(m_tool, &ToolController::chosen, this, &MainWindow::setupControls);
 }
@@ -304,17 +311,19 @@ void MainWindow::_filesChanged()
 
 void MainWindow::setupControls()
 {
-    const QString reason = reasonAgainstEditing(m_bench);
+    const QString reason = m_place->isPlacing() ? m_place->reason() : reasonAgainstEditing(m_bench);
     m_commands->setReason("zoomAll", m_bench.model ? QString() : reasonAgainstSaving(m_bench));
     m_files->setupControls(*m_commands);
     m_services->setupControls();
     m_exports->setupControls(*m_commands);
     m_tool->setupControls();
     m_edits->setupControls(*m_commands, !flatWin()->cropOutline().isEmpty());
+    m_place->setupControls(*m_commands);
     m_center->setReason(reason);
-    if (!reason.isEmpty() && ribbonBar()->currentPage() == WindowPages::Export)
+    const bool exportable = reasonAgainstEditing(m_bench).isEmpty();
+    if (!exportable && ribbonBar()->currentPage() == WindowPages::Export)
         ribbonBar()->setCurrentPage(WindowPages::SculptingTools);
-    ribbonBar()->setPageVisible(WindowPages::Export, reason.isEmpty());
+    ribbonBar()->setPageVisible(WindowPages::Export, exportable);
 }
 
 /// What of the relief is shown outside the views.
@@ -337,6 +346,8 @@ void MainWindow::unitChanged()
     m_center->setUnit(m_pages.size->unit());
     m_docks.panels->importPanel()->setUnit(m_pages.size->unit());
     m_edits->showSample();
+    m_exports->setUnit(m_pages.size->unit());
+    m_place->setUnit(m_pages.size->unit());
     showExtent();
 }
 
@@ -355,6 +366,20 @@ void MainWindow::zoomAll()
 {
     m_center->zoomAll();
     showExtent();
+}
+
+/// The handles stand in the 2D view.
+void MainWindow::_placingChanged()
+{
+    if (m_place->isPlacing())
+        m_center->bringForward(CenterArea::View2d);
+    setupControls();
+}
+
+void MainWindow::ribbonTabChanged(int page)
+{
+    m_exports->setPageShown(page == WindowPages::Export);
+    tabActivated(page);
 }
 
 /// The page brings its view forward if it is hidden.

@@ -6,6 +6,7 @@
 #include "ui/controllers/importcontroller.h"
 #include "ui/controllers/lookcontroller.h"
 #include "ui/controllers/modelcontroller.h"
+#include "ui/controllers/placecontroller.h"
 #include "ui/controllers/toolcontroller.h"
 #include "ui/ribbon/ribbonmainwindow.h"
 #include "ui/windowparts.h"
@@ -75,6 +76,8 @@ public slots:
     bool saveWorkSpace() { return m_files->save(); }
     bool saveWorkSpaceAs() { return m_files->saveAs(); }
     void exportStlFile() { m_exports->exportStl(); }
+    void exportObjFile() { m_exports->exportObj(); }
+    void exportPtrFile() { m_exports->exportPattern(); }
     void exportToDrafteon() { m_exports->handOver(); }
     void showAbout();
     void showStartPage();
@@ -91,7 +94,7 @@ public slots:
     void depthChosen(double cells) { m_files->rememberDepth(cells); }
     void updateClicked() { m_import->update(); }
     void tabActivated(int page);
-    void ribbonTabChanged(int page) { tabActivated(page); }
+    void ribbonTabChanged(int page);
 
     void toolChanged(Tool::Type type) { m_tool->choose(type); }
     void toolStrengthUpdated(double strength) { m_tool->set(&ToolParams::strength, strength); }
@@ -155,6 +158,7 @@ private:
     void _modelShown();
     void _stepDone(const Step &step);
     void _filesChanged();
+    void _placingChanged();
     void _showRelief();
     void _say(const QString &text, int milliseconds);
 
@@ -172,6 +176,7 @@ private:
     ExportController *m_exports;
     ToolController *m_tool;
     EditController *m_edits;
+    PlaceController *m_place;
     ImportController *m_import;
     ModelController *m_models;
     std::unique_ptr<ModelStage> m_stage;

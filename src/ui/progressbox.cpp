@@ -10,6 +10,7 @@ namespace {
 constexpr qint64 patienceMs = 500;
 constexpr qint64 frameMs = 40;
 constexpr int steps = 1000;
+constexpr int narrowest = 320; ///< pixels: the second line changes its length
 
 } // namespace
 
@@ -47,8 +48,11 @@ void ProgressBox::advance(double fraction)
         m_dialog->setMinimumDuration(0);
         m_dialog->setAutoClose(false);
         m_dialog->setAutoReset(false);
+        m_dialog->setMinimumWidth(narrowest);
         m_dialog->show();
     }
+    if (!m_state.isEmpty())
+        m_dialog->setLabelText(m_label + QLatin1Char('\n') + m_state);
     m_dialog->setValue(qBound(0, qRound(fraction * steps), steps));
     QApplication::processEvents();
 }

@@ -23,6 +23,8 @@ public:
     ProgressBox &operator=(const ProgressBox &) = delete;
 
     void advance(double fraction) override;
+    /// A second line, shown with the next advance().
+    void describe(const QString &state) override { m_state = state; }
     bool cancelled() const override;
 
     /// Whether any box of the process is at work; commands that would disturb the work wait.
@@ -30,6 +32,7 @@ public:
 
 private:
     QString m_label;
+    QString m_state;
     QWidget *m_window;
     QElapsedTimer m_since;
     qint64 m_lastShownMs = 0;

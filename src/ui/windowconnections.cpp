@@ -37,6 +37,8 @@ void connectCommands(MainWindow &window, const ToolActions &tools, const RecentF
     on("zoomAll", &MainWindow::zoomAll);
     on("openLast", &MainWindow::openLastFile);
     on("exportStl", &MainWindow::exportStlFile);
+    on("exportObj", &MainWindow::exportObjFile);
+    on("exportPtr", &MainWindow::exportPtrFile);
     on("sendToDrafteon", &MainWindow::exportToDrafteon);
     on("cropApply", &MainWindow::applyCrop);
     on("selectNone", &MainWindow::selectNoneClicked);

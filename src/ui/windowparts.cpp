@@ -4,6 +4,8 @@
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/library/librarypanel.h"
+#include "ui/library/patternpanel.h"
+#include "ui/library/placepanel.h"
 #include "ui/pages/editpage.h"
 #include "ui/pages/exportpage.h"
 #include "ui/pages/orientpage.h"
@@ -21,6 +23,8 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QTabWidget>
+#include <QVBoxLayout>
 
 namespace marlowen {
 
@@ -65,7 +69,7 @@ constexpr const char *pageTitles[] = {
     QT_TRANSLATE_NOOP("Pages", "Export"),          QT_TRANSLATE_NOOP("Pages", "Orient / Scale")};
 
 constexpr int toolDockWidth = 300;
-constexpr int libraryDockWidth = 220;
+constexpr int libraryDockWidth = 240;
 
 RibbonPage &pageOf(const RibbonMainWindow &window, WindowPages::Id id)
 {
@@ -81,7 +85,7 @@ void addWindowCommands(CommandSet &commands)
     SizePage::addCommands(commands);
     ToolsPage::addCommands(commands);
     EditPage::addCommands(commands);
-    exportPage::addCommands(commands);
+    ExportPage::addCommands(commands);
     OrientPage::addCommands(commands);
     WindowServices::addCommands(commands, updateBaseUrl());
 }
@@ -101,13 +105,34 @@ WindowPages buildRibbon(RibbonMainWindow &window, CommandSet &commands, const To
     pages.tools =
         new ToolsPage(pageOf(window, WindowPages::SculptingTools), commands, tools, &window);
     pages.edit = new EditPage(pageOf(window, WindowPages::Edit2D), commands, tools, &window);
-    exportPage::build(pageOf(window, WindowPages::Export), commands);
+    pages.exports = new ExportPage(pageOf(window, WindowPages::Export), commands, &window);
     pages.orient = new OrientPage(pageOf(window, WindowPages::OrientScale), commands, &window);
     window.ribbonBar()->setPageVisible(WindowPages::OrientScale, false);
     window.ribbonBar()->setPageVisible(WindowPages::Export, false);
     window.ribbonBar()->setCurrentPage(WindowPages::SculptingTools);
     return pages;
 }
+
+namespace {
+
+/// The patterns, with the numbers of the one that is being placed below, and the alphas.
+QWidget *libraryTabs(const WindowDocks &docks, QWidget &window)
+{
+    auto *patterns = new QWidget;
+    auto *column = new QVBoxLayout(patterns);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(docks.patterns, 1);
+    column->addWidget(docks.place);
+    auto *tabs = new QTabWidget(&window);
+    tabs->setObjectName(QStringLiteral("libraryTabs"));
+    tabs->setDocumentMode(true);
+    tabs->addTab(patterns, QObject::tr("Patterns"));
+    tabs->addTab(docks.library, QObject::tr("Alphas"));
+    return tabs;
+}
+
+} // namespace
 
 WindowDocks buildDocks(RibbonMainWindow &window, ImportSession &session)
 {
@@ -117,10 +142,12 @@ WindowDocks buildDocks(RibbonMainWindow &window, ImportSession &session)
         new CollapsibleDock(QObject::tr("Tool Panel"), QStringLiteral("ToolDock"), &window);
     docks.toolDock->setContent(docks.panels, toolDockWidth);
     window.addDockWidget(Qt::LeftDockWidgetArea, docks.toolDock);
-    docks.library = new LibraryPanel(&window);
+    docks.library = new LibraryPanel;
+    docks.patterns = new PatternPanel;
+    docks.place = new PlacePanel;
     docks.libraryDock = new CollapsibleDock(QObject::tr("Patterns & Alphas"),
                                             QStringLiteral("LibraryDock"), &window);
-    docks.libraryDock->setContent(docks.library, libraryDockWidth);
+    docks.libraryDock->setContent(libraryTabs(docks, window), libraryDockWidth);
     window.addDockWidget(Qt::RightDockWidgetArea, docks.libraryDock);
     return docks;
 }

@@ -9,9 +9,12 @@ namespace marlowen {
 class CollapsibleDock;
 class CommandSet;
 class EditPage;
+class ExportPage;
 class ImportSession;
 class LibraryPanel;
 class OrientPage;
+class PatternPanel;
+class PlacePanel;
 class RecentFilesMenu;
 class RibbonMainWindow;
 class SculptPanels;
@@ -31,12 +34,15 @@ struct WindowPages
     ToolsPage *tools;
     EditPage *edit;
     OrientPage *orient;
+    ExportPage *exports;
 };
 
 struct WindowDocks
 {
     SculptPanels *panels;
     LibraryPanel *library;
+    PatternPanel *patterns;
+    PlacePanel *place;
     CollapsibleDock *toolDock;
     CollapsibleDock *libraryDock;
 };

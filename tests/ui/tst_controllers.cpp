@@ -14,10 +14,12 @@
 #include "ui/controllers/importcontroller.h"
 #include "ui/controllers/lookcontroller.h"
 #include "ui/controllers/toolcontroller.h"
+#include "ui/pages/exportpage.h"
 #include "ui/pages/toolspage.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/noticebar.h"
 #include "ui/panels/toolpanel.h"
+#include "ui/ribbon/numberfield.h"
 #include "ui/ribbon/ribbonmainwindow.h"
 #include "ui/windowparts.h"
 #include "workbench/workbench.h"
@@ -76,6 +78,7 @@ private slots:
     void unknownFileOpensNothing();
     void exportedNameGetsItsEnding_data();
     void exportedNameGetsItsEnding();
+    void pageSaysWhatIsWritten();
     void sizesFollowTheLock_data();
     void sizesFollowTheLock();
     void sizeIsOneStep();
@@ -263,10 +266,47 @@ void TestControllers::exportedNameGetsItsEnding()
     _open();
     PersonAtHand person;
     person.path = _path(typed);
-    ExportController(*m_bench, m_window.get()).exportStl();
+    Ribbon ribbon;
+    ribbon.build();
+    ExportController(*m_bench, ribbon.pages.exports, m_window.get()).exportStl();
     const QStringList files = QDir(m_folder->path()).entryList(QDir::Files);
     QCOMPARE(files.size(), 3); // with dome and plate
     QVERIFY2(files.contains(written), qPrintable(files.join(QLatin1Char(' '))));
+}
+
+void TestControllers::pageSaysWhatIsWritten()
+{
+    _open();
+    QVERIFY(m_bench->apply({QStringLiteral("Bowl"), [](Relief &relief, const EditRun &) {
+                                for (int i = 0; i < relief.cells(); ++i)
+                                    relief.heights().data()[i] = float(i % side) * float(i / side);
+                                return Outcome();
+                            }}));
+    Ribbon ribbon;
+    ribbon.build();
+    ExportController exports(*m_bench, ribbon.pages.exports, m_window.get());
+    exports.setUnit(2);
+    const auto choose = [&ribbon](const char *name, double value) {
+        ribbon.window.findChild<NumberField *>(QLatin1String(name))->setValue(value);
+    };
+    choose("tolerance", 0.0127);
+    ribbon.window.findChild<QCheckBox *>(QStringLiteral("solid"))->click();
+    QCOMPARE(ribbon.window.findChild<QComboBox *>(QStringLiteral("quality"))->currentText(),
+             QStringLiteral("Medium"));
+    exports.setPageShown(true);
+    const auto *count = ribbon.window.findChild<QLabel *>(QStringLiteral("facetCount"));
+    const auto facets = [count] { return QLocale().toInt(count->text()); };
+    QTRY_VERIFY(facets() > 0);
+    PersonAtHand person;
+    person.path = _path(QStringLiteral("bowl.stl"));
+    exports.exportStl();
+    QCOMPARE(QFileInfo(person.path).size(), 88 + 50 * facets());
+    choose("facets", 20.0);
+    QTRY_VERIFY(facets() > 0 && facets() <= 20);
+
+    Ribbon next;
+    next.build();
+    QCOMPARE(next.pages.exports->options(), ribbon.pages.exports->options());
 }
 
 void TestControllers::sizesFollowTheLock_data()

@@ -134,9 +134,11 @@ void TestWindowCommands::saveAndExport()
 {
     openDome();
     PersonAtHand person;
-    person.path = path("out.stl");
-    click("exportStl");
-    QVERIFY(QFileInfo(person.path).size() > 84);
+    for (const char *command : {"exportStl", "exportObj", "exportPtr"}) {
+        person.path = path("out.") + QString::fromLatin1(command + 6).toLower();
+        click(command);
+        QVERIFY2(QFileInfo(person.path).size() > 84, command);
+    }
     QCOMPARE(QevSettings().lastExportFolder(), QFileInfo(person.path).canonicalPath());
 
     person.path = path("other");

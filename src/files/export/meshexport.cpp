@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace marlowen {
 
@@ -24,6 +25,13 @@ constexpr double reductionShare = 0.8;
 
 /// Of the qualities High, Medium and Low, in inches.
 constexpr std::array<double, 3> qualityTolerances{0.0, 0.0005, 0.002};
+
+/// Solids of more facets than this are not built to count their base.
+constexpr uint64_t mostCountedBase = 200'000;
+
+constexpr uint64_t stlHeaderBytes = 84;
+constexpr uint64_t stlFacetBytes = 50;
+constexpr uint64_t bytesOfObjPoint = 58; ///< a `v` and a `vn` line, on average
 
 uint64_t facetLimit(const ExportOptions &options)
 {
@@ -40,6 +48,12 @@ ExportMesh meshOf(CellSurface surface, const ExportOptions &options)
 ExportMesh fullMesh(const Relief &relief, const ExportOptions &options)
 {
     return meshOf(CellSurface(heightView(relief), relief.zScale), options);
+}
+
+ExportMesh reducedMesh(const Relief &relief, const ExportOptions &options,
+                       const FacetReducer &reduction)
+{
+    return meshOf(CellSurface(heightView(relief), relief.zScale, reduction.mesh()), options);
 }
 
 /// What is being written, and the count of its STL.
@@ -112,6 +126,37 @@ QString describe(const MeshReport &report)
     return line;
 }
 
+MeshForecast forecast(const Relief &relief, const ExportOptions &options)
+{
+    return MeshForecast{.facets = fullMesh(relief, options).count()};
+}
+
+MeshForecast forecast(const Relief &relief, const ExportOptions &options,
+                      const FacetReducer &reduction)
+{
+    if (isFullBetter(relief, options, reduction))
+        return forecast(relief, options);
+    const bool ended = reduction.end() != ReductionEnd::Running;
+    MeshForecast expected{true, reduction.facets(), false, reduction.largestErrorInches(),
+                          !ended || reduction.end() == ReductionEnd::ToleranceMet};
+    if (options.solid > 0.0) {
+        expected.atMost = !ended || expected.facets > mostCountedBase;
+        if (!expected.atMost)
+            expected.facets = reducedMesh(relief, options, reduction).count();
+    }
+    return expected;
+}
+
+uint64_t fileBytes(MeshFormat format, uint64_t facets)
+{
+    if (format == MeshFormat::Stl)
+        return stlHeaderBytes + facets * stlFacetBytes;
+    // Three index pairs a facet; half as many points, each with a normal.
+    const uint64_t points = facets / 2 + 1;
+    const auto digits = static_cast<uint64_t>(std::log10(static_cast<double>(points))) + 1;
+    return facets * (6 * digits + 11) + points * bytesOfObjPoint;
+}
+
 std::optional<ReductionGoal> reductionGoal(const Relief &relief, const ExportOptions &options)
 {
     const bool limits =
@@ -150,8 +195,7 @@ Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options
         return report;
     }
     Progress silent;
-    const ExportMesh mesh =
-        meshOf(CellSurface(heightView(relief), relief.zScale, reduction.mesh()), options);
+    const ExportMesh mesh = reducedMesh(relief, options, reduction);
     const StlCount count = options.standardStl ? StlCount::Standard : StlCount::Wide;
     const Outcome done = write({mesh, count}, target, target.progress ? *target.progress : silent);
     if (!done)

@@ -31,6 +31,25 @@ struct MeshReport
 /// One line: facets and the largest error, and whether a limit was in the way.
 QString describe(const MeshReport &report);
 
+/// What an export of some options will write, as far as it is known before.
+struct MeshForecast
+{
+    bool reduced = false;
+    uint64_t facets = 0;
+    bool atMost = false; ///< a large solid may have fewer facets
+    double largestErrorInches = 0.0;
+    bool withinTolerance = true; ///< false when a limit ended the reduction
+};
+
+/// Of every grid triangle.
+MeshForecast forecast(const Relief &relief, const ExportOptions &options);
+/// Of a reduction as it stands.
+MeshForecast forecast(const Relief &relief, const ExportOptions &options,
+                      const FacetReducer &reduction);
+
+/// The size of a file of so many facets: exact for an STL, within about a tenth for an OBJ.
+uint64_t fileBytes(MeshFormat format, uint64_t facets);
+
 /// The reduction that the options ask for; none when every grid triangle is to be written. A limit
 /// counts the base and walls of a solid too; it reduces high quality as well, when the grid has
 /// more triangles.

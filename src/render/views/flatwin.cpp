@@ -143,6 +143,8 @@ void FlatWin::drawOverlays(QOpenGLFunctions_2_1 &gl)
     // Its signals have no place in a paint.
     if (!_shapeInSync())
         QTimer::singleShot(0, this, &FlatWin::_syncTool);
+    else if (m_place)
+        _drawPlace(gl);
     else
         _drawShape(gl);
     m_ants.update(gl, *relief(), drawRegion(), camera().zoom * devicePixelRatioF());
@@ -246,8 +248,10 @@ void FlatWin::_updateCursor(QPointF position)
 {
     if (mode() != NoMode)
         return;
-    const bool own = relief() && m_shape.usable();
-    if (own)
+    const bool own = relief() && (m_place || m_shape.usable());
+    if (own && m_place)
+        setCursor(m_place->cursorAt(_gridAt(position), _pixelInCells()));
+    else if (own)
         setCursor(cursorForHold(m_shape.holdAt(_gridAt(position), _pixelInCells())));
     else if (m_ownCursor)
         setMode(NoMode);
@@ -257,6 +261,8 @@ void FlatWin::_updateCursor(QPointF position)
 void FlatWin::mousePressEvent(QMouseEvent *event)
 {
     _syncTool();
+    if (_placePress(event))
+        return;
     if (event->button() != Qt::LeftButton || mode() != NoMode) {
         ReliefView::mousePressEvent(event);
     } else if (m_shape.usable() && !canEdit()) {
@@ -280,7 +286,10 @@ void FlatWin::_pressEngine(QMouseEvent *event)
 
 void FlatWin::mouseMoveEvent(QMouseEvent *event)
 {
+    if (_placeMove(event))
+        return;
     ReliefView::mouseMoveEvent(event);
+    _updateCursor(event->position());
     if (!relief() || !m_shape.usable() || !canEdit())
         return;
     event->accept();
@@ -290,6 +299,8 @@ void FlatWin::mouseMoveEvent(QMouseEvent *event)
 
 void FlatWin::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (_placeRelease(event))
+        return;
     if (event->button() != Qt::LeftButton || !relief() || !m_shape.usable()) {
         ReliefView::mouseReleaseEvent(event);
         return;
@@ -317,9 +328,11 @@ void FlatWin::mouseDoubleClickEvent(QMouseEvent *event)
 
 bool FlatWin::_handlesKey(int key) const
 {
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (m_place)
+        return enter || key == Qt::Key_Escape;
     if (!m_shape.active())
         return false;
-    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
     return key == Qt::Key_Escape || (enter && (m_shape.close() || !cropBox().isEmpty())) ||
            (key == Qt::Key_Backspace && m_shape.shape() == ToolShape::Polygon);
 }
@@ -335,6 +348,8 @@ bool FlatWin::event(QEvent *event)
 
 void FlatWin::keyPressEvent(QKeyEvent *event)
 {
+    if (_placeKey(event->key()))
+        return;
     if (!_handlesKey(event->key())) {
         ReliefView::keyPressEvent(event);
         return;

@@ -2,6 +2,7 @@
 
 #include "relief/selection/selections.h"
 #include "render/overlays/outlinepainter.h"
+#include "render/views/placegesture.h"
 #include "render/views/reliefview.h"
 #include "render/views/selectionants.h"
 #include "render/views/shapegesture.h"
@@ -56,12 +57,20 @@ public slots:
     void quantizationChanged(double levels);
     /// Forgets a shape being drawn and the crop box.
     void cancelShape();
+    /// A rectangle that the left button moves, turns and sizes, in place of what the tool does; the
+    /// caller's. Null: none.
+    void setPlaceGesture(PlaceGesture *gesture);
 
 signals:
     /// The crop box appeared or vanished.
     void cropChanged(bool present);
     /// Enter or a double-click in the crop box.
     void cropApplyRequested();
+    /// The pointer changed the frame of the gesture.
+    void placeDragged();
+    /// Enter, Esc while there is a gesture.
+    void placeApplied();
+    void placeCancelled();
     /// A shape was drawn. Whoever owns the relief makes the edit.
     void shapeDrawn(const marlowen::SelectionEdit &edit);
 
@@ -93,6 +102,11 @@ private:
     void _drawShape(QOpenGLFunctions_2_1 &gl);
     void _updateCursor(QPointF position);
     bool _handlesKey(int key) const;
+    bool _placePress(QMouseEvent *event);
+    bool _placeMove(QMouseEvent *event);
+    bool _placeRelease(QMouseEvent *event);
+    bool _placeKey(int key);
+    void _drawPlace(QOpenGLFunctions_2_1 &gl);
     QPointF _gridAt(QPointF position) const;
     double _pixelInCells() const;
 
@@ -100,6 +114,7 @@ private:
     double m_colorOffset = 0.0;
     SelectionModifier m_modifier = SelectionModifier::Normal;
     ShapeGesture m_shape;
+    PlaceGesture *m_place = nullptr;
     OutlinePainter m_shapePainter;
     SelectionAnts m_ants;
     bool m_rangeUnchecked = false; ///< heights changed: the range may have, too

@@ -259,6 +259,12 @@ ICONS = {
                    + fill("M4 26 L12 14 L18 22 L21 18 L28 26 Z", MATERIAL) + plus(23, 10, 4),
     "clone": tint("M3 3 H21 V21 H3 Z") + stroke("M3 3 H21 V21 H3 Z")
              + solid("M11 11 H29 V29 H11 Z", MATERIAL) + plus(20, 20, 4, LINE),
+    "add_pattern": solid("M3 6 H20 V26 H3 Z", MATERIAL) + ring(11.5, 16, 5, LINE)
+                   + stroke("M25 4 V14 M20 9 H30", ACCENT, 3),
+    "add_folder": solid("M3 8 H12 L15 11 H27 V27 H3 Z", MATERIAL)
+                  + stroke("M15 14 V24 M10 19 H20", LINE, 2.5),
+    "place_pattern": tint("M3 17 H29 V29 H3 Z") + stroke("M3 17 H29 V29 H3 Z")
+                     + ring(16, 22, 4, LINE) + arrow_down(16, 3, 14, ACCENT),
     "delete": stroke("M5 8 H27 M12 8 V4 H20 V8", LINE) + solid("M8 8 H24 L23 29 H9 Z", MATERIAL)
               + stroke("M13 13 V24 M19 13 V24", LINE),
     "accept": stroke("M5 17 L12 25 L27 7", ACCENT, 4.5),
