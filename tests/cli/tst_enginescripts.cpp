@@ -81,6 +81,7 @@ private slots:
     void wholeReliefSteps();
     void alphaImage();
     void newReliefStartsFresh();
+    void patternIsPlaced();
 };
 
 void TestEngineScripts::mistakes_data()
@@ -365,6 +366,26 @@ void TestEngineScripts::alphaImage()
     QCOMPARE(brush.mode, static_cast<int>(AlphaBrush::Stamp));
     QCOMPARE(script.run({R"({"do":"alpha","file":null})"}), "");
     QVERIFY(!brush.loaded());
+}
+
+void TestEngineScripts::patternIsPlaced()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("tile.ptr"));
+    const QString place = QStringLiteral(R"({"do":"place","file":"%1","centre":[3,2],%2})");
+    Script script;
+    QCOMPARE(script.run({R"({"do":"new","width":2,"height":2,"level":4})",
+                         QStringLiteral(R"({"do":"export","author":"A","file":"%1"})").arg(file),
+                         fresh, place.arg(file, R"("join":"replace","strength":0.5)")}),
+             "");
+    QList<float> expected(24, 2.0F);
+    for (const int cell : {8, 9, 14, 15})
+        expected[cell] = 3.0F;
+    QCOMPARE(valuesOf(script.relief().heights()), expected);
+    QVERIFY(script.run({place.arg(file, R"("scale":0)")}).contains(u"\"scale\" must be a number"));
+    QVERIFY(QFile::resize(file, 100));
+    QVERIFY(script.run({place.arg(file, R"("angle":90)")}).contains(u"damaged"));
+    QCOMPARE(valuesOf(script.relief().heights()), expected);
 }
 
 void TestEngineScripts::newReliefStartsFresh()

@@ -1,5 +1,7 @@
 #include "files/export/cellsurface.h"
 
+#include "files/export/pulse.h"
+
 #include <algorithm>
 
 namespace marlowen {
@@ -8,9 +10,10 @@ namespace {
 
 /// Puts edges in an order in which each begins where the one before ends, until that line closes.
 /// Every cell must have as many edges that begin there as edges that end there.
-std::vector<CellEdge> inLines(std::vector<CellEdge> edges)
+std::vector<CellEdge> inLines(std::vector<CellEdge> edges, Pulse &pulse)
 {
-    std::sort(edges.begin(), edges.end());
+    if (!sortEdges(edges, pulse))
+        return {};
     std::vector<bool> used(edges.size());
     std::vector<CellEdge> lines;
     lines.reserve(edges.size());
@@ -21,8 +24,8 @@ std::vector<CellEdge> inLines(std::vector<CellEdge> edges)
             ++at;
         return at < edges.size() && edges[at][0] == cell ? at : edges.size();
     };
-    for (std::size_t start = 0; start < edges.size(); ++start) {
-        for (std::size_t at = start; at < edges.size() && !used[at];
+    for (std::size_t start = 0; start < edges.size() && pulse.beat(); ++start) {
+        for (std::size_t at = start; at < edges.size() && !used[at] && pulse.beat();
              at = followerOf(edges[at][1])) {
             used[at] = true;
             lines.push_back(edges[at]);
@@ -51,12 +54,17 @@ CellSurface::CellSurface(const GridView &heights, double zFactor, std::vector<Ce
 {
 }
 
-std::vector<CellEdge> CellSurface::border() const
+std::vector<CellEdge> CellSurface::border(Pulse &pulse) const
 {
-    return inLines(m_facets ? listBorder() : gridBorder());
+    return inLines(m_facets ? listBorder(pulse) : gridBorder(pulse), pulse);
 }
 
-std::vector<CellEdge> CellSurface::listBorder() const
+uint64_t CellSurface::borderLength(Pulse &pulse) const
+{
+    return (m_facets ? listBorder(pulse) : gridBorder(pulse)).size();
+}
+
+std::vector<CellEdge> CellSurface::listBorder(Pulse &pulse) const
 {
     std::vector<CellEdge> edges;
     edges.reserve(3 * m_facets->size());
@@ -64,16 +72,19 @@ std::vector<CellEdge> CellSurface::listBorder() const
         for (std::size_t i = 0; i < 3; ++i)
             edges.push_back({facet[i], facet[(i + 1) % 3]});
     }
-    std::sort(edges.begin(), edges.end());
     std::vector<CellEdge> border;
+    if (!sortEdges(edges, pulse))
+        return border;
     for (const CellEdge &edge : edges) {
         if (!std::binary_search(edges.begin(), edges.end(), CellEdge{edge[1], edge[0]}))
             border.push_back(edge);
+        if (!pulse.beat())
+            break;
     }
     return border;
 }
 
-std::vector<CellEdge> CellSurface::gridBorder() const
+std::vector<CellEdge> CellSurface::gridBorder(Pulse &pulse) const
 {
     std::vector<CellEdge> border;
     const uint32_t width = columns();
@@ -83,7 +94,7 @@ std::vector<CellEdge> CellSurface::gridBorder() const
             border.push_back({from, to});
     };
     for (uint32_t row = 0; row + 1 < rows; ++row) {
-        for (uint32_t column = 0; column + 1 < width; ++column) {
+        for (uint32_t column = 0; column + 1 < width && pulse.beat(); ++column) {
             const uint32_t cell = row * width + column;
             const bool hasFirst = isFilled(first(cell));
             const bool hasSecond = isFilled(second(cell));

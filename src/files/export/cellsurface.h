@@ -10,6 +10,8 @@
 
 namespace marlowen {
 
+class Pulse;
+
 /// x, y, z in inches: (column / 128, row / 128, height / 128 * zFactor).
 using SurfacePoint = std::array<double, 3>;
 
@@ -45,8 +47,11 @@ public:
     template <typename Visit>
     bool forEachFacet(Visit visit) const;
 
-    /// The edges with a facet on one side only, one closed line after the other.
-    std::vector<CellEdge> border() const;
+    /// The edges with a facet on one side only, one closed line after the other; incomplete when
+    /// the work was cancelled.
+    std::vector<CellEdge> border(Pulse &pulse) const;
+    /// Number of those edges.
+    uint64_t borderLength(Pulse &pulse) const;
 
 private:
     bool isFilled(const CellTriangle &triangle) const
@@ -62,8 +67,8 @@ private:
     }
     uint32_t columns() const { return static_cast<uint32_t>(m_heights.width); }
 
-    std::vector<CellEdge> gridBorder() const;
-    std::vector<CellEdge> listBorder() const;
+    std::vector<CellEdge> gridBorder(Pulse &pulse) const;
+    std::vector<CellEdge> listBorder(Pulse &pulse) const;
 
     GridView m_heights;
     double m_zFactor;

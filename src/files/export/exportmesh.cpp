@@ -1,6 +1,7 @@
 #include "files/export/exportmesh.h"
 
 #include "files/export/flatbase.h"
+#include "files/export/pulse.h"
 
 #include <cmath>
 
@@ -17,14 +18,15 @@ SurfacePoint unit(const SurfacePoint &v)
 
 } // namespace
 
-ExportMesh::ExportMesh(CellSurface surface, double baseThickness)
+ExportMesh::ExportMesh(CellSurface surface, double baseThickness, Progress &progress)
     : m_surface(std::move(surface))
-    , m_walls(m_surface.border())
     , m_thickness(baseThickness)
 {
+    Pulse pulse(progress);
+    m_walls = m_surface.border(pulse);
     if (m_surface.facets())
         m_base.emplace(m_surface.heights(), m_surface.zFactor(),
-                       withoutInnerCells(*m_surface.facets(), m_surface.heights().width));
+                       withoutInnerCells(*m_surface.facets(), m_surface.heights().width, pulse));
 }
 
 StlFacet ExportMesh::upward(const std::array<SurfacePoint, 3> &corners)

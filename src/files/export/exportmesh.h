@@ -7,6 +7,8 @@
 
 namespace marlowen {
 
+class Progress;
+
 /// What leaves the program as a mesh: a surface alone, or closed by walls along its border and a
 /// base below. Parts of a solid that touch in a point share the vertical edge there, and its walls
 /// follow each other along the border, so that programs that pair edges in the order of a file pair
@@ -20,8 +22,9 @@ public:
     {
     }
     /// A solid whose base lies at minus the thickness (inches, above 0). Below a list of facets it
-    /// has as few facets as its border allows, below a whole grid those of the grid.
-    ExportMesh(CellSurface surface, double baseThickness);
+    /// has as few facets as its border allows, below a whole grid those of the grid. When the
+    /// progress was cancelled the mesh is of no use.
+    ExportMesh(CellSurface surface, double baseThickness, Progress &progress);
 
     bool isSolid() const { return m_thickness > 0.0; }
     const CellSurface &surface() const { return m_surface; }

@@ -22,8 +22,9 @@ struct RingCell
 class Thinning
 {
 public:
-    Thinning(std::vector<CellTriangle> triangles, int width)
+    Thinning(std::vector<CellTriangle> triangles, int width, Pulse &pulse)
         : m_width(static_cast<uint32_t>(width))
+        , m_pulse(pulse)
         , m_triangles(std::move(triangles))
         , m_twins(m_triangles.size(), {none, none, none})
     {
@@ -33,9 +34,9 @@ public:
     /// Goes over all corners until no cell can be taken out any more.
     std::vector<CellTriangle> run()
     {
-        for (bool changed = true; changed;) {
+        for (bool changed = true; changed && m_pulse.look();) {
             changed = false;
-            for (uint32_t edge = 0; edge < 3 * m_triangles.size(); ++edge)
+            for (uint32_t edge = 0; edge < 3 * m_triangles.size() && m_pulse.beat(); ++edge)
                 changed = (isThere(edge / 3) && takeOut(edge)) || changed;
         }
         std::erase_if(m_triangles, [](const CellTriangle &t) { return t[0] == none; });
@@ -66,6 +67,7 @@ private:
     void fillHole();
 
     uint32_t m_width;
+    Pulse &m_pulse;
     std::vector<CellTriangle> m_triangles;
     std::vector<std::array<uint32_t, 3>> m_twins;
     std::vector<RingCell> m_ring;       ///< around the cell, counter-clockwise
@@ -76,23 +78,18 @@ private:
 
 void Thinning::joinEdges()
 {
-    struct Edge
-    {
-        uint32_t low;
-        uint32_t high;
-        uint32_t number;
-    };
-    std::vector<Edge> edges;
+    // Its lower cell, the other one, its number.
+    std::vector<std::array<uint32_t, 3>> edges;
     edges.reserve(3 * m_triangles.size());
     for (uint32_t edge = 0; edge < 3 * m_triangles.size(); ++edge) {
         const auto [low, high] = std::minmax({from(edge), from(next(edge))});
         edges.push_back({low, high, edge});
     }
-    const auto place = [](const Edge &edge) { return std::pair(edge.low, edge.high); };
-    std::ranges::sort(edges, {}, place);
-    for (std::size_t i = 0; i + 1 < edges.size(); ++i) {
-        if (place(edges[i]) == place(edges[i + 1]))
-            join(edges[i].number, edges[i + 1].number);
+    if (!sortEdges(edges, m_pulse))
+        return;
+    for (std::size_t i = 0; i + 1 < edges.size() && m_pulse.beat(); ++i) {
+        if (edges[i][0] == edges[i + 1][0] && edges[i][1] == edges[i + 1][1])
+            join(edges[i][2], edges[i + 1][2]);
     }
 }
 
@@ -177,9 +174,10 @@ bool Thinning::takeOut(uint32_t edge)
 
 } // namespace
 
-std::vector<CellTriangle> withoutInnerCells(std::vector<CellTriangle> triangles, int width)
+std::vector<CellTriangle> withoutInnerCells(std::vector<CellTriangle> triangles, int width,
+                                            Pulse &pulse)
 {
-    return Thinning(std::move(triangles), width).run();
+    return Thinning(std::move(triangles), width, pulse).run();
 }
 
 } // namespace marlowen

@@ -3,6 +3,7 @@
 #include "base/progress.h"
 #include "files/export/exportmesh.h"
 #include "files/export/objwriter.h"
+#include "files/export/pulse.h"
 #include "files/export/stlexport.h"
 #include "files/safefile.h"
 #include "files/stlwriter.h"
@@ -38,22 +39,34 @@ uint64_t facetLimit(const ExportOptions &options)
     return static_cast<uint64_t>(std::max(0, options.facets));
 }
 
-ExportMesh meshOf(CellSurface surface, const ExportOptions &options)
+ExportMesh meshOf(CellSurface surface, const ExportOptions &options, Progress &progress)
 {
     if (options.solid > 0.0)
-        return {std::move(surface), options.solid};
+        return {std::move(surface), options.solid, progress};
     return ExportMesh(std::move(surface));
 }
 
-ExportMesh fullMesh(const Relief &relief, const ExportOptions &options)
+ExportMesh fullMesh(const Relief &relief, const ExportOptions &options, Progress &progress)
 {
-    return meshOf(CellSurface(heightView(relief), relief.zScale), options);
+    return meshOf(CellSurface(heightView(relief), relief.zScale), options, progress);
+}
+
+/// Facets of the whole grid, with base and walls when they are asked for.
+uint64_t fullCount(const Relief &relief, const ExportOptions &options)
+{
+    const CellSurface surface(heightView(relief), relief.zScale);
+    if (options.solid <= 0.0)
+        return surface.count();
+    Progress silent;
+    Pulse pulse(silent);
+    return 2 * (surface.count() + surface.borderLength(pulse));
 }
 
 ExportMesh reducedMesh(const Relief &relief, const ExportOptions &options,
-                       const FacetReducer &reduction)
+                       const FacetReducer &reduction, Progress &progress)
 {
-    return meshOf(CellSurface(heightView(relief), relief.zScale, reduction.mesh()), options);
+    return meshOf(CellSurface(heightView(relief), relief.zScale, reduction.mesh()), options,
+                  progress);
 }
 
 /// What is being written, and the count of its STL.
@@ -78,7 +91,9 @@ Result<MeshReport> writeFull(const Relief &relief, const ExportOptions &options,
 {
     Progress silent;
     Progress &progress = target.progress ? *target.progress : silent;
-    const ExportMesh mesh = fullMesh(relief, options);
+    const ExportMesh mesh = fullMesh(relief, options, progress);
+    if (progress.cancelled())
+        return saveFailed();
     const bool plain = target.format == MeshFormat::Stl && !mesh.isSolid();
     const Outcome done =
         plain ? exportGridStl(relief, target.path, &progress) : write({mesh}, target, progress);
@@ -105,7 +120,7 @@ bool reduce(FacetReducer &reduction, Progress &progress)
 bool isFullBetter(const Relief &relief, const ExportOptions &options, const FacetReducer &reduction)
 {
     return reduction.end() == ReductionEnd::MemoryLimit &&
-           (options.facets == 0 || fullMesh(relief, options).count() <= facetLimit(options));
+           (options.facets == 0 || fullCount(relief, options) <= facetLimit(options));
 }
 
 } // namespace
@@ -128,7 +143,7 @@ QString describe(const MeshReport &report)
 
 MeshForecast forecast(const Relief &relief, const ExportOptions &options)
 {
-    return MeshForecast{.facets = fullMesh(relief, options).count()};
+    return MeshForecast{.facets = fullCount(relief, options)};
 }
 
 MeshForecast forecast(const Relief &relief, const ExportOptions &options,
@@ -141,8 +156,9 @@ MeshForecast forecast(const Relief &relief, const ExportOptions &options,
                           !ended || reduction.end() == ReductionEnd::ToleranceMet};
     if (options.solid > 0.0) {
         expected.atMost = !ended || expected.facets > mostCountedBase;
+        Progress silent;
         if (!expected.atMost)
-            expected.facets = reducedMesh(relief, options, reduction).count();
+            expected.facets = reducedMesh(relief, options, reduction, silent).count();
     }
     return expected;
 }
@@ -159,8 +175,7 @@ uint64_t fileBytes(MeshFormat format, uint64_t facets)
 
 std::optional<ReductionGoal> reductionGoal(const Relief &relief, const ExportOptions &options)
 {
-    const bool limits =
-        options.facets > 0 && fullMesh(relief, options).count() > facetLimit(options);
+    const bool limits = options.facets > 0 && fullCount(relief, options) > facetLimit(options);
     if (toleranceInches(options) <= 0.0 && !limits)
         return {};
     return ReductionGoal{toleranceInches(options), facetLimit(options), options.solid > 0.0,
@@ -195,9 +210,12 @@ Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options
         return report;
     }
     Progress silent;
-    const ExportMesh mesh = reducedMesh(relief, options, reduction);
+    Progress &progress = target.progress ? *target.progress : silent;
+    const ExportMesh mesh = reducedMesh(relief, options, reduction, progress);
+    if (progress.cancelled())
+        return saveFailed();
     const StlCount count = options.standardStl ? StlCount::Standard : StlCount::Wide;
-    const Outcome done = write({mesh, count}, target, target.progress ? *target.progress : silent);
+    const Outcome done = write({mesh, count}, target, progress);
     if (!done)
         return done.failure();
     return MeshReport{true, mesh.count(), reduction.largestErrorInches(),

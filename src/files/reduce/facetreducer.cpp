@@ -20,7 +20,7 @@ constexpr int64_t sampledPoints = 4096;
 constexpr int shortestPiece = 4096;
 
 /// Keeps triangulation, states and heap within 250 MB.
-constexpr size_t mostTriangles = 5'000'000;
+constexpr size_t mostTriangles = 4'800'000;
 
 /// The keys of the heap hold the error, or what stands for it, from this bit on; keys without are
 /// those of triangles that spread material.

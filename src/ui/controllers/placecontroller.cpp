@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace marlowen {
 
@@ -48,10 +49,7 @@ PlaceController::PlaceController(Workbench &bench, const Parts &parts, QWidget *
     , m_parts(parts)
     , m_window(window)
 {
-    m_due.setSingleShot(true);
-    m_due.setInterval(0);
     parts.panel->hide();
-    connect(&m_due, &QTimer::timeout, this, &PlaceController::_run);
     connect(parts.panel, &PlacePanel::changed, this, &PlaceController::_change);
     connect(parts.panel, &PlacePanel::applied, this, &PlaceController::apply);
     connect(parts.panel, &PlacePanel::cancelled, this, &PlaceController::cancel);
@@ -113,7 +111,9 @@ void PlaceController::_change(const Placement &placement)
     m_gesture.setFrame(frameOf(*m_pattern, placement));
     m_parts.panel->showPlacement(placement);
     m_parts.view->update();
-    m_due.start();
+    // Not a timer: those of no time wait until everything is painted.
+    if (!std::exchange(m_due, true))
+        QMetaObject::invokeMethod(this, &PlaceController::_run, Qt::QueuedConnection);
 }
 
 void PlaceController::_dragged()
@@ -129,7 +129,7 @@ void PlaceController::_dragged()
 
 void PlaceController::_run()
 {
-    if (!isPlacing())
+    if (!std::exchange(m_due, false) || !isPlacing())
         return;
     const QScopedValueRollback running(m_running, true);
     const Outcome done = m_bench.preview().run(placeOperation(m_pattern, m_placement));
@@ -151,8 +151,9 @@ void PlaceController::apply()
 {
     if (!isPlacing())
         return;
-    if (m_due.isActive())
-        _run();
+    _run();
+    if (!isPlacing())
+        return;
     const QScopedValueRollback running(m_running, true);
     m_bench.preview().keep();
     _end();
@@ -171,7 +172,7 @@ void PlaceController::_end()
 {
     if (!isPlacing())
         return;
-    m_due.stop();
+    m_due = false;
     m_pattern.reset();
     m_shown = false;
     m_parts.view->setPlaceGesture(nullptr);

@@ -5,7 +5,6 @@
 
 #include <QObject>
 #include <QString>
-#include <QTimer>
 
 #include <memory>
 
@@ -69,7 +68,7 @@ private:
     std::shared_ptr<const PlacedPattern> m_pattern; ///< null: none is being placed
     Placement m_placement;
     PlaceGesture m_gesture;
-    QTimer m_due; ///< several moves of the pointer make one picture
+    bool m_due = false; ///< a run is posted: several moves of the pointer make one picture
     bool m_running = false;
     bool m_shown = false; ///< the pattern is on the relief
     int m_unit = 0;
