@@ -82,8 +82,9 @@ public slots:
     void showAbout();
     void showStartPage();
 
-    void undo() { m_bench.undo(); }
-    void redo() { m_bench.redo(); }
+    /// While a pattern is being placed it is taken off, and nothing else.
+    void undo() { m_place->isPlacing() ? m_place->cancel() : m_bench.undo(); }
+    void redo() { m_place->isPlacing() ? m_place->cancel() : m_bench.redo(); }
     void zoomAll();
     /// Enables what can act now; the rest says why it cannot.
     void setupControls();
