@@ -1,6 +1,7 @@
 #include "import/deband/deband.h"
 
 #include "import/deband/debandlevel.h"
+#include "relief/grid/cellcode.h"
 
 #include <algorithm>
 #include <array>
@@ -14,22 +15,43 @@ namespace {
 constexpr int smallestSide = 8;
 /// Terraces wider than 2 to the power of this, in cells, are not levelled out fully.
 constexpr size_t mostLevels = 9;
-/// Steps on the finest grid; every coarser one gets half as many more again.
-constexpr int finestSteps = 5;
+/// Steps on the finest grid; every coarser one, a quarter of it, gets four times as many.
+constexpr int finestSteps = 3;
 constexpr int mostSteps = 200;
 constexpr float stepLevels = 8.0F;
 /// Estimate of the passes over the cells of the finest grid.
 constexpr double passes = 18.0;
 
+/// Whether all values are whole numbers of 0..255.
+CELL_LOOP bool areBytes(const float *values, qsizetype count)
+{
+    int others = 0;
+#pragma omp simd reduction(| : others)
+    for (qsizetype i = 0; i < count; ++i) {
+        const float value = values[i];
+        const float kept = value > 0.0F ? (value < 255.0F ? value : 255.0F) : 0.0F;
+        others |= static_cast<float>(static_cast<int>(kept)) == value ? 0 : 1;
+    }
+    return others == 0;
+}
+
+CELL_LOOP float lowestOf(const float *values, qsizetype count)
+{
+    float lowest = values[0];
+#pragma omp simd reduction(min : lowest)
+    for (qsizetype i = 0; i < count; ++i)
+        lowest = values[i] < lowest ? values[i] : lowest;
+    return lowest;
+}
+
 /// Level of values that are whole numbers of 0..255; 0 when there are others.
 float levelOfBytes(const FloatGrid &values)
 {
+    if (!areBytes(values.values.data(), values.cells()))
+        return 0.0F;
     std::array<bool, 256> met{};
-    for (const float value : values.values) {
-        if (!(value >= 0.0F && value <= 255.0F) || value != std::floor(value))
-            return 0.0F;
-        met[static_cast<size_t>(value)] = true;
-    }
+    for (const float value : values.values)
+        met[static_cast<size_t>(static_cast<int>(value))] = true;
     int last = -1;
     int level = 256;
     for (int value = 0; value < 256; ++value) {
@@ -69,8 +91,7 @@ std::optional<std::vector<float>> debanded(const FloatGrid &values, double stren
     std::vector<uint8_t> valid(values.values.size());
     std::transform(values.values.begin(), values.values.end(), valid.begin(),
                    [](float value) { return value != 0.0F; });
-    const DebandLimits limits{*std::min_element(values.values.begin(), values.values.end()),
-                              stepLevels * level};
+    const DebandLimits limits{lowestOf(values.values.data(), values.cells()), stepLevels * level};
     FloatGrid reach(values.width, 1);
     std::fill(reach.values.begin(), reach.values.end(),
               0.5F * static_cast<float>(strength) * level);
@@ -81,7 +102,7 @@ std::optional<std::vector<float>> debanded(const FloatGrid &values, double stren
            std::min(levels.back()->width(), levels.back()->height()) >= smallestSide)
         levels.push_back(std::make_unique<DebandLevel>(levels.back()->coarser(meter)));
     for (size_t i = levels.size(); i-- > 0;) {
-        const double steps = finestSteps * std::pow(3.0, static_cast<double>(i));
+        const double steps = finestSteps * std::pow(4.0, static_cast<double>(i));
         if (i + 1 < levels.size() && !levels[i]->beginFrom(*levels[i + 1], meter))
             return std::nullopt;
         levels.resize(i + 1);

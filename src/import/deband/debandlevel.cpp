@@ -1,5 +1,6 @@
 #include "import/deband/debandlevel.h"
 
+#include "import/deband/debandblocks.h"
 #include "import/deband/debandinterpolation.h"
 
 #include "relief/grid/cellcode.h"
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 
 namespace marlowen {
 namespace {
@@ -241,12 +241,12 @@ void DebandLevel::_markDifferences(WorkMeter &meter)
 
 bool DebandLevel::_step(float momentum, WorkMeter &meter)
 {
+    const FloatGrid &before = m_before.values.empty() ? m_now : m_before;
     const bool done = meter.rows(height(), width(), [&](int first, int end) {
         StepWindow window(width());
         const auto start = [&](int y) {
             if (y >= 0 && y < height())
-                extrapolateRow(m_now.row(y), m_before.row(y), momentum, window.start(y) + 1,
-                               width());
+                extrapolateRow(m_now.row(y), before.row(y), momentum, window.start(y) + 1, width());
         };
         const auto differences = [&](int y) {
             std::array<float *, directions> out;
@@ -281,9 +281,11 @@ bool DebandLevel::_step(float momentum, WorkMeter &meter)
 
 bool DebandLevel::smooth(int steps, WorkMeter &meter)
 {
-    m_before = m_now;
     m_next = FloatGrid(width(), height());
     for (int k = 1; k <= steps; ++k) {
+        // The first step has no momentum and looks at no earlier values.
+        if (k == 2)
+            m_next = FloatGrid(width(), height());
         if (!_step(static_cast<float>(k - 1) / static_cast<float>(k + 2), meter))
             return false;
     }
@@ -297,38 +299,18 @@ DebandLevel DebandLevel::coarser(WorkMeter &meter) const
     DebandCells cells{FloatGrid(columns, rows), FloatGrid(columns, rows), {}};
     cells.valid.resize(cells.values.values.size());
     meter.rows(rows, 2 * width(), [&](int first, int end) {
-        for (int y = first; y < end; ++y)
-            _joinBlocks(y, cells);
+        BlockJoiner joiner(width());
+        for (int y = first; y < end; ++y) {
+            const int above = 2 * y;
+            const int below = std::min(2 * y + 1, height() - 1);
+            uint8_t *valid = cells.valid.data() + static_cast<size_t>(y) * cells.values.columns();
+            joiner.join({{m_values.row(above), m_values.row(below)},
+                         {_reach(above), _reach(below)},
+                         {_flags(above), _flags(below)}},
+                        m_limits.step, {cells.values.row(y), cells.reach.row(y), valid});
+        }
     });
     return DebandLevel(std::move(cells), m_limits, meter);
-}
-
-void DebandLevel::_joinBlocks(int row, DebandCells &coarse) const
-{
-    const std::array<int, 2> ys{2 * row, std::min(2 * row + 1, height() - 1)};
-    uint8_t *valid = coarse.valid.data() + static_cast<size_t>(row) * coarse.values.columns();
-    for (int column = 0; column < coarse.values.width; ++column) {
-        const std::array<int, 2> xs{2 * column, std::min(2 * column + 1, width() - 1)};
-        float low = std::numeric_limits<float>::lowest();
-        float high = std::numeric_limits<float>::max();
-        float least = high;
-        float most = low;
-        bool whole = true;
-        for (const int y : ys) {
-            for (const int x : xs) {
-                const float value = m_values.row(y)[x];
-                const float reach = _reach(y)[x];
-                low = std::max(low, value - reach);
-                high = std::min(high, value + reach);
-                least = std::min(least, value);
-                most = std::max(most, value);
-                whole = whole && _flags(y)[x];
-            }
-        }
-        coarse.values.row(row)[column] = 0.5F * (low + high);
-        coarse.reach.row(row)[column] = std::max(0.5F * (high - low), 0.25F * (most - least));
-        valid[column] = whole && most - least <= m_limits.step;
-    }
 }
 
 bool DebandLevel::beginFrom(const DebandLevel &coarse, WorkMeter &meter)

@@ -51,8 +51,6 @@ public:
 private:
     void _markDifferences(WorkMeter &meter);
     bool _step(float momentum, WorkMeter &meter);
-    /// The coarse cells of one row.
-    void _joinBlocks(int row, DebandCells &coarse) const;
     const uint8_t *_flags(int y) const;
     const float *_reach(int y) const { return m_reach.row(m_reach.height > 1 ? y : 0); }
 
