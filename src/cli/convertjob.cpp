@@ -53,8 +53,10 @@ std::vector<CommandOption> optionsFor(ConvertJob &job)
     options.push_back({QStringLiteral("--size"), QStringLiteral("WxH"),
                        QStringLiteral("Resamples to this many cells."),
                        [&job](const QString &text) { return parseSize(text, job); }});
-    options.push_back({QStringLiteral("--z-scale"), QStringLiteral("Z"),
-                       QStringLiteral("Factor on all heights, above 0."),
+    options.push_back({QStringLiteral("--z-scale"),
+                       QStringLiteral("%1..%2").arg(QString::number(zScaleRange.minimum, 'f', 6),
+                                                    QString::number(zScaleRange.maximum, 'f', 0)),
+                       QStringLiteral("Factor on all heights."),
                        [&job](const QString &text) { return parseZScale(text, job); }});
     options.push_back({QStringLiteral("--author"), QStringLiteral("NAME"),
                        QStringLiteral("Who made the pattern (.ptr)."), [&job](const QString &text) {

@@ -2,12 +2,16 @@
 
 #include "files/formats.h"
 
+#include <QFileInfo>
+
 namespace marlowen {
 
 QImage fileThumbnail(const QString &path, int side)
 {
     const Format *format = formatOf(path);
-    return format && format->thumbnail ? format->thumbnail(path, side) : QImage();
+    // A pipe or a device would hold up the window.
+    return format && format->thumbnail && QFileInfo(path).isFile() ? format->thumbnail(path, side)
+                                                                   : QImage();
 }
 
 } // namespace marlowen

@@ -3,13 +3,16 @@
 #include "files/safefile.h"
 #include "files/stlframe.h"
 #include "relief/grid/cellcode.h"
+#include "relief/grid/heightscan.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 
 #include <QDataStream>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace marlowen {
 
@@ -226,8 +229,20 @@ bool writeMeshStl(QDataStream &stream, const std::vector<StlFacet> &facets,
     return isOk(stream);
 }
 
+Outcome heightsFitMeshes(const Relief &relief)
+{
+    const HeightRange range =
+        scanHeights({relief.heights().constData(), static_cast<size_t>(relief.cells())});
+    const double farthest = std::max(std::abs(range.minimum), std::abs(range.maximum));
+    if (farthest * std::abs(relief.zScale) / cellsPerInch <= std::numeric_limits<float>::max())
+        return {};
+    return saveFailed(QStringLiteral("heights times Z scale are too large for a mesh"));
+}
+
 Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progress)
 {
+    if (const Outcome fits = heightsFitMeshes(relief); !fits)
+        return fits;
     return writeSafely(path, [&relief, progress](QIODevice &device) {
         QDataStream stream(&device);
         return writeGridStl(stream,

@@ -36,6 +36,9 @@ bool writeGridStl(QDataStream &stream, const StlGrid &grid);
 bool writeMeshStl(QDataStream &stream, const std::vector<StlFacet> &facets,
                   const QByteArray &header);
 
+/// Fails with "Save Failed" when a height times the Z scale is beyond the numbers of a mesh file.
+Outcome heightsFitMeshes(const Relief &relief);
+
 /// The relief at full resolution, its Z scale applied. Fails with "Save Failed"; the file that was
 /// there stays. `progress` may be null.
 Outcome exportGridStl(const Relief &relief, const QString &path, Progress *progress = nullptr);

@@ -136,6 +136,18 @@ void CenterArea::refresh()
     m_flatWin->refresh();
 }
 
+void CenterArea::toggleAlone()
+{
+    const QList<int> sizes = m_splitter->sizes();
+    const bool alone = sizes.contains(0);
+    if (alone && m_sizesOfBoth.isEmpty())
+        m_sizesOfBoth = {600, 400};
+    if (!alone)
+        m_sizesOfBoth = sizes;
+    const bool flat = m_flatWin->hasFocus();
+    m_splitter->setSizes(alone ? m_sizesOfBoth : QList<int>{flat ? 0 : 1, flat ? 1 : 0});
+}
+
 void CenterArea::bringForward(View view)
 {
     const QList<int> sizes = m_splitter->sizes();

@@ -53,6 +53,8 @@ public:
     void fit();
     /// The tool's footprint looks different.
     void refresh();
+    /// Shows the view that has the keyboard alone (else the 3D view), or both again.
+    void toggleAlone();
     /// Gives a hidden view half of the room; otherwise the splitter stays as it is.
     void bringForward(View view);
 
@@ -63,6 +65,7 @@ private:
     StartPage *m_startPage;
     RecoveryPage *m_recoveryPage;
     QSplitter *m_splitter;
+    QList<int> m_sizesOfBoth; ///< before one view was shown alone
     SculptWin *m_sculptWin;
     FlatWin *m_flatWin;
     FacetWin *m_facetWin;

@@ -11,6 +11,8 @@ namespace marlowen {
 namespace {
 
 constexpr int stripWidth = 30;
+/// In narrower windows docks open narrower, so that the views keep their share.
+constexpr int roomyWindow = 1400;
 
 } // namespace
 
@@ -43,8 +45,7 @@ void CollapsibleDock::setContent(QWidget *content, int width)
 {
     m_content = content;
     m_openWidth = width;
-    const int narrowest = content->minimumSizeHint().width(); // below it controls are cut off
-    content->setMinimumWidth(qMax(narrowest, qMin(width, content->sizeHint().width())));
+    content->setMinimumWidth(content->minimumSizeHint().width()); // below it controls are cut off
     setWidget(content);
 }
 
@@ -72,8 +73,11 @@ void CollapsibleDock::fold(int openWidth)
 
 void CollapsibleDock::takeOpenWidth()
 {
-    if (auto *window = qobject_cast<QMainWindow *>(parentWidget()); window && !m_collapsed)
-        window->resizeDocks({this}, {m_openWidth}, Qt::Horizontal);
+    auto *window = qobject_cast<QMainWindow *>(parentWidget());
+    if (!window || m_collapsed)
+        return;
+    const int share = m_openWidth * window->width() / roomyWindow;
+    window->resizeDocks({this}, {qMin(m_openWidth, share)}, Qt::Horizontal);
 }
 
 /// The arrow points where the panel goes.

@@ -13,8 +13,8 @@
 #include "ui/controllers/openablefiles.h"
 #include "ui/help/whatsthis.h"
 #include "ui/keyrouter.h"
-#include "ui/modelstage.h"
 #include "ui/library/patternpanel.h"
+#include "ui/modelstage.h"
 #include "ui/pages/sizepage.h"
 #include "ui/pages/toolspage.h"
 #include "ui/panels/importpanel.h"
@@ -25,6 +25,7 @@
 #include "ui/ribbon/ribbonbar.h"
 #include "ui/startpage.h"
 #include "ui/statusline.h"
+#include "ui/viewmenu.h"
 #include "ui/windowconnections.h"
 #include "ui/windowlayout.h"
 #include "ui/windowservices.h"
@@ -66,6 +67,7 @@ MainWindow::MainWindow(QWidget *parent)
           m_bench, {m_docks.panels->toolPanel(), m_toolActions, m_pages.tools, m_pages.edit}, this))
     , m_edits(new EditController(m_bench, {m_pages.size, m_pages.edit}, this))
     , m_place(new PlaceController(m_bench, {m_docks.patterns, m_docks.place, flatWin()}, this))
+    , m_selections(new SelectionController(m_bench, m_pages.edit, this))
     , m_import(new ImportController(m_bench, m_docks.panels->importPanel(), this))
     , m_models(new ModelController(m_bench, {m_pages.orient, m_center->facetWin()}, this))
 {
@@ -119,12 +121,17 @@ void MainWindow::_connectViews()
         connect(view, &ReliefView::toolSizeUpdated, this, &MainWindow::toolSizeUpdated);
         connect(view, &ReliefView::toolStrengthUpdated, this, &MainWindow::toolStrengthUpdated);
         connect(view, &ReliefView::sampleChanged, this, &MainWindow::sampleChanged);
+        view->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(view, &QWidget::customContextMenuRequested, this,
+                [this, view](QPoint at) { _offerMenu(*view, at); });
     }
     connect(sculptWin(), &ReliefView::cameraChanged, this, &MainWindow::showExtent);
     connect(flatWin(), &FlatWin::cropChanged, this, &MainWindow::setupControls);
     connect(flatWin(), &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
     connect(m_center->facetWin(), &FacetWin::statusChanged, this, &MainWindow::setStatus);
     StartPage *start = m_center->startPage();
+    start->offerMaterials(!LookController::materialWasChosen());
+    connect(start, &StartPage::MaterialClicked, this, &MainWindow::chooseMaterial);
     connect(start, &StartPage::BackClicked, m_center, &CenterArea::leaveStartPage);
     connect(start, &StartPage::NewClicked, this, &MainWindow::newRelief);
     connect(start, &StartPage::OpenClicked, this, &MainWindow::chooseFileToOpen);
@@ -145,12 +152,21 @@ void MainWindow::_connectWorkbench()
     connect(m_models, &ModelController::shownChanged, this, &MainWindow::_modelShown);
     connect(m_exports, &ExportController::said, this, &MainWindow::_say);
     connect(m_services, &WindowServices::said, this, &MainWindow::_say);
+    connect(m_selections, &SelectionController::said, this, &MainWindow::_say);
     connect(m_exports, &ExportController::handedOver, this, &MainWindow::_saveLayout);
     connect(m_place, &PlaceController::said, this, &MainWindow::_say);
     connect(m_place, &PlaceController::placingChanged, this, &MainWindow::_placingChanged);
     connect(m_docks.patterns, &PatternPanel::openWanted, m_files, &FileController::openFile);
     connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
     connect(m_tool, &ToolController::chosen, this, &MainWindow::setupControls);
+}
+
+/// With Ctrl the right button turns the relief.
+void MainWindow::_offerMenu(ReliefView &view, QPoint position)
+{
+    const bool turning = QGuiApplication::keyboardModifiers() & Qt::ControlModifier;
+    if (m_bench.relief() && !m_bench.engine().stroking() && !turning)
+        showViewMenu(*this, view, position);
 }
 
 bool MainWindow::openFile(const QString &path, int)
@@ -295,12 +311,24 @@ void MainWindow::_modelShown()
 
 void MainWindow::_stepDone(const Step &step)
 {
+    if (step.kind == Step::Undo || step.kind == Step::Redo)
+        _nameStep(step);
     if (step.kind != Step::Accept)
         return;
     m_edits->startSize();
     m_docks.panels->showToolTab();
     sculptWin()->setFocus();
     _showRelief();
+}
+
+/// In the status bar: what was taken back or done again.
+void MainWindow::_nameStep(const Step &step)
+{
+    if (step.events.empty())
+        return;
+    const QByteArray name = step.events.back()->name.toLatin1();
+    const QString text = step.kind == Step::Undo ? tr("Undone: %1") : tr("Done again: %1");
+    _say(text.arg(QCoreApplication::translate("Commands", name.constData())), 4000);
 }
 
 void MainWindow::_filesChanged()
@@ -317,6 +345,7 @@ void MainWindow::setupControls()
     m_services->setupControls();
     m_exports->setupControls(*m_commands);
     m_tool->setupControls();
+    m_selections->setupControls(*m_commands);
     m_edits->setupControls(*m_commands, !flatWin()->cropOutline().isEmpty());
     m_place->setupControls(*m_commands);
     m_center->setReason(reason);
@@ -391,6 +420,11 @@ void MainWindow::tabActivated(int page)
         m_center->bringForward(CenterArea::View3d);
 }
 
+void MainWindow::toggleViewAlone()
+{
+    m_center->toggleAlone();
+}
+
 void MainWindow::applyCrop()
 {
     if (m_edits->applyCrop(flatWin()->cropOutline()))
@@ -399,7 +433,7 @@ void MainWindow::applyCrop()
 
 void MainWindow::selectionModifierChanged(SelectionModifier modifier)
 {
-    m_bench.engine().setSelectionModifier(modifier);
+    sculptWin()->setSelectionModifier(modifier);
     flatWin()->setSelectionModifier(modifier);
 }
 

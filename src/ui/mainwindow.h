@@ -7,6 +7,7 @@
 #include "ui/controllers/lookcontroller.h"
 #include "ui/controllers/modelcontroller.h"
 #include "ui/controllers/placecontroller.h"
+#include "ui/controllers/selectioncontroller.h"
 #include "ui/controllers/toolcontroller.h"
 #include "ui/ribbon/ribbonmainwindow.h"
 #include "ui/windowparts.h"
@@ -22,6 +23,7 @@ class CenterArea;
 class CommandSet;
 class FlatWin;
 class ModelStage;
+class ReliefView;
 class SculptWin;
 class StatusLine;
 class WindowServices;
@@ -63,6 +65,7 @@ public:
     FlatWin *flatWin() const;
     ExportController &exports() { return *m_exports; }
     EditController &edits() { return *m_edits; }
+    SelectionController &selections() { return *m_selections; }
 
 public slots:
     /// Opens the file given to setImportFile().
@@ -122,7 +125,6 @@ public slots:
     void applyCrop();
     void clearMaskClicked() { m_edits->run("maskClear"); }
     void invertMaskClicked() { m_edits->run("maskInvert"); }
-    void selectNoneClicked() { m_edits->selectNone(); }
     void selectionModifierChanged(SelectionModifier modifier);
     void sampleChanged(double) { m_edits->showSample(); }
     void unitChanged();
@@ -141,6 +143,8 @@ public slots:
     void quantizationChanged(double levels) { m_look->setQuantization(levels); }
     void cursorSizeChanged(int index) { m_look->setPointer(index); }
     void switchTheme() { m_look->switchTheme(); }
+    void legacyChosen(bool on) { m_look->setLegacy(on); }
+    void toggleViewAlone();
 
 protected:
     bool event(QEvent *event) override;
@@ -158,6 +162,8 @@ private:
     void _reliefReplaced();
     void _modelShown();
     void _stepDone(const Step &step);
+    void _nameStep(const Step &step);
+    void _offerMenu(ReliefView &view, QPoint position);
     void _filesChanged();
     void _placingChanged();
     void _showRelief();
@@ -178,6 +184,7 @@ private:
     ToolController *m_tool;
     EditController *m_edits;
     PlaceController *m_place;
+    SelectionController *m_selections;
     ImportController *m_import;
     ModelController *m_models;
     std::unique_ptr<ModelStage> m_stage;

@@ -3,8 +3,10 @@
 #include "base/qevsettings.h"
 #include "base/version.h"
 #include "files/filethumbnail.h"
+#include "render/light/materials.h"
 #include "ui/controllers/openablefiles.h"
 #include "ui/icons.h"
+#include "ui/materialgallery.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -30,6 +32,7 @@ constexpr int thumbnailSide = 128;
 constexpr QSize cardSize(160, 172);
 constexpr int gap = 12;
 constexpr int margin = 32;
+constexpr int mostMaterialColumns = 12;
 
 /// The picture on a square, so that the names below stand in one line; twice as fine as it is
 /// shown, for dense screens.
@@ -111,6 +114,8 @@ void StartPage::_arrange()
     column->addWidget(m_samplesHeading);
     column->addLayout(m_sampleGrid);
     _addSamples();
+    column->addSpacing(gap);
+    column->addWidget(_materials());
     column->addStretch(1);
     column->addWidget(m_startup);
 
@@ -168,6 +173,26 @@ QWidget *StartPage::_head()
     grid->addLayout(buttons, 1, 1);
     grid->setColumnStretch(1, 1);
     return head;
+}
+
+QWidget *StartPage::_materials()
+{
+    m_materials = new QWidget;
+    auto *column = new QVBoxLayout(m_materials);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(heading(tr("What shall reliefs look made of?")));
+    m_gallery = new MaterialGallery(presetMaterials(), 1);
+    column->addWidget(m_gallery, 0, Qt::AlignLeft);
+    connect(m_gallery, &MaterialGallery::chosen, this, [this](const QString &name) {
+        emit MaterialClicked(name);
+        m_materials->hide();
+    });
+    return m_materials;
+}
+
+void StartPage::offerMaterials(bool offer)
+{
+    m_materials->setVisible(offer);
 }
 
 QToolButton *StartPage::_card(const QString &path, const QString &name)
@@ -231,6 +256,7 @@ void StartPage::refresh()
 void StartPage::_placeCards(QGridLayout *grid, const QList<QToolButton *> &cards)
 {
     const int room = width() - 2 * margin;
+    m_gallery->setColumns(qMin(MaterialGallery::columnsFor(room), mostMaterialColumns));
     const int columns = qMax(1, (room + gap) / (cardSize.width() + gap));
     for (int i = 0; i < cards.size(); ++i) {
         grid->removeWidget(cards[i]);

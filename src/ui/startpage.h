@@ -12,6 +12,8 @@ class QToolButton;
 
 namespace marlowen {
 
+class MaterialGallery;
+
 /// The first thing a person sees: new, open, the recent files and the samples with pictures of what
 /// is in them.
 /// Pictures are read one a turn of the event loop once the page is shown. Files that are gone are
@@ -28,6 +30,8 @@ public:
 
     /// Whether "Back" is offered, which leads to the relief that is open.
     void setBack(bool on);
+    /// Whether the materials are offered, as long as none was ever chosen.
+    void offerMaterials(bool offer);
     /// Reads the recent files again; done by itself whenever the page is shown.
     void refresh();
 
@@ -36,6 +40,7 @@ signals:
     void OpenClicked();
     void RecentClicked(const QString &path);
     void BackClicked();
+    void MaterialClicked(const QString &name);
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -44,6 +49,7 @@ protected:
 private:
     void _arrange();
     QWidget *_head();
+    QWidget *_materials();
     QToolButton *_card(const QString &path, const QString &name);
     void _placeCards(QGridLayout *grid, const QList<QToolButton *> &cards);
     void _addSamples();
@@ -55,6 +61,8 @@ private:
     QLabel *m_samplesHeading = nullptr;
     QCheckBox *m_startup = nullptr;
     QPushButton *m_back = nullptr;
+    QWidget *m_materials = nullptr;
+    MaterialGallery *m_gallery = nullptr;
     QList<QToolButton *> m_cards; ///< in the order of the recent files
     QList<QToolButton *> m_samples;
     QList<QToolButton *> m_waiting; ///< for their pictures

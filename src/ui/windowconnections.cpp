@@ -41,13 +41,14 @@ void connectCommands(MainWindow &window, const ToolActions &tools, const RecentF
     on("exportPtr", &MainWindow::exportPtrFile);
     on("sendToDrafteon", &MainWindow::exportToDrafteon);
     on("cropApply", &MainWindow::applyCrop);
-    on("selectNone", &MainWindow::selectNoneClicked);
     on("materialClone", &MainWindow::cloneOkClicked);
     on("materialDelete", &MainWindow::deleteCancelClicked);
     on("theme", &MainWindow::switchTheme);
     on("smaller", [&window] { window.sculptWin()->brushSizeStep(0); });
     on("larger", [&window] { window.sculptWin()->brushSizeStep(1); });
+    on("viewAlone", &MainWindow::toggleViewAlone);
     window.edits().connectCommands(commands);
+    window.selections().connectCommands(commands);
     QObject::connect(&tools, &ToolActions::chosen, &window, &MainWindow::toolChanged);
     for (QAction *action : recent.actions())
         QObject::connect(action, &QAction::triggered, &window, &MainWindow::openRecentFile);
@@ -70,6 +71,7 @@ void connectPages(MainWindow &window, const WindowPages &pages)
     on(pages.viewSettings, &View::colorOffsetChanged, &MainWindow::colorOffsetChanged);
     on(pages.viewSettings, &View::quantizationChanged, &MainWindow::quantizationChanged);
     on(pages.viewSettings, &View::pointerChosen, &MainWindow::cursorSizeChanged);
+    on(pages.viewSettings, &View::legacyChosen, &MainWindow::legacyChosen);
     on(pages.size, &SizePage::sizeWanted, &MainWindow::sizeWanted);
     on(pages.size, &SizePage::unitChanged, &MainWindow::unitChanged);
     on(pages.tools, &ToolsPage::limitChanged, &MainWindow::ceilingOrFloorChanged);
@@ -106,6 +108,7 @@ void connectDocks(MainWindow &window, const WindowDocks &docks)
     on(&ToolPanel::InvertChanged, &MainWindow::invertChanged);
     on(&ToolPanel::AlphaModeChanged, &MainWindow::alphaChanged);
     on(&ToolPanel::AlphaRepeatChanged, &MainWindow::alphaChanged);
+    on(&ToolPanel::AlphaTurned, &MainWindow::alphaChanged);
     ImportPanel *import = docks.panels->importPanel();
     QObject::connect(import, &ImportPanel::AcceptClicked, &window, &MainWindow::acceptClicked);
     QObject::connect(import, &ImportPanel::DepthChosen, &window, &MainWindow::depthChosen);

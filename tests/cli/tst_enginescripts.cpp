@@ -80,6 +80,7 @@ private slots:
     void historySteps();
     void wholeReliefSteps();
     void alphaImage();
+    void thirdNumberOfAPointIsItsPressure();
     void newReliefStartsFresh();
     void patternIsPlaced();
 };
@@ -386,6 +387,22 @@ void TestEngineScripts::patternIsPlaced()
     QVERIFY(QFile::resize(file, 100));
     QVERIFY(script.run({place.arg(file, R"("angle":90)")}).contains(u"damaged"));
     QCOMPARE(valuesOf(script.relief().heights()), expected);
+}
+
+void TestEngineScripts::thirdNumberOfAPointIsItsPressure()
+{
+    const auto raised = [](const char *pressure) {
+        Script script;
+        script.run({fresh, R"({"do":"tool","type":"Deposit"})",
+                    QStringLiteral(R"({"do":"stroke","points":[[0,0%1]]})")
+                        .arg(QLatin1String(pressure))});
+        return script.relief().heightAt(3, 2) - 2.0F;
+    };
+    const float full = raised("");
+    QVERIFY(full > 0.0F);
+    QCOMPARE(raised(",1"), full);
+    QCOMPARE(raised(",0.5"), full / 2.0F);
+    QCOMPARE(raised(",0"), 0.0F);
 }
 
 void TestEngineScripts::newReliefStartsFresh()

@@ -12,6 +12,7 @@ class TestFlatShapes : public QObject
 
 private slots:
     void rectanglesCombine();
+    void shiftAddsAndAltTakesAway();
     void polygonClosesBy_data();
     void polygonClosesBy();
     void polygonTakesCornersBack();
@@ -46,6 +47,23 @@ void TestFlatShapes::rectanglesCombine()
     stage.key(Qt::Key_Escape);
     stage.release(stage.at(100, 50));
     QCOMPARE(changed.count(), 3);
+}
+
+void TestFlatShapes::shiftAddsAndAltTakesAway()
+{
+    Stage stage(Tool::Rectangle);
+    const auto dragWith = [&](Qt::KeyboardModifier key, QPoint from, QPoint to) {
+        QTest::mousePress(&stage.view, Qt::LeftButton, key, from);
+        stage.moveTo(to);
+        QTest::mouseRelease(&stage.view, Qt::LeftButton, {}, to);
+    };
+    stage.drag(stage.at(20.5, 60.5), stage.at(39.5, 41.5));
+    dragWith(Qt::ShiftModifier, stage.at(80.5, 20.5), stage.at(89.5, 20.6));
+    QCOMPARE(selectedCells(*stage.relief), 400 + 10);
+    dragWith(Qt::AltModifier, stage.at(80.5, 20.5), stage.at(84.5, 20.6));
+    QCOMPARE(selectedCells(*stage.relief), 400 + 5);
+    stage.drag(stage.at(80.5, 20.5), stage.at(84.5, 20.6));
+    QCOMPARE(selectedCells(*stage.relief), 5);
 }
 
 void TestFlatShapes::polygonClosesBy_data()

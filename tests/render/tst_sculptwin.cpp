@@ -363,7 +363,9 @@ private slots:
         b->view.setParent(&frame);
         b->view.show();
         QTRY_VERIFY(b->view.isValid());
-        QCOMPARE(b->paint(), before);
+        // But for the frame that a view with the keyboard has.
+        const QRect inside = before.rect().adjusted(2, 2, -2, -2);
+        QCOMPARE(b->paint().copy(inside), before.copy(inside));
         b->drag({b->centre(), b->centre() + QPoint(20, 0)});
         QCOMPARE(b->undo.count(), 1);
         b->view.setParent(nullptr);

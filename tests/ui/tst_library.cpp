@@ -121,6 +121,45 @@ private slots:
         QVERIFY(!AlphaBrush::instance().loaded());
     }
 
+    void pictureIsHeldAsItIsSeen_data()
+    {
+        QTest::addColumn<bool>("mirrored");
+        QTest::addColumn<int>("turns");
+        QTest::addColumn<QPoint>("bright");
+        // Rows of the brush run up the screen.
+        QTest::newRow("as it is") << false << 0 << QPoint(0, 3);
+        QTest::newRow("mirrored") << true << 0 << QPoint(3, 3);
+        QTest::newRow("turned") << false << 1 << QPoint(3, 3);
+        QTest::newRow("mirrored, then turned") << true << 1 << QPoint(3, 0);
+        QTest::newRow("turned back") << false << 3 << QPoint(0, 0);
+    }
+
+    void pictureIsHeldAsItIsSeen()
+    {
+        QFETCH(bool, mirrored);
+        QFETCH(int, turns);
+        QFETCH(QPoint, bright);
+        QImage corner = picture(4, 4, qRgb(0, 0, 0));
+        corner.setPixel(0, 0, qRgb(255, 255, 255));
+        const QString path = alphaFolder() + QStringLiteral("/corner.png");
+        QVERIFY(corner.save(path) && chooseAlpha(path));
+        setAlphaOrientation({mirrored, turns});
+        const auto cell = static_cast<size_t>(bright.y() * 4 + bright.x());
+        QCOMPARE(AlphaBrush::instance().values()[cell], 1.0F);
+        setAlphaOrientation({});
+    }
+
+    void ownPicturesAreRenamed()
+    {
+        const QString path = alphaFolder() + QStringLiteral("/one.png");
+        QVERIFY(picture(4, 4, qRgb(9, 9, 9)).save(path));
+        QVERIFY(!renameAlphaPicture(path, QStringLiteral("a/b")));
+        QVERIFY(!renameAlphaPicture(path, QStringLiteral("one")));
+        const Result<QString> renamed = renameAlphaPicture(path, QStringLiteral(" two "));
+        QVERIFY(renamed && QFile::exists(renamed.value()) && !QFile::exists(path));
+        QCOMPARE(QFileInfo(renamed.value()).fileName(), QStringLiteral("two.png"));
+    }
+
     void searchFindsByPartOfTheName()
     {
         auto *search = m_panel->findChild<QLineEdit *>();

@@ -71,6 +71,22 @@ void TestWindowCommands::selectionAndCrop()
     click("selectNone");
     QVERIFY(!relief().selectionActive);
     QVERIFY(!commands["selectNone"]->isEnabled());
+    const auto selected = [this] {
+        const float *cells = relief().selectionLayer().constData();
+        return std::count(cells, cells + side * side, 1.0F);
+    };
+    click("reselect");
+    const auto drawn = selected();
+    click("selectGrow");
+    QVERIFY(drawn > 0 && selected() > drawn);
+    click("selectShrink");
+    QCOMPARE(selected(), drawn);
+    click("selectInvert");
+    QCOMPARE(selected(), side * side - drawn);
+    click("selectAll");
+    click("selectInvert");
+    QCOMPARE(selected(), side * side); // nothing would be left
+    click("selectNone");
 
     click("crop_tool");
     QVERIFY(!commands["cropApply"]->isEnabled());
@@ -100,6 +116,15 @@ void TestWindowCommands::views()
     QCOMPARE(bench().tool.size, size + 0.01);
     QTest::keyClick(m_window.get(), Qt::Key_BracketLeft);
     QCOMPARE(bench().tool.size, size);
+
+    auto *splitter = child<QSplitter>("CentralSplitter");
+    click("viewAlone");
+    QVERIFY(splitter->sizes().contains(0));
+    click("viewAlone");
+    QVERIFY(!splitter->sizes().contains(0));
+    child<QCheckBox>("legacyDrawing")->setChecked(true);
+    view.repaint();
+    QVERIFY(QevSettings().useLegacyShader() && view.message().isEmpty());
 }
 
 void TestWindowCommands::materialsAndTheme()

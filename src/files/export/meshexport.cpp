@@ -185,6 +185,8 @@ std::optional<ReductionGoal> reductionGoal(const Relief &relief, const ExportOpt
 Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options,
                               const MeshTarget &target)
 {
+    if (const Outcome fits = heightsFitMeshes(relief); !fits)
+        return fits.failure();
     const std::optional<ReductionGoal> goal = reductionGoal(relief, options);
     if (!goal)
         return writeFull(relief, options, target);

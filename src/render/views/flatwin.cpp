@@ -84,6 +84,12 @@ std::unique_ptr<Shader> FlatWin::createShader(bool legacy)
     return std::unique_ptr<Shader>(ShaderFactory::getShader(Shader2d));
 }
 
+void FlatWin::prepareGL(QOpenGLFunctions_2_1 &gl)
+{
+    ReliefView::prepareGL(gl);
+    m_ants.setSlow(slowDriver());
+}
+
 void FlatWin::fillVertices(ReliefMesh &mesh, const QRect &vertices)
 {
     const HeightRange range = heightRange();
@@ -228,7 +234,7 @@ void FlatWin::_shapeChanged()
 
 void FlatWin::_finishShape()
 {
-    const SelectionEdit edit = m_shape.selection(m_modifier);
+    const SelectionEdit edit = m_shape.selection(modifierFor(m_shapeKeys));
     m_shape.cancel();
     emit shapeDrawn(edit);
 }
@@ -268,20 +274,16 @@ void FlatWin::mousePressEvent(QMouseEvent *event)
     } else if (m_shape.usable() && !canEdit()) {
         showReason();
     } else if (m_shape.usable()) {
+        if (!m_shape.active())
+            m_shapeKeys = {};
+        m_shapeKeys |= event->modifiers();
         m_shape.press(_gridAt(event->position()), _pixelInCells());
         _shapeChanged();
     } else if (actsHere(tool().type)) {
-        _pressEngine(event);
+        ReliefView::mousePressEvent(event);
     } else {
         event->ignore();
     }
-}
-
-void FlatWin::_pressEngine(QMouseEvent *event)
-{
-    if (engine())
-        engine()->setSelectionModifier(m_modifier);
-    ReliefView::mousePressEvent(event);
 }
 
 void FlatWin::mouseMoveEvent(QMouseEvent *event)
@@ -305,6 +307,7 @@ void FlatWin::mouseReleaseEvent(QMouseEvent *event)
         ReliefView::mouseReleaseEvent(event);
         return;
     }
+    m_shapeKeys |= event->modifiers();
     if (canEdit() && m_shape.release(_gridAt(event->position()), _pixelInCells()))
         _finishShape();
     _shapeChanged();
@@ -317,6 +320,7 @@ void FlatWin::mouseDoubleClickEvent(QMouseEvent *event)
         return;
     }
     const QPointF at = _gridAt(event->position());
+    m_shapeKeys |= event->modifiers();
     if (m_shape.close())
         _finishShape();
     else if (m_shape.holdAt(at, _pixelInCells()) == ShapeGesture::Inside)
@@ -354,6 +358,7 @@ void FlatWin::keyPressEvent(QKeyEvent *event)
         ReliefView::keyPressEvent(event);
         return;
     }
+    m_shapeKeys |= event->modifiers();
     if (event->key() == Qt::Key_Escape)
         m_shape.cancel();
     else if (event->key() == Qt::Key_Backspace)

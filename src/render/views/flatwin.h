@@ -16,8 +16,9 @@ namespace marlowen {
 /// Left button: what the tool does here. Rectangle and Elliptical are dragged. Polygon is clicked
 /// corner by corner; a double-click, Enter or a click on the first corner closes it, Backspace
 /// takes the last corner back. Crop is dragged and then adjusted by its edges, corners and inside.
-/// Esc forgets a shape. Magic, Sample, Fill, Height brush and Erase go through the stroke engine.
-/// Other tools do nothing here. Middle button: pan. Wheel as in the 3D view.
+/// Esc forgets a shape; Shift adds it to the selection, Alt takes it away. Magic, Sample, Fill,
+/// Height brush and Erase go through the stroke engine. Other tools do nothing here. Middle button:
+/// pan. Wheel as in the 3D view.
 class FlatWin : public ReliefView
 {
     Q_OBJECT
@@ -31,10 +32,6 @@ public:
 
     double quantization() const { return m_quantization; }
     double colorOffset() const { return m_colorOffset; }
-
-    /// How the next shape or magic selection meets the selection that is there.
-    void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
-    SelectionModifier selectionModifier() const { return m_modifier; }
 
     /// The corners of the crop box as cropApply() takes them (stroke points); empty without a box.
     QList<QPointF> cropOutline() const;
@@ -77,6 +74,7 @@ signals:
 protected:
     std::unique_ptr<Shader> createShader(bool legacy) override;
     bool hasNormals() const override { return false; }
+    void prepareGL(QOpenGLFunctions_2_1 &gl) override;
     void fillVertices(ReliefMesh &mesh, const QRect &vertices) override;
     void configureShader(Shader &shader) override;
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
@@ -96,7 +94,6 @@ private:
     void _checkRange();
     bool _shapeInSync() const;
     void _syncTool();
-    void _pressEngine(QMouseEvent *event);
     void _shapeChanged();
     void _finishShape();
     void _drawShape(QOpenGLFunctions_2_1 &gl);
@@ -112,7 +109,7 @@ private:
 
     double m_quantization = 64.0;
     double m_colorOffset = 0.0;
-    SelectionModifier m_modifier = SelectionModifier::Normal;
+    Qt::KeyboardModifiers m_shapeKeys; ///< held while the shape is drawn
     ShapeGesture m_shape;
     PlaceGesture *m_place = nullptr;
     OutlinePainter m_shapePainter;

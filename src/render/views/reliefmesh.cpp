@@ -73,13 +73,11 @@ inline void writePosition(const VertexRun &run, int i, int column)
 }
 
 // All cells of the run have a left and a right neighbour.
-template <bool EveryCell>
-inline void writeInner(const VertexRun &run)
+CELL_LOOP void writeEveryCell(const VertexRun &run)
 {
     const float sixth = run.scale / 6.0F;
-    const int step = EveryCell ? 1 : run.step;
     for (int i = 0; i < run.count; ++i) {
-        const int c = run.column + i * step;
+        const int c = run.column + i;
         writePosition(run, i, c);
         writeNormal({run.row[c - 1], run.row[c + 1], run.above[c], run.below[c], run.above[c - 1],
                      run.below[c + 1]},
@@ -87,14 +85,73 @@ inline void writeInner(const VertexRun &run)
     }
 }
 
-CELL_LOOP void writeEveryCell(const VertexRun &run)
+// First and last of the `step` cells around one, not beyond 0..size - 1.
+struct Block
 {
-    writeInner<true>(run);
-}
+    Block(int cell, int step, int size)
+        : first(std::max(cell - step / 2, 0))
+        , last(std::min(cell - step / 2 + step - 1, size - 1))
+    {
+    }
 
-void writeStepped(const VertexRun &run)
+    int first;
+    int last;
+};
+
+// The mean slopes of a block follow from the cells along its border: those between cancel out.
+class BlockSlopes
 {
-    writeInner<false>(run);
+public:
+    BlockSlopes(const Relief &relief, const VertexRun &run)
+        : m_heights(heightView(relief))
+        , m_step(run.step)
+        , m_scale(run.scale)
+    {
+    }
+
+    void write(int column, int row, float *normal) const
+    {
+        const Block c(column, m_step, m_heights.width);
+        const Block r(row, m_step, m_heights.height);
+        const float cells = static_cast<float>((c.last - c.first + 1) * (r.last - r.first + 1));
+        float alongX = 0.0F;
+        for (int y = r.first; y <= r.last; ++y)
+            alongX +=
+                fall(cell(c.first - 1, y), cell(c.first, y), cell(c.last, y), cell(c.last + 1, y));
+        float alongY = 0.0F;
+        for (int x = c.first; x <= c.last; ++x)
+            alongY +=
+                fall(cell(x, r.first - 1), cell(x, r.first), cell(x, r.last), cell(x, r.last + 1));
+        normal[0] = alongX * m_scale / (2.0F * cells);
+        normal[1] = alongY * m_scale / (2.0F * cells);
+        normal[2] = 1.0F;
+    }
+
+private:
+    static float fall(float before, float first, float last, float after)
+    {
+        return before + first - last - after;
+    }
+    float cell(int column, int row) const
+    {
+        const int x = std::clamp(column, 0, m_heights.width - 1);
+        const int y = std::clamp(row, 0, m_heights.height - 1);
+        return m_heights.values[static_cast<qsizetype>(y) * m_heights.width + x];
+    }
+
+    GridView m_heights;
+    int m_step;
+    float m_scale;
+};
+
+void writeStepped(const VertexRun &run, const Relief &relief, int row)
+{
+    const BlockSlopes slopes(relief, run);
+    for (int i = 0; i < run.count; ++i) {
+        const int column = run.column + i * run.step;
+        writePosition(run, i, column);
+        slopes.write(column, row, run.normal + 3 * i);
+    }
 }
 
 // A cell in the first or last column; cells beyond count as the cell itself.
@@ -132,11 +189,7 @@ void writeRun(const VertexRun &run, int width)
         --end;
         writeEdge(part(run, end, 1), width);
     }
-    const VertexRun inner = part(run, first, end - first);
-    if (run.step == 1)
-        writeEveryCell(inner);
-    else
-        writeStepped(inner);
+    writeEveryCell(part(run, first, end - first));
 }
 
 const float *rowOf(const GridLayer &layer, qsizetype offset)
@@ -205,7 +258,8 @@ QRegion ReliefMesh::verticesTouchedBy(const QRegion &cells) const
 {
     QRegion result;
     for (const QRect &rect : cells) {
-        const QRect touched = rect.adjusted(-1, -1, 1, 1) & m_region;
+        const int reach = m_step / 2 + 1;
+        const QRect touched = rect.adjusted(-reach, -reach, reach, reach) & m_region;
         if (touched.isEmpty())
             continue;
         const LineSpan columns = linesIn(touched.left(), touched.right(), m_region.left(), m_step);
@@ -268,7 +322,10 @@ void fillSculptVertices(ReliefMesh &mesh, const Relief &relief, const QRect &ver
         run.y = static_cast<float>(row) - static_cast<float>(relief.height()) * 0.5F;
         run.position = mesh.positions() + 3 * vertex;
         run.normal = mesh.normals() + 3 * vertex;
-        writeRun(run, width);
+        if (run.step == 1)
+            writeRun(run, width);
+        else
+            writeStepped(run, relief, row);
         fillSelection(relief, {run.column, row, run.step, run.count}, mesh.selection() + vertex);
     }
 }

@@ -86,7 +86,8 @@ void fillSelection(const Relief &relief, const SelectionRun &run, float *out);
 /// Positions, normals and selection of a rectangle of vertices, lit in model space:
 ///  - position = (column - width / 2, row - height / 2, height * zScale);
 ///  - normal from the six neighbours that share a triangle with the cell, z 1, not of unit length;
-///    cells beyond the relief's edge count as the edge cell;
+///    of a coarser mesh from the mean slopes of the step x step cells around the vertex, so that
+///    fine detail does not sparkle; cells beyond the relief's edge count as the edge cell;
 ///  - selection as fillSelection() has it.
 void fillSculptVertices(ReliefMesh &mesh, const Relief &relief, const QRect &vertices);
 

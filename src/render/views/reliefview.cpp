@@ -263,8 +263,16 @@ void ReliefView::beginStroke(const QMouseEvent &event)
     m_strokeFrom = lastPos();
 }
 
+SelectionModifier ReliefView::modifierFor(Qt::KeyboardModifiers keys) const
+{
+    if (keys & Qt::ShiftModifier)
+        return SelectionModifier::Additive;
+    return keys & Qt::AltModifier ? SelectionModifier::Subtractive : m_modifier;
+}
+
 bool ReliefView::_startStroke(const PointerStroke::Point &press)
 {
+    m_engine->setSelectionModifier(modifierFor(press.keys));
     if (!m_stroke.begin({m_relief, m_engine, m_changes}, *m_tool, press))
         return false;
     holdDepth(true);

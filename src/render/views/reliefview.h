@@ -1,6 +1,7 @@
 #pragma once
 
 #include "relief/grid/reliefchanges.h"
+#include "relief/selection/selections.h"
 #include "relief/tools/toolparams.h"
 #include "render/views/pointerstroke.h"
 #include "render/views/reliefmesh.h"
@@ -41,6 +42,10 @@ public:
     SculptEngine *engine() const { return m_engine; }
     /// Why the pointer only looks: shown in the status line by a press that would edit.
     void setReason(const QString &reason) { m_reason = reason; }
+    /// How the next shape or magic selection meets the selection that is there. Shift adds and Alt
+    /// takes away, whatever is set here.
+    void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
+    SelectionModifier selectionModifier() const { return m_modifier; }
     /// Index in lengthUnits of the unit that the status line speaks in; inches at first.
     void setUnit(int unit);
     /// Share one with the other views of the same relief; null: the view's own.
@@ -98,6 +103,8 @@ protected:
     void invalidateVertices();
     /// The engine works on this relief.
     bool canEdit() const;
+    /// With these keys held.
+    SelectionModifier modifierFor(Qt::KeyboardModifiers keys) const;
     /// Tells why an edit is refused.
     void showReason();
     /// Heights the vertices were computed with, unscaled, as of the last full rebuild.
@@ -134,6 +141,7 @@ private:
     bool m_eraser = false;
     QString m_reason;
     int m_unit = 0;
+    SelectionModifier m_modifier = SelectionModifier::Normal;
     std::unique_ptr<FootprintPainter> m_footprint;
     bool m_verticesStale = true;
     bool m_indicesStale = true;

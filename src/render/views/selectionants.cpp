@@ -9,8 +9,14 @@ namespace marlowen {
 
 namespace {
 
-constexpr int interval = 200; ///< milliseconds
-constexpr int stride = 2;     ///< bits of the pattern a tick
+/// How the dashes travel.
+struct Pace
+{
+    int interval; ///< milliseconds
+    int stride;   ///< bits of the pattern a tick
+};
+constexpr Pace smoothPace{200, 2};
+constexpr Pace slowPace{1000, 4};
 /// More corners than this are outlined in coarser blocks: nobody sees them one by one.
 constexpr size_t mostCorners = 40000;
 
@@ -26,8 +32,15 @@ int cellsAPixel(double pixelsACell)
 SelectionAnts::SelectionAnts(QObject *parent)
     : QObject(parent)
 {
-    m_timer.setInterval(interval);
+    setSlow(false);
     connect(&m_timer, &QTimer::timeout, this, &SelectionAnts::_advance);
+}
+
+void SelectionAnts::setSlow(bool slow)
+{
+    const Pace &pace = slow ? slowPace : smoothPace;
+    m_timer.setInterval(pace.interval);
+    m_stride = pace.stride;
 }
 
 void SelectionAnts::update(QOpenGLFunctions_2_1 &gl, const Relief &relief, const QRect &region,
@@ -66,7 +79,7 @@ void SelectionAnts::release(QOpenGLFunctions_2_1 &gl)
 
 void SelectionAnts::_advance()
 {
-    m_phase = (m_phase + stride) % 16;
+    m_phase = (m_phase + m_stride) % 16;
     emit moved();
 }
 

@@ -19,6 +19,9 @@ class SelectionAnts : public QObject
 public:
     explicit SelectionAnts(QObject *parent = nullptr);
 
+    /// Without graphics hardware every step costs a picture of the whole window: the dashes then
+    /// move seldom, in larger steps.
+    void setSlow(bool slow);
     /// The selection or the shown part of the relief changed.
     void invalidate() { m_dirty = true; }
     /// Rebuilds the outline within these cells where due; starts the timer when there is an outline
@@ -46,6 +49,7 @@ private:
     QTimer m_timer;
     bool m_dirty = true;
     int m_step = 1; ///< cells that fall on one pixel
+    int m_stride;
     int m_phase = 0;
 };
 

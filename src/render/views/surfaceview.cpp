@@ -164,6 +164,19 @@ void SurfaceView::_makeShader()
     m_message = tr("The relief cannot be drawn: the graphics driver refuses the drawing programs.");
 }
 
+void SurfaceView::renewEngine()
+{
+    if (!m_gl)
+        return;
+    makeCurrent();
+    m_shader.reset();
+    _makeShader();
+    if (m_shader)
+        prepareGL(*m_gl);
+    doneCurrent();
+    invalidatePicture();
+}
+
 void SurfaceView::releaseGL()
 {
     if (!m_gl)
@@ -249,8 +262,30 @@ void SurfaceView::_paintOverPicture()
     m_gl->glMatrixMode(GL_MODELVIEW);
     m_gl->glLoadMatrixd(m_drawn.modelview.data());
     drawOverlays(*m_gl);
+    if (hasFocus())
+        _paintFocus();
     m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     m_gl->glDepthMask(GL_TRUE);
+}
+
+/// A frame around the view.
+void SurfaceView::_paintFocus()
+{
+    const QColor color = palette().color(QPalette::Active, QPalette::Highlight);
+    const QSize physical = physicalSize(size(), devicePixelRatioF());
+    m_gl->glMatrixMode(GL_PROJECTION);
+    m_gl->glLoadIdentity();
+    m_gl->glOrtho(0, physical.width(), 0, physical.height(), -1, 1);
+    m_gl->glMatrixMode(GL_MODELVIEW);
+    m_gl->glLoadIdentity();
+    m_gl->glColor3f(color.redF(), color.greenF(), color.blueF());
+    const double thick = 2.0 * devicePixelRatioF();
+    const double w = physical.width();
+    const double h = physical.height();
+    m_gl->glRectd(0, 0, w, thick);
+    m_gl->glRectd(0, h - thick, w, h);
+    m_gl->glRectd(0, 0, thick, h);
+    m_gl->glRectd(w - thick, 0, w, h);
 }
 
 void SurfaceView::drawOverlays(QOpenGLFunctions_2_1 &gl)

@@ -74,6 +74,9 @@ public:
     /// Why nothing can be drawn; empty as long as something can.
     const QString &message() const { return m_message; }
 
+    /// Makes the drawing engine anew, as the settings ask for now.
+    void renewEngine();
+
     /// Identity in a view that does not turn.
     Quaternion rotation() const;
     /// Ignored by a view that does not turn.
@@ -163,6 +166,8 @@ protected:
     void refreshStatus() { m_statusPending = true; }
     /// Tells the status line, unless it was told the same last.
     void showStatus(const QString &text);
+    /// The driver draws with the processor; known from prepareGL() on.
+    bool slowDriver() const { return m_slowDriver; }
     bool pointerInside() const { return m_pointerInside; }
     Counters &work() { return m_counters; }
     void releaseGL();
@@ -178,6 +183,7 @@ private:
     Quality _wantedQuality() const;
     void _rasterise();
     void _paintOverPicture();
+    void _paintFocus();
     void _paintMessage();
     void _logErrors();
     void _ensureDepth();

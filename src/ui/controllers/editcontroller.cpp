@@ -104,11 +104,6 @@ void EditController::connectCommands(const CommandSet &commands)
     }
 }
 
-void EditController::selectNone()
-{
-    m_bench.apply(selectionOperation(marlowen::selectNone));
-}
-
 void EditController::showSample()
 {
     const Relief *relief = m_bench.relief();
@@ -146,7 +141,6 @@ void EditController::startSize()
 
 void EditController::setupControls(CommandSet &commands, bool cropDrawn) const
 {
-    const Relief *relief = m_bench.relief();
     const QString reason = reasonAgainstEditing(m_bench);
     for (const OperationRow &row : operationTable()) {
         if (row.group != OperationGroup::None)
@@ -154,7 +148,6 @@ void EditController::setupControls(CommandSet &commands, bool cropDrawn) const
     }
     commands["cropApply"]->setEnabled(reason.isEmpty() && m_bench.tool.type == Tool::Crop &&
                                       cropDrawn);
-    commands["selectNone"]->setEnabled(relief && relief->selectionActive);
 }
 
 } // namespace marlowen

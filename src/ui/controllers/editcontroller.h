@@ -40,7 +40,6 @@ public:
     void run(const char *id) { apply(operation(id)); }
     /// Runs the rows that have commands when these are chosen.
     void connectCommands(const CommandSet &commands);
-    void selectNone();
 
     /// Shows the sampled height in the unit of the sizes.
     void showSample();

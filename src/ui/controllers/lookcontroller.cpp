@@ -7,6 +7,7 @@
 #include "render/views/sculptwin.h"
 #include "ui/controllers/dialogs.h"
 #include "ui/materialeditor.h"
+#include "ui/materialgallery.h"
 #include "ui/pages/viewsettingspage.h"
 #include "ui/ribbon/ribboncolors.h"
 #include "ui/themeswitcher.h"
@@ -21,6 +22,7 @@ namespace marlowen {
 namespace {
 
 constexpr char materialKey[] = "material";
+constexpr char chosenKey[] = "/state/view/materialChosen";
 constexpr char lightKey[] = "lightPosition";
 
 } // namespace
@@ -35,6 +37,8 @@ LookController::LookController(const Parts &parts, QWidget *window)
               .toString(),
           this))
 {
+    m_swatch = new MaterialSwatch(m_parts.sculptWin);
+    connect(m_swatch, &MaterialSwatch::chosen, this, &LookController::chooseMaterial);
     connect(m_materials, &MaterialEditor::currentChanged, this, &LookController::_showMaterial);
     connect(m_materials, &MaterialEditor::listChanged, this, &LookController::_showMaterial);
     m_parts.page->showTheme(QevSettings().darkTheme());
@@ -65,8 +69,14 @@ void LookController::setLight(int index)
     m_parts.facetWin->setLightPos(index);
 }
 
+bool LookController::materialWasChosen()
+{
+    return QevSettings().value(QLatin1String(chosenKey), false).toBool();
+}
+
 void LookController::chooseMaterial(const QString &name)
 {
+    QevSettings().setValue(QLatin1String(chosenKey), true);
     m_materials->choose(name);
 }
 
@@ -75,6 +85,7 @@ void LookController::_showMaterial()
     m_parts.page->showMaterials(*m_materials);
     m_parts.sculptWin->setMaterial(m_materials->current());
     m_parts.facetWin->setMaterial(m_materials->current());
+    m_swatch->showMaterials(m_materials->materials(), m_materials->current());
 }
 
 void LookController::askForColor(int term)
@@ -137,6 +148,14 @@ void LookController::setPointer(int index)
 {
     const auto choice = static_cast<size_t>(qBound(0, index, int(pointerSizes.size()) - 1));
     m_parts.sculptWin->setCursorScale(pointerSizes[choice].percent);
+}
+
+void LookController::setLegacy(bool on)
+{
+    QevSettings().setUseLegacyShader(on);
+    m_parts.sculptWin->renewEngine();
+    m_parts.flatWin->renewEngine();
+    m_parts.facetWin->renewEngine();
 }
 
 void LookController::switchTheme()

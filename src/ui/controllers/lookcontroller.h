@@ -10,6 +10,7 @@ namespace marlowen {
 class FacetWin;
 class FlatWin;
 class MaterialEditor;
+class MaterialSwatch;
 class SculptWin;
 class ViewSettingsPage;
 
@@ -33,6 +34,9 @@ public:
     void restore();
     void store() const;
 
+    /// Whether a material was ever chosen by hand.
+    static bool materialWasChosen();
+
     void setLight(int index);
     void chooseMaterial(const QString &name);
     /// Asks for the colour of a MaterialEditor::Term.
@@ -48,6 +52,8 @@ public:
     void setQuantization(double levels);
     /// Index into pointerSizes.
     void setPointer(int index);
+    /// Draws with the legacy engine from now on.
+    void setLegacy(bool on);
     void switchTheme();
     /// The theme's palette changed.
     void showPalette();
@@ -58,6 +64,7 @@ private:
     Parts m_parts;
     QWidget *m_window;
     MaterialEditor *m_materials;
+    MaterialSwatch *m_swatch = nullptr; ///< in the corner of the 3D view
     QString m_typedName;
 };
 

@@ -10,6 +10,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <tuple>
+#include <utility>
+
 // Outside any namespace, as the macro demands; without it the linker drops the resources.
 static void initResources()
 {
@@ -28,6 +31,41 @@ struct Texts
 {
     Q_DECLARE_TR_FUNCTIONS(AlphaStore)
 };
+
+/// The picture that was chosen last, as it was read, and how it is held.
+struct ChosenAlpha
+{
+    FloatGrid picture;
+    AlphaOrientation orientation;
+};
+
+ChosenAlpha &chosen()
+{
+    static ChosenAlpha alpha;
+    return alpha;
+}
+
+/// A cell of a square picture that is held so; row 0 at the top.
+float heldCell(const ChosenAlpha &alpha, int column, int row)
+{
+    const int last = alpha.picture.width - 1;
+    for (int turn = 0; turn < alpha.orientation.quarterTurns; ++turn)
+        std::tie(column, row) = std::pair(row, last - column);
+    const int source = alpha.orientation.mirrored ? last - column : column;
+    return alpha.picture.row(row)[source];
+}
+
+/// A relief counts its rows from the bottom of the screen, a picture from its top.
+void handToBrush()
+{
+    const int side = chosen().picture.width;
+    FloatGrid held(side, side);
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column)
+            held.row(side - 1 - row)[column] = heldCell(chosen(), column, row);
+    }
+    AlphaBrush::instance().setImage(held.view());
+}
 
 QStringList pictureFilters()
 {
@@ -107,15 +145,46 @@ Outcome removeAlphaPicture(const QString &path)
         Texts::tr("%1 could not be moved to the trash.").arg(QFileInfo(path).fileName())};
 }
 
+Result<QString> renameAlphaPicture(const QString &path, const QString &name)
+{
+    const QFileInfo old(path);
+    const QString wanted = name.trimmed();
+    const QString renamed = old.dir().filePath(QStringLiteral("%1.%2").arg(wanted, old.suffix()));
+    const bool usable = !wanted.isEmpty() && !wanted.contains(QLatin1Char('/'));
+    if (usable && !QFile::exists(renamed) && QFile::rename(path, renamed))
+        return renamed;
+    return Failure{Texts::tr("Rename Failed"),
+                   Texts::tr("%1 cannot be called \"%2\".").arg(old.completeBaseName(), wanted)};
+}
+
 Outcome chooseAlpha(const QString &path)
 {
-    const FloatGrid grid = squareGrid(alphaGrid(readWhole(path, largestSide)));
+    FloatGrid grid = squareGrid(alphaGrid(readWhole(path, largestSide)));
     if (grid.width == 0)
         return Failure{
             Texts::tr("Open Failed"),
             Texts::tr("%1 is not a picture that can be read.").arg(QFileInfo(path).fileName())};
-    AlphaBrush::instance().setImage(grid.view());
+    chosen().picture = std::move(grid);
+    handToBrush();
     return {};
+}
+
+void chooseNoAlpha()
+{
+    chosen().picture = {};
+    AlphaBrush::instance().setImage({});
+}
+
+AlphaOrientation alphaOrientation()
+{
+    return chosen().orientation;
+}
+
+void setAlphaOrientation(AlphaOrientation orientation)
+{
+    chosen().orientation = orientation;
+    if (chosen().picture.width > 0)
+        handToBrush();
 }
 
 } // namespace marlowen

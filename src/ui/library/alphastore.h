@@ -34,8 +34,25 @@ Result<QString> addAlphaPicture(const QString &path);
 /// Moves a picture of the user's folder to the trash. Fails with "Remove Failed".
 Outcome removeAlphaPicture(const QString &path);
 
+/// Renames a picture of the user's folder and returns its new path. Fails with "Rename Failed" for
+/// an empty name, one with a slash and one that is taken.
+Result<QString> renameAlphaPicture(const QString &path, const QString &name);
+
 /// Makes the picture the alpha brush: grey, padded to a square centred on black, at most 1024 cells
-/// wide. Fails with "Open Failed"; the alpha brush that was there stays.
+/// wide, its top toward the top of the screen. Fails with "Open Failed"; the alpha brush that was
+/// there stays.
 Outcome chooseAlpha(const QString &path);
+/// No alpha brush.
+void chooseNoAlpha();
+
+/// How alpha pictures are held: mirrored left to right, then turned clockwise.
+struct AlphaOrientation
+{
+    bool mirrored = false;
+    int quarterTurns = 0; ///< 0..3
+};
+AlphaOrientation alphaOrientation();
+/// For the alpha brush that is chosen, too.
+void setAlphaOrientation(AlphaOrientation orientation);
 
 } // namespace marlowen

@@ -1,13 +1,14 @@
 #include "ui/library/librarypanel.h"
 
-#include "relief/tools/alphabrush.h"
 #include "ui/icons.h"
 #include "ui/library/alphastore.h"
 #include "ui/library/thumbnaildelegate.h"
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHBoxLayout>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -15,6 +16,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
+#include <QStyle>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -74,6 +76,7 @@ LibraryPanel::LibraryPanel(QWidget *parent)
     m_list->setUniformItemSizes(true);
     m_list->setIconSize(QSize(thumbnailSide, thumbnailSide));
     m_list->setGridSize(cell);
+    m_list->setMinimumWidth(cell.width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 4);
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setItemDelegate(new ThumbnailDelegate(m_list));
     m_list->setMouseTracking(true);
@@ -85,7 +88,7 @@ LibraryPanel::LibraryPanel(QWidget *parent)
     _arrange();
     connect(m_search, &QLineEdit::textChanged, this, &LibraryPanel::_filter);
     connect(m_list, &QListWidget::currentItemChanged, this, &LibraryPanel::_choose);
-    connect(m_list, &QWidget::customContextMenuRequested, this, &LibraryPanel::_offerRemoval);
+    connect(m_list, &QWidget::customContextMenuRequested, this, &LibraryPanel::_offerMenu);
     m_folder.addPath(alphaFolder());
     connect(&m_folder, &QFileSystemWatcher::directoryChanged, this, &LibraryPanel::reload);
     reload();
@@ -135,7 +138,7 @@ void LibraryPanel::_forgetLostChoice()
     if (_itemOf(m_chosen))
         return;
     m_chosen.clear();
-    AlphaBrush::instance().setImage({});
+    chooseNoAlpha();
     emit AlphaChanged();
 }
 
@@ -194,7 +197,7 @@ void LibraryPanel::_choose(QListWidgetItem *item)
         return;
     const QString path = item->data(PathRole).toString();
     if (path.isEmpty()) {
-        AlphaBrush::instance().setImage({});
+        chooseNoAlpha();
     } else if (const Outcome chosen = chooseAlpha(path); !chosen) {
         _showLater(chosen.failure());
         QTimer::singleShot(0, this, &LibraryPanel::reload);
@@ -234,16 +237,41 @@ void LibraryPanel::addPictures(const QStringList &paths)
         _showLater({title, refused.join(QLatin1Char('\n'))});
 }
 
-void LibraryPanel::_offerRemoval(const QPoint &position)
+void LibraryPanel::_offerMenu(const QPoint &position)
 {
     const QListWidgetItem *item = m_list->itemAt(position);
     if (!item || item->data(PathRole).toString().isEmpty() || item->data(BuiltInRole).toBool())
         return;
-    QMenu menu(this);
-    const QAction *remove = menu.addAction(icon(QStringLiteral("delete")), tr("Move to Trash"));
     const QString path = item->data(PathRole).toString();
-    if (menu.exec(m_list->viewport()->mapToGlobal(position)) != remove)
+    QMenu menu(this);
+    const QAction *rename = menu.addAction(tr("Rename..."));
+    const QAction *remove = menu.addAction(icon(QStringLiteral("delete")), tr("Move to Trash"));
+    const QAction *wanted = menu.exec(m_list->viewport()->mapToGlobal(position));
+    if (wanted == rename)
+        _rename(path);
+    else if (wanted == remove)
+        _remove(path);
+}
+
+void LibraryPanel::_rename(const QString &path)
+{
+    bool accepted = false;
+    const QString name =
+        QInputDialog::getText(this, tr("Rename Picture"), tr("Name"), QLineEdit::Normal,
+                              QFileInfo(path).completeBaseName(), &accepted);
+    if (!accepted || name == QFileInfo(path).completeBaseName())
         return;
+    Result<QString> renamed = renameAlphaPicture(path, name);
+    if (!renamed)
+        return _showLater(renamed.failure());
+    // The alpha brush stays what it is.
+    if (m_chosen == path)
+        m_chosen = renamed.take();
+    reload();
+}
+
+void LibraryPanel::_remove(const QString &path)
+{
     if (const Outcome removed = removeAlphaPicture(path); !removed)
         _showLater(removed.failure());
     reload();

@@ -49,7 +49,9 @@ private:
     void _filter(const QString &wanted);
     void _choose(QListWidgetItem *item);
     void _browse();
-    void _offerRemoval(const QPoint &position);
+    void _offerMenu(const QPoint &position);
+    void _rename(const QString &path);
+    void _remove(const QString &path);
     void _showLater(const Failure &failure);
     void _forgetLostChoice();
     QListWidgetItem *_itemOf(const QString &path) const;

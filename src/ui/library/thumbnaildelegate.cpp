@@ -3,6 +3,8 @@
 #include "ui/ribbon/ribboncolors.h"
 
 #include <QPainter>
+#include <QStyle>
+#include <QWidget>
 
 namespace marlowen {
 
@@ -42,6 +44,12 @@ void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->drawText(text, Qt::AlignHCenter | Qt::AlignTop,
                       item.fontMetrics.elidedText(item.text, Qt::ElideRight, text.width() - gap));
     painter->restore();
+    if (item.state.testFlag(QStyle::State_HasFocus) && item.widget) {
+        QStyleOptionFocusRect ring;
+        ring.QStyleOption::operator=(item);
+        ring.rect = item.rect.adjusted(1, 1, -1, -1);
+        item.widget->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &ring, painter, item.widget);
+    }
 }
 
 } // namespace marlowen

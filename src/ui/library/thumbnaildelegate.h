@@ -5,7 +5,8 @@
 namespace marlowen {
 
 /// Draws an item of an icon view: its picture, framed in the accent colour when it is chosen, and
-/// its text under it, elided. The picture is as large as the view's icon size.
+/// its text under it, elided; a ring around both while it has the keyboard. The picture is as large
+/// as the view's icon size.
 class ThumbnailDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -34,11 +34,27 @@ constexpr CommandRow commandRows[] = {
     {"selectNone", QT_TRANSLATE_NOOP("Commands", "Select None"), "select_none",
      QT_TRANSLATE_NOOP("Commands", "Lets tools act everywhere again."), "Ctrl+D",
      QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
+    {"reselect", QT_TRANSLATE_NOOP("Commands", "Reselect"), "reselect",
+     QT_TRANSLATE_NOOP("Commands", "Brings the last selection back."), "Ctrl+Shift+D",
+     QT_TRANSLATE_NOOP("Commands", "There is no earlier selection of this size.")},
+    {"selectAll", QT_TRANSLATE_NOOP("Commands", "Select All"), "select_all",
+     QT_TRANSLATE_NOOP("Commands", "Selects every cell."), "Ctrl+A", ""},
+    {"selectInvert", QT_TRANSLATE_NOOP("Commands", "Invert Selection"), "invert_selection",
+     QT_TRANSLATE_NOOP("Commands", "Selects what is not selected."), "Ctrl+I",
+     QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
+    {"selectGrow", QT_TRANSLATE_NOOP("Commands", "Grow"), "grow_selection",
+     QT_TRANSLATE_NOOP("Commands", "Widens the selection by the number of cells below."), "",
+     QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
+    {"selectShrink", QT_TRANSLATE_NOOP("Commands", "Shrink"), "shrink_selection",
+     QT_TRANSLATE_NOOP("Commands", "Narrows the selection by the number of cells below."), "",
+     QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
 };
 
 /// In the order of SelectionModifier.
 constexpr const char *modifierCommands[] = {"modeNormal", "modeAdditive", "modeSubtractive"};
 
+constexpr int mostGrowth = 200;
+constexpr int firstGrowth = 4;
 constexpr double highestSample = 1e4; ///< inches
 
 } // namespace
@@ -79,6 +95,22 @@ void EditPage::_addShapes(RibbonPage &page, const ToolActions &tools)
         emit modifierChosen(static_cast<SelectionModifier>(action->data().toInt()));
     });
     m_group->addLargeButton(m_commands["selectNone"]);
+    for (const char *id : {"reselect", "selectAll", "selectInvert", "selectGrow", "selectShrink"})
+        m_group->addSmallButton(m_commands[id]);
+    m_growBy = new NumberField;
+    m_growBy->setObjectName(QStringLiteral("growBy"));
+    m_growBy->setDecimals(0);
+    m_growBy->setRange(1, mostGrowth);
+    m_growBy->setValue(firstGrowth);
+    m_growBy->setSuffix(tr(" cells"));
+    m_growBy->setAccessibleName(tr("Grow and shrink by"));
+    m_growBy->setToolTip(tr("How far Grow and Shrink go"));
+    m_group->addRow(m_growBy);
+}
+
+int EditPage::growBy() const
+{
+    return qRound(m_growBy->value());
 }
 
 void EditPage::_addMagic(const ToolActions &tools)

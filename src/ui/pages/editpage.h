@@ -30,6 +30,8 @@ public:
 
     /// Tolerance and continuity of the magic selection.
     void showParams(const ToolParams &params);
+    /// Cells that Grow and Shrink go.
+    int growBy() const;
     /// Shows a height of so many inches in a unit of lengthUnits. The exact height is the relief's;
     /// the field shows it rounded.
     void showSample(double inches, int unit);
@@ -53,6 +55,7 @@ private:
     RibbonGroup *m_group = nullptr;
     SliderField *m_tolerance = nullptr;
     QCheckBox *m_continuous = nullptr;
+    NumberField *m_growBy = nullptr;
     NumberField *m_sample = nullptr;
     double m_inchesPerUnit = 1.0; ///< of the sample field
 };

@@ -1,5 +1,6 @@
 #include "ui/pages/viewsettingspage.h"
 
+#include "base/qevsettings.h"
 #include "render/light/lightdirection.h"
 #include "render/light/materialball.h"
 #include "render/light/materials.h"
@@ -39,6 +40,9 @@ constexpr CommandRow commandRows[] = {
     {"materialDelete", QT_TRANSLATE_NOOP("Commands", "Delete"), "delete",
      QT_TRANSLATE_NOOP("Commands", "Removes the material."), "",
      QT_TRANSLATE_NOOP("Commands", "A preset cannot be deleted.")},
+    {"viewAlone", QT_TRANSLATE_NOOP("Commands", "Only This View"), "view_alone",
+     QT_TRANSLATE_NOOP("Commands", "Shows the view with the keyboard alone, then both again."),
+     "F11", ""},
     {"theme", QT_TRANSLATE_NOOP("Commands", "Dark"), "Theme Dark",
      QT_TRANSLATE_NOOP("Commands", "Changes between the light and the dark theme."), "", ""},
 };
@@ -216,8 +220,15 @@ void ViewSettingsPage::_buildPen(RibbonPage &page)
 
 void ViewSettingsPage::_buildTheme(RibbonPage &page)
 {
-    RibbonGroup *group = page.addGroup(tr("Theme"));
+    RibbonGroup *group = page.addGroup(tr("Window"));
     group->addLargeButton(m_commands["theme"]);
+    group->addLargeButton(m_commands["viewAlone"]);
+    auto *legacy = new QCheckBox(tr("Legacy drawing"));
+    legacy->setObjectName(QStringLiteral("legacyDrawing"));
+    legacy->setToolTip(tr("Draws the way old graphics drivers understand; slower."));
+    legacy->setChecked(QevSettings().useLegacyShader());
+    group->addRow(legacy);
+    connect(legacy, &QCheckBox::toggled, this, &ViewSettingsPage::legacyChosen);
 }
 
 int ViewSettingsPage::lightPosition() const

@@ -51,6 +51,7 @@ signals:
     void quantizationChanged(double levels);
     /// Index of the choice.
     void pointerChosen(int index);
+    void legacyChosen(bool on);
 
 private:
     void _buildLight(RibbonPage &page);

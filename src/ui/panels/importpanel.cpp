@@ -186,6 +186,7 @@ void ImportPanel::_arrange()
     }
     alignFields(sliders, widest);
     m_depthLabel->setFixedWidth(widest);
+    tabInLayoutOrder(*column);
 }
 
 void ImportPanel::_addBasRelief(QVBoxLayout &column)

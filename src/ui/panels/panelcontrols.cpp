@@ -95,13 +95,39 @@ void alignFields(std::span<SliderField *const> fields, int labelWidth)
     }
 }
 
+namespace {
+
+void collectControls(const QLayout &layout, QList<QWidget *> &controls)
+{
+    for (int i = 0; i < layout.count(); ++i) {
+        QLayoutItem *item = layout.itemAt(i);
+        QWidget *widget = item->widget();
+        if (item->layout())
+            collectControls(*item->layout(), controls);
+        else if (widget && widget->focusPolicy() & Qt::TabFocus)
+            controls.append(widget);
+        else if (widget && widget->layout())
+            collectControls(*widget->layout(), controls);
+    }
+}
+
+} // namespace
+
+void tabInLayoutOrder(const QLayout &layout)
+{
+    QList<QWidget *> controls;
+    collectControls(layout, controls);
+    for (qsizetype i = 1; i < controls.size(); ++i)
+        QWidget::setTabOrder(controls[i - 1], controls[i]);
+}
+
 QLabel *addSection(QVBoxLayout &column, const QString &title)
 {
     auto *label = new QLabel(title);
     QFont font = label->font();
     font.setWeight(QFont::DemiBold);
     label->setFont(font);
-    label->setContentsMargins(0, 8, 0, 0);
+    label->setContentsMargins(0, 6, 0, 0);
     column.addWidget(label);
     return label;
 }

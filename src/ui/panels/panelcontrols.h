@@ -9,6 +9,7 @@
 
 class QCheckBox;
 class QLabel;
+class QLayout;
 class QVBoxLayout;
 class QWidget;
 
@@ -38,6 +39,9 @@ ChoiceRow *makeChoices(const FieldInfo &info, QWidget *parent);
 /// Gives the labels this width and the numbers the widest one's, so that fields below each other
 /// align.
 void alignFields(std::span<SliderField *const> fields, int labelWidth);
+
+/// The Tab key goes through the controls in the order in which the layout shows them.
+void tabInLayoutOrder(const QLayout &layout);
 
 /// Starts a titled section of a panel's column.
 QLabel *addSection(QVBoxLayout &column, const QString &title);

@@ -3,6 +3,7 @@
 #include "relief/tools/toolfields.h"
 #include "relief/tools/tooltable.h"
 #include "ui/icons.h"
+#include "ui/library/alphastore.h"
 #include "ui/panels/choicerow.h"
 #include "ui/panels/panelcontrols.h"
 
@@ -11,8 +12,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
+#include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -116,6 +119,7 @@ void ToolPanel::_makeControls()
     _makeChecks();
     _makeChoices();
     _makeAlpha();
+    _makeAlphaHold();
 }
 
 void ToolPanel::_makeNumbers()
@@ -196,11 +200,36 @@ void ToolPanel::_makeAlpha()
     });
 }
 
+void ToolPanel::_makeAlphaHold()
+{
+    m_mirror = new QToolButton(this);
+    m_mirror->setText(tr("Flip"));
+    m_mirror->setIcon(icon(QStringLiteral("mirror_alpha")));
+    m_mirror->setCheckable(true);
+    m_mirror->setChecked(alphaOrientation().mirrored);
+    m_turn = new QToolButton(this);
+    m_turn->setText(tr("Turn"));
+    m_turn->setIcon(icon(QStringLiteral("turn_alpha")));
+    for (QToolButton *button : {m_mirror, m_turn}) {
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        button->setIconSize(QSize(16, 16));
+        button->setAutoRaise(true);
+        button->setFocusPolicy(Qt::StrongFocus);
+        connect(button, &QToolButton::clicked, this, [this, button] {
+            AlphaOrientation held = alphaOrientation();
+            held.mirrored = m_mirror->isChecked();
+            held.quarterTurns = (held.quarterTurns + (button == m_turn)) % 4;
+            setAlphaOrientation(held);
+            emit AlphaTurned();
+        });
+    }
+}
+
 void ToolPanel::_arrange()
 {
     auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(12, 8, 12, 12);
-    column->setSpacing(6);
+    column->setContentsMargins(8, 6, 8, 8);
+    column->setSpacing(4);
     column->addWidget(m_tool);
     for (const Number number : {Size, Strength, Hardness})
         column->addWidget(m_numbers[number]);
@@ -219,23 +248,42 @@ void ToolPanel::_arrange()
     column->addLayout(checkRow({m_flags[SymmetryX], m_flags[SymmetryY]}));
     addSection(*column, tr("Alpha Brush"));
     column->addWidget(m_alphaMode);
+    auto *held = new QHBoxLayout;
+    held->setSpacing(4);
+    held->addSpacing(m_numbers[Strength]->label()->sizeHint().width() + 8);
+    held->addWidget(m_mirror);
+    held->addWidget(m_turn);
+    held->addStretch(1);
+    column->addLayout(held);
     column->addWidget(m_repeat);
-    addSection(*column, tr("Magic Selection"));
-    column->addWidget(m_numbers[Tolerance]);
-    column->addWidget(m_checks[Continuous]);
+    m_magic = new QWidget(this);
+    auto *magic = new QVBoxLayout(m_magic);
+    magic->setContentsMargins(0, 0, 0, 0);
+    magic->setSpacing(column->spacing());
+    addSection(*magic, tr("Magic Selection"));
+    magic->addWidget(m_numbers[Tolerance]);
+    magic->addWidget(m_checks[Continuous]);
+    column->addWidget(m_magic);
     column->addStretch(1);
-    _alignLabels(m_checks[SmoothPaths]->sizeHint().width());
+    _alignLabels();
+    tabInLayoutOrder(*column);
 }
 
-void ToolPanel::_alignLabels(int width)
+/// The check boxes in place of labels are wider than all labels and have a width of their own.
+void ToolPanel::_alignLabels()
 {
     std::vector<SliderField *> fields(m_numbers.begin(), m_numbers.end());
     fields.push_back(m_repeat);
+    int width = 0;
+    for (const SliderField *field : fields) {
+        if (!field->label()->isHidden())
+            width = std::max(width, field->label()->sizeHint().width());
+    }
     alignFields(fields, width);
     for (ChoiceRow *row : {m_mode, m_form, m_falloff, m_alphaMode})
         row->setLabelWidth(width);
     for (const Check check : {UseDecay, SmoothPaths})
-        m_checks[check]->setFixedWidth(width);
+        m_checks[check]->setFixedWidth(m_checks[SmoothPaths]->sizeHint().width());
 }
 
 void ToolPanel::_toolChosen(int index)
@@ -326,6 +374,7 @@ void ToolPanel::_enable()
     for (size_t i = 0; i < flagCount; ++i)
         showReason(*m_flags[i], tr(_flagRows()[i].hint), _reason(_flagRows()[i].use));
     m_checks[Limit]->setText(_limitLabel());
+    m_magic->setVisible(tool && tool->has(UsesTolerance));
     m_mode->setReason(_reason(UsesMode));
     _enableNumbers();
     _enableAlpha();
@@ -359,6 +408,8 @@ void ToolPanel::_enableAlpha()
     if (reason.isEmpty() && !AlphaBrush::instance().loaded())
         reason = tr("Choose an alpha brush in the library first.");
     m_alphaMode->setReason(reason);
+    showReason(*m_mirror, tr("Mirrors the alpha brush left to right."), reason);
+    showReason(*m_turn, tr("Turns the alpha brush by a quarter, clockwise."), reason);
     if (reason.isEmpty() && AlphaBrush::instance().mode != AlphaBrush::Tile)
         reason = tr("Only the mode Tile repeats the alpha brush.");
     showReason(*m_repeat, fieldText(alphaRepeatField.hint), reason);

@@ -12,6 +12,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QToolButton;
 
 namespace marlowen {
 
@@ -61,6 +62,8 @@ signals:
     /// The alpha brush has its new mode or repeat count already.
     void AlphaModeChanged(AlphaBrush::Mode mode);
     void AlphaRepeatChanged(int count);
+    /// It is held in another way already.
+    void AlphaTurned();
 
 private:
     enum Number { Size, Strength, Hardness, Aspect, Angle, DecayLength, SmoothLength, Tolerance };
@@ -102,8 +105,10 @@ private:
     void _makeChoices();
     ChoiceRow *_makeChoice(int32_t ToolParams::*member, void (*notify)(ToolPanel &));
     void _makeAlpha();
+    /// Flip and turn.
+    void _makeAlphaHold();
     void _arrange();
-    void _alignLabels(int width);
+    void _alignLabels();
     void _toolChosen(int index);
     void _showRecord();
     void _enable();
@@ -124,6 +129,9 @@ private:
     ChoiceRow *m_falloff = nullptr;
     ChoiceRow *m_alphaMode = nullptr;
     SliderField *m_repeat = nullptr;
+    QWidget *m_magic = nullptr; ///< the section that only one tool uses
+    QToolButton *m_mirror = nullptr;
+    QToolButton *m_turn = nullptr;
 };
 
 } // namespace marlowen

@@ -291,6 +291,8 @@ ICONS = {
                 + fill("M24 5 H30 V29 H24 Z", MATERIAL),
     "pointer": solid("M7 3 L25 17 L17 18 L22 27 L18 29 L13 20 L7 25 Z", MATERIAL),
     "view_3d": cube(),
+    "view_alone": tint("M3 5 H29 V27 H3 Z") + stroke("M3 5 H29 V27 H3 Z M3 10 H29")
+                  + stroke("M9 22 L23 15 M18 14 H23.5 V19 M14 23 H8.5 V18", ACCENT, 2.5),
     "view_2d": tint("M3 3 H29 V29 H3 Z") + stroke("M3 3 H29 V29 H3 Z M3 16 H29 M16 3 V29")
                + fill("M17 4 H28 V15 H17 Z", MATERIAL),
 
@@ -363,6 +365,17 @@ ICONS = {
     "paint_selection_tool": paint_brush(),
     "fill_selection": bucket(),
     "erase_selection_tool": moved(1, 5, 0.95, eraser()) + dashed("M3 29 H29", LINE, "4 3"),
+    "select_all": tint("M5 5 H27 V27 H5 Z") + dashed("M5 5 H27 V27 H5 Z", ACCENT, "4 3")
+                  + stroke("M10 16 L15 21 L23 11", ACCENT, 3.5),
+    "reselect": dashed("M5 5 H27 V27 H5 Z", LINE, "4 3")
+                + stroke("M11 13 H18 C24 13 24 22 18 22 H13 M14 10 L11 13 L14 16", ACCENT, 2.5),
+    "invert_selection": tint("M3 3 H29 V29 H3 Z M9 9 V23 H23 V9 Z")
+                        + dashed("M3 3 H29 V29 H3 Z", LINE, "4 3")
+                        + dashed("M9 9 H23 V23 H9 Z", ACCENT, "4 3"),
+    "grow_selection": dashed("M3 3 H29 V29 H3 Z", ACCENT, "4 3") + stroke("M11 11 H21 V21 H11 Z")
+                      + stroke("M9 9 L6 6 M23 9 L26 6 M23 23 L26 26 M9 23 L6 26", ACCENT, 2.5),
+    "shrink_selection": stroke("M3 3 H29 V29 H3 Z") + dashed("M11 11 H21 V21 H11 Z", ACCENT, "4 2")
+                        + stroke("M6 6 L9 9 M26 6 L23 9 M26 26 L23 23 M6 26 L9 23", ACCENT, 2.5),
     "select_none": dashed("M5 5 H27 V27 H5 Z", LINE, "4 3") + cross(16, 16, 5),
 
     # Footprint and alpha brush
@@ -372,6 +385,10 @@ ICONS = {
     "falloff_linear": profile("M3 26 L16 6 L29 26"),
     "falloff_sphere": profile("M4 26 C4 -1 28 -1 28 26"),
     "falloff_constant": profile("M5 26 V7 H27 V26"),
+    "mirror_alpha": dashed("M16 2 V30", LINE, "3 2.5") + solid("M13 7 V25 H4 Z", MATERIAL)
+                    + stroke("M19 7 V25 H28 Z", LINE),
+    "turn_alpha": stroke("M6 22 A11 11 0 1 1 25 22", ACCENT, 3) + fill("M20 19 L30 20 L24 29 Z", ACCENT)
+                  + solid("M12 12 H20 V20 H12 Z", MATERIAL),
     "alpha_shape": solid("M16 3 L20 12 L29 13 L22 19 L24 28 L16 23 L8 28 L10 19 L3 13 L12 12 Z",
                          MATERIAL),
     "alpha_tile": "".join(solid(f"M{x} {y} H{x + 6} V{y + 6} H{x} Z",

@@ -69,8 +69,10 @@ void button(const QStyleOption &option, QPainter &painter, bool flat)
     if (!enabled)
         fill = checked ? mixedColor(fill, colors.chrome, 0.5) : colors.chrome;
     QPen pen(Qt::NoPen);
+    const auto *push = qstyleoption_cast<const QStyleOptionButton *>(&option);
+    const bool isDefault = push && push->features.testFlag(QStyleOptionButton::DefaultButton);
     if (!flat)
-        pen = QPen(hovered ? colors.accent : colors.border, 1);
+        pen = QPen(hovered || isDefault ? colors.accent : colors.border, isDefault ? 1.5 : 1.0);
     else if (checked && enabled)
         pen = QPen(mixedColor(colors.checked, colors.accent, 0.55), 1);
     roundedBox(insideOf(option.rect), pen, fill, painter);
@@ -94,7 +96,7 @@ void focusRing(const QStyleOption &option, QPainter &painter)
 {
     const PainterState state(painter);
     const RibbonColors colors = RibbonColors::of(option.palette);
-    roundedBox(QRectF(option.rect).adjusted(0.75, 0.75, -0.75, -0.75), QPen(colors.accent, 1.5),
+    roundedBox(QRectF(option.rect).adjusted(0.75, 0.75, -0.75, -0.75), QPen(colors.text, 1.5),
                Qt::NoBrush, painter);
 }
 

@@ -176,12 +176,7 @@ void Office2013Style::drawPrimitive(PrimitiveElement element, const QStyleOption
     case PE_PanelButtonCommand: {
         const auto *typed = qstyleoption_cast<const QStyleOptionButton *>(option);
         const bool flat = typed && typed->features.testFlag(QStyleOptionButton::Flat);
-        Office2013Drawing::button(*option, *painter, flat);
-        if (typed && typed->features.testFlag(QStyleOptionButton::DefaultButton)) {
-            QStyleOption ring = *option;
-            Office2013Drawing::focusRing(ring, *painter);
-        }
-        return;
+        return Office2013Drawing::button(*option, *painter, flat);
     }
     case PE_PanelLineEdit: {
         const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(option);
