@@ -92,6 +92,8 @@ HelpWindow::HelpWindow(const CommandSet &commands, QWidget *parent)
     m_field->setAccessibleName(m_field->placeholderText());
     m_field->setClearButtonEnabled(true);
     m_chapters->setAccessibleName(tr("Chapters"));
+    m_chapters->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_chapters->setWordWrap(true);
     m_text->setAccessibleName(tr("Manual"));
     m_text->setOpenExternalLinks(true);
     m_text->setMarkdown(manualText(commands));
