@@ -62,7 +62,7 @@ bool RecoveryJournal::waitUntilSafe(std::chrono::milliseconds longest)
 {
     if (m_ended || m_off || !m_writer)
         return false;
-    while (m_reading.isActive())
+    while (m_reading.isActive() && !m_bench.engine().stroking())
         _readSelectionSlice();
     return m_writer->waitUntilSafe(longest);
 }
