@@ -40,8 +40,6 @@ private slots:
         QCOMPARE(leadingVersionNumber(text), number);
     }
 
-    void exactlyTheLeastVersionIsEnough() { QVERIFY(acceptGlVersion("2.1 vendor")); }
-
     void arguments_data()
     {
         QTest::addColumn<QStringList>("given");
@@ -77,24 +75,6 @@ private slots:
         QFETCH(QStringList, given);
         QFETCH(QList<LaunchStep>, steps);
         QCOMPARE(launchSteps(QStringList{"marlowen"} + given), steps);
-    }
-
-    void styleFollowsTheStoredMode_data()
-    {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<int>("theme");
-        QTest::newRow("light") << 0 << 1;
-        QTest::newRow("dark") << 1 << 2;
-        QTest::newRow("unknown") << 7 << 1;
-    }
-
-    void styleFollowsTheStoredMode()
-    {
-        QFETCH(int, mode);
-        QFETCH(int, theme);
-        const BrindlemarkStyle style(mode);
-        QCOMPARE(static_cast<int>(style.theme()), theme);
-        QCOMPARE(style.accentColor(), QColor(46, 117, 182));
     }
 
     void themeSwitchChangesStyleAndPalette()

@@ -72,13 +72,6 @@ private slots:
         QCOMPARE(runScenario(home, "silent").exitCode, 0);
         QCOMPARE(dataFile(home, "qdebug.txt"), QByteArray("DEBUG:later\n"));
     }
-
-    void noMessageMakesNoFile()
-    {
-        const QTemporaryDir home;
-        QCOMPARE(runScenario(home, "silent").exitCode, 0);
-        QVERIFY(!QFile::exists(home.filePath("Marlowen3/qdebug.txt")));
-    }
 };
 
 int main(int argc, char **argv)

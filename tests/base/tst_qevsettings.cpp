@@ -99,27 +99,6 @@ private slots:
         QCOMPARE(settings.recentFiles(), (QStringList{"", "/a"}));
     }
 
-    void lastExportIsAFolder()
-    {
-        const QTemporaryDir folder;
-        const QString file = madeFile(folder, "medal.stl");
-        QevSettings().setLastExportFile(folder.path() + "/./medal.stl");
-        QCOMPARE(QevSettings().lastExportFolder(), QFileInfo(file).path());
-    }
-
-    void flagsAndThemeHaveTheirDefaults()
-    {
-        QevSettings settings;
-        QVERIFY(!settings.useLegacyShader());
-        QVERIFY(!settings.darkTheme());
-        settings.setUseLegacyShader(true);
-        settings.setThemeMode(1);
-        QVERIFY(QevSettings().useLegacyShader());
-        QVERIFY(QevSettings().darkTheme());
-        settings.setThemeMode(2);
-        QVERIFY(!QevSettings().darkTheme());
-    }
-
     void migrationFillsGapsOnce()
     {
         {

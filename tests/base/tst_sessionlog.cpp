@@ -24,13 +24,6 @@ int writeEntries()
     return 0;
 }
 
-int writeNothing()
-{
-    logFlush();
-    logClose();
-    return 0;
-}
-
 /// A folder stands where the log should be written, so that even root cannot open it.
 int logUnwritable()
 {
@@ -55,7 +48,6 @@ int logUnwritable()
 
 const Scenario scenarios[] = {
     {"entries", writeEntries},
-    {"nothing", writeNothing},
     {"unwritable", logUnwritable},
 };
 
@@ -85,13 +77,6 @@ private slots:
         QCOMPARE(lines[3], QByteArray("Critical: text"));
         QVERIFY(isDatedLine(lines[4], "Closing Marlowen 3 log: "));
         QVERIFY(lines[5].isEmpty());
-    }
-
-    void noEntryMakesNoFile()
-    {
-        const QTemporaryDir home;
-        QCOMPARE(runScenario(home, "nothing").exitCode, 0);
-        QVERIFY(QDir(home.filePath("Marlowen3")).entryList({"*.log"}).isEmpty());
     }
 
     void unwritableLogIsReportedOnce()

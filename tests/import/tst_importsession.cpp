@@ -156,20 +156,6 @@ private slots:
         QVERIFY(heightsOf(*flat) != heightsOf(*tilted));
     }
 
-    void settersMarkTheReliefChanged()
-    {
-        const auto relief = importedPicture();
-        ImportSession session;
-        session.attach(relief.get());
-        for (const bool preview : {false, true}) {
-            relief->heightsChanged = false;
-            relief->frameRegion = {};
-            set(session, &ImportSettings::preview, preview);
-            QVERIFY(relief->heightsChanged);
-            QCOMPARE(relief->frameRegion, QRegion(relief->rect()));
-        }
-    }
-
     void withoutPreviewTheReferenceStays()
     {
         const auto relief = importedPicture();
@@ -374,27 +360,6 @@ private slots:
         QVERIFY(session.openingSettings() == expected);
         session.accept();
         QVERIFY(session.settings() == expected);
-    }
-
-    void sliderPositions()
-    {
-        const auto stored = [](int ImportSettings::*member, double position) {
-            ImportSettings settings;
-            fieldOf(importFields(), member).storeShown(settings, position);
-            return settings.*member;
-        };
-        QCOMPARE(stored(&ImportSettings::gridSize, 1), 2);
-        QCOMPARE(stored(&ImportSettings::gridSize, 5), 32);
-        QCOMPARE(stored(&ImportSettings::gridSize, 9), 4);
-        QCOMPARE(stored(&ImportSettings::contrastFactor, 16), 65536);
-        QCOMPARE(stored(&ImportSettings::smoothness, 1), 20000);
-        QCOMPARE(stored(&ImportSettings::smoothness, 9), 10000000);
-        QCOMPARE(stored(&ImportSettings::smoothness, 10), 100000);
-        for (const auto &field : importFields()) {
-            ImportSettings settings;
-            field.storeShown(settings, field.shown(settings));
-            QVERIFY2(settings == ImportSettings{}, field.info.key);
-        }
     }
 };
 

@@ -163,16 +163,6 @@ private slots:
         }
     }
 
-    void twentyPassesRemoveANarrowFigure()
-    {
-        FloatGrid narrow = figure({100, 100}, {10, 10, 40, 80});
-        trim(narrow.view(), 20);
-        QVERIFY(narrow.values == Values(narrow.values.size(), 0.0F));
-        FloatGrid wide = figure({100, 100}, {10, 10, 41, 80});
-        trim(wide.view(), 20);
-        QVERIFY(wide.values == figure({100, 100}, {30, 30, 1, 40}).values);
-    }
-
     void trimmingEqualsItsPassesOneByOne_data()
     {
         QTest::addColumn<QSize>("size");

@@ -81,25 +81,6 @@ private slots:
         QCOMPARE(newestUpdate({programVersion(), {2, 999}}), Version());
     }
 
-    void addressesAndNames()
-    {
-        UpdateService service{QUrl(QStringLiteral("https://example.com/u/")), "release"};
-        QCOMPARE(checkUrl(service, DLInstaller, {3, 0, 19}).toString(),
-                 QStringLiteral("https://example.com/u/checkmarlowen.php"
-                                "?os=win&name=marlowen&version=3.000.00019&type=release"));
-        service.channel = QStringLiteral("a&b=c");
-        QCOMPARE(fileUrl(service, DLReadme, {3, 1, 0}).toEncoded(),
-                 QByteArray("https://example.com/u/getmarlowen.php"
-                            "?os=win&name=readme&version=3.001&type=a%26b%3Dc"));
-        service.channel.clear();
-        QVERIFY(!checkUrl(service, DLReadme, {3, 1}).query().contains(QStringLiteral("type")));
-        QCOMPARE(checkUrl(service, static_cast<DLTypeEnum>(2), {3, 1}), QUrl());
-        QCOMPARE(downloadFileName(DLInstaller, {3, 0, 19}), "marlowen_3_000_00019.exe");
-        QCOMPARE(downloadFileName(DLReadme, {3, 1}), "readme_3_001.txt");
-        QCOMPARE(launchArguments(QStringLiteral("/home/O'N x/a.exe")).last().left(1), "'");
-        QCOMPARE(launchArguments(QStringLiteral("C:/d/a_1.exe")).first(), "-Command");
-    }
-
     void aDayMustPass()
     {
         const QDateTime now = QDateTime::currentDateTimeUtc();

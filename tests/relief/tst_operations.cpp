@@ -112,14 +112,11 @@ private slots:
     void line();
     void layer_data();
     void layer();
-    void island();
     void halvingAveragesAndKeepsEdges();
     void heightsEqualThePlainWay_data();
     void heightsEqualThePlainWay();
     void resizeCarriesEveryLayer();
-    void resizeIsRefused_data();
     void resizeIsRefused();
-    void resizeJoinsAnOpenGroup();
     void zScale();
     void crop_data();
     void crop();
@@ -200,18 +197,6 @@ void TestOperations::heightsEqualThePlainWay()
     QCOMPARE(valuesOf(resampleHeights(layerOf(values), old, wanted)), expected);
 }
 
-void TestOperations::island()
-{
-    // The island covers 0.75 of the middle four lines, 0.25 of the next: 0.5625 of the middle
-    // cells, 0.1875 and less of all others.
-    const auto relief = pictures::relief({"000", "080", "000"});
-    QVERIFY(resize(*relief, 6, 6, nullptr));
-    Floats expected(36, 0.0F);
-    for (const int cell : {14, 15, 20, 21})
-        expected[cell] = 8.0F;
-    QCOMPARE(valuesOf(relief->heights()), expected);
-}
-
 void TestOperations::halvingAveragesAndKeepsEdges()
 {
     const auto relief = pictures::relief({"1240", "3560", "9005", "0005"});
@@ -249,38 +234,16 @@ void TestOperations::resizeCarriesEveryLayer()
     QCOMPARE(undo.totalSize(), 104U + 16U * 24U);
 }
 
-void TestOperations::resizeIsRefused_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("one column") << QSize(1, 5);
-    QTest::newRow("one row") << QSize(5, 1);
-    QTest::newRow("nothing") << QSize(0, 0);
-    QTest::newRow("negative") << QSize(-3, 4);
-    QTest::newRow("the size that is there") << QSize(6, 4);
-}
-
 void TestOperations::resizeIsRefused()
 {
-    QFETCH(QSize, size);
     const auto relief = filledRelief();
     const State before(*relief);
     SculptUndo undo;
-    QVERIFY(!resize(*relief, size.width(), size.height(), &undo));
+    for (const QSize size : {QSize(1, 5), QSize(5, 1), QSize(-3, 4), QSize(6, 4)})
+        QVERIFY(!resize(*relief, size.width(), size.height(), &undo));
     QVERIFY(State(*relief) == before);
     QVERIFY(!relief->heightsChanged);
     QCOMPARE(undo.count(), 0);
-}
-
-void TestOperations::resizeJoinsAnOpenGroup()
-{
-    const auto relief = filledRelief();
-    const State before(*relief);
-    SculptUndo undo;
-    QVERIFY(resize(*relief, 9, 9, {&undo, nullptr, false}));
-    setZScale(*relief, 2.0, &undo);
-    undo.undo();
-    QVERIFY(State(*relief) == before);
-    QCOMPARE(undo.cursor(), 0);
 }
 
 void TestOperations::zScale()

@@ -69,7 +69,6 @@ private slots:
     void patchRestoresItsRectangleOnly();
     void untouchedPatchesClearTheLayer();
     void modifyEvent();
-    void eventSizes();
     void resizeEventDropsAStroke();
 };
 
@@ -256,19 +255,6 @@ void TestUndo::modifyEvent()
     event.redo();
     QCOMPARE(relief->heightAt(2, 1), 9.0F);
     QCOMPARE(relief->heightAt(3, 1), 8.0F);
-}
-
-void TestUndo::eventSizes()
-{
-    Relief relief(10, 6);
-    const auto patch = [&](const QRect &rect) { return patchOf(relief, relief.heights(), rect); };
-    QCOMPARE(SculptModifyEvent(relief, patch({0, 0, 3, 4}), patch({0, 0, 3, 4})).size(), 240U);
-    QCOMPARE(SculptMaskEvent(relief, patch(relief.rect()), patch(relief.rect())).size(), 624U);
-    QCOMPARE(SculptZScaleEvent(relief, 1.0, 2.0).size(), 48U);
-    SculptResizeEvent::State before;
-    before.grid.width = 7;
-    before.grid.height = 5;
-    QCOMPARE(SculptResizeEvent(relief, std::move(before)).size(), 104U + 16U * 35U);
 }
 
 void TestUndo::resizeEventDropsAStroke()

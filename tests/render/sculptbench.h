@@ -6,7 +6,6 @@
 #include "render/views/sculptwin.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QImage>
 #include <QMouseEvent>
 #include <QTest>
@@ -32,14 +31,6 @@ inline std::unique_ptr<Relief> medal(int width, int height)
         }
     }
     return relief;
-}
-
-/// Saves a picture for the eye in the folder that MARLOWEN_TEST_PICTURES names, if it does.
-inline void keepPicture(const QImage &image, const QString &name)
-{
-    const QString folder = qEnvironmentVariable("MARLOWEN_TEST_PICTURES");
-    if (!folder.isEmpty())
-        QVERIFY(image.save(QDir(folder).filePath(name + ".png")));
 }
 
 /// A shown 3D view with relief, tool, engine and history, and a hand on the mouse.

@@ -35,7 +35,6 @@ private slots:
     void strokeBeyondTheRangeIsColoured();
     void antsFollowTheSelection();
     void outlineLiesOnCellEdges();
-    void panAndZoomOnly();
     void footprintOnlyForItsTools();
     void maskIsShown();
     void oddReliefsAndWindows();
@@ -184,29 +183,6 @@ void TestFlatWin::outlineLiesOnCellEdges()
     QVERIFY(!isDash(stage.at(50, 45)));
     const QPoint hole = stage.physical(stage.at(35, 35));
     QCOMPARE(image.pixel(hole), before.pixel(hole));
-}
-
-void TestFlatWin::panAndZoomOnly()
-{
-    Stage stage(Tool::Rectangle);
-    const Camera before = stage.view.camera();
-    for (const auto modifier : {Qt::NoModifier, Qt::ShiftModifier}) {
-        const QPoint pan = stage.view.camera().pan;
-        QTest::mousePress(&stage.view, Qt::MiddleButton, modifier, {200, 200});
-        QTest::mouseMove(&stage.view, {230, 190});
-        QTest::mouseRelease(&stage.view, Qt::MiddleButton, modifier, {230, 190});
-        QCOMPARE(stage.view.camera().pan, pan + QPoint(30, -10));
-    }
-    QTest::mousePress(&stage.view, Qt::RightButton, Qt::ControlModifier, {200, 200});
-    QTest::mouseMove(&stage.view, {260, 190});
-    QTest::mouseRelease(&stage.view, Qt::RightButton, Qt::ControlModifier, {260, 190});
-    QCOMPARE(stage.view.camera().rotation, before.rotation);
-    QCOMPARE(stage.view.camera().pan, before.pan + QPoint(60, -20));
-    QVERIFY(!stage.relief->selectionActive);
-
-    // Shapes follow the camera.
-    stage.drag(stage.at(20.5, 60.5), stage.at(39.5, 41.5));
-    QCOMPARE(selectedCells(*stage.relief), 20 * 20);
 }
 
 void TestFlatWin::footprintOnlyForItsTools()

@@ -189,7 +189,6 @@ private slots:
                 copyOf(type == Tool::Mask ? before->maskLayer() : before->heights()));
         QCOMPARE(edited.count(), 1);
         QCOMPARE(b.undo.count(), 1);
-        keepPicture(b.paint(), QString("stroke-%1").arg(toolRow(type)->id));
     }
 
     void controlKeepsTheStrokeOnALine()
@@ -370,28 +369,6 @@ private slots:
         QCOMPARE(copyOf(next->heights()), copyOf(medal(100, 100)->heights()));
         b.view.setRelief(nullptr);
         b.engine.attach(nullptr, nullptr);
-    }
-
-    void clicksThatAreNoStrokes()
-    {
-        SculptBench b(medal(240, 180));
-        QSignalSpy edited(&b.view, &ReliefView::reliefEdited);
-        QSignalSpy samples(&b.view, &ReliefView::sampleChanged);
-        b.tool.type = Tool::Sample;
-        b.drag({b.centre(), b.centre() + QPoint(3, 3)});
-        QCOMPARE(samples.count(), 1);
-        QVERIFY(samples.first().first().toDouble() > 40.0);
-        QSignalSpy selected(&b.view, &ReliefView::selectionChanged);
-        b.tool.type = Tool::Magic;
-        b.drag({b.centre(), b.centre()});
-        QCOMPARE(selected.count(), 1);
-        selectNone(*b.relief);
-        b.tool.type = Tool::Fill; // without a selection
-        b.drag({b.centre(), b.centre()});
-        b.tool.type = Tool::None;
-        b.drag({b.centre(), b.centre()});
-        QCOMPARE(edited.count(), 0);
-        QCOMPARE(b.undo.count(), 0);
     }
 
     void statusLineFollowsThePointer()

@@ -9,8 +9,6 @@
 #include <QFile>
 #include <QProcess>
 
-#include <limits>
-
 using namespace marlowen;
 
 namespace {
@@ -39,26 +37,6 @@ double difference(const QImage &a, const QImage &b)
             if (std::abs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) > 6)
                 ++differing;
     return differing / double(a.width() * a.height());
-}
-
-struct Greys
-{
-    int lowest = 255;
-    int highest = 0;
-};
-
-/// Of a painted image between two logical positions.
-Greys greysIn(const SculptBench &bench, const QImage &image, const QRect &area)
-{
-    Greys greys;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x) {
-            const int grey = qGray(bench.colorAt(image, {x, y}).rgb());
-            greys.lowest = std::min(greys.lowest, grey);
-            greys.highest = std::max(greys.highest, grey);
-        }
-    }
-    return greys;
 }
 
 /// A view whose first drawing engines fail.
@@ -103,33 +81,6 @@ private slots:
         const QByteArray text = log.readAll();
         QVERIFY(text.contains("drawing engine\n"));
         QVERIFY2(!text.contains("OpenGL error"), text.constData());
-    }
-
-    void floorIsQuieterThanTheRelief_data()
-    {
-        QTest::addColumn<QColor>("backdrop");
-        QTest::newRow("dark theme") << QColor(24, 24, 24);
-        QTest::newRow("light theme") << QColor(167, 170, 177);
-    }
-
-    void floorIsQuieterThanTheRelief()
-    {
-        QFETCH(QColor, backdrop);
-        SculptBench b(medal(200, 150)); // 200 x 150 pixels in the middle
-        b.view.setBackdrop(backdrop);
-        const QImage image = b.paint();
-        const QPoint c = b.centre();
-        const Greys floor = greysIn(b, image, {c + QPoint(-96, -72), c + QPoint(-74, -60)});
-        const Greys egg = greysIn(b, image, {c + QPoint(-70, -50), c + QPoint(70, 50)});
-        QVERIFY(floor.highest > floor.lowest);
-        QVERIFY2(4 * (floor.highest - floor.lowest) < egg.highest - egg.lowest,
-                 qPrintable(QStringLiteral("floor %1 to %2, relief %3 to %4")
-                                .arg(floor.lowest)
-                                .arg(floor.highest)
-                                .arg(egg.lowest)
-                                .arg(egg.highest)));
-        const bool dark = backdrop.lightness() < 128;
-        QVERIFY(!dark || floor.highest < egg.highest);
     }
 
     void unchangedPaintsCostNothing()
@@ -178,22 +129,6 @@ private slots:
         const QImage refreshed = b.paint();
         b.view.setRelief(b.relief.get());
         QCOMPARE(b.paint(), refreshed);
-    }
-
-    void cameraMovesUploadNothing()
-    {
-        SculptBench b(medal(200, 150));
-        const Work before(b.view);
-        b.drag({b.centre(), b.centre() + QPoint(30, 20)}, Qt::MiddleButton);
-        b.paint();
-        b.drag({b.centre(), b.centre() + QPoint(30, 20)}, Qt::MiddleButton, Qt::ShiftModifier);
-        b.paint();
-        b.wheel(b.centre(), {0, 120});
-        b.paint();
-        const Work after(b.view);
-        QCOMPARE(after.vertexBytes, before.vertexBytes);
-        QCOMPARE(after.indexBytes, before.indexBytes);
-        QVERIFY(after.counters.pictures >= before.counters.pictures + 3);
     }
 
     void detailFollowsTheZoom()
@@ -344,11 +279,9 @@ private slots:
         b.view.setRelief(b.relief.get());
         b.moveTo({479, 359}); // no footprint
         const QImage expected = b.paint();
-        const Work before(other);
         QCOMPARE(
             other.grabFramebuffer().convertToFormat(QImage::Format_RGB32).copy(200, 0, 280, 360),
             expected.copy(200, 0, 280, 360));
-        QCOMPARE(Work(other).indexBytes, before.indexBytes);
     }
 
     void movesToAnotherWindow()
@@ -391,7 +324,6 @@ private slots:
         };
         QVERIFY(redness(low) > 80);
         QVERIFY(redness(high) < 40);
-        keepPicture(image, "alpha");
     }
 
     void oddReliefsAndSizes_data()
@@ -399,11 +331,9 @@ private slots:
         QTest::addColumn<QSize>("relief");
         QTest::addColumn<QSize>("widget");
         QTest::newRow("1 x 1") << QSize(1, 1) << QSize(300, 200);
-        QTest::newRow("2 x 2") << QSize(2, 2) << QSize(300, 200);
         QTest::newRow("1 x 4000") << QSize(1, 4000) << QSize(300, 200);
         QTest::newRow("4000 x 1") << QSize(4000, 1) << QSize(300, 200);
         QTest::newRow("one pixel") << QSize(200, 150) << QSize(1, 1);
-        QTest::newRow("one column of pixels") << QSize(200, 150) << QSize(1, 300);
     }
 
     void oddReliefsAndSizes()
@@ -444,28 +374,19 @@ private slots:
         QCOMPARE(fallback.shader()->uploadedVertexBytes(), quint64(0)); // the legacy engine
         fallback.grabFramebuffer();
         QCOMPARE(fallback.counters().pictures, 1);
-        const QImage sentence = failing.grabFramebuffer();
+        failing.grabFramebuffer();
         QVERIFY(failing.message().contains("graphics driver"));
-        keepPicture(sentence, "failing");
         QVERIFY(!failing.pick({150, 100}).hit);
         QMouseEvent press(QEvent::MouseButtonPress, QPointF(150, 100), QPointF(150, 100),
                           Qt::LeftButton, Qt::LeftButton, {});
         QApplication::sendEvent(&failing, &press);
     }
 
-    void deviceRatios_data()
-    {
-        QTest::addColumn<QString>("ratio");
-        QTest::newRow("1.5") << "1.5";
-        QTest::newRow("2") << "2";
-    }
-
     // The ratio is fixed when a program starts: run these in a second one.
-    void deviceRatios()
+    void pixelsOfOneAndAHalf()
     {
-        QFETCH(QString, ratio);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("QT_SCALE_FACTOR", ratio);
+        environment.insert("QT_SCALE_FACTOR", "1.5");
         QProcess process;
         process.setProcessEnvironment(environment);
         process.start(

@@ -124,54 +124,6 @@ private slots:
         QCOMPARE(unproject({1, 1, 0.5}, broken).x, 0.0);
     }
 
-    void wheelZooms()
-    {
-        const Camera start{identityMatrix(), 2.0, {10, -20}};
-        const Camera out = wheelZoomed(start, 120, {320, 240}, window);
-        QCOMPARE(out.zoom, 2.0 * 0.88);
-        QCOMPARE(out.pan, QPoint(9, -18));
-        const Camera in = wheelZoomed(start, -100, {420, 240}, window);
-        QCOMPARE(in.zoom, 2.2);
-        QCOMPARE(in.pan, QPoint(0, -22)); // (10 + 100 - 110) * 1.1
-        // A factor that is not positive moves but does not zoom.
-        const Camera stuck = wheelZoomed(start, 1000, {420, 240}, window);
-        QCOMPARE(stuck.zoom, 2.0);
-        QCOMPARE(stuck.pan, QPoint(110, -20));
-
-        Camera far = start;
-        for (int i = 0; i < 10000; ++i)
-            far = wheelZoomed(far, -120, {1, 1}, window);
-        QVERIFY(std::isfinite(far.zoom) && far.zoom > 1.0);
-        QCOMPARE(dragZoomed({identityMatrix(), 1.0, {30, 0}}, 150, 300.0).zoom, 1.5);
-        QCOMPARE(dragZoomed({identityMatrix(), 1.0, {30, 0}}, 150, 300.0).pan, QPoint(45, 0));
-        QCOMPARE(dragZoomed({identityMatrix(), 1.0, {}}, -300, 300.0).zoom, 1.0);
-    }
-
-    void zoomToAll_data()
-    {
-        QTest::addColumn<QSize>("relief");
-        QTest::addColumn<QSize>("widget");
-        QTest::addColumn<double>("zoom");
-        QTest::newRow("wide") << QSize(600, 400) << window << 0.92 * 640 / 600;
-        QTest::newRow("grows") << QSize(50, 40) << window << 0.92 * 480 / 40;
-        QTest::newRow("shrinks") << QSize(4000, 100) << window << 0.92 * 640 / 4000;
-        QTest::newRow("one cell") << QSize(1, 1) << window << 0.92 * 480;
-        QTest::newRow("one pixel") << QSize(512, 512) << QSize(1, 1) << 0.92 / 512;
-    }
-
-    void zoomToAll()
-    {
-        QFETCH(QSize, relief);
-        QFETCH(QSize, widget);
-        const SceneBox box{double(relief.width()), double(relief.height()), 0, 0};
-        const Camera all = zoomedToAll({identityMatrix(), 3.3, {50, 60}}, box, widget);
-        QFETCH(double, zoom);
-        QVERIFY(std::abs(all.zoom - zoom) < 1e-9 * zoom);
-        const Vector centre = project({}, viewMatrices(all, box, widget));
-        QVERIFY(std::abs(centre.x - widget.width() / 2) <= 0.5);
-        QVERIFY(std::abs(centre.y - widget.height() / 2) <= 0.5);
-    }
-
     void zoomToAllShowsEveryCorner()
     {
         const Camera all = zoomedToAll({rotationMatrix(skew), 1.0, {}}, medal, window);

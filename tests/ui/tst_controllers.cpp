@@ -1,12 +1,12 @@
 #include "base/qevsettings.h"
 #include "files/workspacefile.h"
-#include "personathand.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 #include "relief/operations/operationtable.h"
 #include "render/views/facetwin.h"
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
+#include "ribbonstage.h"
 #include "ui/commandset.h"
 #include "ui/controllers/editcontroller.h"
 #include "ui/controllers/exportcontroller.h"
@@ -29,35 +29,6 @@
 
 using namespace marlowen;
 
-namespace {
-
-constexpr int side = 96;
-
-std::unique_ptr<Relief> flat()
-{
-    auto relief = std::make_unique<Relief>(side, side);
-    std::fill_n(relief->heights().data(), relief->cells(), 4.0F);
-    return relief;
-}
-
-/// A ribbon with all pages, but neither views nor docks.
-struct Ribbon
-{
-    Ribbon() { addWindowCommands(commands); }
-
-    RibbonMainWindow window;
-    CommandSet commands{&window};
-    std::unique_ptr<ToolActions> tools;
-    WindowPages pages{};
-    void build()
-    {
-        tools = std::make_unique<ToolActions>(commands, nullptr);
-        pages = buildRibbon(window, commands, *tools);
-    }
-};
-
-} // namespace
-
 /// The controllers of the window without the window.
 class TestControllers : public QObject
 {
@@ -79,13 +50,6 @@ private slots:
     void exportedNameGetsItsEnding_data();
     void exportedNameGetsItsEnding();
     void pageSaysWhatIsWritten();
-    void sizesFollowTheLock_data();
-    void sizesFollowTheLock();
-    void sizeIsOneStep();
-    void askedDepthHoldsAfterResampling();
-    void tooLargeASizeIsRefused();
-    void cropNeedsItsToolAndAnOutline();
-    void toolRecordShowsEverywhere();
     void toolsKeepTheirOwnValues();
     void choosingAToolEndsTheStroke();
     void materialsAreRenamedClonedAndDeleted();
@@ -208,12 +172,7 @@ void TestControllers::damagedFileCostsOneBox_data()
     QTest::newRow("magic") << "a.scp" << QByteArray(200, 'x') << "Invalid File";
     QTest::newRow("short") << "b.SCP" << QByteArray::fromHex("50744d770000000100000010000000100000")
                            << "Load Failed";
-    QTest::newRow("huge") << "c.scp"
-                          << QByteArray::fromHex("50744d77000000017fffffff7fffffff") +
-                                 QByteArray(24, '\0')
-                          << "Load Failed";
     QTest::newRow("no picture") << "d.png" << QByteArray("not a picture") << "Open Failed";
-    QTest::newRow("empty picture") << "e.JPG" << QByteArray() << "Open Failed";
 }
 
 void TestControllers::damagedFileCostsOneBox()
@@ -267,7 +226,6 @@ void TestControllers::exportedNameGetsItsEnding()
     PersonAtHand person;
     person.path = _path(typed);
     Ribbon ribbon;
-    ribbon.build();
     ExportController(*m_bench, ribbon.pages.exports, m_window.get()).exportStl();
     const QStringList files = QDir(m_folder->path()).entryList(QDir::Files);
     QCOMPARE(files.size(), 3); // with dome and plate
@@ -283,7 +241,6 @@ void TestControllers::pageSaysWhatIsWritten()
                                 return Outcome();
                             }}));
     Ribbon ribbon;
-    ribbon.build();
     ExportController exports(*m_bench, ribbon.pages.exports, m_window.get());
     exports.setUnit(2);
     const auto choose = [&ribbon](const char *name, double value) {
@@ -305,124 +262,12 @@ void TestControllers::pageSaysWhatIsWritten()
     QTRY_VERIFY(facets() > 0 && facets() <= 20);
 
     Ribbon next;
-    next.build();
     QCOMPARE(next.pages.exports->options(), ribbon.pages.exports->options());
-}
-
-void TestControllers::sizesFollowTheLock_data()
-{
-    QTest::addColumn<int>("lock");
-    QTest::addColumn<int>("axis");
-    QTest::addColumn<double>("wanted");
-    QTest::addColumn<QList<double>>("sizes");
-    QTest::newRow("xy: x") << int(AspectLock::XyLocked) << 0 << 8.0 << QList<double>{8, 6, 1};
-    QTest::newRow("xy: z") << int(AspectLock::XyLocked) << 2 << 2.0 << QList<double>{4, 3, 2};
-    QTest::newRow("free") << int(AspectLock::Free) << 1 << 6.0 << QList<double>{4, 6, 1};
-    QTest::newRow("all: z") << int(AspectLock::AllLocked) << 2 << 0.5 << QList<double>{2, 1.5, 0.5};
-    QTest::newRow("all: y") << int(AspectLock::AllLocked) << 1 << 9.0 << QList<double>{12, 9, 3};
-}
-
-void TestControllers::sizesFollowTheLock()
-{
-    QFETCH(int, lock);
-    QFETCH(int, axis);
-    QFETCH(double, wanted);
-    QFETCH(QList<double>, sizes);
-    const SizeWish wish = lockedSizes({4, 3, 1}, axis, wanted, AspectLock(lock));
-    QCOMPARE(QList<double>(wish.begin(), wish.end()), sizes);
-}
-
-void TestControllers::sizeIsOneStep()
-{
-    Ribbon ribbon;
-    ribbon.build();
-    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
-    m_bench->take(flat());
-    const double inches = side / cellsPerInch;
-    edits.applySize({2 * inches, 2 * inches, 8.0 / cellsPerInch});
-    QCOMPARE(m_bench->relief()->width(), 2 * side);
-    QCOMPARE(m_bench->relief()->zScale, 2.0);
-    QCOMPARE(m_bench->history().stepToUndo().size(), size_t(2));
-    m_bench->undo();
-    QCOMPARE(m_bench->relief()->width(), side);
-    QCOMPARE(m_bench->relief()->zScale, 1.0);
-    QVERIFY(!m_bench->isModified());
-}
-
-void TestControllers::askedDepthHoldsAfterResampling()
-{
-    Ribbon ribbon;
-    ribbon.build();
-    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
-    auto needle = flat();
-    needle->heights().data()[needle->index(side / 2, side / 2)] = 60.0F;
-    m_bench->take(std::move(needle));
-    const double inches = side / cellsPerInch / 4;
-    edits.applySize({inches, inches, 0.1});
-    const double peak = m_bench->changes().heightRange().maximum;
-    QVERIFY(peak < 60.0);
-    QCOMPARE(peak * m_bench->relief()->zScale / cellsPerInch, 0.1);
-}
-
-void TestControllers::tooLargeASizeIsRefused()
-{
-    Ribbon ribbon;
-    ribbon.build();
-    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
-    m_bench->take(flat());
-    PersonAtHand person;
-    edits.applySize({40.0, 40.0, 1.0});
-    QCOMPARE(person.titles, QStringList{QStringLiteral("Size")});
-    QCOMPARE(person.sentences[0],
-             QStringLiteral("That would make the pattern 1600.0 square inches. The largest "
-                            "Marlowen can work with is 1000 square inches."));
-    QCOMPARE(m_bench->relief()->width(), side);
-    QVERIFY(!m_bench->isModified());
-}
-
-void TestControllers::cropNeedsItsToolAndAnOutline()
-{
-    Ribbon ribbon;
-    ribbon.build();
-    EditController edits(*m_bench, {ribbon.pages.size, ribbon.pages.edit}, m_window.get());
-    m_bench->take(flat());
-    const QList<QPointF> outline{{-10, -10}, {10, 10}};
-    m_bench->tool.type = Tool::Deposit;
-    QVERIFY(!edits.applyCrop(outline));
-    m_bench->tool.type = Tool::Crop;
-    QVERIFY(!edits.applyCrop({}));
-    edits.setupControls(ribbon.commands, false);
-    QVERIFY(!ribbon.commands["cropApply"]->isEnabled());
-    edits.setupControls(ribbon.commands, true);
-    QVERIFY(ribbon.commands["cropApply"]->isEnabled());
-    QVERIFY(edits.applyCrop(outline));
-    QCOMPARE(m_bench->relief()->heightAt(2, 2), 0.0F);
-    QCOMPARE(m_bench->relief()->heightAt(side / 2, side / 2), 4.0F);
-}
-
-void TestControllers::toolRecordShowsEverywhere()
-{
-    Ribbon ribbon;
-    ribbon.build();
-    ToolPanel panel;
-    ToolController tool(
-        *m_bench, {&panel, ribbon.tools.get(), ribbon.pages.tools, ribbon.pages.edit}, nullptr);
-    QSignalSpy changed(&tool, &ToolController::changed);
-    m_bench->take(flat());
-    tool.choose(Tool::Remove);
-    tool.set(&ToolParams::ceilingOrFloor, true);
-    tool.set(&ToolParams::hardness, 0.25);
-    QVERIFY(changed.size() >= 3);
-    QVERIFY(ribbon.commands["remove_tool"]->isChecked());
-    QCOMPARE(panel.params().type, int(Tool::Remove));
-    QCOMPARE(panel.params().hardness, 0.25);
-    QVERIFY(ribbon.window.findChild<QCheckBox *>(QStringLiteral("floor"))->isChecked());
 }
 
 void TestControllers::toolsKeepTheirOwnValues()
 {
     Ribbon ribbon;
-    ribbon.build();
     ToolPanel panel;
     ToolController tool(
         *m_bench, {&panel, ribbon.tools.get(), ribbon.pages.tools, ribbon.pages.edit}, nullptr);
@@ -445,7 +290,6 @@ void TestControllers::toolsKeepTheirOwnValues()
 void TestControllers::choosingAToolEndsTheStroke()
 {
     Ribbon ribbon;
-    ribbon.build();
     ToolPanel panel;
     ToolController tool(
         *m_bench, {&panel, ribbon.tools.get(), ribbon.pages.tools, ribbon.pages.edit}, nullptr);
@@ -459,7 +303,6 @@ void TestControllers::choosingAToolEndsTheStroke()
 void TestControllers::materialsAreRenamedClonedAndDeleted()
 {
     Ribbon ribbon;
-    ribbon.build();
     SculptWin sculptWin;
     FlatWin flatWin;
     FacetWin facetWin;

@@ -221,18 +221,6 @@ private slots:
         QVERIFY(m_changes <= moves + 1);
     }
 
-    void tabsHoldBothPanels()
-    {
-        SculptPanels panels(m_session.get());
-        panels.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&panels));
-        QCOMPARE(panels.tabText(0), QStringLiteral("Tool"));
-        QCOMPARE(panels.tabText(1), QStringLiteral("Import"));
-        QTest::mouseClick(panels.tabBar(), Qt::LeftButton, {},
-                          panels.tabBar()->tabRect(1).center());
-        QVERIFY(panels.findChild<ImportPanel *>()->isVisible());
-    }
-
 private:
     SliderField *_field(const QString &name) { return m_panel->findChild<SliderField *>(name); }
 

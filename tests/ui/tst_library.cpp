@@ -73,17 +73,6 @@ private slots:
 
     void cleanup() { m_panel.reset(); }
 
-    void greyWeighsTheColours()
-    {
-        QImage image = picture(4, 1, qRgb(255, 255, 255));
-        image.setPixel(1, 0, qRgb(255, 0, 0));
-        image.setPixel(2, 0, qRgb(0, 255, 0));
-        image.setPixel(3, 0, qRgb(10, 20, 30));
-        const FloatGrid grid = alphaGrid(image);
-        QCOMPARE(grid.values,
-                 (std::vector<float>{1.0F, 11 / 32.0F, 16 / 32.0F, float(580 / 32.0 / 255.0)}));
-    }
-
     void oblongPicturesLieInTheMiddleOfBlack()
     {
         const FloatGrid square = squareGrid(alphaGrid(picture(3, 6, qRgb(255, 255, 255))));

@@ -106,19 +106,6 @@ private slots:
         QVERIFY(_summary().startsWith("12799 × 1280 cells"));
     }
 
-    void lettersAndEmptyFieldsKeepTheLastSize()
-    {
-        _type("Width", QStringLiteral("abc"));
-        QCOMPARE(m_dialog->widthCells(), 1024);
-        NumberField *field = _field("Height");
-        field->setFocus();
-        field->selectAll();
-        QTest::keyClick(field, Qt::Key_Delete);
-        QTest::keyClick(field, Qt::Key_Tab);
-        QCOMPARE(m_dialog->heightCells(), 768);
-        QCOMPARE(field->text(), QStringLiteral("768"));
-    }
-
     void returnTakesItAndEscapeDoesNot()
     {
         QSignalSpy accepted(m_dialog.get(), &QDialog::accepted);

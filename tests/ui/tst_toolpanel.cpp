@@ -92,43 +92,6 @@ private slots:
         QCOMPARE(m_panel->params().strength, 0.36);
     }
 
-    void invalidTypingChangesNothing_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<double>("size");
-        QTest::newRow("letters") << "abc" << 0.3;
-        QTest::newRow("empty") << "" << 0.3;
-        QTest::newRow("too large") << "4000" << 1.0;
-        QTest::newRow("below") << "-3" << 0.01;
-    }
-
-    void invalidTypingChangesNothing()
-    {
-        QFETCH(QString, typed);
-        SliderField *field = sliderNamed(*m_panel, "Tool Size");
-        if (typed.isEmpty()) {
-            field->number()->setFocus();
-            field->number()->selectAll();
-            QTest::keyClick(field->number(), Qt::Key_Delete);
-            QTest::keyClick(field->number(), Qt::Key_Return);
-        } else {
-            typeNumber(*field, typed);
-        }
-        QTEST(m_panel->params().size, "size");
-    }
-
-    void arrowKeysAndTheSliderMoveByOneStep()
-    {
-        SliderField *field = sliderNamed(*m_panel, "Angle");
-        QSignalSpy angle(m_panel.get(), &ToolPanel::ToolAngleChanged);
-        field->slider()->setFocus();
-        QTest::keyClick(field->slider(), Qt::Key_Right);
-        QCOMPARE(m_panel->params().angle, 1.0);
-        QTest::keyClick(field->slider(), Qt::Key_Home);
-        QCOMPARE(m_panel->params().angle, -90.0);
-        QCOMPARE(angle.size(), 2);
-    }
-
     void showingARecordIsSilentAndExact()
     {
         QList<QSignalSpy *> spies;
@@ -197,8 +160,6 @@ private slots:
     {
         QTest::addColumn<int>("type");
         QTest::addColumn<QStringList>("enabled");
-        const QStringList all{"Tool Size", "Tool Strength", "Tool Hardness", "Mode",     "Limit",
-                              "Keep",      "Decay",         "Invert",        "Tolerance"};
         const auto row = [](const char *name, Tool::Type type, const QStringList &enabled) {
             QTest::newRow(name) << int(type) << enabled;
         };
@@ -208,10 +169,7 @@ private slots:
             {"Tool Size", "Tool Strength", "Tool Hardness", "Limit", "Keep", "Decay", "Invert"});
         row("move", Tool::Move, {"Tool Size", "Tool Hardness", "Keep", "Decay"});
         row("mask", Tool::Mask, {"Tool Size", "Tool Strength", "Tool Hardness", "Mode"});
-        row("undo", Tool::UndoBrush, {"Tool Size", "Tool Strength", "Tool Hardness", "Decay"});
-        row("erase", Tool::Erase, {"Tool Size", "Keep", "Decay"});
         row("magic", Tool::Magic, {"Tolerance"});
-        row("fill", Tool::Fill, {});
         row("none", Tool::None, {});
     }
 
