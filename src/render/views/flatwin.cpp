@@ -200,7 +200,7 @@ QList<QPointF> FlatWin::cropOutline() const
         return {};
     // Whole numbers from the centre: they name the same cells again after being truncated, for even
     // and odd sizes.
-    const QPointF centre(relief()->width() / 2, relief()->height() / 2);
+    const QPoint centre(relief()->width() / 2, relief()->height() / 2);
     return {box.topLeft() - centre, box.topRight() - centre, box.bottomRight() - centre,
             box.bottomLeft() - centre};
 }
