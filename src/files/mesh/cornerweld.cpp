@@ -89,14 +89,36 @@ quint32 CornerWeld::_recentPlace(const Corner &corner)
     return recent.place;
 }
 
+/// Each corner's place or flagged number: that of the same corner of the facet before, else of one
+/// met lately.
+void CornerWeld::_placeLately(std::span<const Corner> corners, quint32 *places)
+{
+    std::array<Corner, 3> before{};
+    std::array<quint32, 3> placesBefore{vacant, vacant, vacant};
+    for (size_t first = 0; first < corners.size(); first += 3) {
+        std::array<Corner, 3> facet;
+        std::array<quint32, 3> found;
+        for (size_t i = 0; i < 3; ++i) {
+            facet[i] = withoutMinusZero(corners[first + i]);
+            found[i] = vacant;
+            for (size_t k = 0; k < 3; ++k)
+                found[i] = before[k] == facet[i] ? placesBefore[k] : found[i];
+            if (found[i] == vacant)
+                found[i] = _recentPlace(facet[i]);
+            places[first + i] = found[i];
+        }
+        before = facet;
+        placesBefore = found;
+    }
+}
+
 void CornerWeld::weld(std::span<const Corner> corners, quint32 *places)
 {
-    Q_ASSERT(corners.size() <= longestRun);
+    Q_ASSERT(corners.size() <= longestRun && corners.size() % 3 == 0);
     if (3 * m_slots.size() < 4 * (m_positions.size() + corners.size()))
         _grow(std::bit_ceil(2 * (m_positions.size() + corners.size())));
     m_open.clear();
-    for (size_t i = 0; i < corners.size(); ++i)
-        places[i] = _recentPlace(withoutMinusZero(corners[i]));
+    _placeLately(corners, places);
     for (quint32 number = 0; number < m_open.size(); ++number) {
         Open &open = m_open[number];
         open.place = _lookUp(open.corner, open.hash);

@@ -21,7 +21,8 @@ public:
     /// `expected` is how many there may be in the end, a hint.
     CornerWeld(LargeVector<MeshPoint> &positions, size_t expected);
 
-    /// Writes the place of each corner in the positions. Long runs are faster than short ones.
+    /// Writes the place of each corner in the positions; three corners are a facet. Long runs are
+    /// faster than short ones, as are facets that share corners with the one before.
     /// Throws std::bad_alloc.
     void weld(std::span<const Corner> corners, quint32 *places);
 
@@ -40,6 +41,7 @@ private:
         quint32 place;
     };
 
+    void _placeLately(std::span<const Corner> corners, quint32 *places);
     quint32 _recentPlace(const Corner &corner);
     quint32 _lookUp(const Corner &corner, size_t hash);
     void _grow(size_t slots);

@@ -164,6 +164,7 @@ void ModelController::_turn(ModelTurn turn)
     if (FacetShape *shape = _shape()) {
         shape->turn(turn);
         _show();
+        m_parts.view->fit();
     }
 }
 
@@ -172,6 +173,7 @@ void ModelController::_reset()
     if (FacetShape *shape = _shape()) {
         shape->resetOrientation();
         _show();
+        m_parts.view->fit();
     }
 }
 

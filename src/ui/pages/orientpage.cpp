@@ -67,6 +67,8 @@ constexpr char green[] = "* { background-color: green; selection-background-colo
 constexpr char red[] = "* { background-color: red; selection-background-color: red; "
                        "selection-color: black; border: none }";
 
+const QString widestInches = QStringLiteral("888.88 × 888.88 in.");
+
 QLabel *addReadout(RibbonGroup &group, const QString &label, const char *name)
 {
     auto *readout = new QLabel;
@@ -141,6 +143,8 @@ void OrientPage::_addAccept(RibbonPage &page)
     m_cells = addReadout(*group, tr("Cells"), "modelCells");
     m_inches = addReadout(*group, tr("Size"), "modelInches");
     m_memory = addReadout(*group, tr("Memory"), "modelMemory");
+    // The group does not follow a text that grows.
+    m_inches->setMinimumWidth(m_inches->fontMetrics().horizontalAdvance(widestInches));
     // The style sheet of the button would colour its tool tip too; its frame has that instead.
     auto *frame = new QWidget;
     auto *layout = new QHBoxLayout(frame);
@@ -172,16 +176,15 @@ void OrientPage::show(const ModelReadout &readout)
 
 void OrientPage::_showAccept(const ModelReadout &readout)
 {
-    const double inches = lengthUnits[readout.sizes.unit].inches;
-    const auto &[x, y, z] = readout.sizes.working;
-    m_inches->setText(
-        QStringLiteral("%1 × %2 %3")
-            .arg(numberText(x * inches, 2), numberText(y * inches, 2), unitLabel(lengthUnits[0])));
     if (readout.tooBig) {
-        m_cells->setText(QStringLiteral("–"));
-        m_memory->setText(QStringLiteral("–"));
+        for (QLabel *unknown : {m_cells, m_inches, m_memory})
+            unknown->setText(QStringLiteral("–"));
     } else {
         m_cells->setText(QStringLiteral("%1 × %2").arg(readout.columns).arg(readout.rows));
+        m_inches->setText(QStringLiteral("%1 × %2 %3")
+                              .arg(numberText(readout.columns / cellsPerInch, 2),
+                                   numberText(readout.rows / cellsPerInch, 2),
+                                   unitLabel(lengthUnits[0])));
         m_memory->setText(tr("%1 MB").arg(numberText(readout.megabytes, 1)));
     }
     m_accept->setText(readout.tooBig ? tr("Too \n Big") : tr("Accept"));
