@@ -2,6 +2,7 @@
 
 #include "base/progress.h"
 #include "base/version.h"
+#include "files/export/pulse.h"
 
 #include <QByteArray>
 #include <QIODevice>
@@ -78,13 +79,14 @@ private:
 struct CellNumbers
 {
     CellNumbers() = default;
-    explicit CellNumbers(const CellSurface &surface)
+    CellNumbers(const CellSurface &surface, Progress &progress)
         : ofCell(static_cast<std::size_t>(surface.heights().cells()))
     {
-        surface.forEachFacet([this](const CellTriangle &facet) {
+        Pulse pulse(progress);
+        surface.forEachFacet([&](const CellTriangle &facet) {
             for (const uint32_t cell : facet)
                 ofCell[cell] = 1;
-            return true;
+            return pulse.beat();
         });
         for (uint32_t &number : ofCell)
             number = number == 0 ? 0 : ++count;
@@ -128,8 +130,8 @@ public:
         , m_mesh(mesh)
         , m_surface(mesh.surface())
         , m_progress(progress)
-        , m_top(mesh.surface())
-        , m_base(mesh.isSolid() ? CellNumbers(mesh.base()) : CellNumbers())
+        , m_top(mesh.surface(), progress)
+        , m_base(mesh.isSolid() ? CellNumbers(mesh.base(), progress) : CellNumbers())
     {
     }
 
@@ -160,6 +162,7 @@ private:
                 const uint32_t here = cell++;
                 if (numbers.ofCell[here] == 0)
                     continue;
+                ++m_written;
                 m_out.text(x);
                 m_out.text(y);
                 if (isBase)
@@ -171,10 +174,19 @@ private:
                      !writeNormal(normalAt(m_surface, static_cast<int>(&x - xs.data()), row))))
                     return false;
             }
-            if (m_progress.cancelled())
+            if (!report())
                 return false;
         }
         return true;
+    }
+
+    /// Points and facets count alike. False when the work was cancelled.
+    bool report()
+    {
+        const uint64_t all =
+            std::max<uint64_t>(1, m_top.count + uint64_t{m_base.count} + m_mesh.count());
+        m_progress.advance(static_cast<double>(m_written) / static_cast<double>(all));
+        return !m_progress.cancelled();
     }
 
     bool writeNormal(const SurfacePoint &normal)
@@ -213,13 +225,7 @@ private:
             m_out.number(corner.normal);
         }
         ++m_written;
-        if (m_written % 65536 == 0) {
-            m_progress.advance(static_cast<double>(m_written) /
-                               static_cast<double>(m_mesh.count()));
-            if (m_progress.cancelled())
-                return false;
-        }
-        return m_out.endLine();
+        return m_out.endLine() && (m_written % 65536 != 0 || report());
     }
 
     bool writeFaces()
@@ -267,7 +273,7 @@ private:
     Progress &m_progress;
     CellNumbers m_top;
     CellNumbers m_base;
-    uint64_t m_written = 0;
+    uint64_t m_written = 0; ///< points and facets
 };
 
 } // namespace

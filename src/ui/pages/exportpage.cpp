@@ -205,7 +205,7 @@ void ExportPage::_buildForm(RibbonGroup &group)
     m_standardNote->setObjectName(QStringLiteral("standardNote"));
     group.addRow(m_standard);
     group.addRow(m_standardNote);
-    group.breakColumn();
+    group.addSeparator();
     group.addRow(m_solid);
     group.addRow(m_base, tr("Base"));
     connect(m_standard, &QCheckBox::toggled, this, [this](bool on) {
