@@ -71,6 +71,8 @@ std::vector<CellEdge> CellSurface::listBorder(Pulse &pulse) const
     for (const CellTriangle &facet : *m_facets) {
         for (std::size_t i = 0; i < 3; ++i)
             edges.push_back({facet[i], facet[(i + 1) % 3]});
+        if (!pulse.beat())
+            return {};
     }
     std::vector<CellEdge> border;
     if (!sortEdges(edges, pulse))

@@ -84,6 +84,8 @@ void Thinning::joinEdges()
     for (uint32_t edge = 0; edge < 3 * m_triangles.size(); ++edge) {
         const auto [low, high] = std::minmax({from(edge), from(next(edge))});
         edges.push_back({low, high, edge});
+        if (!m_pulse.beat())
+            return;
     }
     if (!sortEdges(edges, m_pulse))
         return;

@@ -45,14 +45,20 @@ bool sortEdges(std::vector<std::array<uint32_t, Size>> &edges, Pulse &pulse)
     constexpr std::size_t smallBand = 1U << 16;
     const std::size_t bands = edges.size() / smallBand + 1;
     uint32_t last = 0;
-    for (const auto &edge : edges)
+    for (const auto &edge : edges) {
         last = std::max(last, edge[0]);
+        if (!pulse.beat())
+            return false;
+    }
     const auto bandOf = [&](const auto &edge) {
         return static_cast<std::size_t>(uint64_t{edge[0]} * bands / (uint64_t{last} + 1));
     };
     std::vector<std::size_t> ends(bands + 1, 0);
-    for (const auto &edge : edges)
+    for (const auto &edge : edges) {
         ++ends[bandOf(edge) + 1];
+        if (!pulse.beat())
+            return false;
+    }
     for (std::size_t band = 0; band < bands; ++band)
         ends[band + 1] += ends[band];
     std::vector<std::size_t> next(ends.begin(), ends.end() - 1);
