@@ -76,7 +76,6 @@ private slots:
     void strokeEqualsTheEngine();
     void selections_data();
     void selections();
-    void magicUsesTheToolRecord();
     void sampleAndFill();
     void historySteps();
     void wholeReliefSteps();
@@ -221,17 +220,10 @@ void TestEngineScripts::selections_data()
     QTest::newRow("a polygon keeps its form beyond the grid")
         << QStringList{R"({"do":"select","shape":"polygon","cells":[[-6,0],[5,0],[5,3]]})"}
         << QStringList{"######", "######", ".#####", ".....#"};
-    QTest::newRow("additive polygon")
-        << QStringList{square, R"({"do":"select","shape":"polygon","cells":[[5,0],[5,3]],)"
-                               R"("modifier":"Additive"})"}
-        << QStringList{".....#", ".###.#", ".###.#", ".....#"};
     QTest::newRow("subtractive ellipse")
         << QStringList{square, R"({"do":"select","shape":"ellipse","cells":[[2,2],[2,2]],)"
                                R"("modifier":"Subtractive"})"}
         << QStringList{"......", ".###..", ".#.#..", "......"};
-    QTest::newRow("normal replaces")
-        << QStringList{square, R"({"do":"select","shape":"ellipse","cells":[[0,3],[0,3]]})"}
-        << QStringList{"......", "......", "......", "#....."};
 }
 
 void TestEngineScripts::selections()
@@ -244,22 +236,6 @@ void TestEngineScripts::selections()
     QCOMPARE(script.run({R"({"do":"select","shape":"none"})"}), "");
     QVERIFY(!script.relief().selectionActive);
     QCOMPARE(script.undo().count(), 0);
-}
-
-void TestEngineScripts::magicUsesTheToolRecord()
-{
-    Script script;
-    const QString pick = R"({"do":"select","shape":"magic","point":[-3,-2]})";
-    QCOMPARE(script.run({fresh}), "");
-    script.relief().heights().data()[1] = 9.0F;
-    script.relief().heights().data()[6] = 9.0F;
-    script.relief().rangeMaximum = 10.0;
-    QCOMPARE(script.run({pick}), "");
-    QCOMPARE(selectionOf(script.relief()), QStringList({"#.....", "......", "......", "......"}));
-    QCOMPARE(script.run({R"({"do":"tool","continuous":false})", pick}), "");
-    QCOMPARE(selectionOf(script.relief()), QStringList({"#.####", ".#####", "######", "######"}));
-    QCOMPARE(script.run({R"({"do":"tool","tolerance":0.7})", pick}), "");
-    QCOMPARE(selectionOf(script.relief()), QStringList(4, QStringLiteral("######")));
 }
 
 void TestEngineScripts::sampleAndFill()
