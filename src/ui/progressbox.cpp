@@ -45,6 +45,7 @@ void ProgressBox::advance(double fraction)
             std::make_unique<QProgressDialog>(m_label, QObject::tr("Cancel"), 0, steps, m_window);
         m_dialog->setWindowModality(Qt::ApplicationModal);
         m_dialog->setWindowFlag(Qt::WindowStaysOnTopHint);
+        m_dialog->setWindowTitle(QStringLiteral("Marlowen"));
         m_dialog->setMinimumDuration(0);
         m_dialog->setAutoClose(false);
         m_dialog->setAutoReset(false);
