@@ -56,11 +56,8 @@ bool ImportSession::_prepared(const ImportSettings &settings)
 void ImportSession::_apply(const ImportSettings &settings, Effect effect)
 {
     compare(false);
-    if (!_prepared(settings)) {
-        if (changed)
-            changed();
+    if (!_prepared(settings))
         return;
-    }
     _keepForNext(settings);
     m_settings = settings;
     if (active()) {

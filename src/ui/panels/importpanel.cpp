@@ -213,8 +213,12 @@ void ImportPanel::_changed()
 void ImportPanel::flush()
 {
     m_handOver.stop();
-    if (m_wanted != m_session->settings())
+    if (m_wanted != m_session->settings()) {
         m_session->change(m_wanted);
+        // The user may have cancelled the work that the change asked for.
+        if (m_wanted != m_session->settings())
+            refresh();
+    }
     _enable();
 }
 
