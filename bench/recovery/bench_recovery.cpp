@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include <cmath>
+#include <ctime>
 
 using namespace marlowen;
 using namespace std::chrono_literals;
@@ -30,6 +31,13 @@ std::unique_ptr<Relief> waves()
     return relief;
 }
 
+double threadSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
 /// A window without widgets, on a folder beside the program: a disk, not memory.
 struct Window
 {
@@ -39,12 +47,15 @@ struct Window
         QObject::connect(&bench, &Workbench::stepDone, &bench, [this](const Step &step) {
             cells += int64_t{step.cells.width()} * step.cells.height();
             ++steps;
+            cpuBefore = threadSeconds();
             before = baseline::now();
         });
         journal = std::make_unique<RecoveryJournal>(
             bench, RecoveryJournal::Options{folder.path(), {}, 10s, 0ms});
-        QObject::connect(&bench, &Workbench::stepDone, &bench,
-                         [this] { pause = baseline::now() - before; });
+        QObject::connect(&bench, &Workbench::stepDone, &bench, [this] {
+            pause = baseline::now() - before;
+            cpu = threadSeconds() - cpuBefore;
+        });
     }
     /// The step's time is in `pause` afterwards.
     void stroke(QPointF from, QPointF to)
@@ -66,6 +77,8 @@ struct Window
     int steps = 0;
     double before = 0.0;
     double pause = 0.0;
+    double cpuBefore = 0.0;
+    double cpu = 0.0; ///< of this thread alone, which other processes do not lengthen
 };
 
 /// What the journal takes of the hand's time after a stroke: `diagonal` strokes cross the relief.
@@ -79,12 +92,14 @@ void BM_JournalStep(benchmark::State &state, bool diagonal)
     baseline::Copier copier(layerBytes);
     std::vector<double> copies;
     std::vector<double> pauses;
+    std::vector<double> cpus;
     int stroke = 0;
     for (auto _ : state) {
         const double reach = diagonal ? side / 2.1 : 150.0;
         const double at = diagonal ? 0.0 : (stroke++ % 20) * 60.0 - 600.0;
         window.stroke({at - reach, at - reach}, {at + reach, at + reach});
         pauses.push_back(window.pause);
+        cpus.push_back(window.cpu);
         copies.push_back(copier.seconds());
         state.SetIterationTime(window.pause);
     }
@@ -92,10 +107,12 @@ void BM_JournalStep(benchmark::State &state, bool diagonal)
     const auto changed = static_cast<double>(window.cells) * sizeof(float);
     state.counters["x_layer"] = baseline::median(pauses) / baseline::median(copies);
     state.counters["q_largest_pause_ms"] = 1e3 * *std::max_element(pauses.begin(), pauses.end());
+    state.counters["q_median_pause_ms"] = 1e3 * baseline::median(pauses);
+    state.counters["q_largest_work_ms"] = 1e3 * *std::max_element(cpus.begin(), cpus.end());
     state.counters["q_bytes_share"] =
         static_cast<double>(window.journalBytes() - base - 64 * window.steps) / changed;
 }
-BENCHMARK_CAPTURE(BM_JournalStep, short_strokes, false)->UseManualTime()->Iterations(100);
+BENCHMARK_CAPTURE(BM_JournalStep, short_strokes, false)->UseManualTime()->Iterations(200);
 BENCHMARK_CAPTURE(BM_JournalStep, whole_relief, true)->UseManualTime()->Iterations(3);
 
 /// What it adds to opening a relief, beside a copy of the two layers that it has.

@@ -2,7 +2,24 @@
 
 #include <algorithm>
 
+#include <sched.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace marlowen {
+
+namespace {
+
+/// On a busy machine a thread that is woken may take the processor from the one who woke it, which
+/// here is the hand. This one waits its turn.
+void giveWayToOthers()
+{
+    const sched_param none{};
+    sched_setscheduler(0, SCHED_BATCH, &none);
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), 5);
+}
+
+} // namespace
 
 JournalWriter::JournalWriter(std::unique_ptr<JournalKeeper> keeper, JournalTiming timing, Tell tell)
     : m_timing(timing)
@@ -16,35 +33,58 @@ JournalWriter::~JournalWriter()
 {
     {
         const std::scoped_lock lock(m_mutex);
+        _takeOver();
         m_stop = true;
     }
     m_wake.notify_all();
     m_thread.join();
 }
 
-void JournalWriter::add(JournalJob job)
+bool JournalWriter::add(JournalJob job)
+{
+    m_waitingBytes += job.bytes();
+    m_outbox.push_back(std::move(job));
+    return post();
+}
+
+bool JournalWriter::post()
 {
     {
-        const std::scoped_lock lock(m_mutex);
-        if (job.kind == JournalJob::Base) {
-            m_jobs.clear();
-            m_waitingBytes = 0;
-        }
-        m_waitingBytes += job.bytes();
-        m_jobs.push_back(std::move(job));
+        const std::unique_lock lock(m_mutex, std::try_to_lock);
+        if (!lock)
+            return false;
+        _takeOver();
     }
     m_wake.notify_all();
+    return true;
+}
+
+/// With the mutex held.
+void JournalWriter::_takeOver()
+{
+    for (JournalJob &job : m_outbox) {
+        if (job.kind == JournalJob::Base) {
+            for (const JournalJob &gone : m_jobs)
+                m_waitingBytes -= gone.bytes();
+            m_jobs.clear();
+        }
+        m_jobs.push_back(std::move(job));
+    }
+    m_outbox.clear();
 }
 
 bool JournalWriter::waitUntilWritten(std::chrono::milliseconds longest)
 {
     std::unique_lock lock(m_mutex);
+    _takeOver();
+    m_wake.notify_all();
     return m_done.wait_for(lock, longest, [this] { return m_jobs.empty() && !m_busy; });
 }
 
 bool JournalWriter::waitUntilSafe(std::chrono::milliseconds longest)
 {
     std::unique_lock lock(m_mutex);
+    _takeOver();
     m_hurry = true;
     m_wake.notify_all();
     const bool safe = m_done.wait_for(
@@ -53,14 +93,9 @@ bool JournalWriter::waitUntilSafe(std::chrono::milliseconds longest)
     return safe && !m_dead;
 }
 
-int64_t JournalWriter::waitingBytes() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_waitingBytes;
-}
-
 void JournalWriter::_run()
 {
+    giveWayToOthers();
     std::unique_lock lock(m_mutex);
     while (true) {
         std::optional<JournalJob> job = _nextJob(lock);

@@ -3,6 +3,7 @@
 #include "recovery/journaljob.h"
 #include "recovery/journalkeeper.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -39,16 +40,20 @@ public:
     /// Writes what is waiting, then ends the thread.
     ~JournalWriter();
 
-    /// Never waits for the disk. A base takes the place of everything that waits.
-    void add(JournalJob job);
+    /// Never waits, not even for the thread: when that is in the way the job stays here and false
+    /// is returned; post() tries again. A base takes the place of everything that waits. This and
+    /// what follows is for one thread, that of the one who works.
+    bool add(JournalJob job);
+    bool post();
     /// Waits until nothing waits; false after `longest`.
     bool waitUntilWritten(std::chrono::milliseconds longest);
     /// The same until all of it is on the disk too; false also when something could not be written.
     bool waitUntilSafe(std::chrono::milliseconds longest);
     /// Bytes of the jobs that wait.
-    int64_t waitingBytes() const;
+    int64_t waitingBytes() const { return m_waitingBytes; }
 
 private:
+    void _takeOver();
     void _run();
     std::optional<JournalJob> _nextJob(std::unique_lock<std::mutex> &lock);
     bool _compactsNow(Clock::time_point now) const;
@@ -59,11 +64,13 @@ private:
     const JournalTiming m_timing;
     const Tell m_tell;
 
-    mutable std::mutex m_mutex;
+    std::deque<JournalJob> m_outbox; ///< added, not handed to the thread yet
+    std::atomic<int64_t> m_waitingBytes = 0;
+
+    std::mutex m_mutex;
     std::condition_variable m_wake; ///< the thread: there is something to do
     std::condition_variable m_done; ///< those who wait: something was done
     std::deque<JournalJob> m_jobs;
-    int64_t m_waitingBytes = 0;
     bool m_busy = false;
     bool m_hurry = false; ///< sync as soon as nothing waits
     bool m_stop = false;

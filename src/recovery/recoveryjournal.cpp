@@ -36,6 +36,10 @@ RecoveryJournal::RecoveryJournal(Workbench &bench, Options options)
 {
     m_retry.setInterval(m_options.retry);
     m_reading.setSingleShot(true);
+    connect(&m_post, &QTimer::timeout, this, [this] {
+        if (!m_writer || m_writer->post())
+            m_post.stop();
+    });
     connect(&m_retry, &QTimer::timeout, this, &RecoveryJournal::_retry);
     connect(&m_reading, &QTimer::timeout, this, &RecoveryJournal::_readSelectionSlice);
     connect(&m_bench, &Workbench::stepDone, this, &RecoveryJournal::_step);
@@ -52,6 +56,7 @@ void RecoveryJournal::end(bool keep)
     m_ended = true;
     m_retry.stop();
     m_reading.stop();
+    m_post.stop();
     m_writer.reset();
     if (m_folder && !keep)
         m_folder->discard();
@@ -144,7 +149,8 @@ void RecoveryJournal::_add(JournalJob job)
         m_writer->waitUntilWritten(m_options.longestWait);
     if (m_writer->waitingBytes() > mostWaitingBytes)
         return _setOff(tr("the disk is too slow"));
-    m_writer->add(std::move(job));
+    if (!m_writer->add(std::move(job)))
+        m_post.start(1);
 }
 
 /// Begins the journal anew with the relief as it is.
@@ -164,7 +170,8 @@ void RecoveryJournal::_begin(bool fresh)
     job.base->file = m_bench.file();
     job.base->modified = m_bench.isModified();
     _noteImport();
-    m_writer->add(std::move(job));
+    if (!m_writer->add(std::move(job)))
+        m_post.start(1);
 }
 
 bool RecoveryJournal::_prepareWriter()

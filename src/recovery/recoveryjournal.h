@@ -80,6 +80,7 @@ private:
     bool m_ended = false;
     bool m_following = true; ///< false while recovered work is handed over
     QTimer m_retry;
+    QTimer m_post; ///< while the writer did not take a job
 
     QTimer m_reading; ///< of the selection
     std::vector<EqualRun> m_runs;

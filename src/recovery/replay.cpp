@@ -144,8 +144,7 @@ bool Replay::_takeSelection(JournalReader &reader)
 {
     const std::optional<uint8_t> active = unpacked<uint8_t>(reader.meta());
     std::vector<EqualRun> runs(reader.head().dataBytes / sizeof(EqualRun));
-    if (!active || !reader.read(runs.data(), runs.size() * sizeof(EqualRun)) ||
-        !reader.isWhole())
+    if (!active || !reader.read(runs.data(), runs.size() * sizeof(EqualRun)) || !reader.isWhole())
         return false;
     int64_t cells = 0;
     for (const EqualRun &run : runs)
