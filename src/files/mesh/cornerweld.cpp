@@ -42,7 +42,8 @@ CornerWeld::CornerWeld(LargeVector<MeshPoint> &positions, size_t expected)
     : m_positions(positions)
     , m_recent(recentCorners, Recent{{}, vacant})
 {
-    m_positions.reserve(expected);
+    // Room that is never used is never touched; a copy of the whole array would be.
+    m_positions.reserve(expected + expected / 8);
     m_slots.assign(std::bit_ceil(std::max(fewestSlots, expected + expected / 2)), vacant);
     m_open.reserve(longestRun);
 }
