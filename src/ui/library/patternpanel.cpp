@@ -25,8 +25,8 @@ namespace marlowen {
 
 namespace {
 
-constexpr int thumbnailSide = 80;
-constexpr QSize cell(92, 108);
+constexpr int thumbnailSide = 72;
+constexpr QSize cell(84, 102);
 constexpr int changedMs = 250;
 
 /// Pattern files of a drag that comes from elsewhere.
@@ -99,7 +99,6 @@ void PatternPanel::_makeList()
     m_list->setViewMode(QListView::IconMode);
     m_list->setMovement(QListView::Static);
     m_list->setResizeMode(QListView::Adjust);
-    m_list->setLayoutMode(QListView::Batched);
     m_list->setUniformItemSizes(true);
     m_list->setIconSize(QSize(thumbnailSide, thumbnailSide));
     m_list->setGridSize(cell);
@@ -211,6 +210,8 @@ void PatternPanel::showPattern(const QString &path)
         return;
     m_list->setCurrentIndex(m_model->index(row));
     m_list->scrollTo(m_model->index(row));
+    // It can be renamed or placed at once.
+    m_list->setFocus();
 }
 
 void PatternPanel::setReasons(const QString &againstAdding, const QString &againstPlacing)

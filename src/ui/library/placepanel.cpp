@@ -54,6 +54,19 @@ PlacePanel::PlacePanel(QWidget *parent)
     addRow(2, fieldText(join.label), m_join);
     grid->setColumnStretch(1, 1);
     column->addLayout(grid);
+    _fillJoins(join);
+    QList<SliderField *> sliders;
+    for (double Placement::*member :
+         {&Placement::angle, &Placement::scale, &Placement::strength, &Placement::softEdge}) {
+        sliders << _makeSlider(member);
+        column->addWidget(sliders.last());
+    }
+    alignFields({sliders.data(), static_cast<size_t>(sliders.size())}, labelWidth);
+    column->addLayout(_makeButtons());
+}
+
+void PlacePanel::_fillJoins(const FieldInfo &join)
+{
     m_join->setObjectName(QLatin1String(join.key));
     m_join->setAccessibleName(fieldText(join.label));
     m_join->setToolTip(fieldText(join.hint));
@@ -63,13 +76,10 @@ PlacePanel::PlacePanel(QWidget *parent)
         placement.join = choice;
         _change(placement);
     });
-    QList<SliderField *> sliders;
-    for (double Placement::*member :
-         {&Placement::angle, &Placement::scale, &Placement::strength, &Placement::softEdge}) {
-        sliders << _makeSlider(member);
-        column->addWidget(sliders.last());
-    }
-    alignFields({sliders.data(), static_cast<size_t>(sliders.size())}, labelWidth);
+}
+
+QLayout *PlacePanel::_makeButtons()
+{
     auto *apply = new QPushButton(tr("Apply"));
     apply->setObjectName(QStringLiteral("placeApply"));
     apply->setToolTip(
@@ -82,9 +92,9 @@ PlacePanel::PlacePanel(QWidget *parent)
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(apply, 1);
     buttons->addWidget(cancel, 1);
-    column->addLayout(buttons);
     connect(apply, &QPushButton::clicked, this, &PlacePanel::applied);
     connect(cancel, &QPushButton::clicked, this, &PlacePanel::cancelled);
+    return buttons;
 }
 
 NumberField *PlacePanel::_makeCentre(const QString &label)

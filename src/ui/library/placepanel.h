@@ -37,6 +37,8 @@ signals:
 private:
     NumberField *_makeCentre(const QString &label);
     SliderField *_makeSlider(double Placement::*member);
+    void _fillJoins(const FieldInfo &join);
+    QLayout *_makeButtons();
     void _showCentre();
     void _change(const Placement &placement);
 

@@ -12,6 +12,20 @@ namespace {
 
 constexpr int gap = 4;
 
+QRect pictureOf(const QStyleOptionViewItem &item)
+{
+    QRect picture(QPoint(), item.decorationSize);
+    picture.moveCenter(item.rect.center());
+    picture.moveTop(item.rect.top() + gap);
+    return picture;
+}
+
+QRect textOf(const QStyleOptionViewItem &item)
+{
+    return QRect(item.rect.left(), pictureOf(item).bottom() + gap, item.rect.width(),
+                 item.fontMetrics.height());
+}
+
 } // namespace
 
 void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -22,9 +36,7 @@ void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     const RibbonColors colors = RibbonColors::of(item.palette);
     const bool enabled = item.state.testFlag(QStyle::State_Enabled);
     const bool chosen = item.state.testFlag(QStyle::State_Selected);
-    QRect picture(QPoint(), item.decorationSize);
-    picture.moveCenter(item.rect.center());
-    picture.moveTop(item.rect.top() + gap);
+    const QRect picture = pictureOf(item);
 
     painter->save();
     item.icon.paint(painter, picture, Qt::AlignCenter, enabled ? QIcon::Normal : QIcon::Disabled);
@@ -37,8 +49,7 @@ void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->setPen(frame);
     painter->drawRect(picture.adjusted(-1, -1, 0, 0));
 
-    const QRect text(item.rect.left(), picture.bottom() + gap, item.rect.width(),
-                     item.fontMetrics.height());
+    const QRect text = textOf(item);
     painter->setPen(enabled ? colors.text : colors.disabledText);
     painter->setFont(item.font);
     painter->drawText(text, Qt::AlignHCenter | Qt::AlignTop,
@@ -50,6 +61,22 @@ void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
         ring.rect = item.rect.adjusted(1, 1, -1, -1);
         item.widget->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &ring, painter, item.widget);
     }
+}
+
+QSize ThumbnailDelegate::sizeHint(const QStyleOptionViewItem &option,
+                                  const QModelIndex &index) const
+{
+    if (const QSize wanted = index.data(Qt::SizeHintRole).toSize(); wanted.isValid())
+        return wanted;
+    return {option.decorationSize.width() + 3 * gap,
+            option.decorationSize.height() + option.fontMetrics.height() + 3 * gap};
+}
+
+void ThumbnailDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                                             const QModelIndex &) const
+{
+    editor->setAutoFillBackground(true);
+    editor->setGeometry(textOf(option).adjusted(0, -2, 0, 2));
 }
 
 } // namespace marlowen

@@ -16,6 +16,11 @@ public:
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+    /// As large as the item says, or as picture and text need.
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    /// The text is edited where it stands.
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
 };
 
 } // namespace marlowen
