@@ -4,6 +4,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <string>
@@ -114,6 +115,13 @@ FieldTable<ToolParams> toolFields()
         return complete;
     }();
     return rows;
+}
+
+double onControl(double ToolParams::*member, double value)
+{
+    const FieldControl &control = fieldOf(toolFields(), member).info.control;
+    return std::clamp(value, control.scale.stored(control.minimum),
+                      control.scale.stored(control.maximum));
 }
 
 } // namespace marlowen

@@ -9,6 +9,9 @@ namespace marlowen {
 /// tools that use it.
 FieldTable<ToolParams> toolFields();
 
+/// The value moved into what the parameter's control can be set to.
+double onControl(double ToolParams::*member, double value);
+
 /// Of AlphaBrush::repeatCount.
 extern const FieldInfo alphaRepeatField;
 

@@ -4,6 +4,7 @@
 #include "relief/strokes/sculptengine.h"
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/tool.h"
+#include "relief/tools/toolfields.h"
 #include "render/camera/levelofdetail.h"
 #include "render/engines/shader.h"
 #include "render/overlays/footprint.h"
@@ -21,13 +22,7 @@
 
 namespace marlowen {
 
-namespace {
-
-constexpr int prepareDelay = 150; ///< milliseconds after a relief is there
-constexpr double smallestSize = 0.01;
-constexpr double smallestStrength = 0.0001;
-
-} // namespace
+static constexpr int prepareDelay = 150; ///< milliseconds after a relief is there
 
 ReliefView::ReliefView(QWidget *parent)
     : SurfaceView(parent)
@@ -379,12 +374,11 @@ bool ReliefView::wheelTurned(Qt::KeyboardModifiers keys, int delta)
         _changeToolSize(by);
         return true;
     }
-    if (keys & Qt::ControlModifier) {
-        m_tool->strength = std::clamp(m_tool->strength + by, smallestStrength, 1.0);
-        emit toolStrengthUpdated(m_tool->strength);
-        return true;
-    }
-    return false;
+    if (!(keys & Qt::ControlModifier))
+        return false;
+    m_tool->strength = onControl(&ToolParams::strength, m_tool->strength + by);
+    emit toolStrengthUpdated(m_tool->strength);
+    return true;
 }
 
 void ReliefView::brushSizeStep(int step)
@@ -395,7 +389,7 @@ void ReliefView::brushSizeStep(int step)
 
 void ReliefView::_changeToolSize(double by)
 {
-    m_tool->size = std::clamp(m_tool->size + by, smallestSize, 1.0);
+    m_tool->size = onControl(&ToolParams::size, m_tool->size + by);
     emit toolSizeUpdated(m_tool->size);
     update();
 }

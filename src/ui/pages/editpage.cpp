@@ -174,7 +174,7 @@ void EditPage::showSample(double inches, int unit)
     m_sample->setDecimals(shown.decimals);
     m_sample->setMaximum(highestSample / shown.inches);
     m_sample->setSingleStep(shown.inches < 1.0 ? 0.5 : 0.01);
-    m_sample->setSuffix(QLatin1Char(' ') + tr(shown.label));
+    m_sample->setSuffix(QLatin1Char(' ') + unitLabel(shown));
     m_sample->setValue(inches / shown.inches);
 }
 
