@@ -101,7 +101,7 @@ int savedThemeMode()
     return QevSettings().darkTheme() ? 1 : 0;
 }
 
-void _installStyle()
+void installSavedStyle()
 {
     themeSwitcher::setStyleFactory([](int mode) -> QStyle * { return new BrindlemarkStyle(mode); });
     themeSwitcher::installStyle(savedThemeMode());
@@ -125,7 +125,7 @@ int runWindow(QevApplication &application, const QStringList &arguments)
 {
     tidyDataFolder();
     logStep("About to create main window");
-    _installStyle();
+    installSavedStyle();
     MainWindow window;
     application.setMainWindow(&window);
     quitOnTerminationSignals([&window] { return window.leaveWorkForNextStart(); });

@@ -63,6 +63,119 @@ void ramp(Bench &b)
     b.fill([](int column, int) { return column - 140.0; });
 }
 
+void invert(Bench &b)
+{
+    b.relief.invert = true;
+}
+
+void stepRight(Bench &b)
+{
+    b.engine.applyAt({1.0, 0.0});
+}
+
+const std::vector<std::pair<const char *, HandCase>> handCases{
+    // s = 0.5, w = 0.25; a rise or fall of 500 * 0.001 * 0.5 = 0.25 by a quarter.
+    {"Deposit", evenGround(Tool::Deposit, 2.0625)},
+    {"Deposit, inverted", evenGround(Tool::Deposit, 1.9375, invert)},
+    {"Deposit to a ceiling",
+     {Tool::Deposit,
+      [](Bench &b) {
+          b.params.ceilingOrFloor = true;
+          b.at(149, 200) = 2.125F;
+      },
+      {2.03125, 2.125, 2.03125, 2.03125, 2.03125}}},
+    {"Remove", evenGround(Tool::Remove, 1.9375)},
+    {"Remove, inverted", evenGround(Tool::Remove, 2.0625, invert)},
+    {"Remove to a floor",
+     {Tool::Remove,
+      [](Bench &b) {
+          b.params.ceilingOrFloor = true;
+          b.params.keepTransparency = false;
+          b.at(149, 200) = 1.875F;
+          b.at(150, 199) = 0.0F;
+      },
+      {1.96875, 1.875, 1.96875, 0.0, 1.96875}}},
+    {"Remove down to nothing",
+     {Tool::Remove,
+      [](Bench &b) {
+          strengthOne(b);
+          b.params.falloff = Tool::ConstantFalloff;
+          b.fill([](int, int) { return 0.25; });
+      },
+      {0.0, 0.0, 0.0, 0.0, 0.0}}},
+    // Means 6 in the middle, 4 beside it, 3 diagonally; a quarter of the way there.
+    {"Smooth",
+     {Tool::Smooth, [](Bench &b) { b.at(150, 200) = 18.0F; }, {15.0, 2.5, 2.5, 2.5, 2.25}}},
+    {"Smooth, raise",
+     {Tool::Smooth,
+      [](Bench &b) {
+          b.params.mode = Tool::Raise;
+          b.at(150, 200) = 18.0F;
+      },
+      {18.0, 2.5, 2.5, 2.5, 2.25}}},
+    {"Smooth, lower",
+     {Tool::Smooth,
+      [](Bench &b) {
+          b.params.mode = Tool::Lower;
+          b.at(150, 200) = 18.0F;
+      },
+      {15.0, 2.0, 2.0, 2.0, 2.0}}},
+    // Plane at 2 + 500 * 0.02 = 12, half of the way weighs 0.5.
+    {"Clay", evenGround(Tool::Clay, 7.0, strengthOne)},
+    {"Clay, inverted", evenGround(Tool::Clay, 0.0,
+                                  [](Bench &b) {
+                                      strengthOne(b);
+                                      b.relief.invert = true;
+                                  })},
+    // Mean 4 of 12 and four times 2.
+    {"Flatten", {Tool::Flatten, hill, {8.0, 3.0, 3.0, 3.0, 3.0}}},
+    {"Scrape", {Tool::Scrape, hill, {8.0, 2.0, 2.0, 2.0, 2.0}}},
+    {"Scrape, inverted",
+     {Tool::Scrape,
+      [](Bench &b) {
+          hill(b);
+          b.relief.invert = true;
+      },
+      {12.0, 3.0, 3.0, 3.0, 3.0}}},
+    {"Undo", evenGround(Tool::UndoBrush, 3.0,
+                        [](Bench &b) {
+                            float *reference = b.relief.referenceLayer().data();
+                            std::fill_n(reference, b.relief.cells(), 6.0F);
+                        })},
+    {"Undo towards nothing", evenGround(Tool::UndoBrush, 1.5)},
+    {"Erase", evenGround(Tool::Erase, 0.0)},
+    {"Brush", evenGround(Tool::HeightBrush, 3.5, [](Bench &b) { b.relief.sampleHeight = 3.5F; })},
+    {"Brush without a height",
+     evenGround(Tool::HeightBrush, 0.0, [](Bench &b) { b.relief.sampleHeight = std::nanf(""); })},
+    // The material of one column to the left is a cell lower.
+    {"Smudge", {Tool::Smudge, ramp, {10.75, 9.75, 11.75, 10.75, 9.75}, {151, 200}, stepRight}},
+    {"Smudge, raise",
+     {Tool::Smudge,
+      [](Bench &b) {
+          ramp(b);
+          b.params.mode = Tool::Raise;
+      },
+      {11.0, 10.0, 12.0, 11.0, 10.0},
+      {151, 200},
+      stepRight}},
+    // Half of the two columns that the pointer went.
+    {"Move",
+     {Tool::Move,
+      ramp,
+      {11.0, 10.0, 12.0, 11.0, 10.0},
+      {152, 200},
+      [](Bench &b) {
+          b.engine.applyAt({2.0, 0.0});
+      }}},
+    {"Pinch",
+     {Tool::Pinch,
+      [](Bench &b) {
+          ramp(b);
+          strengthOne(b);
+      },
+      {10.0, 8.875, 11.125, 10.0, 9.0 - 0.125 / std::sqrt(2.0)}}},
+};
+
 } // namespace
 
 class TestBrushes : public QObject
@@ -90,130 +203,18 @@ private slots:
     void stampCutsDownToItsLevel();
 };
 
-using Cases = std::vector<std::pair<const char *, HandCase>>;
-
-static Cases handCases()
-{
-    const auto invert = [](Bench &b) { b.relief.invert = true; };
-    const auto stepRight = [](Bench &b) { b.engine.applyAt({1.0, 0.0}); };
-    return {
-        // s = 0.5, w = 0.25; a rise or fall of 500 * 0.001 * 0.5 = 0.25 by a quarter.
-        {"Deposit", evenGround(Tool::Deposit, 2.0625)},
-        {"Deposit, inverted", evenGround(Tool::Deposit, 1.9375, invert)},
-        {"Deposit to a ceiling",
-         {Tool::Deposit,
-          [](Bench &b) {
-              b.params.ceilingOrFloor = true;
-              b.at(149, 200) = 2.125F;
-          },
-          {2.03125, 2.125, 2.03125, 2.03125, 2.03125}}},
-        {"Remove", evenGround(Tool::Remove, 1.9375)},
-        {"Remove, inverted", evenGround(Tool::Remove, 2.0625, invert)},
-        {"Remove to a floor",
-         {Tool::Remove,
-          [](Bench &b) {
-              b.params.ceilingOrFloor = true;
-              b.params.keepTransparency = false;
-              b.at(149, 200) = 1.875F;
-              b.at(150, 199) = 0.0F;
-          },
-          {1.96875, 1.875, 1.96875, 0.0, 1.96875}}},
-        {"Remove down to nothing",
-         {Tool::Remove,
-          [](Bench &b) {
-              strengthOne(b);
-              b.params.falloff = Tool::ConstantFalloff;
-              b.fill([](int, int) { return 0.25; });
-          },
-          {0.0, 0.0, 0.0, 0.0, 0.0}}},
-        // Means 6 in the middle, 4 beside it, 3 diagonally; a quarter of the way there.
-        {"Smooth",
-         {Tool::Smooth, [](Bench &b) { b.at(150, 200) = 18.0F; }, {15.0, 2.5, 2.5, 2.5, 2.25}}},
-        {"Smooth, raise",
-         {Tool::Smooth,
-          [](Bench &b) {
-              b.params.mode = Tool::Raise;
-              b.at(150, 200) = 18.0F;
-          },
-          {18.0, 2.5, 2.5, 2.5, 2.25}}},
-        {"Smooth, lower",
-         {Tool::Smooth,
-          [](Bench &b) {
-              b.params.mode = Tool::Lower;
-              b.at(150, 200) = 18.0F;
-          },
-          {15.0, 2.0, 2.0, 2.0, 2.0}}},
-        // Plane at 2 + 500 * 0.02 = 12, half of the way weighs 0.5.
-        {"Clay", evenGround(Tool::Clay, 7.0, strengthOne)},
-        {"Clay, inverted", evenGround(Tool::Clay, 0.0,
-                                      [](Bench &b) {
-                                          strengthOne(b);
-                                          b.relief.invert = true;
-                                      })},
-        // Mean 4 of 12 and four times 2.
-        {"Flatten", {Tool::Flatten, hill, {8.0, 3.0, 3.0, 3.0, 3.0}}},
-        {"Scrape", {Tool::Scrape, hill, {8.0, 2.0, 2.0, 2.0, 2.0}}},
-        {"Scrape, inverted",
-         {Tool::Scrape,
-          [](Bench &b) {
-              hill(b);
-              b.relief.invert = true;
-          },
-          {12.0, 3.0, 3.0, 3.0, 3.0}}},
-        {"Undo", evenGround(Tool::UndoBrush, 3.0,
-                            [](Bench &b) {
-                                float *reference = b.relief.referenceLayer().data();
-                                std::fill_n(reference, b.relief.cells(), 6.0F);
-                            })},
-        {"Undo towards nothing", evenGround(Tool::UndoBrush, 1.5)},
-        {"Erase", evenGround(Tool::Erase, 0.0)},
-        {"Brush",
-         evenGround(Tool::HeightBrush, 3.5, [](Bench &b) { b.relief.sampleHeight = 3.5F; })},
-        {"Brush without a height",
-         evenGround(Tool::HeightBrush, 0.0,
-                    [](Bench &b) { b.relief.sampleHeight = std::nanf(""); })},
-        // The material of one column to the left is a cell lower.
-        {"Smudge", {Tool::Smudge, ramp, {10.75, 9.75, 11.75, 10.75, 9.75}, {151, 200}, stepRight}},
-        {"Smudge, raise",
-         {Tool::Smudge,
-          [](Bench &b) {
-              ramp(b);
-              b.params.mode = Tool::Raise;
-          },
-          {11.0, 10.0, 12.0, 11.0, 10.0},
-          {151, 200},
-          stepRight}},
-        // Half of the two columns that the pointer went.
-        {"Move",
-         {Tool::Move,
-          ramp,
-          {11.0, 10.0, 12.0, 11.0, 10.0},
-          {152, 200},
-          [](Bench &b) {
-              b.engine.applyAt({2.0, 0.0});
-          }}},
-        {"Pinch",
-         {Tool::Pinch,
-          [](Bench &b) {
-              ramp(b);
-              strengthOne(b);
-          },
-          {10.0, 8.875, 11.125, 10.0, 9.0 - 0.125 / std::sqrt(2.0)}}},
-    };
-}
-
 void TestBrushes::byHand_data()
 {
     QTest::addColumn<int>("index");
     int index = 0;
-    for (const auto &[name, handCase] : handCases())
+    for (const auto &[name, handCase] : handCases)
         QTest::newRow(name) << index++;
 }
 
 void TestBrushes::byHand()
 {
     QFETCH(int, index);
-    const HandCase handCase = handCases()[static_cast<size_t>(index)].second;
+    const HandCase handCase = handCases[static_cast<size_t>(index)].second;
     Bench b;
     handCase.prepare(b);
     b.params.type = handCase.type;

@@ -1,5 +1,7 @@
 #include "relief/grid/relief.h"
 #include "relief/grid/reliefstream.h"
+#include "relief/selection/selectionedits.h"
+#include "relief/selection/selections.h"
 #include "relief/tools/tool.h"
 
 #include <QBuffer>
@@ -237,6 +239,29 @@ private slots:
         QCOMPARE(read.relief->referenceLayer().constData()[5], 0.0F);
         QCOMPARE(read.relief->zScale, 1.0);
         QCOMPARE(read.relief->rangeMaximum, 0.0);
+    }
+
+    // Across the border of the words that hold the cells.
+    void growShrinkAndInvert()
+    {
+        Relief relief(130, 9);
+        const auto count = [&relief] {
+            const float *cells = relief.selectionLayer().constData();
+            return std::count(cells, cells + relief.cells(), 1.0F);
+        };
+        QVERIFY(!growSelection(relief, 1) && !invertSelection(relief));
+        selectRectangle(relief, {63, 4}, {63, 4}, SelectionModifier::Normal);
+        QVERIFY(growSelection(relief, 2));
+        QCOMPARE(count(), 3 + 5 + 5 + 5 + 3);
+        QVERIFY(shrinkSelection(relief, 2));
+        QCOMPARE(count(), 1);
+        QVERIFY(!shrinkSelection(relief, 1));
+        QCOMPARE(count(), 1);
+        QVERIFY(invertSelection(relief));
+        QCOMPARE(count(), 130 * 9 - 1);
+        selectRectangle(relief, {0, 0}, {64, 8}, SelectionModifier::Normal);
+        QVERIFY(shrinkSelection(relief, 3));
+        QCOMPARE(count(), 62 * 9); // what lies beyond the edge takes nothing away
     }
 
     void aFullDeviceIsReported()

@@ -1,6 +1,4 @@
 #include "pictures.h"
-#include "relief/grid/cellbits.h"
-#include "relief/selection/selectionedits.h"
 #include "relief/selection/selections.h"
 
 #include <QSet>
@@ -100,31 +98,7 @@ private slots:
     void polygonEqualsFloodFill();
     void farCornersCostNothing();
     void nonsenseChangesNothing();
-    void growShrinkAndInvert();
 };
-
-/// Across the border of the words that hold the cells.
-void TestSelections::growShrinkAndInvert()
-{
-    Relief relief(130, 9);
-    const auto count = [&relief] {
-        const float *cells = relief.selectionLayer().constData();
-        return std::count(cells, cells + relief.cells(), 1.0F);
-    };
-    QVERIFY(!growSelection(relief, 1) && !invertSelection(relief));
-    selectRectangle(relief, {63, 4}, {63, 4}, Modifier::Normal);
-    QVERIFY(growSelection(relief, 2));
-    QCOMPARE(count(), 3 + 5 + 5 + 5 + 3);
-    QVERIFY(shrinkSelection(relief, 2));
-    QCOMPARE(count(), 1);
-    QVERIFY(!shrinkSelection(relief, 1));
-    QCOMPARE(count(), 1);
-    QVERIFY(invertSelection(relief));
-    QCOMPARE(count(), 130 * 9 - 1);
-    selectRectangle(relief, {0, 0}, {64, 8}, Modifier::Normal);
-    QVERIFY(shrinkSelection(relief, 3));
-    QCOMPARE(count(), 62 * 9); // what lies beyond the edge takes nothing away
-}
 
 void TestSelections::magic_data()
 {

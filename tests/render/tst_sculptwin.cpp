@@ -369,8 +369,7 @@ private slots:
             view->show();
             QVERIFY(QTest::qWaitForWindowExposed(view));
         }
-        QVERIFY(fallback.message().isEmpty());
-        QVERIFY(fallback.shader());
+        QVERIFY(fallback.message().isEmpty() && fallback.shader());
         QCOMPARE(fallback.shader()->uploadedVertexBytes(), quint64(0)); // the legacy engine
         fallback.grabFramebuffer();
         QCOMPARE(fallback.counters().pictures, 1);

@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QCoreApplication>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSlider>
 #include <QVBoxLayout>
@@ -82,6 +83,26 @@ ChoiceRow *makeChoices(const FieldInfo &info, QWidget *parent)
     for (qsizetype i = 0; i < words.size(); ++i)
         choices.push_back({fieldText(words[i].toLatin1().constData()), icons.value(i)});
     return new ChoiceRow(fieldText(info.label), choices, parent);
+}
+
+QWidget *switchedRow(QCheckBox *box, SliderField *field)
+{
+    auto *row = new QWidget;
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
+    layout->addWidget(box);
+    layout->addWidget(field, 1);
+    return row;
+}
+
+QHBoxLayout *checkRow(std::initializer_list<QCheckBox *> boxes)
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(16);
+    for (QCheckBox *box : boxes)
+        row->addWidget(box, 1);
+    return row;
 }
 
 void alignFields(std::span<SliderField *const> fields, int labelWidth)

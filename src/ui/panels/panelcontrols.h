@@ -5,9 +5,11 @@
 
 #include <QString>
 
+#include <initializer_list>
 #include <span>
 
 class QCheckBox;
+class QHBoxLayout;
 class QLabel;
 class QLayout;
 class QVBoxLayout;
@@ -35,6 +37,11 @@ SliderField::Range sliderRange(const FieldInfo &info, double initial);
 SliderField *makeSlider(const FieldInfo &info, double initial, QWidget *parent);
 QCheckBox *makeCheckBox(const FieldInfo &info, QWidget *parent);
 ChoiceRow *makeChoices(const FieldInfo &info, QWidget *parent);
+
+/// A check box in the label column with the slider that it switches on.
+QWidget *switchedRow(QCheckBox *box, SliderField *field);
+/// Check boxes side by side, all of one width.
+QHBoxLayout *checkRow(std::initializer_list<QCheckBox *> boxes);
 
 /// Gives the labels this width and the numbers the widest one's, so that fields below each other
 /// align.

@@ -21,32 +21,6 @@
 
 namespace marlowen {
 
-namespace {
-
-/// A check box in the label column with the slider that it switches on.
-QWidget *switchedRow(QCheckBox *box, SliderField *field)
-{
-    auto *row = new QWidget;
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    layout->addWidget(box);
-    layout->addWidget(field, 1);
-    return row;
-}
-
-/// Check boxes side by side.
-QHBoxLayout *checkRow(std::initializer_list<QCheckBox *> boxes)
-{
-    auto *row = new QHBoxLayout;
-    row->setSpacing(16);
-    for (QCheckBox *box : boxes)
-        row->addWidget(box, 1);
-    return row;
-}
-
-} // namespace
-
 const std::array<ToolPanel::NumberRow, ToolPanel::numberCount> &ToolPanel::_numberRows()
 {
     using P = ToolParams;
