@@ -44,10 +44,8 @@ QString keyOf(const PatternEntry &entry)
 QString describe(const PatternInfo &info)
 {
     QStringList lines;
-    for (const QString &text : {info.attributes.title, info.attributes.author}) {
-        if (!text.isEmpty())
-            lines << text;
-    }
+    if (!info.attributes.author.isEmpty())
+        lines << info.attributes.author;
     lines << PatternModel::tr("%1 × %2 cells, %3 × %4 in.")
                  .arg(info.width)
                  .arg(info.height)
@@ -108,7 +106,7 @@ QVariant PatternModel::data(const QModelIndex &index, int role) const
         return thumbnail ? thumbnail->icon : m_empty;
     case Qt::ToolTipRole:
         thumbnail = _thumbnail(entry);
-        return thumbnail ? thumbnail->text : entry.name;
+        return thumbnail ? entry.name + QLatin1Char('\n') + thumbnail->text : entry.name;
     case PathRole:
         return entry.path;
     case BuiltInRole:

@@ -42,7 +42,7 @@ private:
     struct Thumbnail
     {
         QIcon icon;
-        QString text; ///< title, author and size; why it cannot be read
+        QString text; ///< author and size; why it cannot be read
     };
 
     const Thumbnail *_thumbnail(const PatternEntry &entry) const;
