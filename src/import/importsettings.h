@@ -36,6 +36,7 @@ enum ImportFieldFlag : unsigned {
     KeepsBasRelief = 1U << 2,   ///< a change leaves the last bas-relief result valid
     NeedsPreview = 1U << 3,     ///< its control is disabled while the preview is off
     NeedsBasRelief = 1U << 4,   ///< its control is disabled while the bas-relief is off
+    InMainColumn = 1U << 5, ///< its slider stands in the first column of the panel, in row order
 };
 
 /// One row a setting, in the order of the record.

@@ -26,9 +26,9 @@ struct OperationNumber
     bool whole;
 };
 
-/// The group of buttons in which the window shows an operation that takes no input. None: a page of
-/// the window has controls of its own for it.
-enum class OperationGroup { Masking, None };
+/// The buttons among which the window shows an operation that takes no input: beside the mask tool,
+/// or filters beside the tools that restore. None: a page has controls of its own for it.
+enum class OperationGroup { Masking, Filters, None };
 
 /// One operation on the whole relief. The window's commands with their shortcuts and tool tips, the
 /// script actions and the names of the undo steps come from these rows. Texts for a person are

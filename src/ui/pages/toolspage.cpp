@@ -1,6 +1,5 @@
 #include "ui/pages/toolspage.h"
 
-#include "relief/operations/operationtable.h"
 #include "relief/tools/tooltable.h"
 #include "ui/commandset.h"
 #include "ui/panels/panelcontrols.h"
@@ -86,12 +85,10 @@ ToolsPage::ToolsPage(RibbonPage &page, CommandSet &commands, const ToolActions &
     _addTools(tools, ToolGroup::Sculpting);
     m_group->addSeparator();
     _addTools(tools, ToolGroup::Masking);
-    for (const OperationRow &row : operationTable()) {
-        if (row.group == OperationGroup::Masking)
-            m_group->addSmallButton(commands[row.id]);
-    }
+    _addOperations(commands, OperationGroup::Masking);
     m_group->addSeparator();
     _addTools(tools, ToolGroup::Restoring);
+    _addOperations(commands, OperationGroup::Filters);
 }
 
 void ToolsPage::_addTools(const ToolActions &tools, ToolGroup group)
@@ -102,6 +99,14 @@ void ToolsPage::_addTools(const ToolActions &tools, ToolGroup group)
         m_group->addLargeButton(tools.action(row->type));
         if (*row->optionLabel)
             _addLimit(*row);
+    }
+}
+
+void ToolsPage::_addOperations(const CommandSet &commands, OperationGroup group)
+{
+    for (const OperationRow &row : operationTable()) {
+        if (row.group == group)
+            m_group->addSmallButton(commands[row.id]);
     }
 }
 

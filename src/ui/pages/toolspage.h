@@ -1,5 +1,6 @@
 #pragma once
 
+#include "relief/operations/operationtable.h"
 #include "relief/tools/tooltable.h"
 
 #include <QObject>
@@ -67,6 +68,7 @@ private:
     };
 
     void _addTools(const ToolActions &tools, ToolGroup group);
+    void _addOperations(const CommandSet &commands, OperationGroup group);
     void _addLimit(const ToolRow &row);
 
     RibbonGroup *m_group;

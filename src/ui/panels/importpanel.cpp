@@ -58,10 +58,8 @@ QCheckBox *ImportPanel::_makeCheck(bool ImportSettings::*member)
     return box;
 }
 
-template <typename Value>
-void ImportPanel::_makeNumber(Value ImportSettings::*member)
+void ImportPanel::_makeSlider(const SettingField &field)
 {
-    const SettingField &field = fieldOf(importFields(), member);
     SliderField *slider = makeSlider(field.info, field.initial(), this);
     m_numbers.push_back({&field, slider});
     layout()->addWidget(slider);
@@ -99,7 +97,7 @@ void ImportPanel::_showDepth()
     m_depth->setDecimals(unit.decimals);
     m_depth->setRange(0.0, largestDepthInches / unit.inches);
     m_depth->setSingleStep(unit.inches < 1.0 ? 0.5 : 0.05);
-    m_depth->setSuffix(QLatin1Char(' ') + fieldText(unit.label));
+    m_depth->setSuffix(QLatin1Char(' ') + unitLabel(unit));
     m_depth->setValue(m_wanted.depth / cellsIn(m_unit));
 }
 
@@ -167,10 +165,10 @@ void ImportPanel::_arrange()
     depth->addWidget(m_depth);
     depth->addStretch(1);
     column->addLayout(depth);
-    _makeNumber(&ImportSettings::deband);
-    _makeNumber(&ImportSettings::smoothing);
-    _makeNumber(&ImportSettings::raiseLower);
-    _makeNumber(&ImportSettings::trim);
+    for (const SettingField &field : importFields()) {
+        if (field.info.has(InMainColumn))
+            _makeSlider(field);
+    }
     addSection(*column, tr("Tilt"));
     _makeNumber(&ImportSettings::tiltVertical);
     _makeNumber(&ImportSettings::tiltHorizontal);

@@ -66,7 +66,11 @@ private:
 
     QCheckBox *_makeCheck(bool ImportSettings::*member);
     template <typename Value>
-    void _makeNumber(Value ImportSettings::*member);
+    void _makeNumber(Value ImportSettings::*member)
+    {
+        _makeSlider(fieldOf(importFields(), member));
+    }
+    void _makeSlider(const Field<ImportSettings> &field);
     /// Why the control of a field cannot be used; empty when it can.
     QString _reason(const SettingField &field) const;
     /// The same for "Update".
