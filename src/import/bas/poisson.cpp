@@ -19,19 +19,15 @@ class Multigrid
 {
 public:
     Multigrid(FloatGrid &surface, const FloatGrid &rhs, const CellMask &filled, float screening)
+        : m_screening(screening)
     {
         m_levels.push_back(std::make_unique<FineLevel>(surface, rhs, filled, screening));
-        while (std::max(m_levels.back()->width(), m_levels.back()->height()) > smallestSide) {
-            const PoissonLevel &finer = *m_levels.back();
-            m_problems.push_back(
-                std::make_unique<CoarseProblem>((finer.width() + 1) / 2, (finer.height() + 1) / 2));
-            finer.coarsen(*m_problems.back());
-            m_levels.push_back(std::make_unique<CoarseLevel>(*m_problems.back(), screening));
-        }
     }
 
     bool run(WorkMeter &meter)
     {
+        if (!_addLevels(meter))
+            return false;
         for (int i = 0; i < cycles; ++i) {
             if (!_cycle(0, meter))
                 return false;
@@ -40,6 +36,19 @@ public:
     }
 
 private:
+    bool _addLevels(WorkMeter &meter)
+    {
+        while (std::max(m_levels.back()->width(), m_levels.back()->height()) > smallestSide) {
+            const PoissonLevel &finer = *m_levels.back();
+            m_problems.push_back(
+                std::make_unique<CoarseProblem>((finer.width() + 1) / 2, (finer.height() + 1) / 2));
+            if (!finer.coarsen(*m_problems.back(), meter))
+                return false;
+            m_levels.push_back(std::make_unique<CoarseLevel>(*m_problems.back(), m_screening));
+        }
+        return true;
+    }
+
     bool _cycle(size_t index, WorkMeter &meter)
     {
         PoissonLevel &level = *m_levels[index];
@@ -67,6 +76,7 @@ private:
         return true;
     }
 
+    float m_screening;
     std::vector<std::unique_ptr<CoarseProblem>> m_problems;
     std::vector<std::unique_ptr<PoissonLevel>> m_levels;
 };

@@ -14,6 +14,6 @@ bool solvePoisson(FloatGrid &surface, const FloatGrid &rhs, const CellMask &fill
                   WorkMeter &meter);
 
 /// Cells that solvePoisson will spend, in units of the cells of the grid.
-constexpr double poissonPasses = 13.0;
+constexpr double poissonPasses = 14.5;
 
 } // namespace marlowen

@@ -187,9 +187,9 @@ bool CoarseLevel::correctFrom(const CoarseProblem &coarse, WorkMeter &meter)
     });
 }
 
-void CoarseLevel::coarsen(CoarseProblem &coarse) const
+bool CoarseLevel::coarsen(CoarseProblem &coarse, WorkMeter &meter) const
 {
-    for (int y = 0; y < height(); ++y) {
+    const auto addRow = [&](int y) {
         const CoarseCells here = cellsOf(m_problem, y);
         float *mass = coarse.mass.row(y / 2) + 1;
         float *east = coarse.east.row(y / 2) + 1;
@@ -199,7 +199,11 @@ void CoarseLevel::coarsen(CoarseProblem &coarse) const
             east[x / 2] += x % 2 != 0 ? 0.5F * here.east[x] : 0.0F;
             south[x / 2] += y % 2 != 0 ? 0.5F * here.south[x] : 0.0F;
         }
-    }
+    };
+    return meter.rows((height() + 1) / 2, 2 * width(), [&](int first, int end) {
+        for (int y = 2 * first; y < std::min(2 * end, height()); ++y)
+            addRow(y);
+    });
 }
 
 } // namespace marlowen

@@ -152,12 +152,13 @@ bool FineLevel::correctFrom(const CoarseProblem &coarse, WorkMeter &meter)
     });
 }
 
-void FineLevel::coarsen(CoarseProblem &coarse) const
+bool FineLevel::coarsen(CoarseProblem &coarse, WorkMeter &meter) const
 {
     const int width = m_surface.width;
-    for (int y = 0; y < m_surface.height; ++y) {
+    const int height = m_surface.height;
+    const auto addRow = [&](int y) {
         const uint8_t *here = _links(y);
-        const uint8_t *below = y + 1 < m_surface.height ? _links(y + 1) : nullptr;
+        const uint8_t *below = y + 1 < height ? _links(y + 1) : nullptr;
         float *mass = coarse.mass.row(y / 2) + 1;
         float *east = coarse.east.row(y / 2) + 1;
         float *south = coarse.south.row(y / 2) + 1;
@@ -170,7 +171,11 @@ void FineLevel::coarsen(CoarseProblem &coarse) const
             if (y % 2 != 0 && below && below[x] != 0)
                 south[x / 2] += 0.5F;
         }
-    }
+    };
+    return meter.rows((height + 1) / 2, 2 * width, [&](int first, int end) {
+        for (int y = 2 * first; y < std::min(2 * end, height); ++y)
+            addRow(y);
+    });
 }
 
 } // namespace marlowen

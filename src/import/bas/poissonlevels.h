@@ -53,8 +53,8 @@ public:
     virtual bool restrictTo(CoarseProblem &coarse, WorkMeter &meter) = 0;
     /// Adds the correction of the coarser level, interpolated between filled coarse cells.
     virtual bool correctFrom(const CoarseProblem &coarse, WorkMeter &meter) = 0;
-    /// The matrix of the coarser level.
-    virtual void coarsen(CoarseProblem &coarse) const = 0;
+    /// The matrix of the coarser level. False when the user cancelled.
+    virtual bool coarsen(CoarseProblem &coarse, WorkMeter &meter) const = 0;
     virtual int width() const = 0;
     virtual int height() const = 0;
 };
@@ -76,7 +76,7 @@ public:
     bool relax(WorkMeter &meter) override;
     bool restrictTo(CoarseProblem &coarse, WorkMeter &meter) override;
     bool correctFrom(const CoarseProblem &coarse, WorkMeter &meter) override;
-    void coarsen(CoarseProblem &coarse) const override;
+    bool coarsen(CoarseProblem &coarse, WorkMeter &meter) const override;
     int width() const override { return m_surface.width; }
     int height() const override { return m_surface.height; }
 
@@ -103,7 +103,7 @@ public:
     bool relax(WorkMeter &meter) override;
     bool restrictTo(CoarseProblem &coarse, WorkMeter &meter) override;
     bool correctFrom(const CoarseProblem &coarse, WorkMeter &meter) override;
-    void coarsen(CoarseProblem &coarse) const override;
+    bool coarsen(CoarseProblem &coarse, WorkMeter &meter) const override;
     int width() const override { return m_problem.correction.width; }
     int height() const override { return m_problem.correction.height; }
 
