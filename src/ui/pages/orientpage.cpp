@@ -185,7 +185,8 @@ void OrientPage::_showAccept(const ModelReadout &readout)
                               .arg(numberText(readout.columns / cellsPerInch, 2),
                                    numberText(readout.rows / cellsPerInch, 2),
                                    unitLabel(lengthUnits[0])));
-        m_memory->setText(tr("%1 MB").arg(numberText(readout.megabytes, 1)));
+        m_memory->setText(
+            tr("%1 MB").arg(numberText(readout.megabytes, readout.megabytes < 1.0 ? 2 : 1)));
     }
     m_accept->setText(readout.tooBig ? tr("Too \n Big") : tr("Accept"));
     m_accept->setStyleSheet(QLatin1String(readout.tooBig ? red : green));
