@@ -12,7 +12,7 @@ namespace {
 
 constexpr int stripWidth = 30;
 /// In narrower windows docks open narrower, so that the views keep their share.
-constexpr int roomyWindow = 1400;
+constexpr int roomyWindow = 1560;
 
 } // namespace
 
@@ -45,7 +45,6 @@ void CollapsibleDock::setContent(QWidget *content, int width)
 {
     m_content = content;
     m_openWidth = width;
-    content->setMinimumWidth(content->minimumSizeHint().width()); // below it controls are cut off
     setWidget(content);
 }
 

@@ -36,6 +36,8 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include <utility>
+
 namespace marlowen {
 
 namespace {
@@ -215,11 +217,7 @@ void MainWindow::showStartPage()
 
 void MainWindow::_restoreLayout()
 {
-    if (!windowLayout::restore(*this, *m_center->splitter())) {
-        // Docks have widths only once the window is laid out.
-        QTimer::singleShot(0, m_docks.toolDock, &CollapsibleDock::takeOpenWidth);
-        QTimer::singleShot(0, m_docks.libraryDock, &CollapsibleDock::takeOpenWidth);
-    }
+    m_docksAreNew = !windowLayout::restore(*this, *m_center->splitter());
     m_look->restore();
 }
 
@@ -233,7 +231,18 @@ void MainWindow::_saveLayout()
 void MainWindow::showEvent(QShowEvent *event)
 {
     RibbonMainWindow::showEvent(event);
-    if ((m_bench.relief() || m_bench.model) && !event->spontaneous())
+    if (!event->spontaneous())
+        QTimer::singleShot(settleMs, this, &MainWindow::_settle);
+}
+
+/// The window has its size: the docks take their share of it, then the views show what there is.
+void MainWindow::_settle()
+{
+    if (std::exchange(m_docksAreNew, false)) {
+        m_docks.toolDock->takeOpenWidth();
+        m_docks.libraryDock->takeOpenWidth();
+    }
+    if (m_bench.relief() || m_bench.model)
         QTimer::singleShot(settleMs, m_center, &CenterArea::fit);
 }
 

@@ -158,6 +158,7 @@ private:
     void _connectViews();
     void _connectWorkbench();
     void _restoreLayout();
+    void _settle();
     void _saveLayout();
     void _reliefReplaced();
     void _modelShown();
@@ -192,6 +193,7 @@ private:
     bool m_workIsLeft = false;
 
     QString m_importFile;
+    bool m_docksAreNew = false; ///< they have no stored widths
     QString m_integrationString;
     QString m_secondIntegrationString;
 };

@@ -243,6 +243,11 @@ private slots:
         Cancelled cancelled;
         QVERIFY(!exportGridStl(other, path, &cancelled));
         QCOMPARE(QFileInfo(path).size(), 84);
+        other.zScale = 1e38;
+        std::fill_n(other.heights().data(), 16, 1000.0F);
+        const Outcome tooHigh = exportGridStl(other, path);
+        QVERIFY(!tooHigh && tooHigh.failure().detail.contains(QLatin1String("too large")));
+        QCOMPARE(QFileInfo(path).size(), 84);
     }
 };
 
