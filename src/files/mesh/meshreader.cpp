@@ -14,7 +14,7 @@ namespace {
 
 ReadMesh readFile(QFile &file, const MeshReadOptions &options, Progress &progress)
 {
-    if (!file.fileName().endsWith(QLatin1String(".obj"), Qt::CaseInsensitive))
+    if (!isObjFile(file.fileName()))
         return readStl(file, progress);
     using Indices = ObjFileReader::RelativeIndices;
     ObjFileReader reader(options.relativeIndices ? Indices::AsOtherPrograms : Indices::Literal);
@@ -30,6 +30,11 @@ Failure emptyMesh(const MeshProblems &problems)
 }
 
 } // namespace
+
+bool isObjFile(const QString &name)
+{
+    return name.endsWith(QLatin1String(".obj"), Qt::CaseInsensitive);
+}
 
 Result<ReadMesh> readMesh(const QString &path, const MeshReadOptions &options, Progress &progress)
 {

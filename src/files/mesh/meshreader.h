@@ -10,7 +10,10 @@ struct MeshReadOptions
     bool relativeIndices = false; ///< negative OBJ indices as other programs read them
 };
 
-/// Reads a mesh file: OBJ when its name ends in ".obj", else STL. A file with problems is read all
+/// Whether the name is an OBJ file's, in any case.
+bool isObjFile(const QString &name);
+
+/// Reads a mesh file: OBJ or else STL, by its name. A file with problems is read all
 /// the same, the mesh then tells them. Fails with "Open Failed" when the file cannot be read, holds
 /// no triangle or needs more memory than there is, and with an empty sentence when the user
 /// cancelled.

@@ -127,4 +127,23 @@ double FacetShape::reliefMegabytes() const
     return size.columns * size.rows * bytesPerCell / 1e6;
 }
 
+std::array<double, 3> extents(const ModelBox &box)
+{
+    return {box.extent(0), box.extent(1), box.extent(2)};
+}
+
+std::optional<std::array<double, 3>> factorsFor(const FacetShape &shape,
+                                                const std::array<double, 3> &sizes)
+{
+    const std::array<double, 3> now = extents(shape.box());
+    std::array<double, 3> factors = shape.scale();
+    for (size_t axis = 0; axis < factors.size(); ++axis) {
+        if (now[axis] > 0.0 && sizes[axis] != now[axis])
+            factors[axis] = sizes[axis] / extents(shape.importedBox())[axis];
+        if (!modelScaleRange.contains(factors[axis]))
+            return {};
+    }
+    return factors;
+}
+
 } // namespace marlowen

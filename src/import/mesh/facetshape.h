@@ -4,6 +4,8 @@
 #include "files/mesh/modelplacement.h"
 #include "relief/grid/physicalsize.h"
 
+#include <optional>
+
 namespace marlowen {
 
 /// Factors of a model's axes that a person, a script or the command line can ask for.
@@ -79,5 +81,13 @@ private:
     size_t m_unit;
     bool m_onlyShrunk = false; ///< the factors are those of the automatic shrink
 };
+
+/// Along x, y and z.
+std::array<double, 3> extents(const ModelBox &box);
+
+/// The factors along the axes as seen that give the model these sizes, in model units; those of an
+/// axis without extent stay. Nothing when a factor would leave modelScaleRange.
+std::optional<std::array<double, 3>> factorsFor(const FacetShape &shape,
+                                                const std::array<double, 3> &sizes);
 
 } // namespace marlowen

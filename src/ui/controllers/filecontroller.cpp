@@ -29,12 +29,6 @@ namespace {
 
 constexpr char depthKey[] = "/state/import/depth";
 
-FileController::FileStamp stampOf(const QString &path)
-{
-    const QFileInfo file(path);
-    return {file.lastModified(), file.size()};
-}
-
 } // namespace
 
 FileController::FileController(Workbench &bench, QWidget *window)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "import/importsettings.h"
+#include "ui/controllers/filestamp.h"
 
-#include <QDateTime>
 #include <QObject>
 #include <QString>
 
@@ -22,14 +22,6 @@ class FileController : public QObject
     Q_OBJECT
 
 public:
-    /// Tells one content of a file from another.
-    struct FileStamp
-    {
-        QDateTime modified; ///< invalid when there is no file
-        qint64 size = 0;
-        bool operator==(const FileStamp &) const = default;
-    };
-
     FileController(Workbench &bench, QWidget *window);
 
     /// Shows a mesh to be oriented; false when it could not be read. To be set before meshes are

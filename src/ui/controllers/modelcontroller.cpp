@@ -1,6 +1,7 @@
 #include "ui/controllers/modelcontroller.h"
 
 #include "base/qevsettings.h"
+#include "files/mesh/meshreader.h"
 #include "import/mesh/rasterise.h"
 #include "render/views/facetwin.h"
 #include "ui/controllers/dialogs.h"
@@ -13,8 +14,6 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QShortcut>
-
-#include <cmath>
 
 namespace marlowen {
 
@@ -34,26 +33,6 @@ ModelOptions rememberedOptions()
     options.relativeIndices =
         settings.value(QLatin1String(relativeKey), options.relativeIndices).toBool();
     return options;
-}
-
-AxisSizes extents(const ModelBox &box)
-{
-    return {box.extent(0), box.extent(1), box.extent(2)};
-}
-
-/// The factors along the axes as seen that give the model these sizes; those of an axis without
-/// extent stay. Nothing when the model would leave the range of its factors.
-std::optional<std::array<double, 3>> factorsFor(const FacetShape &shape, const AxisSizes &sizes)
-{
-    const AxisSizes now = extents(shape.box());
-    std::array<double, 3> factors = shape.scale();
-    for (size_t axis = 0; axis < factors.size(); ++axis) {
-        if (now[axis] > 0.0 && sizes[axis] != now[axis])
-            factors[axis] = sizes[axis] / extents(shape.importedBox())[axis];
-        if (!modelScaleRange.contains(factors[axis]))
-            return {};
-    }
-    return factors;
 }
 
 } // namespace
@@ -243,7 +222,7 @@ void ModelController::_show()
     readout.megabytes = shape->reliefMegabytes();
     readout.inverted = shape->invertNormals;
     readout.relativeIndices = m_options.relativeIndices;
-    readout.hasIndices = m_bench.model->file.endsWith(QLatin1String(".obj"), Qt::CaseInsensitive);
+    readout.hasIndices = isObjFile(m_bench.model->file);
     m_parts.page->show(readout);
     FacetWin::Stand stand{shape->placement(), shape->cellsPerUnit(), {}, shape->invertNormals};
     for (size_t axis = 0; axis < 3; ++axis)
