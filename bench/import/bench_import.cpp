@@ -18,7 +18,7 @@ using namespace marlowen;
 
 /// The largest relief the program works with: 1000 square inches at 128 cells an inch.
 constexpr int side = 4047;
-/// The size at which a slider has to keep up with the hand.
+/// The size at which a slider has to follow the pointer without delay.
 constexpr int dragSide = 2000;
 
 static size_t bytesOf(int width)

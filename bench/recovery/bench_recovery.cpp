@@ -81,7 +81,7 @@ struct Window
     double cpu = 0.0; ///< of this thread alone, which other processes do not lengthen
 };
 
-/// What the journal takes of the hand's time after a stroke: `diagonal` strokes cross the relief.
+/// How long the journal holds up the window after a stroke: `diagonal` strokes cross the relief.
 void BM_JournalStep(benchmark::State &state, bool diagonal)
 {
     Window window;

@@ -38,7 +38,7 @@ void chooseSurfaceFormat()
 }
 
 /// While the toolkit looks for a display: what makes it give up is written to the debug file as
-/// always, then told in one sentence instead of a core dump.
+/// always, then reported in one sentence instead of a core dump.
 QtMessageHandler writeToDebugFile = nullptr;
 
 void endWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &message)

@@ -38,7 +38,7 @@ std::vector<CommandOption> modelOptionsFor(ModelWish &wish);
 /// Turns and scales a model that was just opened with the wish's options.
 void orient(FacetShape &shape, const ModelWish &wish);
 
-/// The turn of a word ("left"); none when it is no turn.
+/// The turn of a word ("left"); none when it is not a turn.
 std::optional<ModelTurn> modelTurnOf(const QString &word);
 /// "left|right|...".
 const char *modelTurnWords();

@@ -57,7 +57,7 @@ QUrl checkUrl(const UpdateService &service, DLTypeEnum kind, const Version &vers
 /// Asks for the file of a version. Empty for an unknown kind.
 QUrl fileUrl(const UpdateService &service, DLTypeEnum kind, const Version &version);
 
-/// The versions that a reply to checkUrl() offers; elements that are no versions are dropped.
+/// The versions that a reply to checkUrl() offers; elements that are not versions are dropped.
 /// Nothing when the reply is empty or its status is not "OK".
 std::optional<QList<Version>> offeredVersions(const QVariantMap &reply);
 

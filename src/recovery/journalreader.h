@@ -6,7 +6,7 @@
 
 namespace marlowen {
 
-/// The reading end of a journal file, record by record. Takes nothing on trust: a record that is
+/// The reading end of a journal file, record by record. Checks everything: a record that is
 /// cut short, longer than the file or whose sum differs ends the journal before it.
 class JournalReader
 {

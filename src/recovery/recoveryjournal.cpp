@@ -109,7 +109,7 @@ void RecoveryJournal::_writeEvents(JournalJob::Kind kind, Step::Events events)
         resized = resized || kept->type == RecordType::Resize;
         job.events.push_back(std::move(*kept));
     }
-    // A change without events can only be told by the whole relief.
+    // A change without events can only be recorded as the whole relief.
     if (job.events.empty())
         return _begin(false);
     _add(std::move(job));
@@ -262,7 +262,7 @@ void RecoveryJournal::_selectionEdited()
 
 void RecoveryJournal::_readSelectionSlice()
 {
-    // The hand comes first.
+    // A stroke is not held up.
     if (m_bench.engine().stroking())
         return m_reading.start(strokePause);
     if (!_readSelection())

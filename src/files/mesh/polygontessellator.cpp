@@ -27,7 +27,7 @@ quint32 asIndex(const void *data)
 
 } // namespace
 
-/// Called by the tessellator, which is no C++: nothing may be thrown through it.
+/// Called by the tessellator, which is C code: nothing may be thrown through it.
 struct PolygonTessellator::Callbacks
 {
     static void vertex(void *data, void *object)

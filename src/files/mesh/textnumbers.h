@@ -41,7 +41,7 @@ inline const char *tokenEnd(const char *at)
 }
 
 /// Any number, the whole token: decimal with an optional sign and exponent, "inf" or "nan". A
-/// number too large for a double becomes infinite, one too small 0. False when it is no number.
+/// number too large for a double becomes infinite, one too small 0. False when it is not a number.
 bool parseNumber(std::string_view token, double &value);
 
 /// Reads the token at `at` when it is a plain decimal number whose value follows exactly from one

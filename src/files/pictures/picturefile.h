@@ -16,7 +16,7 @@ namespace marlowen {
 /// The grey values of a picture, see greyGrid(); of a TIFF see readTiffGrey().
 Result<GreyPicture> readGreyPicture(const QString &path);
 
-/// The colours of a picture that is no TIFF.
+/// The colours of a picture that is not a TIFF.
 Result<QImage> readWholeImage(const QString &path);
 
 /// Grey level 0..255 of every pixel, row 0 at the top: (11 red + 16 green + 5 blue) / 32, in

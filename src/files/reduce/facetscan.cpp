@@ -66,7 +66,7 @@ public:
         double magnitude = 0.0;
         for (size_t i = 0; i < 3; ++i) {
             if (weights[i] == m_facet.area)
-                return 0.0F; // a corner, also where its height is no number
+                return 0.0F; // a corner, also where its height is NaN
             const double term = static_cast<double>(weights[i]) * m_facet.z[i];
             sum += term;
             magnitude += std::abs(term);

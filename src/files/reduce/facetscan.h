@@ -8,7 +8,7 @@ namespace marlowen {
 /// What the grid points on a triangle say about it, those on its edges and corners included.
 struct FacetScan
 {
-    float error = 0.0F;     ///< largest |height - plane| in cells, infinite where it is no number
+    float error = 0.0F;     ///< largest |height - plane| in cells, infinite where it is NaN
     uint32_t candidate = 0; ///< the cell of that error, never a corner; without meaning at error 0
     bool anyHeight = false; ///< some height is not 0
     bool anyEmpty = false;  ///< some height is 0

@@ -12,7 +12,7 @@ namespace marlowen {
 namespace {
 
 /// Weights with which the planes of neighbouring windows are blended. They reach less far than the
-/// windows, so that a window never speaks for cells it has not seen.
+/// windows, so that a window is never used for cells outside it.
 constexpr int blendReach = 3;
 constexpr std::array<float, 2 * blendReach + 1> blendWeights{1, 2, 3, 4, 3, 2, 1};
 

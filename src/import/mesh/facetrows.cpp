@@ -110,7 +110,7 @@ CELL_INLINE inline Edge edgeOf(const Point &low, const Point &high)
     return {low, high, height, tolerance * std::max(1.0, slope)};
 }
 
-/// Where an edge that is no part of a row crosses it.
+/// Where an edge that is not part of a row crosses it.
 CELL_INLINE inline Span crossing(const Edge &edge, double y)
 {
     const double above = edge.high.y - y;

@@ -21,7 +21,7 @@ Outcome always(Relief &relief, const Input &, const EditRun &run)
     return {};
 }
 
-/// The size that is there is no error.
+/// The present size is not an error.
 Outcome runResize(Relief &relief, const Input &input, const EditRun &run)
 {
     const double width = input.numbers[0];

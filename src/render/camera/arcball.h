@@ -41,7 +41,7 @@ public:
 
     void beginDrag(QPointF fromCentre, QSizeF viewport);
     void dragTo(QPointF fromCentre, QSizeF viewport);
-    /// Folds the drag into the rotation at rest.
+    /// Adds the drag to the stored rotation.
     void endDrag();
     bool dragging() const { return m_dragging; }
 

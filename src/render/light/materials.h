@@ -30,8 +30,8 @@ extern const char *const defaultMaterialName;
 const QList<Material> &presetMaterials();
 
 /// The user's materials in the order of the settings store, then the presets. A stored colour that
-/// cannot be read is an invalid QColor, a stored shininess that is no number from 0 to 1000 becomes
-/// the nearest that is (0 for no number); a group without a name has its group's.
+/// cannot be read is an invalid QColor, a stored shininess that is not a number from 0 to 1000
+/// becomes the nearest that is (0 for no number); a group without a name has its group's.
 QList<Material> loadMaterials();
 
 /// The material of that name; the default one when there is none.

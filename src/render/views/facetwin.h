@@ -13,7 +13,7 @@ class FacetShader;
 /// in the box of its sizes above the plane that it will be carved down to. The hand is that of the
 /// 3D view; with nothing to sculpt the left button turns too.
 ///
-/// A model of many facets is drawn with fewer while the hand moves it and the driver is slow.
+/// A model of many facets is drawn with fewer while the pointer moves it and the driver is slow.
 class FacetWin : public SurfaceView
 {
     Q_OBJECT

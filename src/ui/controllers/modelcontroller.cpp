@@ -80,7 +80,7 @@ bool ModelController::_read(const QString &path, const ModelOptions &options)
         return false;
     }
     m_parts.view->setMesh(nullptr);
-    // A model's import starts with its controls at rest.
+    // A model's import starts with the default settings.
     m_bench.model = std::make_unique<ModelOnBench>(ModelOnBench{opened.take(), path, {}});
     m_options = options;
     FacetShape &shape = *_shape();

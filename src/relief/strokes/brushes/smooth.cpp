@@ -18,7 +18,7 @@ struct RowsDown
     float weightBelow;
 };
 
-// Shares of the whole, since multiples of the largest heights are no floats. In this order equal
+// Shares of the whole, since multiples of the largest heights are not floats. In this order equal
 // heights add up to what the division turns back into them: level ground stays level.
 CELL_LOOP void sumDown(const RowsDown &rows, float *sums, int count)
 {
