@@ -10,7 +10,7 @@
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
-#include "ui/controllers/openablefiles.h"
+#include "ui/filedrop.h"
 #include "ui/help/whatsthis.h"
 #include "ui/keyrouter.h"
 #include "ui/library/patternpanel.h"
@@ -25,7 +25,6 @@
 #include "ui/ribbon/ribbonbar.h"
 #include "ui/startpage.h"
 #include "ui/statusline.h"
-#include "ui/viewmenu.h"
 #include "ui/windowconnections.h"
 #include "ui/windowlayout.h"
 #include "ui/windowservices.h"
@@ -79,7 +78,7 @@ MainWindow::MainWindow(QWidget *parent)
     m_look = new LookController(
         {sculptWin(), flatWin(), m_center->facetWin(), m_pages.viewSettings}, this);
     m_stage.reset(new ModelStage({m_bench, *m_commands, *m_center, *m_docks.panels, *ribbonBar()}));
-    setAcceptDrops(true);
+    new FileDrop(this, [this](const QString &path) { m_files->openFile(path); });
     setCentralWidget(m_center);
     connectCommands(*this, *m_toolActions, *m_recentFiles);
     connectPages(*this, m_pages);
@@ -88,7 +87,7 @@ MainWindow::MainWindow(QWidget *parent)
     keys->addView(sculptWin());
     keys->addView(flatWin());
     keys->addView(m_center->facetWin());
-    _connectViews();
+    connectViews(*this, *m_center);
     _connectWorkbench();
     setupControls();
     unitChanged();
@@ -115,31 +114,6 @@ FlatWin *MainWindow::flatWin() const
     return m_center->flatWin();
 }
 
-void MainWindow::_connectViews()
-{
-    for (ReliefView *view :
-         {static_cast<ReliefView *>(sculptWin()), static_cast<ReliefView *>(flatWin())}) {
-        connect(view, &ReliefView::statusChanged, this, &MainWindow::setStatus);
-        connect(view, &ReliefView::toolSizeUpdated, this, &MainWindow::toolSizeUpdated);
-        connect(view, &ReliefView::toolStrengthUpdated, this, &MainWindow::toolStrengthUpdated);
-        connect(view, &ReliefView::sampleChanged, this, &MainWindow::sampleChanged);
-        view->setContextMenuPolicy(Qt::CustomContextMenu);
-        connect(view, &QWidget::customContextMenuRequested, this,
-                [this, view](QPoint at) { _offerMenu(*view, at); });
-    }
-    connect(sculptWin(), &ReliefView::cameraChanged, this, &MainWindow::showExtent);
-    connect(flatWin(), &FlatWin::cropChanged, this, &MainWindow::setupControls);
-    connect(flatWin(), &FlatWin::cropApplyRequested, this, &MainWindow::applyCrop);
-    connect(m_center->facetWin(), &FacetWin::statusChanged, this, &MainWindow::setStatus);
-    StartPage *start = m_center->startPage();
-    start->offerMaterials(!LookController::materialWasChosen());
-    connect(start, &StartPage::MaterialClicked, this, &MainWindow::chooseMaterial);
-    connect(start, &StartPage::BackClicked, m_center, &CenterArea::leaveStartPage);
-    connect(start, &StartPage::NewClicked, this, &MainWindow::newRelief);
-    connect(start, &StartPage::OpenClicked, this, &MainWindow::chooseFileToOpen);
-    connect(start, &StartPage::RecentClicked, m_files, &FileController::openFile);
-}
-
 void MainWindow::_connectWorkbench()
 {
     connect(&m_bench, &Workbench::replaced, this, &MainWindow::_reliefReplaced);
@@ -161,14 +135,6 @@ void MainWindow::_connectWorkbench()
     connect(m_docks.patterns, &PatternPanel::openWanted, m_files, &FileController::openFile);
     connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
     connect(m_tool, &ToolController::chosen, this, &MainWindow::setupControls);
-}
-
-/// With Ctrl the right button turns the relief.
-void MainWindow::_offerMenu(ReliefView &view, QPoint position)
-{
-    const bool turning = QGuiApplication::keyboardModifiers() & Qt::ControlModifier;
-    if (m_bench.relief() && !m_bench.engine().stroking() && !turning)
-        showViewMenu(*this, view, position);
 }
 
 bool MainWindow::openFile(const QString &path, int)
@@ -278,22 +244,6 @@ void MainWindow::changeEvent(QEvent *event)
         m_look->showPalette();
 }
 
-void MainWindow::dragEnterEvent(QDragEnterEvent *event)
-{
-    if (!dialogsOpen() && !firstOpenable(*event->mimeData()).isEmpty())
-        event->acceptProposedAction();
-}
-
-void MainWindow::dropEvent(QDropEvent *event)
-{
-    const QString path = firstOpenable(*event->mimeData());
-    if (path.isEmpty())
-        return;
-    event->acceptProposedAction();
-    // The source of the drag waits for the drop to end; a question must not keep it.
-    QTimer::singleShot(0, this, [this, path] { m_files->openFile(path); });
-}
-
 void MainWindow::_reliefReplaced()
 {
     backstage()->setOpen(false);
@@ -321,23 +271,13 @@ void MainWindow::_modelShown()
 void MainWindow::_stepDone(const Step &step)
 {
     if (step.kind == Step::Undo || step.kind == Step::Redo)
-        _nameStep(step);
+        m_status->nameStep(step);
     if (step.kind != Step::Accept)
         return;
     m_edits->startSize();
     m_docks.panels->showToolTab();
     sculptWin()->setFocus();
     _showRelief();
-}
-
-/// In the status bar: what was taken back or done again.
-void MainWindow::_nameStep(const Step &step)
-{
-    if (step.events.empty())
-        return;
-    const QByteArray name = step.events.back()->name.toLatin1();
-    const QString text = step.kind == Step::Undo ? tr("Undone: %1") : tr("Done again: %1");
-    _say(text.arg(QCoreApplication::translate("Commands", name.constData())), 4000);
 }
 
 void MainWindow::_filesChanged()

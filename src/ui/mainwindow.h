@@ -65,6 +65,7 @@ public:
     FlatWin *flatWin() const;
     ExportController &exports() { return *m_exports; }
     EditController &edits() { return *m_edits; }
+    FileController &files() { return *m_files; }
     SelectionController &selections() { return *m_selections; }
 
 public slots:
@@ -151,11 +152,8 @@ protected:
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
-    void dragEnterEvent(QDragEnterEvent *event) override;
-    void dropEvent(QDropEvent *event) override;
 
 private:
-    void _connectViews();
     void _connectWorkbench();
     void _restoreLayout();
     void _settle();
@@ -163,8 +161,6 @@ private:
     void _reliefReplaced();
     void _modelShown();
     void _stepDone(const Step &step);
-    void _nameStep(const Step &step);
-    void _offerMenu(ReliefView &view, QPoint position);
     void _filesChanged();
     void _placingChanged();
     void _showRelief();

@@ -3,14 +3,17 @@
 #include "base/numbertext.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
+#include "workbench/step.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QStatusBar>
 
 namespace marlowen {
 
 StatusLine::StatusLine(QStatusBar &bar)
-    : m_position(new QLabel)
+    : m_bar(&bar)
+    , m_position(new QLabel)
     , m_extent(new QLabel)
 {
     m_position->setObjectName(QStringLiteral("position"));
@@ -23,6 +26,16 @@ StatusLine::StatusLine(QStatusBar &bar)
 void StatusLine::showPosition(const QString &text)
 {
     m_position->setText(text);
+}
+
+void StatusLine::nameStep(const Step &step)
+{
+    if (step.events.empty())
+        return;
+    const QByteArray name = step.events.back()->name.toLatin1();
+    const QString text =
+        step.kind == Step::Undo ? QObject::tr("Undone: %1") : QObject::tr("Done again: %1");
+    m_bar->showMessage(text.arg(QCoreApplication::translate("Commands", name.constData())), 4000);
 }
 
 void StatusLine::showExtent(const Relief *relief, int unit, double zoom)

@@ -8,6 +8,7 @@ class QStatusBar;
 namespace marlowen {
 
 class Relief;
+struct Step;
 
 /// The lasting fields of the status bar: what is under the pointer, and the relief's size.
 class StatusLine
@@ -21,7 +22,11 @@ public:
     /// without a relief.
     void showExtent(const Relief *relief, int unit, double zoom);
 
+    /// Names the step that was taken back or done again, for some seconds.
+    void nameStep(const Step &step);
+
 private:
+    QStatusBar *m_bar;
     QLabel *m_position;
     QLabel *m_extent;
 };

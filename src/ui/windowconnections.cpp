@@ -1,6 +1,9 @@
 #include "ui/windowconnections.h"
 
+#include "render/views/facetwin.h"
+#include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
+#include "ui/centerarea.h"
 #include "ui/commandset.h"
 #include "ui/library/librarypanel.h"
 #include "ui/mainwindow.h"
@@ -13,10 +16,26 @@
 #include "ui/panels/toolpanel.h"
 #include "ui/recentfilesmenu.h"
 #include "ui/ribbon/ribbonbar.h"
+#include "ui/startpage.h"
+#include "ui/viewmenu.h"
 
 #include <QAction>
+#include <QGuiApplication>
 
 namespace marlowen {
+
+namespace {
+
+/// With Ctrl the right button turns the relief.
+void offerMenu(MainWindow &window, ReliefView &view, QPoint position)
+{
+    Workbench &bench = window.workbench();
+    const bool turning = QGuiApplication::keyboardModifiers() & Qt::ControlModifier;
+    if (bench.relief() && !bench.engine().stroking() && !turning)
+        showViewMenu(window, view, position);
+}
+
+} // namespace
 
 void connectCommands(MainWindow &window, const ToolActions &tools, const RecentFilesMenu &recent)
 {
@@ -115,6 +134,34 @@ void connectDocks(MainWindow &window, const WindowDocks &docks)
     QObject::connect(import, &ImportPanel::UpdateClicked, &window, &MainWindow::updateClicked);
     QObject::connect(docks.library, &LibraryPanel::AlphaChanged, &window,
                      &MainWindow::alphaChanged);
+}
+
+void connectViews(MainWindow &window, CenterArea &center)
+{
+    const auto on = [&](auto *sender, auto signal, auto slot) {
+        QObject::connect(sender, signal, &window, slot);
+    };
+    for (ReliefView *view :
+         std::initializer_list<ReliefView *>{window.sculptWin(), window.flatWin()}) {
+        on(view, &ReliefView::statusChanged, &MainWindow::setStatus);
+        on(view, &ReliefView::toolSizeUpdated, &MainWindow::toolSizeUpdated);
+        on(view, &ReliefView::toolStrengthUpdated, &MainWindow::toolStrengthUpdated);
+        on(view, &ReliefView::sampleChanged, &MainWindow::sampleChanged);
+        view->setContextMenuPolicy(Qt::CustomContextMenu);
+        on(view, &QWidget::customContextMenuRequested,
+           [&window, view](QPoint at) { offerMenu(window, *view, at); });
+    }
+    on(window.sculptWin(), &ReliefView::cameraChanged, &MainWindow::showExtent);
+    on(window.flatWin(), &FlatWin::cropChanged, &MainWindow::setupControls);
+    on(window.flatWin(), &FlatWin::cropApplyRequested, &MainWindow::applyCrop);
+    on(center.facetWin(), &FacetWin::statusChanged, &MainWindow::setStatus);
+    StartPage *start = center.startPage();
+    start->offerMaterials(!LookController::materialWasChosen());
+    on(start, &StartPage::MaterialClicked, &MainWindow::chooseMaterial);
+    on(start, &StartPage::NewClicked, &MainWindow::newRelief);
+    on(start, &StartPage::OpenClicked, &MainWindow::chooseFileToOpen);
+    QObject::connect(start, &StartPage::BackClicked, &center, &CenterArea::leaveStartPage);
+    QObject::connect(start, &StartPage::RecentClicked, &window.files(), &FileController::openFile);
 }
 
 } // namespace marlowen

@@ -357,9 +357,9 @@ void TestEngineScripts::thirdNumberOfAPointIsItsPressure()
 {
     const auto raised = [](const char *pressure) {
         Script script;
-        script.run({fresh, R"({"do":"tool","type":"Deposit"})",
-                    QStringLiteral(R"({"do":"stroke","points":[[0,0%1]]})")
-                        .arg(QLatin1String(pressure))});
+        script.run(
+            {fresh, R"({"do":"tool","type":"Deposit"})",
+             QStringLiteral(R"({"do":"stroke","points":[[0,0%1]]})").arg(QLatin1String(pressure))});
         return script.relief().heightAt(3, 2) - 2.0F;
     };
     const float full = raised("");
