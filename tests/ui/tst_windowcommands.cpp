@@ -60,13 +60,15 @@ void TestWindowCommands::selectionAndCrop()
     FlatWin &view = *m_window->flatWin();
     const CommandSet &commands = m_window->commands();
     const QByteArray plain = heights();
-    const QPoint middle = view.rect().center();
-    const QPoint corner(12, 12);
+    const auto dragBox = [&] {
+        const QPoint corner(40, 40);
+        stroke(view, view.rect().center() - corner, view.rect().center() + corner);
+    };
     click("modeSubtractive");
     QCOMPARE(view.selectionModifier(), SelectionModifier::Subtractive);
     click("modeNormal");
     click("rectangle_selection_tool");
-    stroke(view, middle - corner, middle + corner);
+    dragBox();
     QVERIFY(relief().selectionActive && !bench().isModified());
     click("selectNone");
     QVERIFY(!relief().selectionActive);
@@ -90,7 +92,7 @@ void TestWindowCommands::selectionAndCrop()
 
     click("crop_tool");
     QVERIFY(!commands["cropApply"]->isEnabled());
-    stroke(view, middle - corner, middle + corner);
+    dragBox();
     click("cropApply");
     QCOMPARE(relief().heightAt(side / 2, 6), 0.0F);
     QVERIFY(relief().heightAt(side / 2, side / 2) > 0.0F);

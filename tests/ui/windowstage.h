@@ -48,12 +48,13 @@ protected:
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }
-    /// Waits until both views have drawn the relief.
+    /// Waits until both views have drawn the relief, then fits it.
     void open(const char *name)
     {
         QVERIFY(m_window->openFile(path(name), 0));
         QTRY_VERIFY(m_window->sculptWin()->counters().pictures > 0 &&
                     m_window->flatWin()->counters().pictures > 0);
+        m_window->zoomAll();
     }
     void openDome()
     {
