@@ -6,14 +6,12 @@
 #include "render/views/flatwin.h"
 #include "render/views/sculptwin.h"
 #include "ui/aboutbox.h"
-#include "ui/centerarea.h"
 #include "ui/collapsibledock.h"
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
 #include "ui/filedrop.h"
 #include "ui/help/whatsthis.h"
 #include "ui/keyrouter.h"
-#include "ui/library/patternpanel.h"
 #include "ui/modelstage.h"
 #include "ui/pages/sizepage.h"
 #include "ui/pages/toolspage.h"
@@ -23,11 +21,11 @@
 #include "ui/recentfilesmenu.h"
 #include "ui/ribbon/ribbonbackstage.h"
 #include "ui/ribbon/ribbonbar.h"
-#include "ui/startpage.h"
 #include "ui/statusline.h"
 #include "ui/windowconnections.h"
 #include "ui/windowlayout.h"
 #include "ui/windowservices.h"
+#include "ui/workdisplay.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -88,7 +86,10 @@ MainWindow::MainWindow(QWidget *parent)
     keys->addView(flatWin());
     keys->addView(m_center->facetWin());
     connectViews(*this, *m_center);
-    _connectWorkbench();
+    auto *display = new WorkDisplay(
+        {m_bench, *m_center, *m_docks.panels, *m_stage, *m_edits, *m_import, *m_status}, this);
+    connectWork(*this, {m_bench, *m_center, *m_docks.patterns, *m_recentFiles, *m_exports, *m_tool,
+                        *m_place, *m_models, *m_services, *display});
     setupControls();
     unitChanged();
     m_tool->show();
@@ -104,39 +105,6 @@ MainWindow::~MainWindow()
     m_center->letGo();
 }
 
-SculptWin *MainWindow::sculptWin() const
-{
-    return m_center->sculptWin();
-}
-
-FlatWin *MainWindow::flatWin() const
-{
-    return m_center->flatWin();
-}
-
-void MainWindow::_connectWorkbench()
-{
-    connect(&m_bench, &Workbench::replaced, this, &MainWindow::_reliefReplaced);
-    connect(&m_bench, &Workbench::modifiedChanged, this, &MainWindow::reliefDirtyChanged);
-    connect(&m_bench, &Workbench::changed, this, &MainWindow::_showRelief);
-    connect(&m_bench, &Workbench::stepDone, this, &MainWindow::_stepDone);
-    connect(&m_bench, &Workbench::importChanged, m_docks.panels->importPanel(),
-            &ImportPanel::refresh);
-    connect(m_files, &FileController::filesChanged, this, &MainWindow::_filesChanged);
-    connect(m_files, &FileController::said, this, &MainWindow::_say);
-    m_files->openModel = [this](const QString &path) { return m_models->open(path); };
-    connect(m_models, &ModelController::shownChanged, this, &MainWindow::_modelShown);
-    connect(m_exports, &ExportController::said, this, &MainWindow::_say);
-    connect(m_services, &WindowServices::said, this, &MainWindow::_say);
-    connect(m_selections, &SelectionController::said, this, &MainWindow::_say);
-    connect(m_exports, &ExportController::handedOver, this, &MainWindow::_saveLayout);
-    connect(m_place, &PlaceController::said, this, &MainWindow::_say);
-    connect(m_place, &PlaceController::placingChanged, this, &MainWindow::_placingChanged);
-    connect(m_docks.patterns, &PatternPanel::openWanted, m_files, &FileController::openFile);
-    connect(m_tool, &ToolController::changed, m_center, &CenterArea::refresh);
-    connect(m_tool, &ToolController::chosen, this, &MainWindow::setupControls);
-}
-
 bool MainWindow::openFile(const QString &path, int)
 {
     return m_files->openFile(path);
@@ -150,7 +118,7 @@ void MainWindow::setImportFile(const QString &path)
 
 void MainWindow::reportMissing(const QString &path)
 {
-    _say(tr("There is no file %1.").arg(QDir::toNativeSeparators(path)), 10000);
+    say(tr("There is no file %1.").arg(QDir::toNativeSeparators(path)), 10000);
 }
 
 void MainWindow::setExportPath(const QString &path)
@@ -176,18 +144,13 @@ void MainWindow::showAbout()
     AboutBox(this).exec();
 }
 
-void MainWindow::showStartPage()
-{
-    m_center->showStartPage();
-}
-
 void MainWindow::_restoreLayout()
 {
     m_docksAreNew = !windowLayout::restore(*this, *m_center->splitter());
     m_look->restore();
 }
 
-void MainWindow::_saveLayout()
+void MainWindow::saveLayout()
 {
     m_look->store();
     windowLayout::store(*this, *m_center->splitter());
@@ -220,7 +183,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     m_bench.endStroke();
-    _saveLayout();
+    saveLayout();
     m_services->windowCloses();
     event->accept();
 }
@@ -244,48 +207,6 @@ void MainWindow::changeEvent(QEvent *event)
         m_look->showPalette();
 }
 
-void MainWindow::_reliefReplaced()
-{
-    backstage()->setOpen(false);
-    m_center->showRelief();
-    m_docks.panels->importPanel()->refresh();
-    m_import->opened();
-    if (m_bench.importOpen())
-        m_docks.panels->showImportTab();
-    else
-        m_docks.panels->showToolTab();
-    m_edits->startSize();
-    // The views know their size only after the first layout.
-    QTimer::singleShot(0, m_center, &CenterArea::fit);
-}
-
-void MainWindow::_modelShown()
-{
-    backstage()->setOpen(false);
-    m_stage->refresh();
-    setWindowTitle(m_files->windowTitle());
-    _showRelief();
-    QTimer::singleShot(0, m_center, &CenterArea::fit);
-}
-
-void MainWindow::_stepDone(const Step &step)
-{
-    if (step.kind == Step::Undo || step.kind == Step::Redo)
-        m_status->nameStep(step);
-    if (step.kind != Step::Accept)
-        return;
-    m_edits->startSize();
-    m_docks.panels->showToolTab();
-    sculptWin()->setFocus();
-    _showRelief();
-}
-
-void MainWindow::_filesChanged()
-{
-    m_recentFiles->refresh();
-    setupControls();
-}
-
 void MainWindow::setupControls()
 {
     const QString reason = m_place->isPlacing() ? m_place->reason() : reasonAgainstEditing(m_bench);
@@ -305,7 +226,7 @@ void MainWindow::setupControls()
 }
 
 /// What of the relief is shown outside the views.
-void MainWindow::_showRelief()
+void MainWindow::showRelief()
 {
     m_tool->showRelief();
     setupControls();
@@ -335,7 +256,7 @@ void MainWindow::setStatus(const QString &text)
     showExtent();
 }
 
-void MainWindow::_say(const QString &text, int milliseconds)
+void MainWindow::say(const QString &text, int milliseconds)
 {
     statusBar()->showMessage(text, milliseconds);
 }
@@ -344,14 +265,6 @@ void MainWindow::zoomAll()
 {
     m_center->zoomAll();
     showExtent();
-}
-
-/// The handles stand in the 2D view.
-void MainWindow::_placingChanged()
-{
-    if (m_place->isPlacing())
-        m_center->bringForward(CenterArea::View2d);
-    setupControls();
 }
 
 void MainWindow::ribbonTabChanged(int page)
@@ -367,11 +280,6 @@ void MainWindow::tabActivated(int page)
         m_center->bringForward(CenterArea::View2d);
     else if (page == WindowPages::SculptingTools)
         m_center->bringForward(CenterArea::View3d);
-}
-
-void MainWindow::toggleViewAlone()
-{
-    m_center->toggleAlone();
 }
 
 void MainWindow::applyCrop()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/centerarea.h"
 #include "ui/controllers/editcontroller.h"
 #include "ui/controllers/exportcontroller.h"
 #include "ui/controllers/filecontroller.h"
@@ -19,11 +20,9 @@
 
 namespace marlowen {
 
-class CenterArea;
 class CommandSet;
 class FlatWin;
 class ModelStage;
-class ReliefView;
 class SculptWin;
 class StatusLine;
 class WindowServices;
@@ -61,8 +60,8 @@ public:
 
     Workbench &workbench() { return m_bench; }
     CommandSet &commands() { return *m_commands; }
-    SculptWin *sculptWin() const;
-    FlatWin *flatWin() const;
+    SculptWin *sculptWin() const { return m_center->sculptWin(); }
+    FlatWin *flatWin() const { return m_center->flatWin(); }
     ExportController &exports() { return *m_exports; }
     EditController &edits() { return *m_edits; }
     FileController &files() { return *m_files; }
@@ -84,7 +83,7 @@ public slots:
     void exportPtrFile() { m_exports->exportPattern(); }
     void exportToDrafteon() { m_exports->handOver(); }
     void showAbout();
-    void showStartPage();
+    void showStartPage() { m_center->showStartPage(); }
 
     /// While a pattern is being placed it is taken off, and nothing else.
     void undo() { m_place->isPlacing() ? m_place->cancel() : m_bench.undo(); }
@@ -94,6 +93,11 @@ public slots:
     void setupControls();
     void setStatus(const QString &text);
     void showExtent();
+    /// What of the relief is shown outside the views.
+    void showRelief();
+    /// A line in the status bar, for so many milliseconds; 0 until the next one.
+    void say(const QString &text, int milliseconds);
+    void saveLayout();
     void reliefDirtyChanged(bool) { setWindowTitle(m_files->windowTitle()); }
     void acceptClicked() { m_bench.acceptImport(); }
     void depthChosen(double cells) { m_files->rememberDepth(cells); }
@@ -145,7 +149,7 @@ public slots:
     void cursorSizeChanged(int index) { m_look->setPointer(index); }
     void switchTheme() { m_look->switchTheme(); }
     void legacyChosen(bool on) { m_look->setLegacy(on); }
-    void toggleViewAlone();
+    void toggleViewAlone() { m_center->toggleAlone(); }
 
 protected:
     bool event(QEvent *event) override;
@@ -154,17 +158,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    void _connectWorkbench();
     void _restoreLayout();
     void _settle();
-    void _saveLayout();
-    void _reliefReplaced();
-    void _modelShown();
-    void _stepDone(const Step &step);
-    void _filesChanged();
-    void _placingChanged();
-    void _showRelief();
-    void _say(const QString &text, int milliseconds);
 
     LookController *m_look = nullptr; ///< first: a change of the palette may come early
     Workbench m_bench;

@@ -6,6 +6,7 @@
 #include "ui/centerarea.h"
 #include "ui/commandset.h"
 #include "ui/library/librarypanel.h"
+#include "ui/library/patternpanel.h"
 #include "ui/mainwindow.h"
 #include "ui/pages/editpage.h"
 #include "ui/pages/sizepage.h"
@@ -18,6 +19,8 @@
 #include "ui/ribbon/ribbonbar.h"
 #include "ui/startpage.h"
 #include "ui/viewmenu.h"
+#include "ui/windowservices.h"
+#include "ui/workdisplay.h"
 
 #include <QAction>
 #include <QGuiApplication>
@@ -162,6 +165,38 @@ void connectViews(MainWindow &window, CenterArea &center)
     on(start, &StartPage::OpenClicked, &MainWindow::chooseFileToOpen);
     QObject::connect(start, &StartPage::BackClicked, &center, &CenterArea::leaveStartPage);
     QObject::connect(start, &StartPage::RecentClicked, &window.files(), &FileController::openFile);
+}
+
+void connectWork(MainWindow &window, const WindowWork &work)
+{
+    const auto on = [&](auto &sender, auto signal, auto slot) {
+        QObject::connect(&sender, signal, &window, slot);
+    };
+    FileController &files = window.files();
+    on(work.bench, &Workbench::modifiedChanged, &MainWindow::reliefDirtyChanged);
+    on(work.bench, &Workbench::changed, &MainWindow::showRelief);
+    files.openModel = [&models = work.models](const QString &path) { return models.open(path); };
+    QObject::connect(&files, &FileController::filesChanged, &work.recentFiles,
+                     &RecentFilesMenu::refresh);
+    on(files, &FileController::filesChanged, &MainWindow::setupControls);
+    on(files, &FileController::said, &MainWindow::say);
+    on(work.exports, &ExportController::said, &MainWindow::say);
+    on(work.services, &WindowServices::said, &MainWindow::say);
+    on(window.selections(), &SelectionController::said, &MainWindow::say);
+    on(work.place, &PlaceController::said, &MainWindow::say);
+    on(work.exports, &ExportController::handedOver, &MainWindow::saveLayout);
+    on(work.place, &PlaceController::placingChanged,
+       [&window, &place = work.place, &center = work.center] {
+           // The handles stand in the 2D view.
+           if (place.isPlacing())
+               center.bringForward(CenterArea::View2d);
+           window.setupControls();
+       });
+    on(work.tool, &ToolController::chosen, &MainWindow::setupControls);
+    QObject::connect(&work.models, &ModelController::shownChanged, &work.display,
+                     &WorkDisplay::showModel);
+    QObject::connect(&work.patterns, &PatternPanel::openWanted, &files, &FileController::openFile);
+    QObject::connect(&work.tool, &ToolController::changed, &work.center, &CenterArea::refresh);
 }
 
 } // namespace marlowen
