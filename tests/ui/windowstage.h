@@ -47,6 +47,7 @@ protected:
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTest::qWait(200); // the docks take their widths a moment later
     }
     /// Waits until both views have drawn the relief, then fits it.
     void open(const char *name)
