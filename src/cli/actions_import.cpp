@@ -8,7 +8,7 @@ namespace {
 
 Outcome needImport(ScriptState &state)
 {
-    if (!state.bench.importOpen())
+    if (!state.bench.session().active())
         return scriptFailure(QStringLiteral("no import is open"));
     return {};
 }

@@ -102,7 +102,7 @@ Result<std::unique_ptr<Relief>> openInput(const ConvertJob &job, Progress &progr
 
 Outcome shape(ScriptState &state, const ConvertJob &job)
 {
-    if (state.bench.importOpen()) {
+    if (state.bench.session().active()) {
         ImportSession &session = state.bench.session();
         if (job.settings.basRelief)
             session.update(&state.progress());

@@ -17,10 +17,10 @@ constexpr std::chrono::milliseconds strokePause{50};
 /// A disk that falls so far behind is as good as none.
 constexpr int64_t mostWaitingBytes = int64_t{1} << 30;
 
-const ImportSource *openSource(const Workbench &bench)
+const ImportSource *openSource(Workbench &bench)
 {
-    return bench.importOpen() ? dynamic_cast<const ImportSource *>(bench.relief()->source())
-                              : nullptr;
+    return bench.session().active() ? dynamic_cast<const ImportSource *>(bench.relief()->source())
+                                    : nullptr;
 }
 
 } // namespace
@@ -238,7 +238,7 @@ void RecoveryJournal::takeOver(RecoveredWork work)
     m_folder = std::move(work.folder);
     {
         const QScopedValueRollback quiet(m_following, false);
-        m_bench.takeRecovered(std::move(work.relief), work.history, work.file);
+        m_bench.take(std::move(work.relief), work.file, &work.history);
     }
     auto keeper =
         std::make_unique<JournalKeeper>(m_folder->journal(), m_options.timing.compactGrids);

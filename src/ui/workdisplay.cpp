@@ -30,7 +30,7 @@ void WorkDisplay::_reliefReplaced()
     m_parts.center.showRelief();
     m_parts.panels.importPanel()->refresh();
     m_parts.import.opened();
-    if (m_parts.bench.importOpen())
+    if (m_parts.bench.session().active())
         m_parts.panels.showImportTab();
     else
         m_parts.panels.showToolTab();

@@ -18,17 +18,7 @@ Workbench::Workbench(QObject *parent)
     m_session.shown = [this] { _show(); };
 }
 
-void Workbench::take(std::unique_ptr<Relief> relief, QString file)
-{
-    _replace(std::move(relief), nullptr, std::move(file));
-}
-
-void Workbench::takeRecovered(std::unique_ptr<Relief> relief, SculptUndo &history, QString file)
-{
-    _replace(std::move(relief), &history, std::move(file));
-}
-
-void Workbench::_replace(std::unique_ptr<Relief> relief, SculptUndo *history, QString file)
+void Workbench::take(std::unique_ptr<Relief> relief, QString file, SculptUndo *recovered)
 {
     _settle();
     m_engine.attach(nullptr, nullptr);
@@ -40,10 +30,10 @@ void Workbench::_replace(std::unique_ptr<Relief> relief, SculptUndo *history, QS
     m_engine.attach(m_relief.get(), &m_history);
     m_session.attach(m_relief.get());
     m_changes.setRelief(m_relief.get());
-    if (history)
-        m_history.adopt(*history);
+    if (recovered)
+        m_history.adopt(*recovered);
     m_announced = m_saved = m_history.state();
-    m_unrecorded = m_modified = history != nullptr;
+    m_unrecorded = m_modified = recovered != nullptr;
     emit replaced();
     emit modifiedChanged(m_modified);
     emit changed();
@@ -142,7 +132,7 @@ void Workbench::redo()
 
 void Workbench::acceptImport()
 {
-    if (!importOpen())
+    if (!m_session.active())
         return;
     _settle();
     const QScopedValueRollback accepting(m_accepting, true);
@@ -152,7 +142,7 @@ void Workbench::acceptImport()
 void Workbench::_importEdited()
 {
     // Without an import the controls only choose how the next file is opened.
-    if (m_accepting || importOpen())
+    if (m_accepting || m_session.active())
         _announce(m_accepting ? Step::Accept : Step::Import);
     emit importChanged();
 }

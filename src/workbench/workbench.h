@@ -53,19 +53,16 @@ public:
     /// Whoever runs a stroke through the engine calls strokeEnded() afterwards.
     SculptEngine &engine() { return m_engine; }
     ReliefChanges &changes() { return m_changes; }
-    /// Its hooks are the workbench's, which emits importChanged() and changed().
+    /// Active while an import is open. Its hooks are the workbench's, which emits importChanged()
+    /// and changed().
     ImportSession &session() { return m_session; }
-    bool importOpen() const { return m_session.active(); }
     LivePreview &preview() { return m_preview; }
 
     /// Makes this the relief: ends a stroke in progress, forgets the history, follows the relief's
     /// import if it has one. `file` is where it came from, empty for a new one. Emits replaced()
-    /// while the old relief still lives.
-    void take(std::unique_ptr<Relief> relief, QString file = {});
-
-    /// The same for work that was recovered, with its history, which is emptied. It counts as
-    /// modified until it is saved.
-    void takeRecovered(std::unique_ptr<Relief> relief, SculptUndo &history, QString file);
+    /// while the old relief still lives. Work that was recovered comes with its history, which is
+    /// emptied; it counts as modified until it is saved.
+    void take(std::unique_ptr<Relief> relief, QString file = {}, SculptUndo *recovered = nullptr);
 
     /// Where the relief came from or was saved last; empty for a new one.
     const QString &file() const { return m_file; }
@@ -109,7 +106,6 @@ private:
     friend class LivePreview;
     Outcome _run(const Operation &operation, SculptUndo &history, Progress *progress);
     void _importEdited();
-    void _replace(std::unique_ptr<Relief> relief, SculptUndo *history, QString file);
     void _settle();
     void _show();
     void _announce(Step::Kind kind);

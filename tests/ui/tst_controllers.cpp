@@ -124,7 +124,7 @@ void TestControllers::guardAsksOnceAndObeys()
     QCOMPARE(m_files->openFile(_plate()), proceeds);
     QCOMPARE(person.sentences, QStringList{QStringLiteral("The current model has been modified.")});
     QCOMPARE(_scaleInFile(), saved ? 2.5 : 1.0);
-    QCOMPARE(m_bench->importOpen(), proceeds);
+    QCOMPARE(m_bench->session().active(), proceeds);
     QCOMPARE(m_bench->isModified(), !proceeds);
 }
 

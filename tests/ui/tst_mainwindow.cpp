@@ -36,7 +36,7 @@ void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
     show();
     QVERIFY(!m_window->ribbonBar()->isPageVisible(WindowPages::Export));
     open("plate.PNG");
-    QVERIFY(bench().importOpen());
+    QVERIFY(bench().session().active());
     QCOMPARE(child<SculptPanels>()->currentIndex(), 1);
     QVERIFY(!bench().isModified());
     const QPoint middle = m_window->sculptWin()->rect().center();
@@ -51,7 +51,7 @@ void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
     }
     QVERIFY(accept);
     QTest::mouseClick(accept, Qt::LeftButton);
-    QVERIFY(!bench().importOpen());
+    QVERIFY(!bench().session().active());
     QVERIFY(bench().isModified());
     QVERIFY(m_window->ribbonBar()->isPageVisible(WindowPages::Export));
     QVERIFY(!m_window->ribbonBar()->isPageVisible(WindowPages::OrientScale));
@@ -97,7 +97,7 @@ void TestMainWindow::droppedFileIsOpened()
     QVERIFY(enter.isAccepted());
     QDropEvent drop(QPointF(400, 400), Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(m_window.get(), &drop);
-    QTRY_VERIFY(bench().importOpen());
+    QTRY_VERIFY(bench().session().active());
 }
 
 void TestMainWindow::recentFileThatIsGone()

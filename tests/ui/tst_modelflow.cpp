@@ -128,7 +128,7 @@ void TestModelFlow::exportedReliefComesBackCellForCell()
     QCOMPARE(_child<QLabel>("modelCells")->text(), QStringLiteral("90 × 70"));
     QTest::mouseClick(_child<QPushButton>("modelAccept"), Qt::LeftButton);
     QVERIFY(!m_window->workbench().model);
-    QVERIFY(m_window->workbench().importOpen());
+    QVERIFY(m_window->workbench().session().active());
     const Relief &relief = *m_window->workbench().relief();
     QCOMPARE(QSize(relief.width(), relief.height()), QSize(wide, high));
     // The lowest level becomes empty.

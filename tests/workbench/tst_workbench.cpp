@@ -151,14 +151,14 @@ void TestWorkbench::importIsModifiedUntilSaved()
     Workbench bench;
     Steps steps(bench);
     bench.take(opened.take());
-    QVERIFY(bench.importOpen());
+    QVERIFY(bench.session().active());
     QVERIFY(!bench.isModified());
     ImportSettings settings = bench.session().settings();
     settings.flipY = true;
     bench.session().setSettings(settings);
     QVERIFY(bench.isModified());
     bench.acceptImport();
-    QVERIFY(!bench.importOpen());
+    QVERIFY(!bench.session().active());
     QCOMPARE(steps.take(), (QStringList{QStringLiteral("Opened"), QStringLiteral("Import"),
                                         QStringLiteral("Accept")}));
     click(bench, {0.0, 0.0});

@@ -58,9 +58,9 @@ QString reasonAgainstSaving(const Workbench &bench)
     return bench.relief() ? QString() : QObject::tr("Open or make a relief first.");
 }
 
-QString reasonAgainstEditing(const Workbench &bench)
+QString reasonAgainstEditing(Workbench &bench)
 {
-    if (bench.relief() && bench.importOpen())
+    if (bench.relief() && bench.session().active())
         return QObject::tr("Accept the import first.");
     return reasonAgainstSaving(bench);
 }

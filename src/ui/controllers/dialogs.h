@@ -35,6 +35,6 @@ bool dialogsOpen();
 /// Why nothing can be saved or exported now; empty when it can.
 QString reasonAgainstSaving(const Workbench &bench);
 /// Why the relief cannot be edited now; empty when it can.
-QString reasonAgainstEditing(const Workbench &bench);
+QString reasonAgainstEditing(Workbench &bench);
 
 } // namespace marlowen

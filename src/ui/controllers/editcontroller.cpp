@@ -63,7 +63,7 @@ void EditController::apply(const Operation &operation)
 void EditController::applySize(const SizeWish &inches)
 {
     const Relief *relief = m_bench.relief();
-    if (!relief || m_bench.importOpen())
+    if (!relief || m_bench.session().active())
         return;
     m_bench.endStroke();
     const double area = inches[0] * inches[1];
@@ -127,7 +127,7 @@ void EditController::showSize()
     const std::array<double, 3> now = {relief->width() / cellsPerInch,
                                        relief->height() / cellsPerInch,
                                        highest * relief->zScale / cellsPerInch};
-    if (m_openedSize[0] <= 0.0 || m_bench.importOpen())
+    if (m_openedSize[0] <= 0.0 || m_bench.session().active())
         m_openedSize = now;
     m_pages.size->showSize({now, m_openedSize, m_imported}, reasonAgainstEditing(m_bench));
     showSample();
