@@ -41,6 +41,8 @@ struct Pattern
     FloatGrid heights; ///< finite, none negative; 0.0 is empty
 };
 
+/// Of a pattern file's name, in lower case.
+inline constexpr char patternEnding[] = ".ptr";
 inline constexpr int patternThumbnailSide = 256;
 
 /// The attributes of a pattern made now: the file's name without its ending as title.

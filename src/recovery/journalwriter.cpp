@@ -10,8 +10,8 @@ namespace marlowen {
 
 namespace {
 
-/// On a busy machine a thread that is woken may take the processor from the one who woke it, which
-/// here is the hand. This one waits its turn.
+/// On a busy machine a thread that is woken may take the processor from the thread that woke it,
+/// here the one of the window. This one waits instead.
 void giveWayToOthers()
 {
     const sched_param none{};

@@ -2,6 +2,7 @@
 
 #include "base/datafolder.h"
 #include "files/alphaimage.h"
+#include "files/formats.h"
 #include "files/pictures/picturefile.h"
 #include "relief/tools/alphabrush.h"
 
@@ -69,7 +70,12 @@ void handToBrush()
 
 QStringList pictureFilters()
 {
-    return {"*.png", "*.jpg", "*.jpeg", "*.bmp"};
+    QStringList filters;
+    for (const Format &format : formats()) {
+        if (format.opensAs == OpensAs::Picture)
+            filters << QLatin1Char('*') + QLatin1String(format.ending);
+    }
+    return filters;
 }
 
 /// At most `side` pixels wide and high. Null when the file cannot be read or is damaged.

@@ -35,7 +35,7 @@ QStringList patternFiles(const QDropEvent &event)
     QStringList files;
     for (const QUrl &url : event.mimeData()->urls()) {
         if (url.isLocalFile() &&
-            url.fileName().endsWith(QLatin1String(".ptr"), Qt::CaseInsensitive))
+            url.fileName().endsWith(QLatin1String(patternEnding), Qt::CaseInsensitive))
             files << url.toLocalFile();
     }
     return files;

@@ -17,7 +17,6 @@ namespace marlowen {
 
 namespace {
 
-constexpr char filter[] = "*.ptr";
 constexpr int mostFolders = 200;
 constexpr int deepest = 4; ///< levels of folders in the user's one
 
@@ -45,16 +44,18 @@ void addEntries(const PatternFolder &folder, QList<PatternEntry> &entries)
 {
     const QDir dir(folder.path);
     for (const QFileInfo &file :
-         dir.entryInfoList({QLatin1String(filter)}, QDir::Files, QDir::Name | QDir::IgnoreCase))
+         dir.entryInfoList({QLatin1Char('*') + QLatin1String(patternEnding)}, QDir::Files,
+                           QDir::Name | QDir::IgnoreCase))
         entries << PatternEntry{file.completeBaseName(), file.filePath(), folder.builtIn,
                                 file.lastModified().toMSecsSinceEpoch()};
 }
 
 QString freePath(const QDir &folder, const QString &name)
 {
-    QString path = folder.filePath(name + QStringLiteral(".ptr"));
+    QString path = folder.filePath(name + QLatin1String(patternEnding));
     for (int number = 2; QFile::exists(path); ++number)
-        path = folder.filePath(QStringLiteral("%1 %2.ptr").arg(name).arg(number));
+        path = folder.filePath(
+            QStringLiteral("%1 %2%3").arg(name).arg(number).arg(QLatin1String(patternEnding)));
     return path;
 }
 
@@ -196,7 +197,7 @@ Result<QString> renamePattern(const QString &path, const QString &name)
     if (!isFileName(name))
         return Failure{title, noFileName(name)};
     const QFileInfo file(path);
-    const QString renamed = file.dir().filePath(name + QStringLiteral(".ptr"));
+    const QString renamed = file.dir().filePath(name + QLatin1String(patternEnding));
     if (renamed == path)
         return path;
     if (QFile::exists(renamed))
