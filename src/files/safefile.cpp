@@ -4,6 +4,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace marlowen {
 
 namespace {
@@ -73,7 +76,18 @@ Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> 
         return because(unopened, file);
     if (!write(file) || !file.commit())
         return because(saveFailed(), file);
+    syncName(path);
     return {};
+}
+
+void syncName(const QString &path)
+{
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
 }
 
 } // namespace marlowen

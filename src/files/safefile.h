@@ -29,4 +29,8 @@ Outcome openRegularFile(QFile &file, Failure failure);
 Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> &write,
                     const Failure &unopened = saveFailed());
 
+/// Waits until the name of a new or renamed file is on the disk; best effort, as not every file
+/// system knows it.
+void syncName(const QString &path);
+
 } // namespace marlowen

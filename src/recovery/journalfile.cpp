@@ -1,5 +1,7 @@
 #include "recovery/journalfile.h"
 
+#include "files/safefile.h"
+
 #include <QFile>
 
 #include <algorithm>
@@ -31,6 +33,7 @@ void JournalFile::swap(JournalFile &other) noexcept
 {
     std::swap(m_descriptor, other.m_descriptor);
     std::swap(m_end, other.m_end);
+    std::swap(m_newName, other.m_newName);
     m_path.swap(other.m_path);
     m_error.swap(other.m_error);
 }
@@ -51,6 +54,7 @@ bool JournalFile::create(const QString &path)
         return _fail();
     if (!_open(path, O_CREAT | O_EXCL))
         return false;
+    m_newName = true;
     m_end = 0;
     const JournalHead head;
     if (!_write(&head, sizeof head))
@@ -144,7 +148,13 @@ bool JournalFile::_write(const void *bytes, int64_t count)
 
 bool JournalFile::sync()
 {
-    return !isOpen() || fdatasync(m_descriptor) == 0 || _fail();
+    if (!isOpen())
+        return true;
+    if (fdatasync(m_descriptor) != 0)
+        return _fail();
+    if (std::exchange(m_newName, false))
+        syncName(QFile::decodeName(m_path));
+    return true;
 }
 
 bool JournalFile::renameTo(const QString &path)
@@ -153,6 +163,7 @@ bool JournalFile::renameTo(const QString &path)
     if (rename(m_path.constData(), target.constData()) != 0)
         return _fail();
     m_path = target;
+    m_newName = true;
     return true;
 }
 

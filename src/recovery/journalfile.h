@@ -32,7 +32,7 @@ public:
     bool append(RecordHead head, const QByteArray &meta, Parts data = {});
     /// Copies bytes of another journal to the end.
     bool appendFrom(const JournalFile &other, int64_t from, int64_t to);
-    /// Waits until what was written is on the disk.
+    /// Waits until what was written is on the disk, with the name of the file when that is new.
     bool sync();
     /// Takes the place of the file `path`.
     bool renameTo(const QString &path);
@@ -48,6 +48,7 @@ private:
 
     int m_descriptor = -1;
     int64_t m_end = 0;
+    bool m_newName = false; ///< the folder's entry may not be on the disk yet
     QByteArray m_path;
     QString m_error;
 };

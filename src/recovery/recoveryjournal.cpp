@@ -205,8 +205,11 @@ void RecoveryJournal::_hear(JournalWriter::News news, const QString &reason)
         return;
     if (news == JournalWriter::News::Failed)
         return _setOff(reason);
-    if (news == JournalWriter::News::BaseNeeded)
-        return _begin(false);
+    if (news == JournalWriter::News::BaseNeeded) {
+        // Perhaps a stroke has begun meanwhile.
+        m_retry.start();
+        return _retry();
+    }
     m_retry.stop();
     if (std::exchange(m_off, false))
         emit stateChanged(true, {});

@@ -5,15 +5,21 @@
 #include "ui/controllers/recoverycontroller.h"
 #include "ui/controllers/updatecontroller.h"
 #include "ui/help/helpwindow.h"
+#include "workbench/workbench.h"
 
 #include <QAction>
 #include <QCoreApplication>
 #include <QTimer>
 #include <QWhatsThis>
 
+#include <chrono>
+
 namespace marlowen {
 
 namespace {
+
+/// A window that was killed a moment ago may still be ending, and hold its work until then.
+constexpr std::chrono::seconds secondLook{3};
 
 constexpr CommandRow commandRows[] = {
     {"restoreWork", QT_TRANSLATE_NOOP("Commands", "Restore Work"), "openRecent",
@@ -80,6 +86,12 @@ void WindowServices::start()
 {
     if (m_recovery->find())
         m_parts.center.showRecovery(true);
+    else
+        QTimer::singleShot(secondLook, this, [this] {
+            const Workbench &bench = m_parts.bench;
+            if (m_recovery->find() && !bench.relief() && !bench.model)
+                m_parts.center.showRecovery(true);
+        });
     if (m_updates)
         QTimer::singleShot(0, m_updates, &UpdateController::start);
 }

@@ -35,6 +35,12 @@ constexpr KeyRow viewKeys[] = {
     {"Esc", QT_TRANSLATE_NOOP("Keys", "2D view: forget the shape being drawn")},
     {"Enter", QT_TRANSLATE_NOOP("Keys", "2D view: close the polygon, apply the crop")},
     {"Backspace", QT_TRANSLATE_NOOP("Keys", "2D view: take the polygon's last corner back")},
+    {"Shift while selecting", QT_TRANSLATE_NOOP("Keys", "Add to the selection")},
+    {"Alt while selecting", QT_TRANSLATE_NOOP("Keys", "Take away from the selection")},
+    {"Shift while placing",
+     QT_TRANSLATE_NOOP("Keys", "Move along one axis only, turn in even steps")},
+    {"Enter, Esc", QT_TRANSLATE_NOOP("Keys", "What is being placed: apply it, leave it out")},
+    {"Esc with a model open", QT_TRANSLATE_NOOP("Keys", "Close the model without accepting it")},
 };
 
 constexpr KeyRow windowKeys[] = {
@@ -45,6 +51,7 @@ constexpr KeyRow windowKeys[] = {
     {"Enter, Space", QT_TRANSLATE_NOOP("Keys", "In the ribbon: the command that has the focus")},
     {"Esc", QT_TRANSLATE_NOOP("Keys", "Leave the ribbon or the File page")},
     {"Tab, Shift+Tab", QT_TRANSLATE_NOOP("Keys", "Go to the next or the last control")},
+    {"F2, Del", QT_TRANSLATE_NOOP("Keys", "In the list of patterns: rename, delete")},
     {"Ctrl+F", QT_TRANSLATE_NOOP("Keys", "In the manual: search")},
 };
 
