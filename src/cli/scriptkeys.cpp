@@ -140,8 +140,10 @@ QString checkValue(const QJsonValue &value, const ScriptKey &key)
         return key.nested ? checkKeys(value.toObject(), *key.nested) : QString();
     const QString words =
         QString::fromLatin1(key.choices).replace(QLatin1Char('|'), QLatin1String(", "));
-    return QStringLiteral("\"%1\" must be %2%3%4")
-        .arg(QLatin1String(key.name), QLatin1String(row.description), words, rangeText(key));
+    // The range of a choice is that of its number in the list, which no script writes.
+    return QStringLiteral("\"%1\" must be %2%3")
+        .arg(QLatin1String(key.name), QLatin1String(row.description),
+             words.isEmpty() ? rangeText(key) : words);
 }
 
 } // namespace

@@ -203,6 +203,8 @@ Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options
 Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options,
                               const MeshTarget &target, const FacetReducer &reduction)
 {
+    if (const Outcome fits = heightsFitMeshes(relief); !fits)
+        return fits.failure();
     if (isFullBetter(relief, options, reduction)) {
         Result<MeshReport> full = writeFull(relief, options, target);
         if (!full)

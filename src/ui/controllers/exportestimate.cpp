@@ -3,6 +3,8 @@
 #include "relief/grid/relief.h"
 #include "workbench/workbench.h"
 
+#include <new>
+
 namespace marlowen {
 
 namespace {
@@ -90,7 +92,16 @@ void ExportEstimate::_tick()
     // A stroke changes the heights under the reduction; its end begins anew.
     if (m_bench.engine().stroking())
         return m_slices.stop();
-    _work(slice);
+    try {
+        _work(slice);
+    } catch (const std::bad_alloc &) {
+        // The page shows nothing then; an export tries again and says why it cannot be done.
+        m_slices.stop();
+        m_reduction.reset();
+        m_known = false;
+        emit changed();
+        return;
+    }
     if (!m_ended && m_told.elapsed() < frameMs)
         return;
     m_told.start();

@@ -312,6 +312,8 @@ void ExportPage::_showOptions()
     showLength(*m_tolerance, toleranceInches(m_options),
                toleranceDecimals[static_cast<size_t>(m_unit)]);
     showLength(*m_base, m_thickness, unit.decimals);
+    // The thinnest base is the first that the field does not show as 0.
+    m_base->setRange(m_base->singleStep(), m_base->maximum());
     m_quality->setCurrentIndex(m_options.tolerance > 0.0 ? -1 : m_options.quality);
     m_facets->setValue(m_options.facets);
     m_standard->setChecked(m_options.standardStl);
