@@ -76,6 +76,8 @@ void RecoveryJournal::_step(const Step &step)
 {
     if (m_ended || !m_following)
         return;
+    if (m_baseNeeded && !m_off)
+        return _begin(step.kind == Step::Opened || step.kind == Step::Saved);
     switch (step.kind) {
     case Step::Opened:
     case Step::Saved:
@@ -157,6 +159,7 @@ void RecoveryJournal::_add(JournalJob job)
 void RecoveryJournal::_begin(bool fresh)
 {
     m_reading.stop();
+    m_baseNeeded = false;
     const Relief *relief = m_bench.relief();
     if (!relief || !_prepareWriter())
         return;
@@ -206,7 +209,8 @@ void RecoveryJournal::_hear(JournalWriter::News news, const QString &reason)
     if (news == JournalWriter::News::Failed)
         return _setOff(reason);
     if (news == JournalWriter::News::BaseNeeded) {
-        // Perhaps a stroke has begun meanwhile.
+        // A stroke may have begun meanwhile; its end makes up for it.
+        m_baseNeeded = true;
         m_retry.start();
         return _retry();
     }
@@ -248,6 +252,7 @@ void RecoveryJournal::takeOver(RecoveredWork work)
     const bool resumed = keeper->resume(work.journalEnd, m_bench.history());
     _startWriter(std::move(keeper));
     m_off = false;
+    m_baseNeeded = false;
     if (resumed)
         _noteImport();
     else

@@ -78,7 +78,8 @@ private:
     std::unique_ptr<JournalWriter> m_writer;
     bool m_off = false;
     bool m_ended = false;
-    bool m_following = true; ///< false while recovered work is handed over
+    bool m_baseNeeded = false; ///< the writer waits for the whole relief
+    bool m_following = true;   ///< false while recovered work is handed over
     QTimer m_retry;
     QTimer m_post; ///< while the writer did not take a job
 

@@ -51,7 +51,7 @@ constexpr KeyRow windowKeys[] = {
     {"Enter, Space", QT_TRANSLATE_NOOP("Keys", "In the ribbon: the command that has the focus")},
     {"Esc", QT_TRANSLATE_NOOP("Keys", "Leave the ribbon or the File page")},
     {"Tab, Shift+Tab", QT_TRANSLATE_NOOP("Keys", "Go to the next or the last control")},
-    {"F2, Del", QT_TRANSLATE_NOOP("Keys", "In the list of patterns: rename, delete")},
+    {"F2, Del", QT_TRANSLATE_NOOP("Keys", "In the list of patterns: rename, move to the trash")},
     {"Ctrl+F", QT_TRANSLATE_NOOP("Keys", "In the manual: search")},
 };
 
