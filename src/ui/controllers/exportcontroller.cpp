@@ -101,7 +101,7 @@ void ExportController::_exportMesh(MeshFormat format)
             reduction ? exportMesh(*m_bench.relief(), m_page->options(), target, *reduction)
                       : exportMesh(*m_bench.relief(), m_page->options(), target);
         if (written)
-            _written(path, tr("Exported %1.")
+            _written(path, tr("Exported %1")
                                .arg(m_page->facetsText(written.value().facets,
                                                        written.value().largestErrorInches)));
         else if (!progress.cancelled())
