@@ -115,7 +115,8 @@ NumberField *PlacePanel::_makeCentre(const QString &label)
 SliderField *PlacePanel::_makeSlider(double Placement::*member)
 {
     const Field<Placement> &row = fieldOf(placementFields(), member);
-    SliderField *slider = makeSlider(row.info, row.initial(), this);
+    static const Placement initial;
+    SliderField *slider = makeSlider(row.info, row.value(initial), this);
     slider->setHint(fieldText(row.info.hint));
     m_sliders << Slider{member, slider};
     connect(slider, &SliderField::valueChanged, this, [this, member](double shown) {
