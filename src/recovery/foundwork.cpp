@@ -133,9 +133,11 @@ QImage foundThumbnail(const QString &folder, int side)
 bool discardWork(const QString &folder)
 {
     std::optional<RecoveryFolder> taken = RecoveryFolder::take(folder);
-    if (taken)
-        taken->discard();
-    return taken.has_value();
+    if (!taken)
+        return false;
+    const QString journal = taken->journal();
+    taken->discard();
+    return !QFileInfo::exists(journal);
 }
 
 } // namespace marlowen

@@ -48,7 +48,7 @@ Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress);
 /// lock and is not tied to a thread.
 QImage foundThumbnail(const QString &folder, int side);
 
-/// Deletes work that no window has. False when one has it.
+/// Deletes work that no window has. False when one has it or when it cannot be deleted.
 bool discardWork(const QString &folder);
 
 } // namespace marlowen

@@ -193,14 +193,18 @@ void PlaceController::addToLibrary()
             .trimmed();
     if (!accepted || name.isEmpty())
         return;
-    ProgressBox progress(tr("Adding to the library"), m_window);
-    const Result<QString> added = addReliefPattern(
-        *m_bench.relief(), {name, m_parts.library->targetFolder(), m_unit}, progress);
-    if (added) {
-        m_parts.library->showPattern(added.value());
-        emit said(tr("Added to the library."), lineMs);
-    } else if (!progress.cancelled()) {
-        showFailure(m_window, added.failure());
+    try {
+        ProgressBox progress(tr("Adding to the library"), m_window);
+        const Result<QString> added = addReliefPattern(
+            *m_bench.relief(), {name, m_parts.library->targetFolder(), m_unit}, progress);
+        if (added) {
+            m_parts.library->showPattern(added.value());
+            emit said(tr("Added to the library."), lineMs);
+        } else if (!progress.cancelled()) {
+            showFailure(m_window, added.failure());
+        }
+    } catch (const std::bad_alloc &) {
+        showFailure(m_window, shortOfMemory());
     }
 }
 

@@ -102,7 +102,8 @@ void RecoveryController::_discard(const QString &folder)
     box.exec();
     if (box.clickedButton() != discard)
         return;
-    discardWork(folder);
+    if (!discardWork(folder))
+        showFailure(m_window, {tr("Discard Failed"), tr("The kept work cannot be deleted now.")});
     if (!find())
         emit pageDone();
 }

@@ -87,7 +87,13 @@ PatternPanel::PatternPanel(QWidget *parent)
     connect(m_place, &QToolButton::clicked, this, [this] { _activate(m_list->currentIndex()); });
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_changed,
             qOverload<>(&QTimer::start));
-    connect(&m_changed, &QTimer::timeout, this, &PatternPanel::reload);
+    connect(&m_changed, &QTimer::timeout, this, [this] {
+        // A name that is being edited would be lost.
+        if (m_list->viewport()->findChild<QLineEdit *>())
+            m_changed.start();
+        else
+            reload();
+    });
     reload();
 }
 

@@ -132,7 +132,9 @@ Result<QString> addPatternFolder(const QString &name)
 Result<QString> addPatternFile(const QString &path, const QString &folder)
 {
     const QFileInfo source(path);
-    if (!readPatternInfo(path))
+    // Reading all of it checks its digest too.
+    Progress silent;
+    if (!loadPattern(path, silent))
         return addFailed(Texts::tr("%1 is not a pattern that can be read.").arg(source.fileName()));
     const QString copy = freePath(QDir(folder), source.completeBaseName());
     if (!QFile::copy(path, copy))

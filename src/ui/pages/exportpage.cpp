@@ -348,6 +348,8 @@ void ExportPage::clearForecast()
 {
     for (QLabel *label : {m_count, m_bytes, m_error})
         label->setText(QStringLiteral("–"));
+    m_reduced = false;
+    m_standardNote->clear();
 }
 
 } // namespace marlowen
