@@ -135,15 +135,18 @@ bool FioStream::readData(void *bytes, int count)
         return true;
     }
     char *plain = static_cast<char *>(bytes);
-    if (!_get(plain, count))
-        return false;
+    if (!_isOpen())
+        return _failIo();
+    // The rest also follows a short read, so that the digests have seen every byte asked for.
+    const bool whole = _get(plain, count);
+    _dump(plain, count);
     for (const ByteTransform &transform : m_transforms) {
         for (int i = 0; i < count; ++i)
             plain[i] = static_cast<char>(transform(static_cast<quint8>(plain[i])));
     }
     for (const auto &digest : m_digests)
         digest->addData(QByteArrayView(plain, count));
-    return true;
+    return whole;
 }
 
 bool FioStream::readBlock(QByteArray &bytes, qint64 count)
@@ -220,8 +223,6 @@ bool FioStream::_put(const char *bytes, int count)
 
 bool FioStream::_get(char *bytes, int count)
 {
-    if (!_isOpen())
-        return _failIo();
     bool whole = false;
     if (m_file) {
         whole = std::fread(bytes, static_cast<size_t>(count), 1, m_file.get()) == 1;
@@ -235,8 +236,6 @@ bool FioStream::_get(char *bytes, int count)
         else if (!whole)
             _failIo();
     }
-    if (whole)
-        _dump(bytes, count);
     return whole;
 }
 
