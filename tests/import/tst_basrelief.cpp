@@ -1,5 +1,6 @@
 #include "import/bas/basutil.h"
 #include "import/importsettings.h"
+#include "testgrid.h"
 
 #include <QTest>
 
@@ -10,16 +11,6 @@
 using namespace marlowen;
 
 namespace {
-
-template <typename Height>
-FloatGrid gridOf(int width, int height, Height heightAt)
-{
-    FloatGrid grid(width, height);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            grid.row(y)[x] = static_cast<float>(heightAt(x, y));
-    return grid;
-}
 
 /// A dome with ripples of 8 cells on an empty ground.
 FloatGrid rippledDome(int side, double ripple)

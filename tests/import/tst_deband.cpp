@@ -1,5 +1,6 @@
 #include "import/deband/deband.h"
 #include "import/importsource.h"
+#include "testgrid.h"
 
 #include <QTest>
 
@@ -9,16 +10,6 @@
 using namespace marlowen;
 
 namespace {
-
-template <typename Value>
-FloatGrid gridOf(int width, int height, Value valueAt)
-{
-    FloatGrid grid(width, height);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            grid.row(y)[x] = static_cast<float>(valueAt(x, y));
-    return grid;
-}
 
 FloatGrid smoothed(const FloatGrid &values, double strength = 1.0)
 {
