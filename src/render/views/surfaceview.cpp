@@ -6,6 +6,7 @@
 #include "render/overlays/cursors.h"
 #include "render/views/turntable.h"
 
+#include <QGuiApplication>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions_2_1>
 #include <QOpenGLVersionFunctionsFactory>
@@ -211,6 +212,11 @@ void SurfaceView::paintGL()
 void SurfaceView::_updatePicture()
 {
     const bool changed = updateSurface(*m_shader);
+    // A drag elsewhere changes the surface: a stroke in the other view, a pattern being placed. The
+    // whole picture follows when it rests.
+    const bool dragged = QGuiApplication::mouseButtons().testFlag(Qt::LeftButton) && !m_depthHeld;
+    if (changed && dragged && m_slowDriver)
+        m_restTimer.start();
     const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
     const ViewMatrices now = matrices();
     const bool due = changed || resized || m_pictureStale || now != m_drawn;
