@@ -141,7 +141,8 @@ void SurfaceView::initializeGL()
     m_gl->glDepthFunc(GL_LEQUAL);
     m_gl->glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
     m_gl->glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
-    for (const GLenum feature : {GL_TEXTURE_2D, GL_LIGHTING, GL_LINE_STIPPLE, GL_DEPTH_TEST})
+    constexpr GLenum unused[] = {GL_TEXTURE_2D, GL_LIGHTING, GL_LINE_STIPPLE, GL_DEPTH_TEST};
+    for (const GLenum feature : unused)
         m_gl->glDisable(feature);
     m_gl->glEnable(GL_LINE_SMOOTH);
     m_gl->glLineWidth(1.0F);
