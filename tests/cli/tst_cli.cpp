@@ -197,6 +197,7 @@ private slots:
         row("convert disc.png no/x.scp", "no/x.scp: ");
         for (const char *ending : {"scp", "ptr", "stl", "obj", "pfm", "png"})
             row(QString("convert disc.png full.") + ending, QByteArray("full.") + ending + ": ");
+        row("convert disc.png full.stl", "No space left on device");
         row("info none.scp", "none.scp: ");
         row("thumbnail broken.png x.scp", "broken.png: ");
         row("run none.txt", "none.txt: ");

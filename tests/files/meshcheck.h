@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
+#include <utility>
 #include <vector>
 
 /// Judges a mesh file against the grid it was made from. It knows the file and the grid alone, and
@@ -119,16 +119,27 @@ inline double areaAbove(const Facet &f)
     return d(1, 0) * d(2, 1) - d(2, 0) * d(1, 1);
 }
 
-/// Directed edges and how often each occurs.
-using Edges = std::map<std::pair<Point, Point>, int>;
+/// Directed edges in order, one as often as it occurs.
+using Edge = std::pair<Point, Point>;
+using Edges = std::vector<Edge>;
 
 inline Edges edgesOf(const std::vector<Facet> &facets)
 {
     Edges edges;
+    edges.reserve(3 * facets.size());
     for (const Facet &facet : facets) {
         for (size_t i = 0; i < 3; ++i)
-            ++edges[{facet[i], facet[(i + 1) % 3]}];
+            edges.emplace_back(facet[i], facet[(i + 1) % 3]);
     }
+    std::sort(edges.begin(), edges.end());
+    return edges;
+}
+
+inline Edges turnedRound(Edges edges)
+{
+    for (Edge &edge : edges)
+        std::swap(edge.first, edge.second);
+    std::sort(edges.begin(), edges.end());
     return edges;
 }
 
@@ -192,9 +203,9 @@ inline QString judgeSurface(const Grid &grid, const std::vector<Facet> &facets, 
     if (area > rectangle || (!mayBeOpen && area != rectangle))
         return QStringLiteral("the facets cover %1 of %2").arg(area).arg(rectangle);
     const Edges edges = edgesOf(facets);
-    for (const auto &[edge, uses] : edges) {
-        if (uses != 1)
-            return QStringLiteral("two facets lie on the same side of an edge");
+    if (std::adjacent_find(edges.begin(), edges.end()) != edges.end())
+        return QStringLiteral("two facets lie on the same side of an edge");
+    for (const Edge &edge : edges) {
         const bool onBorder = [&] {
             for (const auto &[axis, end] : {std::pair(0, grid.width), std::pair(1, grid.height)}) {
                 const auto a = static_cast<size_t>(axis);
@@ -205,7 +216,8 @@ inline QString judgeSurface(const Grid &grid, const std::vector<Facet> &facets, 
             }
             return false;
         }();
-        if (edges.contains({edge.second, edge.first}) || onBorder)
+        const Edge back{edge.second, edge.first};
+        if (onBorder || std::binary_search(edges.begin(), edges.end(), back))
             continue;
         if (edge.first[2] != 0.0F || edge.second[2] != 0.0F)
             return QStringLiteral("the surface is open where there is material");
@@ -222,10 +234,7 @@ inline QString judgeSurface(const Grid &grid, const std::vector<Facet> &facets, 
 inline bool isClosed(const std::vector<Facet> &facets)
 {
     const Edges edges = edgesOf(facets);
-    return std::all_of(edges.begin(), edges.end(), [&edges](const auto &entry) {
-        const auto back = edges.find({entry.first.second, entry.first.first});
-        return back != edges.end() && back->second == entry.second;
-    });
+    return edges == turnedRound(edges);
 }
 
 /// The first thing that is wrong with a solid: it must be closed, every normal must follow the

@@ -52,7 +52,7 @@ Grid disc(double edgeHeight)
 void addGrids()
 {
     QTest::addColumn<Grid>("grid");
-    QTest::newRow("smooth") << makeGrid(200, 150, wave);
+    QTest::newRow("smooth") << makeGrid(140, 110, wave);
     QTest::newRow("smooth, Z scale") << [] {
         Grid grid = makeGrid(100, 90, wave);
         grid.zFactor = 2.37;
@@ -67,7 +67,7 @@ void addGrids()
         << makeGrid(90, 90, [](int c, int r) { return c + 2 * r < 130 ? 1.0 : 64.0; });
     QTest::newRow("two rows") << makeGrid(500, 2, wave);
     QTest::newRow("two columns") << makeGrid(2, 500, wave);
-    QTest::newRow("much longer than wide") << makeGrid(3, 10000, wave);
+    QTest::newRow("much longer than wide") << makeGrid(3, 4000, wave);
     QTest::newRow("checkerboard") << makeGrid(
         40, 41, [](int c, int r) { return (c + r) % 2 == 0 ? 12.0 : 0.0; });
     QTest::newRow("thin empty lines")
@@ -151,11 +151,12 @@ private slots:
             const meshcheck::Stl stl = meshcheck::readStl(file.bytes, false);
             QCOMPARE(stl.fault, QString());
             QCOMPARE(stl.facets.empty(), gridTriangles(grid) == 0);
-            QVERIFY(meshcheck::isClosed(stl.facets));
             QVERIFY(std::ranges::none_of(stl.normals, [](auto n) { return std::isnan(n[0]); }));
             // Volumes and slopes of huge heights are beyond doubles.
             if (*std::ranges::max_element(grid.heights) < 1e20F && !stl.facets.empty())
                 QCOMPARE(meshcheck::judgeSolid(stl), QString());
+            else
+                QVERIFY(meshcheck::isClosed(stl.facets));
         }
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "keptview.h"
 #include "relief/grid/relief.h"
 #include "relief/history/sculptundo.h"
 #include "relief/strokes/sculptengine.h"
@@ -44,7 +45,8 @@ struct Stage
     SculptEngine engine;
     ToolParams tool;
     ReliefChanges changes;
-    FlatWin view;
+    KeptView<FlatWin> kept{KeptView<FlatWin>::usualSize};
+    FlatWin &view = kept.view();
 
     explicit Stage(int toolType = Tool::Deposit, QSize grid = {120, 90})
         : relief(hill(grid))
@@ -55,14 +57,10 @@ struct Stage
         view.setTool(&tool);
         view.setEngine(&engine);
         view.setChanges(&changes);
-        QObject::connect(&view, &FlatWin::shapeDrawn, [this](const SelectionEdit &edit) {
+        QObject::connect(&view, &FlatWin::shapeDrawn, &changes, [this](const SelectionEdit &edit) {
             edit(*relief);
             changes.notify();
         });
-        view.resize(480, 360);
-        view.show();
-        if (!QTest::qWaitForWindowExposed(&view))
-            qFatal("the view does not show");
         view.setRelief(relief.get(), true);
         settle();
     }

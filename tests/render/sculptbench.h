@@ -1,5 +1,6 @@
 #pragma once
 
+#include "keptview.h"
 #include "relief/grid/relief.h"
 #include "relief/history/sculptundo.h"
 #include "relief/strokes/sculptengine.h"
@@ -37,18 +38,22 @@ inline std::unique_ptr<Relief> medal(int width, int height)
 class SculptBench
 {
 public:
-    explicit SculptBench(std::unique_ptr<Relief> document, QSize size = {480, 360})
+    explicit SculptBench(std::unique_ptr<Relief> document,
+                         QSize size = KeptView<SculptWin>::usualSize)
         : relief(std::move(document))
+        , m_kept(size)
+        , view(m_kept.view())
     {
         engine.attach(relief.get(), &undo);
         view.setTool(&tool);
         view.setEngine(&engine);
         view.setRelief(relief.get());
-        view.resize(size);
-        view.show();
-        if (!QTest::qWaitForWindowExposed(&view))
-            qFatal("the view was not shown");
         paint();
+        // The camera of the test before this one may not have come to rest.
+        while (!view.pictureComplete()) {
+            QTest::qWait(1);
+            paint();
+        }
     }
     ~SculptBench()
     {
@@ -107,7 +112,12 @@ public:
     ToolParams tool;
     SculptUndo undo;
     SculptEngine engine;
-    SculptWin view;
+
+private:
+    KeptView<SculptWin> m_kept;
+
+public:
+    SculptWin &view;
     Qt::MouseButton held = Qt::NoButton;
 
 private:

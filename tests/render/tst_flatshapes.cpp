@@ -21,6 +21,7 @@ private slots:
     void cropBoxSurvivesAdjusting();
     void cropKeys();
     void shapeKeysBeatShortcuts();
+    void cleanupTestCase() { KeptView<FlatWin>::drop(); }
 };
 
 void TestFlatShapes::rectanglesCombine()

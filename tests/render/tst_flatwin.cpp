@@ -38,6 +38,7 @@ private slots:
     void footprintOnlyForItsTools();
     void maskIsShown();
     void oddReliefsAndWindows();
+    void cleanupTestCase() { KeptView<FlatWin>::drop(); }
 };
 
 void TestFlatWin::clicksGoThroughTheEngine()
@@ -93,8 +94,10 @@ void TestFlatWin::heightsShowInLevels_data()
 void TestFlatWin::heightsShowInLevels()
 {
     QFETCH(bool, legacy);
-    QevSettings().setUseLegacyShader(legacy);
     Stage stage;
+    stage.kept.useUp();
+    QevSettings().setUseLegacyShader(legacy);
+    stage.view.renewEngine();
     QevSettings().setUseLegacyShader(false);
     float *heights = stage.relief->heights().data();
     for (int row = 0; row < 90; ++row)

@@ -160,19 +160,19 @@ private slots:
     void strokesEqualTheEngine()
     {
         QFETCH(int, type);
-        SculptBench b(medal(240, 180));
+        SculptBench b(medal(120, 90));
         b.tool.type = type;
         b.tool.size = 0.4;
         b.tool.strength = 0.6;
-        b.relief->sampleHeight = 12.0F;
+        b.relief->sampleHeight = 6.0F;
         b.view.setRotation(rotationAbout({1, 0, 0}, -30));
         const QPoint c = b.centre();
-        const QList<QPoint> way = {c, c + QPoint(7, 3), c + QPoint(60, 30), c + QPoint(-50, 10)};
+        const QList<QPoint> way = {c, c + QPoint(4, 2), c + QPoint(30, 15), c + QPoint(-25, 5)};
         QList<QPointF> points;
         for (const QPoint &at : way)
             points << flat(b.view.pick(at).point);
-        const auto before = medal(240, 180);
-        before->sampleHeight = 12.0F;
+        const auto before = medal(120, 90);
+        before->sampleHeight = 6.0F;
 
         QSignalSpy edited(&b.view, &ReliefView::reliefEdited);
         b.press(way.first());
@@ -387,6 +387,8 @@ private slots:
         b.moveTo({5, 149}); // beside the relief
         QTRY_COMPARE(status.last().first().toString(), QString());
     }
+
+    void cleanupTestCase() { KeptView<SculptWin>::drop(); }
 };
 
 QTEST_MAIN(SculptHandTest)

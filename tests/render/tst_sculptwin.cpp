@@ -85,6 +85,7 @@ private slots:
 
     void unchangedPaintsCostNothing()
     {
+        KeptView<SculptWin>::drop();
         SculptBench b(medal(200, 150));
         const QImage first = b.paint();
         const Work before(b.view);
@@ -394,6 +395,8 @@ private slots:
         QVERIFY(process.waitForFinished(60000));
         QVERIFY2(process.exitCode() == 0, process.readAllStandardOutput());
     }
+
+    void cleanupTestCase() { KeptView<SculptWin>::drop(); }
 };
 
 QTEST_MAIN(SculptWinTest)

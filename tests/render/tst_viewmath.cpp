@@ -293,6 +293,9 @@ private slots:
         QCOMPARE(statusText({-128, 63.5, -3}, box),
                  QString("Position: (0.00, 1.00) z = 0.000 in."));
         QCOMPARE(statusText({0, 0, 64}, box, 2), QString("Position: (25.5, 12.8) z = 12.7 mm"));
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        QCOMPARE(statusText({0, 0, 64}, box, 2), QString("Position: (25,5; 12,8) z = 12,7 mm"));
+        QLocale::setDefault(QLocale::c());
     }
 };
 

@@ -21,6 +21,7 @@ public:
     QString path;
     QStringList titles;
     QStringList sentences;
+    QStringList details; ///< what stood below each sentence
 
 private:
     /// Acts on each dialog once, from the event loop: what it sets off may open the next one.
@@ -49,6 +50,7 @@ private:
     void _answer(QMessageBox &box)
     {
         sentences.append(box.text());
+        details.append(box.informativeText());
         QAbstractButton *button =
             answers.isEmpty() ? box.escapeButton() : box.button(answers.takeFirst());
         if (!button)

@@ -5,6 +5,7 @@
 #include "ui/panels/sculptpanels.h"
 #include "ui/recentfilesmenu.h"
 #include "ui/ribbon/numberfield.h"
+#include "ui/ribbon/ribbongallery.h"
 
 /// What a person meets in the window beside its commands: files that come in, strokes, layout.
 class TestMainWindow : public WindowStage
@@ -12,8 +13,9 @@ class TestMainWindow : public WindowStage
     Q_OBJECT
 
 private slots:
-    void init() { makeWindow(); }
-    void cleanup() { m_window.reset(); }
+    void init() { prepare(); }
+    void cleanup() { dropAfterFailure(); }
+    void cleanupTestCase() { m_window.reset(); }
 
     void pictureIsImportedAcceptedAndSculpted();
     void guardKeepsTheWorkWhenSavingFails();
@@ -23,10 +25,10 @@ private slots:
     void closingDuringAStrokeKeepsItAndAsks();
     void undoDuringAStrokeEndsItFirst();
     void pagesBringTheirViewForward();
+    void idleWindowDrawsNothing();
     void layoutOfALargerScreenFits();
     void layoutComesBack();
     void noControlOfTheToolDockIsCutOff();
-    void idleWindowDrawsNothing();
     void importFileComesAfterTheLoopRuns();
     void handOverWritesTheMapAndEndsTheProcess();
 };
@@ -70,6 +72,7 @@ void TestMainWindow::pictureIsImportedAcceptedAndSculpted()
     m_window->ribbonBar()->setCurrentPage(WindowPages::Export);
     QVERIFY(m_window->openFile(path("plate.PNG"), 0));
     QCOMPARE(m_window->ribbonBar()->currentPage(), int(WindowPages::SculptingTools));
+    QCOMPARE(child<SculptPanels>()->currentIndex(), 1);
 }
 
 void TestMainWindow::guardKeepsTheWorkWhenSavingFails()
@@ -83,6 +86,7 @@ void TestMainWindow::guardKeepsTheWorkWhenSavingFails()
     person.answers = {QMessageBox::Save, QMessageBox::Yes, QMessageBox::Ok};
     QVERIFY(!m_window->close());
     QCOMPARE(person.titles.value(2), QStringLiteral("Save Failed"));
+    QCOMPARE(person.details.value(2), QStringLiteral("No space left on device\n") + file);
     QVERIFY(m_window->isVisible() && bench().isModified());
     QCOMPARE(relief().zScale, scale);
 }
@@ -135,6 +139,9 @@ void TestMainWindow::typedSizeResamplesAndComesBack()
     QCOMPARE(relief().height(), 128);
     QTRY_VERIFY(m_window->sculptWin()->hasFocus());
     x->setFocus();
+    QTest::keyClicks(x, QStringLiteral("1"));
+    QTest::keyClick(x, Qt::Key_Z, Qt::ControlModifier); // takes back what was typed
+    QCOMPARE(relief().width(), 128);
     QTest::keyClick(x, Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(relief().width(), side);
     QCOMPARE(heights(), before);
@@ -212,22 +219,23 @@ void TestMainWindow::layoutOfALargerScreenFits()
 
 void TestMainWindow::layoutComesBack()
 {
+    makeWindow();
     show();
     auto *splitter = child<QSplitter>("CentralSplitter");
     open("dome.scp");
     splitter->setSizes({200, 500});
     const double share = double(splitter->sizes()[0]) / splitter->sizes()[1];
-    m_window->resize(1100, 640);
-    m_window->setLightPos(5);
+    m_window->resize(1060, 640);
     child<CollapsibleDock>("LibraryDock")->setCollapsed(true);
     m_window->chooseMaterial(QStringLiteral("gold"));
-    QTRY_COMPARE(m_window->windowHandle()->size(), QSize(1100, 640));
+    QTRY_COMPARE(m_window->windowHandle()->size(), QSize(1060, 640));
     QVERIFY(m_window->close());
     QCOMPARE(QevSettings().value(QStringLiteral("material")).toString(), QStringLiteral("gold"));
+    QevSettings().setValue(QStringLiteral("lightPosition"), 8); // of eight, counted from 0
     m_window = std::make_unique<MainWindow>();
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    QTRY_COMPARE(m_window->size(), QSize(1100, 640));
+    QTRY_COMPARE(m_window->size(), QSize(1060, 640));
     auto *library = child<CollapsibleDock>("LibraryDock");
     QVERIFY(library->isCollapsed());
     QVERIFY(library->openWidth() > 100);
@@ -235,10 +243,12 @@ void TestMainWindow::layoutComesBack()
     splitter = child<QSplitter>("CentralSplitter");
     QTRY_VERIFY(std::abs(double(splitter->sizes()[0]) / splitter->sizes()[1] - share) < 0.1);
     QCOMPARE(child<QComboBox>("materials")->currentText(), QStringLiteral("gold"));
+    QCOMPARE(child<RibbonGallery>("lightPos")->current(), 0);
 }
 
 void TestMainWindow::noControlOfTheToolDockIsCutOff()
 {
+    makeWindow();
     m_window->resize(1024, 700);
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
@@ -277,6 +287,7 @@ void TestMainWindow::idleWindowDrawsNothing()
 
 void TestMainWindow::importFileComesAfterTheLoopRuns()
 {
+    makeWindow();
     show();
     m_window->setImportFile(path("plate.PNG"));
     QVERIFY(!bench().relief());

@@ -50,7 +50,8 @@ class TestModelFlow : public QObject
 
 private slots:
     void init();
-    void cleanup() { m_window.reset(); }
+    void cleanup();
+    void cleanupTestCase() { m_window.reset(); }
 
     void cancelledModelLeavesTheReliefUntouched();
     void exportedReliefComesBackCellForCell();
@@ -90,10 +91,21 @@ void TestModelFlow::init()
     QFile box(_path("box.obj"));
     QVERIFY(box.open(QIODevice::WriteOnly));
     box.write("v 0 0 0\nv 20 0 0\nv 20 30 1\nv 0 30 1\nv 0 0 x\nf 1 2 3 4\nf 1 9 2\n");
+    if (m_window) {
+        PersonAtHand person;
+        person.answers = {QMessageBox::Discard};
+        return _open("dome.scp");
+    }
     m_window = std::make_unique<MainWindow>();
-    m_window->resize(1280, 760);
+    m_window->resize(1024, 700);
     m_window->show();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+void TestModelFlow::cleanup()
+{
+    if (QTest::currentTestFailed())
+        m_window.reset();
 }
 
 void TestModelFlow::cancelledModelLeavesTheReliefUntouched()

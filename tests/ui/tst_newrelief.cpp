@@ -37,6 +37,18 @@ private slots:
         QVERIFY(_ok()->isEnabled());
     }
 
+    /// Where the comma parts the decimals, the point does so too.
+    void numbersOfAGermanLocale()
+    {
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        m_dialog->findChild<QComboBox *>()->setCurrentText(QStringLiteral("in."));
+        for (const char *typed : {"2,5", "2.5"}) {
+            QCOMPARE(_type("Width", QLatin1String(typed)), 320);
+            QVERIFY(_field("Width")->text().startsWith(QLatin1String("2,5")));
+        }
+        QLocale::setDefault(QLocale::c());
+    }
+
     void typedSizesCountInEveryUnit_data()
     {
         QTest::addColumn<QString>("unit");
@@ -109,11 +121,17 @@ private slots:
     void returnTakesItAndEscapeDoesNot()
     {
         QSignalSpy accepted(m_dialog.get(), &QDialog::accepted);
-        QSignalSpy rejected(m_dialog.get(), &QDialog::rejected);
         _type("Width", QStringLiteral("300"));
         QTest::mouseClick(_ok(), Qt::LeftButton);
         QCOMPARE(accepted.size(), 1);
         QCOMPARE(m_dialog->widthCells(), 300);
+        m_dialog->findChild<QComboBox *>()->setCurrentText(QStringLiteral("mm"));
+        m_dialog->show();
+        QTest::mouseClick(_ok(), Qt::LeftButton);
+        m_dialog = std::make_unique<NewReliefDialog>();
+        QCOMPARE(m_dialog->findChild<QComboBox *>()->currentText(), QStringLiteral("mm"));
+        QCOMPARE(m_dialog->widthCells(), 300);
+        QSignalSpy rejected(m_dialog.get(), &QDialog::rejected);
         m_dialog->show();
         QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
         QCOMPARE(rejected.size(), 1);

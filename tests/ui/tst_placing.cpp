@@ -8,7 +8,7 @@ class TestPlacing : public WindowStage
     Q_OBJECT
 
 private slots:
-    void init() { makeWindow(); }
+    void init() { prepare(); }
     void cleanup() { m_window.reset(); }
 
     void patternIsPlacedOrLeft()

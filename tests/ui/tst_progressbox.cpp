@@ -39,8 +39,10 @@ bool workUntil(ProgressBox &progress, Done done)
 {
     QElapsedTimer since;
     since.start();
-    while (!done() && since.elapsed() < 20000)
+    while (!done() && since.elapsed() < 20000) {
         progress.advance(0.75);
+        QThread::msleep(1);
+    }
     return done();
 }
 
@@ -69,14 +71,14 @@ class TestProgressBox : public QObject
     Q_OBJECT
 
 private slots:
-    void init()
+    void initTestCase()
     {
         m_window = std::make_unique<MainWindow>();
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
 
-    void cleanup() { m_window.reset(); }
+    void cleanupTestCase() { m_window.reset(); }
 
     void shortWorkShowsNothing()
     {

@@ -92,6 +92,23 @@ private slots:
         QCOMPARE(m_panel->params().strength, 0.36);
     }
 
+    void tabGoesDownThePanel()
+    {
+        int lowest = 0;
+        int met = 0;
+        for (QWidget *at = m_panel->nextInFocusChain(); at != m_panel.get();
+             at = at->nextInFocusChain()) {
+            if (!m_panel->isAncestorOf(at) || !at->isVisible() || !at->isEnabled() ||
+                !(at->focusPolicy() & Qt::TabFocus))
+                continue;
+            const QRect place(at->mapTo(m_panel.get(), QPoint()), at->size());
+            QVERIFY2(place.bottom() > lowest, at->metaObject()->className());
+            lowest = place.top();
+            ++met;
+        }
+        QVERIFY(met > 10);
+    }
+
     void showingARecordIsSilentAndExact()
     {
         QList<QSignalSpy *> spies;

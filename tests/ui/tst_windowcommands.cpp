@@ -3,6 +3,7 @@
 #include "relief/tools/tooltable.h"
 #include "ui/panels/toolpanel.h"
 #include "ui/ribbon/numberfield.h"
+#include "ui/startpage.h"
 
 /// The commands of the window, from button and key to what they do.
 class TestWindowCommands : public WindowStage
@@ -10,19 +11,21 @@ class TestWindowCommands : public WindowStage
     Q_OBJECT
 
 private slots:
-    void init() { makeWindow(); }
-    void cleanup() { m_window.reset(); }
+    void init() { prepare(); }
+    void cleanup() { dropAfterFailure(); }
+    void cleanupTestCase() { m_window.reset(); }
 
+    void commandsSayWhyTheyCannotAct(); // before there is a relief
+    void openAndNew();
     void toolCommandsChooseTheirTool();
     void maskAndUndo();
     void selectionAndCrop();
     void views();
     void materialsAndTheme();
+    void viewMenu();
     void saveAndExport();
-    void openAndNew();
-    void pagesBesideTheRelief();
     void keysChooseToolsButNotWhileTyping();
-    void commandsSayWhyTheyCannotAct();
+    void pagesBesideTheRelief();
 };
 
 void TestWindowCommands::toolCommandsChooseTheirTool()
@@ -109,9 +112,20 @@ void TestWindowCommands::views()
     QWheelEvent wheel(QPointF(50, 50), view.mapToGlobal(QPointF(50, 50)), {}, QPoint(0, 240),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&view, &wheel);
-    QVERIFY(view.camera().zoom != fitted);
+    QVERIFY(view.camera().zoom < fitted);
     click("zoomAll");
     QCOMPARE(view.camera().zoom, fitted);
+    QCheckBox *direction = nullptr;
+    for (QCheckBox *box : m_window->findChildren<QCheckBox *>()) {
+        if (box->text() == QLatin1String("Wheel zooms in"))
+            direction = box;
+    }
+    direction->setChecked(true);
+    QVERIFY(QevSettings().value(QStringLiteral("/state/view/wheelZoomsIn")).toBool());
+    QApplication::sendEvent(&view, &wheel);
+    QVERIFY(view.camera().zoom > fitted);
+    direction->setChecked(false);
+    click("zoomAll");
 
     const double size = bench().tool.size;
     QTest::keyClick(m_window.get(), Qt::Key_BracketRight);
@@ -127,6 +141,35 @@ void TestWindowCommands::views()
     child<QCheckBox>("legacyDrawing")->setChecked(true);
     view.repaint();
     QVERIFY(QevSettings().useLegacyShader() && view.message().isEmpty());
+    child<QCheckBox>("legacyDrawing")->setChecked(false);
+}
+
+/// The right button in a view.
+void TestWindowCommands::viewMenu()
+{
+    openDome();
+    modify();
+    bench().tool.size = 0.5;
+    SculptWin &view = *m_window->sculptWin();
+    QStringList entries;
+    QTimer::singleShot(0, &view, [&] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        for (const QAction *action : menu->actions())
+            entries << action->text();
+        menu->findChild<QSlider *>()->triggerAction(QSlider::SliderToMaximum);
+        QTest::keyClick(menu, Qt::Key_Up); // round to the last entry
+        QTest::keyClick(menu, Qt::Key_Escape);
+        m_window->undo();
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, view.rect().center(),
+                            view.mapToGlobal(view.rect().center()));
+    QApplication::sendEvent(&view, &event);
+    for (const char *id : {"undo", "selectNone", "zoomAll"})
+        QVERIFY2(entries.contains(m_window->commands()[id]->text()), id);
+    QVERIFY(entries.contains(QLatin1String("Tool")));
+    QCOMPARE(bench().tool.size, 1.0);
 }
 
 void TestWindowCommands::materialsAndTheme()
@@ -150,6 +193,18 @@ void TestWindowCommands::materialsAndTheme()
     QCOMPARE(commands["theme"]->text(), QStringLiteral("Light"));
     click("theme");
     QVERIFY(!QevSettings().darkTheme());
+
+    // One click on a ball of the gallery behind the swatch in the view's corner.
+    QTimer::singleShot(0, m_window.get(), [] {
+        for (auto *ball : QApplication::activePopupWidget()->findChildren<QToolButton *>()) {
+            if (ball->toolTip() == QLatin1String("gold"))
+                ball->click();
+        }
+    });
+    QTest::mouseClick(child<QToolButton>("materialSwatch"), Qt::LeftButton);
+    QCOMPARE(m_window->sculptWin()->material().name, QStringLiteral("gold"));
+    QCOMPARE(child<QComboBox>("materials")->currentText(), QStringLiteral("gold"));
+    m_window->chooseMaterial(QStringLiteral("obsidian"));
 
     for (const char *state : {"unlock all", "lock all three", "lock only X and Y", "unlock all"}) {
         QVERIFY2(commands["aspectLock"]->toolTip().contains(QLatin1String(state)), state);
@@ -202,8 +257,13 @@ void TestWindowCommands::openAndNew()
 void TestWindowCommands::pagesBesideTheRelief()
 {
     openDome();
+    QevSettings().setValue(QStringLiteral("/startwizard/startup"), false);
     click("startPage");
     QVERIFY(!m_window->sculptWin()->isVisible());
+    auto *startup = m_window->findChild<StartPage *>()->findChild<QCheckBox *>();
+    QVERIFY(startup->isVisible() && !startup->isChecked());
+    startup->click();
+    QVERIFY(StartPage::shownAtStartup());
     for (QPushButton *button : m_window->findChildren<QPushButton *>()) {
         if (button->text() == QLatin1String("Back") && button->isVisible())
             button->click();

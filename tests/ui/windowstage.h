@@ -21,15 +21,16 @@
 using namespace marlowen;
 
 /// The real window with a folder that holds the workspace dome.scp and the picture plate.PNG, and a
-/// person's hand on it. Each test function has a new window and no settings.
+/// person's hand on it. Each test function has the files anew and no settings. The window stays
+/// from function to function, because making and showing one takes longer than most functions do; a
+/// function that changes what no other expects makes a new one with makeWindow() or drops it.
 class WindowStage : public QObject
 {
 protected:
     static constexpr int side = 96; ///< cells of the dome's relief
 
-    void makeWindow()
+    void prepare()
     {
-        QApplication::setStyle(new Office2013Style);
         QevSettings().clear();
         m_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(saveWorkspace(*dome(), path("dome.scp")));
@@ -37,24 +38,49 @@ protected:
         picture.fill(Qt::black);
         QPainter(&picture).fillRect(20, 15, 40, 30, Qt::gray);
         QVERIFY(picture.save(path("plate.PNG"), "PNG"));
+        if (!m_window)
+            return makeWindow();
+        if (m_window->backstage()->isVisible())
+            m_window->toggleBackStage();
+        m_window->commands()["deposit_tool"]->trigger();
+    }
+    void makeWindow()
+    {
+        QApplication::setStyle(new Office2013Style);
+        m_window.reset();
         m_window = std::make_unique<MainWindow>();
+    }
+    void dropAfterFailure()
+    {
+        if (QTest::currentTestFailed())
+            m_window.reset();
     }
 
     void show()
     {
-        m_window->resize(1300, 760);
+        if (m_window->isVisible())
+            return;
+        m_window->resize(1100, 700);
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
         QTest::qWait(200); // the docks take their widths a moment later
     }
-    /// Waits until both views have drawn the relief, then fits it.
+    /// Without the work that is open. Waits until both views have drawn the relief, then fits it.
     void open(const char *name)
     {
+        const auto pictures = [this](int before3d, int before2d) {
+            return m_window->sculptWin()->counters().pictures > before3d &&
+                   m_window->flatWin()->counters().pictures > before2d;
+        };
+        const int before3d = m_window->sculptWin()->counters().pictures;
+        const int before2d = m_window->flatWin()->counters().pictures;
+        PersonAtHand person;
+        person.answers = {QMessageBox::Discard};
         QVERIFY(m_window->openFile(path(name), 0));
-        QTRY_VERIFY(m_window->sculptWin()->counters().pictures > 0 &&
-                    m_window->flatWin()->counters().pictures > 0);
+        m_window->ribbonBar()->setCurrentPage(WindowPages::SculptingTools);
+        QTRY_VERIFY(pictures(before3d, before2d));
         m_window->zoomAll();
     }
     void openDome()
