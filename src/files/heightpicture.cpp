@@ -47,6 +47,8 @@ float meanOf(const GridView &heights, Span columns, Span rows)
 QImage litHeights(const GridView &heights, double slope)
 {
     QImage image(heights.width, heights.height, QImage::Format_ARGB32);
+    // A damaged file may hold any Z scale; beyond this every slope is a wall.
+    const double steepness = std::clamp(slope, -1e6, 1e6);
     const auto at = [&heights](int x, int y) {
         const float *row = heights.row(std::clamp(y, 0, heights.height - 1));
         return static_cast<double>(drawable(row[std::clamp(x, 0, heights.width - 1)]));
@@ -54,8 +56,8 @@ QImage litHeights(const GridView &heights, double slope)
     for (int y = 0; y < image.height(); ++y) {
         auto *line = reinterpret_cast<QRgb *>(image.scanLine(image.height() - 1 - y));
         for (int x = 0; x < image.width(); ++x) {
-            const double dx = (at(x + 1, y) - at(x - 1, y)) * slope / 2.0;
-            const double dy = (at(x, y + 1) - at(x, y - 1)) * slope / 2.0;
+            const double dx = (at(x + 1, y) - at(x - 1, y)) * steepness / 2.0;
+            const double dy = (at(x, y + 1) - at(x, y - 1)) * steepness / 2.0;
             // Light direction (-0.5, 0.5, 0.707), normal (-dx, -dy, 1).
             const double cosine = (0.5 * dx - 0.5 * dy + 0.707) / std::hypot(dx, dy, 1.0);
             const double light = std::clamp(0.18 + 0.95 * cosine, 0.0, 1.15);
