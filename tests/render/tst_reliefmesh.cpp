@@ -136,7 +136,8 @@ private slots:
         ReliefMesh mesh;
         QVERIFY(mesh.layOut(region, step, true));
         QCOMPARE(mesh.columns(), int(std::ceil(region.width() / double(step))));
-        QCOMPARE(mesh.strips(false).count, uint32_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
+        QCOMPARE(mesh.strips(mesh.facets()).count,
+                 uint32_t((2 * mesh.columns() + 1) * (mesh.rows() - 1)));
         fillSculptVertices(mesh, *relief, mesh.vertices());
         for (int j = 0; j < mesh.rows(); ++j)
             for (int i = 0; i < mesh.columns(); ++i)

@@ -13,8 +13,8 @@ QOpenGLFramebufferObjectFormat formatOf(int samples)
 {
     QOpenGLFramebufferObjectFormat format;
     format.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
-    // Without alpha: the half-transparent floor is blended with the backdrop here, once.
-    format.setInternalTextureFormat(GL_RGB8);
+    // The format of the widget's own buffer, so that copying into that is a plain copy.
+    format.setInternalTextureFormat(GL_RGBA8);
     format.setSamples(samples);
     return format;
 }
@@ -50,19 +50,23 @@ void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool s
     gl.glDepthMask(GL_TRUE);
     gl.glClearColor(backdrop.redF(), backdrop.greenF(), backdrop.blueF(), 1.0F);
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    // The half-transparent floor is blended with the backdrop here, once: the picture is opaque.
+    gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
 }
 
-void KeptPicture::end()
+void KeptPicture::end(QOpenGLFunctions_2_1 &gl)
 {
+    gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     if (m_target != m_buffer.get())
         QOpenGLFramebufferObject::blitFramebuffer(
             m_buffer.get(), m_samples.get(), GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT, GL_NEAREST);
     QOpenGLFramebufferObject::bindDefault();
 }
 
-void KeptPicture::draw(QOpenGLFunctions_2_1 &gl) const
+void KeptPicture::draw() const
 {
-    drawTextureOverViewport(gl, m_buffer->texture());
+    QOpenGLFramebufferObject::blitFramebuffer(nullptr, m_buffer.get(), GL_COLOR_BUFFER_BIT,
+                                              GL_NEAREST);
 }
 
 void KeptPicture::readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const

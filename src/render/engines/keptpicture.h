@@ -28,10 +28,10 @@ public:
     /// Directs drawing into the picture, cleared to this colour, until end(). A smooth one is drawn
     /// with several samples a pixel where the driver can.
     void begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool smooth);
-    void end();
+    void end(QOpenGLFunctions_2_1 &gl);
 
-    /// Fills the current viewport with it. Matrices are lost.
-    void draw(QOpenGLFunctions_2_1 &gl) const;
+    /// Copies it into the framebuffer that is the context's default, of the same size.
+    void draw() const;
     void readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const;
 
 private:

@@ -99,62 +99,84 @@ Shader::Shader()
 Shader::~Shader()
 {
     m_gl = currentFunctions();
-    if (m_gl && m_program)
-        m_gl->glDeleteProgram(m_program);
+    if (!m_gl)
+        return;
+    for (const GLuint program : {m_program, m_quickProgram})
+        if (program)
+            m_gl->glDeleteProgram(program);
 }
 
-void Shader::_buildProgram(const char *vertexFile, const char *fragmentFile, ShaderType type)
+uint32_t Shader::_build(const char *vertexFile, const char *fragmentFile)
 {
     const GLuint vertexShader = compile(*m_gl, GL_VERTEX_SHADER, vertexFile);
     const GLuint fragmentShader = compile(*m_gl, GL_FRAGMENT_SHADER, fragmentFile);
     if (!compiled(*m_gl, vertexShader) || !compiled(*m_gl, fragmentShader))
         throw "Shader compile failed...aborting!";
-    m_program = link(*m_gl, vertexShader, fragmentShader);
+    return link(*m_gl, vertexShader, fragmentShader);
+}
 
-    const auto locate = [this](const char *name) {
-        return m_gl->glGetUniformLocation(m_program, name);
+void Shader::_buildProgram(const char *vertexFile, const char *fragmentFile, ShaderType type)
+{
+    m_program = _build(vertexFile, fragmentFile);
+    m_locations = _locate(m_program, type);
+}
+
+void Shader::_buildQuickProgram(const char *vertexFile, ShaderType type)
+{
+    m_quickProgram = _build(vertexFile, ":/marlowen2/shaders/quick330.frag");
+    m_quickLocations = _locate(m_quickProgram, type);
+}
+
+Shader::Locations Shader::_locate(uint32_t program, ShaderType type)
+{
+    const auto locate = [=, this](const char *name) {
+        return m_gl->glGetUniformLocation(program, name);
     };
-    m_gl->glUseProgram(m_program);
-    m_locations.modelview = locate("Modelview");
-    m_locations.projection = locate("Projection");
+    Locations at;
+    m_gl->glUseProgram(program);
+    at.modelview = locate("Modelview");
+    at.projection = locate("Projection");
     // The sampler is called TexUnit0, so this finds nothing and the sampler stays at unit 0, which
     // is where the floor texture is bound.
-    m_locations.textureUnit0 = locate("TextureUnit0");
-    m_locations.size = locate("Size");
+    at.textureUnit0 = locate("TextureUnit0");
+    at.size = locate("Size");
     if (type == Shader3d) {
-        m_locations.normalMatrix = locate("NormalMatrix");
-        m_locations.lightPosition = locate("LightPosition");
-        m_locations.ambientMaterial = locate("AmbientMaterial");
-        m_locations.diffuseMaterial = locate("DiffuseMaterial");
-        m_locations.specularMaterial = locate("SpecularMaterial");
-        m_locations.shinyness = locate("Shinyness");
+        at.normalMatrix = locate("NormalMatrix");
+        at.lightPosition = locate("LightPosition");
+        at.ambientMaterial = locate("AmbientMaterial");
+        at.diffuseMaterial = locate("DiffuseMaterial");
+        at.specularMaterial = locate("SpecularMaterial");
+        at.shinyness = locate("Shinyness");
     } else {
-        m_locations.colorOffset = locate("ColorOffset");
-        m_locations.minZ = locate("MinZ");
-        m_locations.maxZ = locate("MaxZ");
+        at.colorOffset = locate("ColorOffset");
+        at.minZ = locate("MinZ");
+        at.maxZ = locate("MaxZ");
     }
     m_gl->glUseProgram(0);
+    return at;
 }
 
 void Shader::_bindProgram(ShaderType type)
 {
-    m_gl->glUseProgram(m_program);
+    const bool asQuick = quick && m_quickProgram;
+    const Locations &at = asQuick ? m_quickLocations : m_locations;
+    m_gl->glUseProgram(asQuick ? m_quickProgram : m_program);
     m_gl->glGetFloatv(GL_MODELVIEW_MATRIX, m_modelview.data());
     m_gl->glGetFloatv(GL_PROJECTION_MATRIX, m_projection.data());
-    m_gl->glUniformMatrix4fv(m_locations.modelview, 1, GL_FALSE, m_modelview.data());
-    m_gl->glUniformMatrix4fv(m_locations.projection, 1, GL_FALSE, m_projection.data());
+    m_gl->glUniformMatrix4fv(at.modelview, 1, GL_FALSE, m_modelview.data());
+    m_gl->glUniformMatrix4fv(at.projection, 1, GL_FALSE, m_projection.data());
     if (type == Shader3d)
-        _uploadMaterial();
+        _uploadMaterial(at);
     else
-        m_gl->glUniform1f(m_locations.colorOffset, colorOffset);
+        m_gl->glUniform1f(at.colorOffset, colorOffset);
 
     m_gl->glActiveTexture(GL_TEXTURE0);
     m_checkerboard->bind(0);
-    m_gl->glUniform1i(m_locations.textureUnit0, 0);
-    m_gl->glUniform1i(m_locations.size, size);
+    m_gl->glUniform1i(at.textureUnit0, 0);
+    m_gl->glUniform1i(at.size, size);
     if (type == Shader2d) {
-        m_gl->glUniform1f(m_locations.minZ, minZ);
-        m_gl->glUniform1f(m_locations.maxZ, maxZ);
+        m_gl->glUniform1f(at.minZ, minZ);
+        m_gl->glUniform1f(at.maxZ, maxZ);
     }
     m_gl->glEnable(GL_BLEND);
     m_gl->glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
@@ -167,17 +189,17 @@ Shader::IndexRange Shader::_drawnIndices() const
     return {first, std::min(drawn.count, all - first)};
 }
 
-void Shader::_uploadMaterial()
+void Shader::_uploadMaterial(const Locations &at)
 {
     constexpr std::array<size_t, 9> upperLeft = {0, 1, 2, 4, 5, 6, 8, 9, 10};
     for (size_t i = 0; i < upperLeft.size(); ++i)
         m_normalMatrix[i] = m_modelview[upperLeft[i]];
-    m_gl->glUniformMatrix3fv(m_locations.normalMatrix, 1, GL_FALSE, m_normalMatrix.data());
-    m_gl->glUniform3fv(m_locations.lightPosition, 1, lightPosition.data());
-    m_gl->glUniform4fv(m_locations.ambientMaterial, 1, ambient.data());
-    m_gl->glUniform4fv(m_locations.diffuseMaterial, 1, diffuse.data());
-    m_gl->glUniform4fv(m_locations.specularMaterial, 1, specular.data());
-    m_gl->glUniform1f(m_locations.shinyness, shininess);
+    m_gl->glUniformMatrix3fv(at.normalMatrix, 1, GL_FALSE, m_normalMatrix.data());
+    m_gl->glUniform3fv(at.lightPosition, 1, lightPosition.data());
+    m_gl->glUniform4fv(at.ambientMaterial, 1, ambient.data());
+    m_gl->glUniform4fv(at.diffuseMaterial, 1, diffuse.data());
+    m_gl->glUniform4fv(at.specularMaterial, 1, specular.data());
+    m_gl->glUniform1f(at.shinyness, shininess);
 }
 
 DrawingEngine drawingEngineFor(const char *version, bool useLegacyShader)

@@ -75,6 +75,8 @@ public:
         uint32_t count = UINT32_MAX;
     };
     IndexRange drawn;
+    /// Colours are computed at the vertices, for less work a pixel; only the buffer engine can.
+    bool quick = false;
 
     using Vector3 = std::array<float, 3>;
     using Rgba = std::array<float, 4>; ///< 0..1; a material's alpha is the strength of its term
@@ -118,6 +120,8 @@ protected:
     /// Builds the program of the two resource files and looks up the uniforms of the kind. Throws a
     /// C string when it does not compile or link; the compile log goes to the debug messages.
     void _buildProgram(const char *vertexFile, const char *fragmentFile, ShaderType type);
+    /// The same for the program that `quick` asks for.
+    void _buildQuickProgram(const char *vertexFile, ShaderType type);
     /// What there is of `drawn`.
     IndexRange _drawnIndices() const;
     /// What bind does on both engines.
@@ -138,7 +142,12 @@ protected:
     QOpenGLFunctions_2_1 *m_gl = nullptr; ///< owned by the context
 
 private:
-    void _uploadMaterial();
+    uint32_t _build(const char *vertexFile, const char *fragmentFile);
+    Locations _locate(uint32_t program, ShaderType type);
+    void _uploadMaterial(const Locations &at);
+
+    uint32_t m_quickProgram = 0;
+    Locations m_quickLocations;
 };
 
 /// The drawing engines: OpenGL 3.3 buffer objects, or OpenGL 2.1 immediate mode.

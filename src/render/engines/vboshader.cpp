@@ -158,6 +158,7 @@ VboShader::VboShader()
     : VboEngine(Shader3d)
 {
     _buildProgram(":/marlowen2/shaders/lit330.vert", ":/marlowen2/shaders/lit330.frag", Shader3d);
+    _buildQuickProgram(":/marlowen2/shaders/litquick330.vert", Shader3d);
 }
 
 VboShader2d::VboShader2d()
@@ -165,6 +166,7 @@ VboShader2d::VboShader2d()
 {
     _buildProgram(":/marlowen2/shaders/height330.vert", ":/marlowen2/shaders/height330.frag",
                   Shader2d);
+    _buildQuickProgram(":/marlowen2/shaders/heightquick330.vert", Shader2d);
 }
 
 } // namespace marlowen

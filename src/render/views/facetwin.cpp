@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QOpenGLFunctions_2_1>
 
+#include <algorithm>
 #include <limits>
 
 namespace marlowen {
@@ -123,11 +124,12 @@ void FacetWin::_upload(Shader &shader)
     ++work().fullRebuilds;
 }
 
-void FacetWin::drawSurface(Shader &shader, bool coarse)
+void FacetWin::drawSurface(Shader &shader, const Detail &detail)
 {
     if (!m_mesh)
         return;
-    const bool fewer = m_coarse && (coarse || m_mesh->triangles.size() > mostFacets);
+    const size_t most = std::min(mostFacets, detail.mostFacets);
+    const bool fewer = m_coarse && m_mesh->triangles.size() > most;
     _draw(fewer ? *m_coarse : static_cast<FacetShader &>(shader));
     SizeBox::draw(*m_functions, m_scene.box, backdrop().lightness() < 128 ? Qt::white : Qt::black);
 }

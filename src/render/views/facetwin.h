@@ -44,7 +44,7 @@ protected:
     std::unique_ptr<Shader> createShader(bool legacy) override;
     void prepareGL(QOpenGLFunctions_2_1 &gl) override;
     bool updateSurface(Shader &shader) override;
-    void drawSurface(Shader &shader, bool coarse) override;
+    void drawSurface(Shader &shader, const Detail &detail) override;
     bool isDense() const override;
     void drawOverlays(QOpenGLFunctions_2_1 &gl) override;
     void releaseOverlays(QOpenGLFunctions_2_1 &gl) override;

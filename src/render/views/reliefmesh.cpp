@@ -12,7 +12,8 @@ namespace marlowen {
 namespace {
 
 constexpr uint32_t stripEnd = 0xFFFFFFFF;
-constexpr int coarseStep = 3;
+/// Columns and rows a vertex of the meshes that can be drawn.
+constexpr int levelSteps[] = {1, 2, 3, 4, 6, 8, 12};
 
 int stepsOver(int length, int step)
 {
@@ -233,9 +234,12 @@ bool ReliefMesh::layOut(const QRect &region, int step, bool withNormals)
     m_selection = std::make_unique_for_overwrite<float[]>(count);
     if (!sameGrid) {
         m_indices.clear();
-        appendStrips(m_indices, columns, rows);
-        m_fineIndices = static_cast<uint32_t>(m_indices.size());
-        appendStrips(m_indices, columns, rows, coarseStep);
+        m_levels.clear();
+        for (const int every : levelSteps) {
+            const auto first = static_cast<uint32_t>(m_indices.size());
+            appendStrips(m_indices, columns, rows, every);
+            m_levels.push_back({first, static_cast<uint32_t>(m_indices.size()) - first});
+        }
     }
     return !sameGrid;
 }
@@ -269,11 +273,19 @@ QRegion ReliefMesh::verticesTouchedBy(const QRegion &cells) const
     return result;
 }
 
-Shader::IndexRange ReliefMesh::strips(bool coarse) const
+// A strip has about as many facets as indices.
+size_t ReliefMesh::facets() const
 {
-    const auto all = static_cast<uint32_t>(m_indices.size());
-    return coarse ? Shader::IndexRange{m_fineIndices, all - m_fineIndices}
-                  : Shader::IndexRange{0, m_fineIndices};
+    return m_levels.empty() ? 0 : m_levels.front().count;
+}
+
+Shader::IndexRange ReliefMesh::strips(size_t mostFacets) const
+{
+    const auto fits = [=](const Shader::IndexRange &level) { return level.count <= mostFacets; };
+    const auto level = std::find_if(m_levels.begin(), m_levels.end(), fits);
+    if (level != m_levels.end())
+        return *level;
+    return m_levels.empty() ? Shader::IndexRange{} : m_levels.back();
 }
 
 void appendStrips(std::vector<uint32_t> &indices, int columns, int rows, int step)

@@ -42,11 +42,13 @@ public:
     float *positions() { return m_positions.get(); }
     float *normals() { return m_normals.get(); }
     float *selection() { return m_selection.get(); }
-    /// Everything, as a Shader takes it: the strips of all vertices, then those of the coarse mesh.
+    /// Everything, as a Shader takes it: the strips of all vertices, then those of coarser meshes.
     ShaderMesh arrays() const;
-    /// Where the strips of all vertices, or those of every third column and row, are in the
-    /// indices.
-    Shader::IndexRange strips(bool coarse) const;
+    /// Of the mesh of all vertices.
+    size_t facets() const;
+    /// Where the strips of the finest mesh of at most so many facets, or of the coarsest, are in
+    /// the indices.
+    Shader::IndexRange strips(size_t mostFacets) const;
 
     /// The vertices whose position, normal or selection depends on one of these cells: those on
     /// them and, for the normals, on the cells around them.
@@ -62,7 +64,7 @@ private:
     std::unique_ptr<float[]> m_normals;
     std::unique_ptr<float[]> m_selection;
     std::vector<uint32_t> m_indices;
-    uint32_t m_fineIndices = 0;
+    std::vector<Shader::IndexRange> m_levels; ///< from the finest to the coarsest
 };
 
 /// Appends the strips of a vertex grid: for each pair of rows the vertices of the lower and the

@@ -172,13 +172,14 @@ void ReliefView::_refreshVertices(Shader &shader, const QRegion &vertices)
     verticesChanged();
 }
 
-void ReliefView::drawSurface(Shader &shader, bool coarse)
+void ReliefView::drawSurface(Shader &shader, const Detail &detail)
 {
     if (m_mesh.vertexCount() == 0)
         return;
     shader.size = std::max(m_relief->width(), m_relief->height());
     configureShader(shader);
-    shader.drawn = m_mesh.strips(coarse);
+    shader.drawn = m_mesh.strips(detail.mostFacets);
+    shader.quick = detail.quick;
     shader.bind();
     shader.draw();
     shader.release();

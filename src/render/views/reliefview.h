@@ -88,7 +88,8 @@ protected:
     SceneBox wholeBox() override;
     void prepareGL(QOpenGLFunctions_2_1 &gl) override;
     bool updateSurface(Shader &shader) override;
-    void drawSurface(Shader &shader, bool coarse) override;
+    size_t facets() const override { return m_mesh.facets(); }
+    void drawSurface(Shader &shader, const Detail &detail) override;
     void releaseOverlays(QOpenGLFunctions_2_1 &gl) override;
     QString statusText(const Vector &point) const override;
     bool event(QEvent *event) override;

@@ -18,8 +18,6 @@ namespace marlowen {
 
 namespace {
 
-constexpr int restInterval = 80; ///< milliseconds
-
 /// The driver draws with the processor.
 bool isSoftwareDriver(QOpenGLFunctions_2_1 &gl)
 {
@@ -44,9 +42,8 @@ SurfaceView::SurfaceView(QWidget *parent)
     setFont(viewFont);
     connect(&m_statusTimer, &QTimer::timeout, this, &SurfaceView::statusTimeout);
     m_statusTimer.start(100);
-    m_restTimer.setSingleShot(true);
-    m_restTimer.setInterval(restInterval);
-    connect(&m_restTimer, &QTimer::timeout, this, [this] { update(); });
+    connect(&m_pace, &PictureQuality::due, this, [this] { update(); });
+    connect(this, &QOpenGLWidget::frameSwapped, &m_pace, &PictureQuality::shown);
 }
 
 SurfaceView::~SurfaceView()
@@ -135,7 +132,7 @@ void SurfaceView::initializeGL()
         return;
     m_picture = std::make_unique<KeptPicture>();
     m_pictureStale = m_depthStale = true;
-    m_quality = Nothing;
+    m_quality = PictureQuality::Nothing;
     m_gl->glShadeModel(GL_SMOOTH);
     m_gl->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
     m_gl->glDepthFunc(GL_LEQUAL);
@@ -147,7 +144,7 @@ void SurfaceView::initializeGL()
     m_gl->glEnable(GL_LINE_SMOOTH);
     m_gl->glLineWidth(1.0F);
     _logErrors();
-    m_slowDriver = isSoftwareDriver(*m_gl);
+    m_pace.setSlow(isSoftwareDriver(*m_gl));
     prepareGL(*m_gl);
 }
 
@@ -216,38 +213,39 @@ void SurfaceView::_updatePicture()
     // A drag elsewhere changes the surface: a stroke in the other view, a pattern being placed. The
     // whole picture follows when it rests.
     const bool dragged = QGuiApplication::mouseButtons().testFlag(Qt::LeftButton) && !m_depthHeld;
-    if (changed && dragged && m_slowDriver)
-        m_restTimer.start();
+    if (changed && dragged)
+        m_pace.moved();
     const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
     const ViewMatrices now = matrices();
     const bool due = changed || resized || m_pictureStale || now != m_drawn;
     if (!m_picture->isValid() || !(due || m_quality < _wantedQuality()))
         return;
     m_drawn = now;
+    if (due)
+        m_pace.changed();
     _rasterise();
 }
 
-SurfaceView::Quality SurfaceView::_wantedQuality() const
+PictureQuality::Level SurfaceView::_wantedQuality() const
 {
-    if (!m_slowDriver)
-        return Complete;
-    if (m_restTimer.isActive())
-        return Coarse;
-    return m_heldButton != Qt::NoButton && m_mode == SculptMode ? Draft : Complete;
+    return m_pace.wanted(m_heldButton != Qt::NoButton && m_mode == SculptMode, facets());
 }
 
 void SurfaceView::_rasterise()
 {
+    using Quality = PictureQuality;
     m_quality = _wantedQuality();
-    m_picture->begin(*m_gl, m_backdrop, m_quality == Complete && !(m_slowDriver && isDense()));
+    m_pace.drawing(m_quality);
+    const bool smooth = m_quality >= Quality::Smooth && !(slowDriver() && isDense());
+    m_picture->begin(*m_gl, m_backdrop, smooth);
     m_gl->glMatrixMode(GL_PROJECTION);
     m_gl->glLoadMatrixd(m_drawn.projection.data());
     m_gl->glMatrixMode(GL_MODELVIEW);
     m_gl->glLoadMatrixd(m_drawn.modelview.data());
     m_gl->glEnable(GL_DEPTH_TEST);
-    drawSurface(*m_shader, m_quality == Coarse);
+    drawSurface(*m_shader, {m_pace.mostFacets(m_quality), m_quality == Quality::Coarse});
     m_gl->glDisable(GL_DEPTH_TEST);
-    m_picture->end();
+    m_picture->end(*m_gl);
     ++m_counters.pictures;
     m_pictureStale = false;
     m_depthStale = true;
@@ -260,7 +258,7 @@ void SurfaceView::_paintOverPicture()
     m_gl->glViewport(0, 0, physical.width(), physical.height());
     m_gl->glDisable(GL_BLEND);
     m_gl->glDisable(GL_DEPTH_TEST);
-    m_picture->draw(*m_gl);
+    m_picture->draw();
     // The picture is opaque; overlays leave it so.
     m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     m_gl->glDepthMask(GL_FALSE);
@@ -375,8 +373,7 @@ void SurfaceView::showStatus(const QString &text)
 void SurfaceView::statusTimeout()
 {
     // Reading the depth would hold up a moving camera.
-    const bool moving =
-        (m_heldButton != Qt::NoButton && m_mode != SculptMode) || m_restTimer.isActive();
+    const bool moving = (m_heldButton != Qt::NoButton && m_mode != SculptMode) || m_pace.moving();
     if (!m_statusPending || !isValid() || moving || sceneBox().isEmpty() || matrices() != m_drawn)
         return;
     m_statusPending = false;

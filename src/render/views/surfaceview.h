@@ -3,6 +3,7 @@
 #include "render/camera/arcball.h"
 #include "render/camera/camera.h"
 #include "render/camera/depthimage.h"
+#include "render/views/picturequality.h"
 
 #include <QColor>
 #include <QOpenGLWidget>
@@ -24,7 +25,8 @@ class Turntable;
 ///
 /// The surface is drawn into a framebuffer object, anew only when surface, camera, shader fields or
 /// size changed; overlays are drawn over it in every frame. On a slow driver (without graphics
-/// hardware) the picture is a draft while the pointer works on it, and drawn in full at rest.
+/// hardware) the picture is a draft while the pointer works on it, and drawn in full at rest:
+/// PictureQuality.
 class SurfaceView : public QOpenGLWidget
 {
     Q_OBJECT
@@ -68,7 +70,8 @@ public:
     };
     const Counters &counters() const { return m_counters; }
     /// The picture is not a draft.
-    bool pictureComplete() const { return m_quality == Complete; }
+    bool pictureComplete() const { return m_quality == PictureQuality::Complete; }
+    PictureQuality::Level pictureLevel() const { return m_quality; }
     /// Null before the first paint or when no drawing engine could be made.
     const Shader *shader() const { return m_shader.get(); }
     /// Why nothing can be drawn; empty as long as something can.
@@ -111,9 +114,17 @@ protected:
     /// Hands the shader what changed, before every frame; true when the picture must be drawn anew
     /// for it.
     virtual bool updateSurface(Shader &shader) = 0;
+    /// Facets of the surface where a part of them can be drawn soon; 0 where it is drawn whole at
+    /// rest.
+    virtual size_t facets() const { return 0; }
+    struct Detail
+    {
+        size_t mostFacets = PictureQuality::allFacets;
+        bool quick = false; ///< less work a pixel
+    };
     /// Draws the surface, or a coarser one that takes less time; matrices, viewport and depth test
     /// are set.
-    virtual void drawSurface(Shader &shader, bool coarse) = 0;
+    virtual void drawSurface(Shader &shader, const Detail &detail) = 0;
     /// The surface has so many small facets that a slow driver draws it with one sample a pixel.
     virtual bool isDense() const { return false; }
     /// Over the surface, in every frame. The fixed-function matrices and the viewport are those of
@@ -167,7 +178,7 @@ protected:
     /// Tells the status line, unless it was told the same last.
     void showStatus(const QString &text);
     /// The driver draws with the processor; known from prepareGL() on.
-    bool slowDriver() const { return m_slowDriver; }
+    bool slowDriver() const { return m_pace.slow(); }
     bool pointerInside() const { return m_pointerInside; }
     Counters &work() { return m_counters; }
     void releaseGL();
@@ -178,9 +189,7 @@ private slots:
 private:
     void _makeShader();
     void _updatePicture();
-    /// Of a picture, from worst to best: nothing, a coarse surface, one sample a pixel, everything.
-    enum Quality { Nothing, Coarse, Draft, Complete };
-    Quality _wantedQuality() const;
+    PictureQuality::Level _wantedQuality() const;
     void _rasterise();
     void _paintOverPicture();
     void _paintFocus();
@@ -205,8 +214,8 @@ private:
     QColor m_backdrop{56, 58, 62};
 
     bool m_pictureStale = true;
-    Quality m_quality = Nothing;
-    bool m_slowDriver = false;
+    PictureQuality m_pace;
+    PictureQuality::Level m_quality = PictureQuality::Nothing;
     bool m_depthStale = true;
     bool m_depthHeld = false;
     bool m_fitPending = false;
@@ -217,7 +226,6 @@ private:
     Qt::MouseButton m_heldButton = Qt::NoButton;
     QPoint m_lastPos;
     QTimer m_statusTimer;
-    QTimer m_restTimer; ///< runs since the camera was last moved
     QString m_status;
 };
 

@@ -93,7 +93,7 @@ void SurfaceView::mousePressEvent(QMouseEvent *event)
     m_savedMode = m_mode;
     setMode(mode);
     if (mode == SculptMode) {
-        m_restTimer.stop();
+        m_pace.released();
         beginStroke(*event);
     }
     update();
@@ -139,7 +139,7 @@ void SurfaceView::_endInteraction(QPoint position)
 {
     const int mode = m_mode;
     m_heldButton = Qt::NoButton;
-    m_restTimer.stop();
+    m_pace.released();
     setMode(std::exchange(m_savedMode, int(NoMode)));
     if (mode == SculptMode)
         finishStroke(position);
@@ -167,7 +167,7 @@ void SurfaceView::_dragCamera(QPoint from, QPoint to)
     default:
         break;
     }
-    m_restTimer.start();
+    m_pace.moved();
     setCamera(camera);
 }
 
@@ -182,7 +182,7 @@ void SurfaceView::wheelEvent(QWheelEvent *event)
     const int delta = angle.y() != 0 ? angle.y() : angle.x();
     if (delta == 0 || wheelTurned(event->modifiers(), delta))
         return;
-    m_restTimer.start();
+    m_pace.moved();
     const int zoomBy = pointerOptions().wheelZoomsIn ? -delta : delta;
     setCamera(wheelZoomed(m_camera, zoomBy, positionOf(*event), size()));
 }
