@@ -13,7 +13,7 @@ constexpr size_t restFacets = 200000;
 
 /// Facets of coarse pictures: at first, and within what they are fitted to the driver.
 constexpr double firstFacets = 60000;
-constexpr double fewestFacets = 20000;
+constexpr double fewestFacets = 38000;
 constexpr double mostCoarseFacets = 4e6;
 /// Milliseconds of a frame that is too slow, and of one that leaves time for more facets.
 constexpr double slowFrame = 30.0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint32_t stripEnd = 0xFFFFFFFF;
 /// Columns and rows a vertex of the meshes that can be drawn.
-constexpr int levelSteps[] = {1, 2, 3, 4, 6, 8, 12};
+constexpr int levelSteps[] = {1, 2, 3, 4, 5, 6, 8, 12};
 
 int stepsOver(int length, int step)
 {
