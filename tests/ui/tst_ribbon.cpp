@@ -230,6 +230,8 @@ void TestRibbon::altAndArrowsReachEveryCommand()
     QTest::mouseClick(static_cast<QTextEdit *>(window.centralWidget())->viewport(), Qt::LeftButton);
     QTest::keyRelease(&window, Qt::Key_Alt);
     QCOMPARE(QApplication::focusWidget(), window.centralWidget());
+    QTest::keyClick(&window, Qt::Key_F10);
+    QCOMPARE(QApplication::focusWidget(), static_cast<QWidget *>(window.ribbonBar()->tabBar()));
 }
 
 void TestRibbon::hidingThePageLeavesAVisibleOne()
