@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/workmeter.h"
+#include "base/workmeter.h"
 #include "relief/grid/floatgrid.h"
 
 #include <cstdint>

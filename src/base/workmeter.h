@@ -2,10 +2,8 @@
 
 #include "base/progress.h"
 
-#include <QThreadPool>
 #include <QtGlobal>
 
-#include <atomic>
 #include <functional>
 
 namespace marlowen {
@@ -26,16 +24,13 @@ public:
     bool rows(int count, qsizetype cellsPerRow, const std::function<void(int, int)> &work);
 
 private:
-    struct Run;
-    void _drain(Run &run, bool reports);
-    void _report(qsizetype doneNow);
+    bool _report(double cellsNow);
 
     Progress &m_progress;
-    QThreadPool m_pool;
     double m_total;
     double m_spent = 0.0;
     double m_nextLook = 0.0;
-    std::atomic<bool> m_cancelled = false;
+    bool m_cancelled = false;
 };
 
 } // namespace marlowen
