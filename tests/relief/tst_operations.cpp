@@ -161,6 +161,8 @@ void TestOperations::layer_data()
     QTest::newRow("narrower and higher") << QSize(40, 10) << QSize(9, 23);
     QTest::newRow("rows alone") << QSize(12, 30) << QSize(12, 31);
     QTest::newRow("columns alone") << QSize(30, 12) << QSize(29, 12);
+    QTest::newRow("smaller, shared by threads") << QSize(701, 503) << QSize(299, 170);
+    QTest::newRow("larger, shared by threads") << QSize(190, 127) << QSize(603, 501);
 }
 
 void TestOperations::layer()
@@ -186,15 +188,22 @@ void TestOperations::heightsEqualThePlainWay()
     QFETCH(QSize, to);
     const GridSize old{from.width(), from.height()};
     const GridSize wanted{to.width(), to.height()};
-    const Floats values = patchyHeights(old, 4);
-    Floats occupied;
-    for (const float value : values)
-        occupied << (value != 0.0F ? 1.0F : 0.0F);
-    Floats expected = resampledPlainly(values, old, wanted);
-    const Floats covered = resampledPlainly(occupied, old, wanted);
-    for (qsizetype i = 0; i < expected.size(); ++i)
-        expected[i] = covered[i] >= 0.5F ? expected[i] / covered[i] : 0.0F;
-    QCOMPARE(valuesOf(resampleHeights(layerOf(values), old, wanted)), expected);
+    Floats values = patchyHeights(old, 4);
+    for (const bool surrounded : {false, true}) {
+        for (int i = 0; surrounded && i < values.size(); ++i) {
+            const int column = i % old.width;
+            if (column < old.width / 3 || column > old.width * 3 / 4 || i < values.size() / 4)
+                values[i] = 0.0F;
+        }
+        Floats occupied;
+        for (const float value : values)
+            occupied << (value != 0.0F ? 1.0F : 0.0F);
+        Floats expected = resampledPlainly(values, old, wanted);
+        const Floats covered = resampledPlainly(occupied, old, wanted);
+        for (qsizetype i = 0; i < expected.size(); ++i)
+            expected[i] = covered[i] >= 0.5F ? expected[i] / covered[i] : 0.0F;
+        QCOMPARE(valuesOf(resampleHeights(layerOf(values), old, wanted)), expected);
+    }
 }
 
 void TestOperations::halvingAveragesAndKeepsEdges()
