@@ -200,6 +200,7 @@ private slots:
     void smoothAtTheEdge();
     void smudgeAtTheEdge();
     void moveReadsBeyondItsBox();
+    void largeMovesTakeEveryCellFromTheReliefBefore();
     void stampCutsDownToItsLevel();
 };
 
@@ -348,6 +349,31 @@ void TestBrushes::moveReadsBeyondItsBox()
     QCOMPARE(b.at(50, 200), 29.0F);
     b.engine.applyAt({-149.0, 0.0});
     QVERIFY(b.at(1, 200) > 20.0F);
+}
+
+/// Large enough that several threads share its rows.
+void TestBrushes::largeMovesTakeEveryCellFromTheReliefBefore()
+{
+    Relief relief(701, 603);
+    for (int i = 0; i < relief.cells(); ++i)
+        relief.heights().data()[i] = static_cast<float>(1 + i * 7919 % 1009);
+    const Layer before = copyOf(relief.heights());
+    SculptEngine engine;
+    engine.attach(&relief, nullptr);
+    ToolParams params;
+    params.type = Tool::Move;
+    params.size = 1.0;
+    params.falloff = Tool::ConstantFalloff;
+    engine.beginStroke(params, {20.0, 10.0});
+    engine.applyAt({25.0, 7.0});
+    for (int row = 3; row < relief.height() - 3; ++row) {
+        for (int column = 5; column < relief.width() - 5; ++column) {
+            const double away = std::hypot(column - 375.5, row - 308.5);
+            if (away < 88.0)
+                QCOMPARE(relief.heightAt(column, row),
+                         before[static_cast<size_t>(relief.index(column - 5, row + 3))]);
+        }
+    }
 }
 
 void TestBrushes::stampCutsDownToItsLevel()

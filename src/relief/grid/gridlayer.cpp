@@ -1,6 +1,7 @@
 #include "relief/grid/gridlayer.h"
 
-#include <cstdint>
+#include "base/largepages.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -21,20 +22,10 @@ size_t byteCount(qsizetype size)
     return static_cast<size_t>(size) * sizeof(float);
 }
 
-/// Asks for large pages behind a large block: the first write to fresh memory costs several times
-/// the write itself, most of it once a page. A system that has none changes nothing.
-void preferLargePages(void *data, size_t bytes)
+/// Of the memory behind them, with the float after the last.
+size_t memoryBytes(qsizetype size)
 {
-#ifdef MADV_HUGEPAGE
-    constexpr uintptr_t page = uintptr_t{2} << 20;
-    const uintptr_t start = (reinterpret_cast<uintptr_t>(data) + page - 1) / page * page;
-    const uintptr_t end = (reinterpret_cast<uintptr_t>(data) + bytes) / page * page;
-    if (start < end)
-        madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE);
-#else
-    (void)data;
-    (void)bytes;
-#endif
+    return byteCount(size) + sizeof(float);
 }
 
 float *map(size_t bytes)
@@ -42,15 +33,15 @@ float *map(size_t bytes)
     void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED)
         throw std::bad_alloc();
-    preferLargePages(memory, bytes);
+    wishLargePages(memory, bytes);
     return static_cast<float *>(memory);
 }
 
 float *allocate(qsizetype size)
 {
-    if (byteCount(size) >= mappedBytes)
-        return map(byteCount(size));
-    void *memory = std::calloc(byteCount(size) + 1, 1);
+    if (memoryBytes(size) >= mappedBytes)
+        return map(memoryBytes(size));
+    void *memory = std::calloc(memoryBytes(size), 1);
     if (!memory)
         throw std::bad_alloc();
     return static_cast<float *>(memory);
@@ -58,8 +49,8 @@ float *allocate(qsizetype size)
 
 void release(float *memory, qsizetype size)
 {
-    if (memory && byteCount(size) >= mappedBytes)
-        munmap(memory, byteCount(size));
+    if (memory && memoryBytes(size) >= mappedBytes)
+        munmap(memory, memoryBytes(size));
     else
         std::free(memory);
 }

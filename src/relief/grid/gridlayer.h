@@ -22,7 +22,7 @@ public:
     /// False until the first data() call after construction or clear(): every value is 0.
     bool written() const { return m_written; }
 
-    const float *constData() const { return m_data; }
+    const float *constData() const { return m_data; } ///< one float after the last can be read
     const float *data() const { return m_data; }
     /// Counts as a write.
     float *data()

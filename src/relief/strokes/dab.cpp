@@ -71,10 +71,9 @@ void mapColumns(const Dab &dab)
     }
 }
 
-CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row)
+CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row, SpanBuffers &buffers)
 {
     const FootprintWeights &weights = *dab.weights;
-    StrokeBuffers &buffers = dab.tool.buffers();
     CellSpan span;
     span.row = row;
     const int footRow = static_cast<int>(std::round(row - dab.centre.y())) + weights.reach;
@@ -102,7 +101,7 @@ CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row)
         weaken(buffers.gated.data(), span.weight, dab.pressure, span.count);
         span.weight = buffers.gated.data();
     }
-    span.unmasked = buffers.ones.data();
+    span.unmasked = dab.tool.buffers().ones.data();
     if (dab.maskWeakens && relief.maskLayer().written()) {
         subtractFromOne(buffers.unmasked.data(), rowUnder(dab, relief.maskLayer(), span),
                         span.count);

@@ -65,8 +65,13 @@ struct CellSpan
 };
 
 /// The footprint cells of one run of a row. Cells outside the selection are taken out of the
-/// weights. The rows a span points to hold until the next call.
-CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row);
+/// weights. The rows a span points to hold until the next call with these buffers.
+CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row, SpanBuffers &buffers);
+/// With the buffers of the thread that applies the dab.
+inline CellSpan cellsOf(const Dab &dab, const ColumnRun &run, int row)
+{
+    return cellsOf(dab, run, row, dab.tool.buffers().span);
+}
 
 /// The values of a layer under a span, zeros for layers that were never written.
 inline const float *rowUnder(const Dab &dab, const GridLayer &layer, const CellSpan &span)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/rowsharing.h"
 #include "relief/grid/warmbuffer.h"
 #include "relief/tools/tool.h"
 
@@ -15,6 +16,21 @@ struct ColumnRun
     int foot = 0; ///< footprint column of the first one, counted from 0 in FootprintWeights
 };
 
+/// What is written while the spans of a row are looked at: a row each.
+struct SpanBuffers
+{
+    WarmBuffer<float> gated;    ///< weights with the skipped cells taken out
+    WarmBuffer<float> unmasked; ///< 1 - mask
+};
+
+/// A span whose new heights were computed, and whether one of them differs from the old.
+struct PaintedSpan
+{
+    int column;
+    int count;
+    bool changed;
+};
+
 /// The memory of one stroke. A finished stroke leaves it for the next one, since fresh memory of
 /// this size costs many times what filling it does.
 struct StrokeBuffers
@@ -23,9 +39,10 @@ struct StrokeBuffers
     WarmBuffer<double> distance;
     WarmBuffer<float> weights;
     WarmBuffer<FootprintWeights::Extent> extents;
-    WarmBuffer<float> gated;                ///< a row of weights with the skipped cells taken out
-    WarmBuffer<float> unmasked;             ///< a row of 1 - mask
-    WarmBuffer<float> samples;              ///< a row of heights that will be painted
+    SpanBuffers span;
+    Borrowed<SpanBuffers> spanBuffers;      ///< of the threads that share a dab
+    WarmBuffer<float> painted;              ///< heights of a dab's box that will be painted
+    WarmBuffer<PaintedSpan> spans;          ///< where they are
     WarmBuffer<float> ones;                 ///< a row of 1
     WarmBuffer<float> zeros;                ///< a row of 0, read in place of unwritten layers
     WarmBuffer<float> copy;                 ///< heights as they were before the dab

@@ -87,9 +87,8 @@ Tool::Tool(const ToolParams &params, StrokePoint firstPoint, double scale)
 
     if (m_buffers->brushState)
         m_buffers->brushState->beginStroke();
-    m_buffers->gated.need(side);
-    m_buffers->unmasked.need(side);
-    m_buffers->samples.need(side);
+    m_buffers->span.gated.need(side);
+    m_buffers->span.unmasked.need(side);
     std::fill_n(m_buffers->ones.need(side), side, 1.0F);
     std::fill_n(m_buffers->zeros.need(side), side, 0.0F);
 }

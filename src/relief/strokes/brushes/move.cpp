@@ -1,4 +1,4 @@
-#include "relief/strokes/brushes/boxcopy.h"
+#include "relief/strokes/brushes/sampling.h"
 #include "relief/strokes/dab.h"
 
 #include <cmath>
@@ -6,30 +6,31 @@
 namespace marlowen {
 
 /// The heights that lie where the cells of a span come from.
-CELL_LOOP static void dragRow(const BoxCopy &before, const CellSpan &row, QPointF shift,
-                              float *samples)
+CELL_LOOP static bool dragSpan(const HeightField &field, const CellSpan &span, QPointF shift,
+                               float *painted)
 {
-    const BoxCopy copy = before;
-    const CellSpan span = row;
+    const HeightField heights = field;
+    const CellSpan cells = span;
     const double dx = shift.x();
     const double dy = shift.y();
+    const auto place = [=](SamplePlaces &places, int start, int count) CELL_INLINE {
 #pragma omp simd
-    for (int i = 0; i < span.count; ++i) {
-        const double weight = static_cast<double>(span.weight[i]) * span.unmasked[i];
-        samples[i] = copy.sample(span.column + i - dx * weight, span.row - dy * weight);
-    }
+        for (int i = 0; i < count; ++i) {
+            const int cell = start + i;
+            const double weight = static_cast<double>(cells.weight[cell]) * cells.unmasked[cell];
+            places.set(i, heights, cells.column + cell - dx * weight, cells.row - dy * weight);
+        }
+    };
+    return sampleSpan(field, span, painted, place);
 }
 
 /// Drags the heights along with the pointer.
 bool dabMove(const Dab &dab)
 {
-    const double dx = std::abs(dab.shift.x());
-    const double dy = std::abs(dab.shift.y());
-    if (dx < 1e-9 && dy < 1e-9)
+    if (std::abs(dab.shift.x()) < 1e-9 && std::abs(dab.shift.y()) < 1e-9)
         return false;
-    const BoxCopy before = copyAround(dab, dx, dy);
-    return paintSamples(dab, [&](const CellSpan &span, float *samples) {
-        dragRow(before, span, dab.shift, samples);
+    return paintSamples(dab, [&](const HeightField &field, const CellSpan &span, float *painted) {
+        return dragSpan(field, span, dab.shift, painted);
     });
 }
 
