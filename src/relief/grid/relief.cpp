@@ -2,20 +2,12 @@
 
 #include "relief/tools/tool.h"
 
-#include <cmath>
 #include <utility>
 
 namespace marlowen {
 
 Relief::Relief(int width, int height)
-    : m_width(width)
-    , m_height(height)
-    , m_heights(cells())
-    , m_selection(cells())
-    , m_mask(cells())
-    , m_work(cells())
-    , m_snapshot(cells())
-    , m_reference(cells())
+    : ReliefLayers(width, height)
 {
 }
 
@@ -23,43 +15,16 @@ Relief::Relief(std::unique_ptr<ReliefSource> source)
     : Relief(source->width(), source->height())
 {
     m_source = std::move(source);
-    m_source->computeHeights(m_heights.data());
-    m_reference.copyFrom(m_heights);
+    m_source->computeHeights(heights().data());
+    referenceLayer().copyFrom(heights());
     rangeMaximum = m_source->valueRange();
 }
 
 Relief::~Relief() = default;
 
-double Relief::diagonal() const
-{
-    const double w = m_width;
-    const double h = m_height;
-    return std::sqrt(w * w + h * h);
-}
-
-QPoint Relief::cellOf(QPointF point) const
-{
-    const double column = m_width * 0.5 + point.x();
-    const double row = m_height * 0.5 + point.y();
-    constexpr double limit = 1e9;
-    // Written so that NaN fails as well.
-    if (!(std::abs(column) < limit && std::abs(row) < limit))
-        return {-1, -1};
-    return {static_cast<int>(column), static_cast<int>(row)};
-}
-
 Relief::Grid Relief::replaceGrid(Grid grid)
 {
-    Grid old{m_width,
-             m_height,
-             std::exchange(m_heights, std::move(grid.heights)),
-             std::exchange(m_selection, std::move(grid.selection)),
-             std::exchange(m_mask, std::move(grid.mask)),
-             std::exchange(m_reference, std::move(grid.reference))};
-    m_width = grid.width;
-    m_height = grid.height;
-    m_work = GridLayer(cells());
-    m_snapshot = GridLayer(cells());
+    Grid old = exchangeGrid(std::move(grid));
     frameRegion = rect();
     heightsChanged = true;
     appearanceChanged = true;

@@ -55,10 +55,10 @@ std::optional<double> decayCubed(const Tool &tool)
         return 1.0;
     const double distance = tool.radius() * tool.params().decayLength * 100.0;
     if (distance <= 0.0)
-        return tool.dabbed ? std::nullopt : std::optional(1.0);
-    if (tool.travelled >= distance)
+        return tool.path.dabbed ? std::nullopt : std::optional(1.0);
+    if (tool.path.travelled >= distance)
         return std::nullopt;
-    const double decay = 1.0 - tool.travelled / distance;
+    const double decay = 1.0 - tool.path.travelled / distance;
     return decay * decay * decay;
 }
 
@@ -127,7 +127,7 @@ void SculptEngine::prepare(const ToolParams &params)
     if (!m_relief || stroking() || m_relief->snapshotLayer().written())
         return;
     m_relief->snapshotLayer().copyFrom(m_relief->heights());
-    // Its buffers stay behind for the next stroke.
+    // The next stroke reuses its buffers.
     const Tool tool(params, {}, m_relief->diagonal());
 }
 
@@ -140,7 +140,7 @@ Tool *SculptEngine::_currentTool()
 {
     if (!stroking())
         return nullptr;
-    // A grid that was replaced took the snapshot, and with it the stroke's beginning, away.
+    // Replacing the grid has cleared the snapshot, so the heights at the stroke's start are lost.
     if (m_relief->snapshotLayer().constData() != m_snapshot)
         m_relief->takeTool();
     return m_relief->tool();
@@ -196,7 +196,7 @@ void SculptEngine::_applyPending(bool all)
 {
     Tool &tool = *m_relief->tool();
     std::vector<StrokePoint> points;
-    points.swap(tool.pending);
+    points.swap(tool.path.pending);
     if (!tool.params().smoothToolPaths) {
         for (const StrokePoint &point : points)
             applyAt(point);
@@ -214,7 +214,7 @@ void SculptEngine::_applyPending(bool all)
             applyAt(point);
         rest = {};
     }
-    tool.pending.assign(rest.begin(), rest.end());
+    tool.path.pending.assign(rest.begin(), rest.end());
 }
 
 void SculptEngine::applyAt(StrokePoint point)
@@ -222,7 +222,7 @@ void SculptEngine::applyAt(StrokePoint point)
     Tool *tool = _currentTool();
     if (!tool || !usablePoint(point))
         return;
-    const QPointF shift = point - tool->lastApplied;
+    const QPointF shift = point - tool->path.lastApplied;
     for (int image = 0; image < 4; ++image) {
         const bool mirrorX = image & 1;
         const bool mirrorY = image & 2;
@@ -233,9 +233,9 @@ void SculptEngine::applyAt(StrokePoint point)
         };
         _dabAt({mirrored(point), point.pressure, point.size}, mirrored(shift), image);
     }
-    tool->dabbed = true;
-    tool->travelled += std::sqrt(shift.x() * shift.x() + shift.y() * shift.y());
-    tool->lastApplied = point;
+    tool->path.dabbed = true;
+    tool->path.travelled += std::sqrt(shift.x() * shift.x() + shift.y() * shift.y());
+    tool->path.lastApplied = point;
 }
 
 void SculptEngine::_dabAt(StrokePoint point, QPointF shift, int image)

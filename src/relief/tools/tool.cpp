@@ -58,7 +58,7 @@ bool usablePoint(QPointF point)
 }
 
 Tool::Tool(const ToolParams &params, StrokePoint firstPoint, double scale)
-    : lastApplied(firstPoint)
+    : path{.pending = {}, .travelled = 0.0, .lastApplied = firstPoint, .dabbed = false}
     , m_params(usableParams(params))
     , m_firstPoint(firstPoint)
     , m_lastPoint(firstPoint)
@@ -170,7 +170,7 @@ void Tool::addPoint(StrokePoint point, bool finalPoint, QPointF reach)
     const ToolRow *row = toolRow(m_params.type);
     if (m_radius > 50.0 && !(row && row->has(DabsAtCells)))
         spacing = (m_radius / 50.0) * (m_radius / 50.0);
-    m_lastPoint = resample({m_lastPoint, point, spacing, finalPoint, reach}, pending);
+    m_lastPoint = resample({m_lastPoint, point, spacing, finalPoint, reach}, path.pending);
 }
 
 double Tool::radiusCells(const ToolParams &params, double scale)

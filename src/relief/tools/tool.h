@@ -2,6 +2,7 @@
 
 #include "relief/tools/strokepoint.h"
 #include "relief/tools/toolparams.h"
+#include "relief/tools/tooltypes.h"
 
 #include <QPointF>
 
@@ -41,41 +42,22 @@ public:
     virtual void beginStroke() = 0;
 };
 
+/// How far the dabs of a stroke have come along its path.
+struct ToolPath
+{
+    std::vector<StrokePoint> pending; ///< resampled points not applied yet
+    double travelled = 0.0;           ///< length applied so far, in cells
+    QPointF lastApplied;              ///< where the last dab went
+    bool dabbed = false;              ///< the first dab is over
+};
+
 /// The tool of one stroke: footprint, distance map, weights, spacing. Owned by the relief while the
 /// stroke lasts. Everything that cannot change during a stroke is computed when it is built, with
 /// the parameters and the alpha image of that moment, in buffers that are reused by the
 /// next stroke.
-class Tool
+class Tool : public ToolTypes
 {
 public:
-    /// The tools that code names. Others follow None, by their place in the tool table.
-    enum Type : int {
-        Smooth,
-        Smudge,
-        Deposit,
-        Remove,
-        UndoBrush,
-        Erase,
-        Magic,
-        Rectangle,
-        Elliptical,
-        Polygon,
-        Crop,
-        HeightBrush,
-        Sample,
-        Fill,
-        Clay,
-        Flatten,
-        Scrape,
-        Pinch,
-        Move,
-        Mask,
-        None
-    };
-    enum Mode { Normal, Raise, Lower };
-    enum Form { Round, Square };
-    enum Falloff { SmoothFalloff, LinearFalloff, SphereFalloff, ConstantFalloff };
-
     /// `scale` is the relief's diagonal in cells. Parameters outside their ranges are corrected
     /// first (usableParams).
     explicit Tool(const ToolParams &params = {}, StrokePoint firstPoint = {}, double scale = 1.0);
@@ -104,17 +86,14 @@ public:
     bool stamping() const { return m_stamping; }
     StrokeBuffers &buffers() { return *m_buffers; }
 
-    /// Resamples the path from the last point to `point` into the pending points. The last point of
+    /// Resamples the path from the last point to `point` into path.pending. The last point of
     /// one batch is the first of the next. Points that are NaN, infinite or farther than 1e9 cells
     /// from the centre are ignored. Of a batch of more than 100000 points those that lie farther
     /// than `reach` columns and rows from the relief's centre are left out.
     void addPoint(StrokePoint point, bool finalPoint, QPointF reach);
     StrokePoint lastPoint() const { return m_lastPoint; }
 
-    std::vector<StrokePoint> pending; ///< resampled points not applied yet
-    double travelled = 0.0;           ///< path length applied so far, in cells
-    QPointF lastApplied;              ///< where the last dab went
-    bool dabbed = false;              ///< the first dab is over
+    ToolPath path;
 
     /// The state of this stroke's brush, made when it is first asked for. One brush asks for one
     /// type.
