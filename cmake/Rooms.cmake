@@ -1,21 +1,17 @@
 # marlowen_room(NAME [LINK target...] [PCH header...])
 #
 # One static library a room: every .cpp and .h below src/NAME. Headers are included by room
-# ("relief/grid/relief.h"). In Release and Asan builds, which the scripts make, each room has an include
-# folder of its own that holds nothing but a link to the room: what is not in LINK cannot be included.
-# In Dev builds messages and debuggers name the files themselves.
+# ("relief/grid/relief.h"). Each room has an include folder that holds nothing but a link to the room:
+# headers of rooms that are not in LINK are not found.
 function(marlowen_room name)
     cmake_parse_arguments(ROOM "" "" "LINK;PCH" ${ARGN})
     set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${name})
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
     file(GLOB_RECURSE resources CONFIGURE_DEPENDS ${folder}/*.qrc)
     list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
-    set(include ${CMAKE_CURRENT_SOURCE_DIR})
-    if(CMAKE_BUILD_TYPE MATCHES "^(Release|Asan)$")
-        set(include ${CMAKE_BINARY_DIR}/include/${name})
-        file(MAKE_DIRECTORY ${include})
-        file(CREATE_LINK ${folder} ${include}/${name} SYMBOLIC)
-    endif()
+    set(include ${CMAKE_BINARY_DIR}/include/${name})
+    file(MAKE_DIRECTORY ${include})
+    file(CREATE_LINK ${folder} ${include}/${name} SYMBOLIC)
     add_library(marlowen_${name} STATIC ${sources} ${resources})
     set_target_properties(marlowen_${name} PROPERTIES AUTOMOC ON AUTORCC ON LINKER_LANGUAGE CXX)
     target_include_directories(marlowen_${name} PUBLIC ${include})
