@@ -12,6 +12,7 @@
 #include "ui/pages/sizepage.h"
 #include "ui/pages/toolspage.h"
 #include "ui/pages/viewsettingspage.h"
+#include "ui/panels/alphacontrols.h"
 #include "ui/panels/importpanel.h"
 #include "ui/panels/sculptpanels.h"
 #include "ui/panels/toolpanel.h"
@@ -128,9 +129,8 @@ void connectDocks(MainWindow &window, const WindowDocks &docks)
     on(&ToolPanel::SymmetryXChanged, &MainWindow::symmetryXChanged);
     on(&ToolPanel::SymmetryYChanged, &MainWindow::symmetryYChanged);
     on(&ToolPanel::InvertChanged, &MainWindow::invertChanged);
-    on(&ToolPanel::AlphaModeChanged, &MainWindow::alphaChanged);
-    on(&ToolPanel::AlphaRepeatChanged, &MainWindow::alphaChanged);
-    on(&ToolPanel::AlphaTurned, &MainWindow::alphaChanged);
+    QObject::connect(&docks.panels->toolPanel()->alpha(), &AlphaControls::changed, &window,
+                     &MainWindow::alphaChanged);
     ImportPanel *import = docks.panels->importPanel();
     QObject::connect(import, &ImportPanel::AcceptClicked, &window, &MainWindow::acceptClicked);
     QObject::connect(import, &ImportPanel::DepthChosen, &window, &MainWindow::depthChosen);

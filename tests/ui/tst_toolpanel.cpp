@@ -1,5 +1,6 @@
 #include "ui/panels/toolpanel.h"
 
+#include "relief/tools/alphabrush.h"
 #include "relief/tools/tooltable.h"
 #include "theme.h"
 #include "ui/panels/choicerow.h"
@@ -163,7 +164,7 @@ private slots:
         QVERIFY(!sliderNamed(*m_panel, "Tool Hardness")->isEnabled());
     }
 
-    void choosingAToolHereTellsTheWindow()
+    void choosingAToolEmitsItsSignal()
     {
         QSignalSpy tool(m_panel.get(), &ToolPanel::ToolChanged);
         auto *box = m_panel->findChild<QComboBox *>();
@@ -220,7 +221,7 @@ private slots:
         }
     }
 
-    void theLimitIsNamedForWhatTheBrushDoes()
+    void limitLabelFollowsTheBrush()
     {
         showTool(*m_panel, Tool::Remove);
         QVERIFY(boxNamed(*m_panel, "Floor"));
@@ -243,7 +244,7 @@ private slots:
         QVERIFY(!modes->isEnabled());
         const float grey[]{0.0F, 1.0F, 1.0F, 0.0F};
         AlphaBrush::instance().setImage({grey, 2, 2});
-        m_panel->refreshAlpha();
+        m_panel->showParams(m_panel->params());
         QVERIFY(modes->isEnabled());
         QVERIFY(!sliderNamed(*m_panel, "Repeat")->isEnabled());
         QVERIFY(!sliderNamed(*m_panel, "Aspect")->isEnabled());

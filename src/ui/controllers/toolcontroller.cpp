@@ -50,7 +50,7 @@ void ToolController::_takeRelief()
 
 void ToolController::alphaChanged()
 {
-    m_controls.panel->refreshAlpha();
+    m_controls.panel->showParams(m_bench.tool);
     emit changed();
 }
 

@@ -17,9 +17,9 @@ class ToolActions;
 class ToolPanel;
 class ToolsPage;
 
-/// The tool record and the relief's flags, and the controls that show them: what is set in one
-/// place shows in all. Size, strength and "Ceiling" / "Floor" belong to each tool; symmetry and
-/// invert stay set when another relief is opened.
+/// The tool record and the relief's flags, and the controls that show them: a value set in one
+/// control is shown in all. Size, strength and "Ceiling" / "Floor" belong to each tool; symmetry
+/// and invert stay set when another relief is opened.
 class ToolController : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ public:
         m_bench.tool.*member = value;
         show();
     }
-    /// For the relief that is there and those that come.
+    /// For the present relief and later ones.
     void setFlag(bool Relief::*member, bool on);
     /// The alpha brush of the process has another image, mode or repeat count.
     void alphaChanged();
@@ -68,7 +68,7 @@ private:
         double strength = ToolParams{}.strength;
         bool ceilingOrFloor = false;
     };
-    /// A flag of the relief as it was set here.
+    /// A flag of the relief and the value set here.
     struct Flag
     {
         bool Relief::*member;

@@ -1,22 +1,20 @@
 #include "ui/panels/toolpanel.h"
 
+#include "relief/tools/alphabrush.h"
 #include "relief/tools/toolfields.h"
 #include "relief/tools/tooltable.h"
 #include "ui/icons.h"
-#include "ui/library/alphastore.h"
+#include "ui/panels/alphacontrols.h"
 #include "ui/panels/choicerow.h"
 #include "ui/panels/panelcontrols.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 namespace marlowen {
@@ -92,8 +90,8 @@ void ToolPanel::_makeControls()
     _makeNumbers();
     _makeChecks();
     _makeChoices();
-    _makeAlpha();
-    _makeAlphaHold();
+    m_alpha = new AlphaControls(this);
+    connect(m_alpha, &AlphaControls::changed, this, &ToolPanel::_enable);
 }
 
 void ToolPanel::_makeNumbers()
@@ -158,47 +156,6 @@ void ToolPanel::_makeChoices()
     });
 }
 
-void ToolPanel::_makeAlpha()
-{
-    m_alphaMode = makeChoices(
-        {.key = "alphaMode", .label = "Alpha", .hint = "", .choices = alphaModeNames}, this);
-    connect(m_alphaMode, &ChoiceRow::chosen, this, [this](int mode) {
-        AlphaBrush::instance().mode = mode;
-        _enable();
-        emit AlphaModeChanged(AlphaBrush::Mode(mode));
-    });
-    m_repeat = makeSlider(alphaRepeatField, AlphaBrush::initialRepeat, this);
-    connect(m_repeat, &SliderField::valueChanged, this, [this](double value) {
-        AlphaBrush::instance().repeatCount = int(std::lround(value));
-        emit AlphaRepeatChanged(AlphaBrush::instance().repeatCount);
-    });
-}
-
-void ToolPanel::_makeAlphaHold()
-{
-    m_mirror = new QToolButton(this);
-    m_mirror->setText(tr("Flip"));
-    m_mirror->setIcon(icon(QStringLiteral("mirror_alpha")));
-    m_mirror->setCheckable(true);
-    m_mirror->setChecked(alphaOrientation().mirrored);
-    m_turn = new QToolButton(this);
-    m_turn->setText(tr("Turn"));
-    m_turn->setIcon(icon(QStringLiteral("turn_alpha")));
-    for (QToolButton *button : {m_mirror, m_turn}) {
-        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-        button->setIconSize(QSize(16, 16));
-        button->setAutoRaise(true);
-        button->setFocusPolicy(Qt::StrongFocus);
-        connect(button, &QToolButton::clicked, this, [this, button] {
-            AlphaOrientation held = alphaOrientation();
-            held.mirrored = m_mirror->isChecked();
-            held.quarterTurns = (held.quarterTurns + (button == m_turn)) % 4;
-            setAlphaOrientation(held);
-            emit AlphaTurned();
-        });
-    }
-}
-
 void ToolPanel::_arrange()
 {
     auto *column = new QVBoxLayout(this);
@@ -221,15 +178,7 @@ void ToolPanel::_arrange()
     addSection(*column, tr("Symmetry"));
     column->addLayout(checkRow({m_flags[SymmetryX], m_flags[SymmetryY]}));
     addSection(*column, tr("Alpha Brush"));
-    column->addWidget(m_alphaMode);
-    auto *held = new QHBoxLayout;
-    held->setSpacing(4);
-    held->addSpacing(m_numbers[Strength]->label()->sizeHint().width() + 8);
-    held->addWidget(m_mirror);
-    held->addWidget(m_turn);
-    held->addStretch(1);
-    column->addLayout(held);
-    column->addWidget(m_repeat);
+    column->addWidget(m_alpha);
     m_magic = new QWidget(this);
     auto *magic = new QVBoxLayout(m_magic);
     magic->setContentsMargins(0, 0, 0, 0);
@@ -243,19 +192,20 @@ void ToolPanel::_arrange()
     tabInLayoutOrder(*column);
 }
 
-/// The check boxes in place of labels are wider than all labels and have a width of their own.
+/// The check boxes in place of labels are wider than all labels and have a common width.
 void ToolPanel::_alignLabels()
 {
     std::vector<SliderField *> fields(m_numbers.begin(), m_numbers.end());
-    fields.push_back(m_repeat);
+    fields.push_back(m_alpha->repeat());
     int width = 0;
     for (const SliderField *field : fields) {
         if (!field->label()->isHidden())
             width = std::max(width, field->label()->sizeHint().width());
     }
     alignFields(fields, width);
-    for (ChoiceRow *row : {m_mode, m_form, m_falloff, m_alphaMode})
+    for (ChoiceRow *row : {m_mode, m_form, m_falloff})
         row->setLabelWidth(width);
+    m_alpha->setLabelWidth(width);
     for (const Check check : {UseDecay, SmoothPaths})
         m_checks[check]->setFixedWidth(m_checks[SmoothPaths]->sizeHint().width());
 }
@@ -286,13 +236,6 @@ void ToolPanel::showRelief(bool symmetryX, bool symmetryY, bool invert)
     _enable();
 }
 
-void ToolPanel::refreshAlpha()
-{
-    m_alphaMode->showChoice(AlphaBrush::instance().mode);
-    m_repeat->showValue(AlphaBrush::instance().repeatCount);
-    _enable();
-}
-
 void ToolPanel::_showRecord()
 {
     m_tool->setCurrentIndex(m_tool->findData(int(m_params.type)));
@@ -305,7 +248,8 @@ void ToolPanel::_showRecord()
     m_mode->showChoice(m_params.mode);
     m_form->showChoice(m_params.form);
     m_falloff->showChoice(m_params.falloff);
-    refreshAlpha();
+    m_alpha->refresh();
+    _enable();
 }
 
 bool ToolPanel::_alphaActs() const
@@ -351,7 +295,7 @@ void ToolPanel::_enable()
     m_magic->setVisible(tool && tool->has(UsesTolerance));
     m_mode->setReason(_reason(UsesMode));
     _enableNumbers();
-    _enableAlpha();
+    m_alpha->setReason(_reason(UsesAlpha));
 }
 
 void ToolPanel::_enableNumbers()
@@ -374,19 +318,6 @@ void ToolPanel::_enableNumbers()
         showReason(*m_numbers[i], fieldText(_numberRows()[i].field->info.hint), reasons[i]);
     m_falloff->setReason(_alphaReason(UsesFalloff, stamped));
     m_form->setReason(_alphaReason(UsesFootprint, shaped));
-}
-
-void ToolPanel::_enableAlpha()
-{
-    QString reason = _reason(UsesAlpha);
-    if (reason.isEmpty() && !AlphaBrush::instance().loaded())
-        reason = tr("Choose an alpha brush in the library first.");
-    m_alphaMode->setReason(reason);
-    showReason(*m_mirror, tr("Mirrors the alpha brush left to right."), reason);
-    showReason(*m_turn, tr("Turns the alpha brush by a quarter, clockwise."), reason);
-    if (reason.isEmpty() && AlphaBrush::instance().mode != AlphaBrush::Tile)
-        reason = tr("Only the mode Tile repeats the alpha brush.");
-    showReason(*m_repeat, fieldText(alphaRepeatField.hint), reason);
 }
 
 } // namespace marlowen

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/fieldtable.h"
-#include "relief/tools/alphabrush.h"
 #include "relief/tools/tool.h"
 #include "relief/tools/toolparams.h"
 #include "ui/ribbon/sliderfield.h"
@@ -12,13 +11,14 @@
 
 class QCheckBox;
 class QComboBox;
-class QToolButton;
 
 namespace marlowen {
 
+class AlphaControls;
 class ChoiceRow;
 
-/// The controls of the tool parameters, the relief's symmetry and invert flags and the alpha mode.
+/// The controls of the tool parameters, the relief's symmetry and invert flags and the
+/// alpha brush.
 /// Signals carry the values of the record (strength squared, size 0.01..1), not slider positions,
 /// and are emitted only for what the user changes here; show...() updates the controls silently.
 ///
@@ -33,10 +33,10 @@ public:
     /// The record as the controls show it; values that were shown but lie between two steps of a
     /// control are kept exactly.
     const ToolParams &params() const { return m_params; }
+    /// Shows the alpha brush of the process as well.
     void showParams(const ToolParams &params);
     void showRelief(bool symmetryX, bool symmetryY, bool invert);
-    /// Reads the alpha brush of the process again: after an image was chosen or removed.
-    void refreshAlpha();
+    AlphaControls &alpha() { return *m_alpha; }
 
 signals:
     void ToolChanged(Tool::Type type);
@@ -59,11 +59,6 @@ signals:
     void SymmetryXChanged(bool on);
     void SymmetryYChanged(bool on);
     void InvertChanged(bool on);
-    /// The alpha brush has its new mode or repeat count already.
-    void AlphaModeChanged(AlphaBrush::Mode mode);
-    void AlphaRepeatChanged(int count);
-    /// It is held in another way already.
-    void AlphaTurned();
 
 private:
     enum Number { Size, Strength, Hardness, Aspect, Angle, DecayLength, SmoothLength, Tolerance };
@@ -104,16 +99,12 @@ private:
     void _makeChecks();
     void _makeChoices();
     ChoiceRow *_makeChoice(int32_t ToolParams::*member, void (*notify)(ToolPanel &));
-    void _makeAlpha();
-    /// Flip and turn.
-    void _makeAlphaHold();
     void _arrange();
     void _alignLabels();
     void _toolChosen(int index);
     void _showRecord();
     void _enable();
     void _enableNumbers();
-    void _enableAlpha();
     QString _reason(unsigned use) const;
     QString _alphaReason(unsigned use, bool overridden) const;
     bool _alphaActs() const;
@@ -127,11 +118,8 @@ private:
     ChoiceRow *m_mode = nullptr;
     ChoiceRow *m_form = nullptr;
     ChoiceRow *m_falloff = nullptr;
-    ChoiceRow *m_alphaMode = nullptr;
-    SliderField *m_repeat = nullptr;
+    AlphaControls *m_alpha = nullptr;
     QWidget *m_magic = nullptr; ///< the section that only one tool uses
-    QToolButton *m_mirror = nullptr;
-    QToolButton *m_turn = nullptr;
 };
 
 } // namespace marlowen
