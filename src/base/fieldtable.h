@@ -30,7 +30,7 @@ struct FieldScale
     double (*stored)(double shown);
 };
 
-/// The control shows what is stored.
+/// The control shows the stored value.
 inline constexpr FieldScale sameScale{[](double v) { return v; }, [](double v) { return v; }};
 /// Stored 0..1, shown 0..100.
 inline constexpr FieldScale percentScale{[](double v) { return v * 100.0; },
@@ -50,35 +50,35 @@ struct FieldControl
     double step = 1.0;
     double pageStep = 10.0;
     int decimals = 0;
-    const char *unit = ""; ///< behind the number, UTF-8, with its leading space
+    const char *unit = ""; ///< follows the number, UTF-8, with its leading space
     FieldScale scale = sameScale;
 };
 
 /// How the command line sets a field. Fields with the same option name share one option: their
-/// numbers follow it with commas between, in the order of the table, and their flags are turned
-/// over.
+/// numbers follow it separated by commas, in the order of the table, and their flags are
+/// inverted.
 struct FieldOption
 {
     const char *name = nullptr;  ///< "--flip-y"; null: the command line does not set the field
-    const char *value = nullptr; ///< how the help calls the number; null: the range
+    const char *value = nullptr; ///< name of the number in the help; null: the range
     const char *help = nullptr;  ///< for all fields of the option, in place of their hints
 };
 
 enum class FieldType { Flag, Whole, Real };
 
-/// What is known of a field but for its place in the record.
+/// The description of a field without its member of the record.
 struct FieldInfo
 {
     const char *key;       ///< name in scripts and settings
     const char *label;     ///< text beside its control
-    const char *hint;      ///< one sentence: what it does
-    unsigned flags = 0;    ///< bits whose meaning is the record's
-    FieldRange range = {}; ///< what a person, a script or a file may set
+    const char *hint;      ///< one sentence: the effect
+    unsigned flags = 0;    ///< bits defined by the record's table
+    FieldRange range = {}; ///< accepted from controls, scripts and files
     FieldControl control = {};
     const char *choices = ""; ///< of a whole number: the words for 0, 1, ..., "Normal|Raise|Lower"
     const char *icons = "";   ///< of its choices, as the words; empty: none
-    FieldRange usable = {};   ///< what the record's reader can work with, where that is more
-    bool anyCase = false;     ///< the words are taken in any case
+    FieldRange usable = {};   ///< accepted by the code that reads the record, where that is wider
+    bool anyCase = false;     ///< the words are compared without regard to case
     FieldOption option = {};
 
     bool has(unsigned flag) const { return (flags & flag) != 0; }
@@ -100,7 +100,7 @@ struct Field
                           member);
     }
 
-    /// Whole numbers are rounded. The range is the caller's to keep.
+    /// Whole numbers are rounded. The caller checks the range.
     void store(Record &record, double value) const
     {
         if (const auto *flag = std::get_if<bool Record::*>(&member))
@@ -111,7 +111,11 @@ struct Field
             record.*std::get<double Record::*>(member) = value;
     }
 
-    double initial() const { return value(Record{}); }
+    double initial() const
+    {
+        static const Record defaults{};
+        return value(defaults);
+    }
     double shown(const Record &record) const { return info.control.scale.shown(value(record)); }
     void storeShown(Record &record, double number) const
     {
@@ -132,8 +136,8 @@ const Field<Record> &fieldOf(FieldTable<Record> table, Value Record::*member)
     });
 }
 
-/// The record with every value moved into its field's range; what is not finite, and a choice that
-/// there is none of, becomes the default.
+/// The record with every value moved into its field's range; a value that is not finite, and a
+/// choice without a word, becomes the default.
 template <typename Record>
 Record clampedFields(FieldTable<Record> table, Record record,
                      FieldRange FieldInfo::*range = &FieldInfo::range)

@@ -4,6 +4,7 @@
 #include "cli/scriptpoints.h"
 #include "cli/scriptstate.h"
 #include "relief/operations/operationtable.h"
+#include "relief/selection/selectionmodifiers.h"
 #include "relief/selection/selections.h"
 
 #include <QByteArrayList>
@@ -15,7 +16,6 @@ namespace marlowen {
 
 namespace {
 
-constexpr char modifierNames[] = "Normal|Additive|Subtractive";
 constexpr char shapeNames[] = "rectangle|ellipse|polygon|magic|none";
 
 /// A selection as the script gives it; the corners may lie off the grid.
@@ -80,17 +80,18 @@ Outcome selectAction(ScriptState &state, const QJsonObject &arguments)
     const Shape &shape = shapes[choiceIndex(shapeNames, name)];
     if (const QString wrong = wrongPlace(name, shape, arguments); !wrong.isEmpty())
         return scriptFailure(wrong);
-    const QString modifier =
-        arguments.value(QLatin1String("modifier")).toString(QStringLiteral("Normal"));
-    const Choice choice{pointOf(arguments.value(QLatin1String("point"))),
-                        cellsOf(arguments.value(QLatin1String("cells"))),
-                        static_cast<SelectionModifier>(choiceIndex(modifierNames, modifier)),
-                        state.bench.tool};
+    const QString modifier = arguments.value(QLatin1String("modifier"))
+                                 .toString(QLatin1String(selectionModifiers().front().name));
+    const Choice choice{
+        pointOf(arguments.value(QLatin1String("point"))),
+        cellsOf(arguments.value(QLatin1String("cells"))),
+        static_cast<SelectionModifier>(choiceIndex(selectionModifierNames(), modifier)),
+        state.bench.tool};
     return state.bench.apply(
         selectionOperation([&shape, &choice](Relief &relief) { shape.select(relief, choice); }));
 }
 
-/// Every row of the operation table with this action, one or several parted by their word.
+/// Every row of the operation table with this action; their words distinguish them.
 std::vector<const OperationRow *> rowsOf(const QString &action)
 {
     std::vector<const OperationRow *> found;
@@ -119,7 +120,7 @@ Outcome operationAction(ScriptState &state, const QJsonObject &arguments)
     return done;
 }
 
-/// "clear|invert"; empty for an action of one row. The text lives as long as the program.
+/// "clear|invert"; empty for an action of one row. The text is never freed.
 const char *wordsOf(const QString &action)
 {
     static std::map<QString, QByteArray> known;
@@ -154,7 +155,7 @@ std::vector<ScriptAction> allActions()
          {{.name = "shape", .type = KeyType::Choice, .required = true, .choices = shapeNames},
           {"cells", KeyType::Cells},
           {"point", KeyType::Point},
-          {.name = "modifier", .type = KeyType::Choice, .choices = modifierNames}},
+          {.name = "modifier", .type = KeyType::Choice, .choices = selectionModifierNames()}},
          selectAction}};
     for (const OperationRow &row : operationTable()) {
         if (rowsOf(QLatin1String(row.action)).front() == &row)

@@ -30,7 +30,7 @@ QString optionsHelp(const std::vector<CommandOption> &options);
 bool parseWhole(const QString &text, const FieldRange &range, int &value);
 bool parseReal(const QString &text, const FieldRange &range, double &value);
 
-/// A field as an option sees it, whatever its record.
+/// A field of any record as an option.
 struct OptionField
 {
     const FieldInfo *info;
@@ -42,16 +42,15 @@ struct OptionField
 std::vector<CommandOption> optionsOf(const std::vector<OptionField> &fields,
                                      const std::function<void()> &given);
 
-/// The options of a record; both outlive what is returned.
+/// The options of a record; table and record must outlive them.
 template <typename Record>
 std::vector<CommandOption> optionsOf(FieldTable<Record> table, Record &record,
                                      const std::function<void()> &given)
 {
-    static const Record initial{};
     std::vector<OptionField> fields;
     for (const Field<Record> &field : table) {
         const auto store = [&field, &record](double value) { field.store(record, value); };
-        fields.push_back({&field.info, field.type(), field.value(initial), store});
+        fields.push_back({&field.info, field.type(), field.initial(), store});
     }
     return optionsOf(fields, given);
 }

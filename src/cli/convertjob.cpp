@@ -5,6 +5,7 @@
 #include "cli/scriptstate.h"
 #include "files/formats.h"
 #include "import/openfile.h"
+#include "relief/grid/typedranges.h"
 #include "relief/operations/operations.h"
 
 #include <algorithm>
@@ -15,7 +16,6 @@ namespace marlowen {
 
 namespace {
 
-constexpr FieldRange sideRange{2, 1000000};
 constexpr qsizetype longestAttribute = 65530; ///< bytes
 
 Failure usage(const QString &sentence)

@@ -11,6 +11,9 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
+#include <iterator>
+
 namespace marlowen {
 
 namespace {
@@ -173,7 +176,7 @@ constexpr Format rows[] = {
      .inWindow = true,
      .load = loadHeightMap,
      .save = writePfm,
-     .written = QT_TRANSLATE_NOOP("Formats", "float height map, the heights as they are")},
+     .written = QT_TRANSLATE_NOOP("Formats", "float height map with the exact heights")},
 };
 
 /// The first option that is set but not taken; null when there is none.
@@ -184,6 +187,12 @@ const Field<ExportOptions> *unwantedOption(const ExportOptions &options, unsigne
             return &field;
     }
     return nullptr;
+}
+
+const Format &writtenBy(Result<QString> (*save)(const ExportJob &job))
+{
+    return *std::find_if(std::begin(rows), std::end(rows),
+                         [save](const Format &format) { return format.save == save; });
 }
 
 Failure cannotWrite(const QString &sentence)
@@ -207,10 +216,24 @@ const Format *formatOf(const QString &path)
     return nullptr;
 }
 
+const Format &workspaceFormat()
+{
+    return writtenBy(writeWorkspace);
+}
+
+const Format &patternFormat()
+{
+    return writtenBy(writePattern);
+}
+
+const Format &meshFormat(MeshFormat format)
+{
+    return writtenBy(format == MeshFormat::Stl ? writeStl : writeObj);
+}
+
 bool isWorkspace(const QString &path)
 {
-    const Format *format = formatOf(path);
-    return format && format->load == loadWorkspace;
+    return formatOf(path) == &workspaceFormat();
 }
 
 QStringList openPatterns()

@@ -15,6 +15,7 @@
 namespace marlowen {
 
 class Progress;
+enum class MeshFormat;
 
 /// What a file becomes when it is opened.
 enum class OpensAs {
@@ -36,7 +37,7 @@ struct ExportJob
 };
 
 /// One row a file name ending. The open filter, drops, the recent files, scripts, the command line
-/// and its help read these rows; a new format is a reader or writer of its own and a row.
+/// and its help read these rows; a new format is a reader or writer and a row.
 struct Format
 {
     const char *ending; ///< with its dot, lower case
@@ -45,14 +46,15 @@ struct Format
     bool inWindow; ///< the window opens it too
     /// Only for OpensAs::Relief.
     Result<std::unique_ptr<Relief>> (*load)(const QString &path) = nullptr;
-    /// Null: only read. A value is a line about what was written; it may be empty.
+    /// Null: only read. The value is a line about the result; it may be empty.
     Result<QString> (*save)(const ExportJob &job) = nullptr;
     const char *written = "";   ///< what `save` writes, for the help
     unsigned exportOptions = 0; ///< ExportOption bits
     bool takesAuthor = false;   ///< it can say who made the relief
     /// At most so many pixels wide and high; a null image on failure. May be null.
     QImage (*thumbnail)(const QString &path, int side) = nullptr;
-    /// What the file says besides its relief, as texts; empty when it cannot be read. May be null.
+    /// The file's attributes other than its relief, as texts; empty when it cannot be read. May be
+    /// null.
     QJsonObject (*attributes)(const QString &path) = nullptr;
 };
 
@@ -60,7 +62,11 @@ std::span<const Format> formats();
 
 /// The row of a file name, whose ending counts in any case; null when there is none.
 const Format *formatOf(const QString &path);
-/// Whether the name is a workspace's: what Save writes again without asking.
+/// The rows of the formats that commands of the window write.
+const Format &workspaceFormat();
+const Format &patternFormat();
+const Format &meshFormat(MeshFormat format);
+/// Whether the name is a workspace's, which Save writes again without asking.
 bool isWorkspace(const QString &path);
 /// "*.scp", "*.jpg", ...: what the window opens, for file dialogs.
 QStringList openPatterns();

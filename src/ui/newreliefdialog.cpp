@@ -4,6 +4,7 @@
 #include "base/qevsettings.h"
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
+#include "relief/grid/typedranges.h"
 #include "ui/ribbon/numberfield.h"
 
 #include <QComboBox>
@@ -20,9 +21,6 @@ namespace marlowen {
 
 namespace {
 
-constexpr int smallestSide = 2;
-constexpr int largestSide = 1000000;
-constexpr double largestLevel = 100000.0;
 constexpr int firstWidth = 1024;
 constexpr int firstHeight = 768;
 constexpr double firstLevel = 16.0;
@@ -66,11 +64,11 @@ QString key(const char *name)
 }
 
 /// A stored number, or the first one where there is none that can be used.
-double remembered(const char *name, double first, double largest)
+double remembered(const char *name, double first, const FieldRange &range)
 {
     bool ok = false;
     const double value = QevSettings().value(key(name), first).toDouble(&ok);
-    return ok && value >= 0.0 && value <= largest ? value : first;
+    return ok && range.contains(value) ? value : first;
 }
 
 } // namespace
@@ -91,16 +89,16 @@ NewReliefDialog::NewReliefDialog(QWidget *parent)
     m_level->setAccessibleName(tr("Start height"));
     m_level->setToolTip(tr("How thick the relief is before it is sculpted; cells of height 0 are "
                            "empty, and brushes leave them alone while Keep Transparency is on"));
-    const auto whole = [](const char *name, int first, int largest) {
-        return static_cast<int>(remembered(name, first, largest));
+    const auto whole = [](const char *name, int first, const FieldRange &range) {
+        return static_cast<int>(remembered(name, first, range));
     };
-    m_units->setCurrentIndex(whole("units", 0, m_units->count() - 1));
+    m_units->setCurrentIndex(whole("units", 0, {0.0, m_units->count() - 1.0}));
     _showIn(m_units->currentIndex(),
-            {whole("width", firstWidth, largestSide), whole("height", firstHeight, largestSide)},
-            remembered("level", firstLevel, largestLevel));
+            {whole("width", firstWidth, sideRange), whole("height", firstHeight, sideRange)},
+            remembered("level", firstLevel, startHeightRange));
     _arrange();
     for (NumberField *field : {m_width, m_height, m_level}) {
-        // What is being typed counts at once, so that "OK" and the message follow it.
+        // Typed digits count at once, so that "OK" and the message follow them.
         field->setKeyboardTracking(true);
         connect(field, &QDoubleSpinBox::valueChanged, this, &NewReliefDialog::_check);
     }
@@ -177,9 +175,9 @@ void NewReliefDialog::_showIn(int unitIndex, QSize cells, double levelCells)
 {
     const Unit unit = unitAt(unitIndex);
     m_cellsPerUnit = unit.cells;
-    showAmount(*m_width, unit, {double(cells.width()), largestSide, unit.sizeDecimals});
-    showAmount(*m_height, unit, {double(cells.height()), largestSide, unit.sizeDecimals});
-    showAmount(*m_level, unit, {levelCells, largestLevel, unit.levelDecimals});
+    showAmount(*m_width, unit, {double(cells.width()), sideRange.maximum, unit.sizeDecimals});
+    showAmount(*m_height, unit, {double(cells.height()), sideRange.maximum, unit.sizeDecimals});
+    showAmount(*m_level, unit, {levelCells, startHeightRange.maximum, unit.levelDecimals});
 }
 
 void NewReliefDialog::accept()
@@ -194,7 +192,7 @@ void NewReliefDialog::accept()
 
 QString NewReliefDialog::_objection() const
 {
-    if (widthCells() < smallestSide || heightCells() < smallestSide)
+    if (widthCells() < sideRange.minimum || heightCells() < sideRange.minimum)
         return tr("A relief has at least 2 by 2 cells.");
     const double area = squareInches(widthCells(), heightCells());
     return exceedsAreaLimit(area) ? sizeLimitFailure(area).sentence : QString();

@@ -3,6 +3,7 @@
 #include "files/heightmaps.h"
 #include "files/safefile.h"
 #include "files/workspacefile.h"
+#include "programs.h"
 
 #include <QBuffer>
 #include <QDataStream>
@@ -235,7 +236,7 @@ private slots:
     void pfmRowsRunUpward()
     {
         const auto relief = ramp(3, 2);
-        relief->heights().data()[0] = -1.5F; // values travel as they are
+        relief->heights().data()[0] = -1.5F; // values are written unchanged
         const QString path = _path("a.pfm");
         QVERIFY(savePfm(viewOf(*relief), path));
         const QByteArray bytes = contents(path);
@@ -299,6 +300,26 @@ private slots:
         std::fill_n(relief.heights().data(), 3, 7.0F);
         QVERIFY(saveHeightPng(viewOf(relief), _path("flat.png")));
         QCOMPARE(QImage(_path("flat.png")).pixel(1, 0), qRgb(0, 0, 0));
+    }
+
+    void documentsListTheFormats()
+    {
+        const auto page = [](const char *name) {
+            QFile file(QLatin1String(sourceFolder) + QLatin1String(name));
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        const QByteArray readme = page("/README.md");
+        const QByteArray manual = page("/docs/manual.md");
+        const qsizetype open = manual.indexOf("- **Open**");
+        const QByteArray opened = manual.mid(open, manual.indexOf("\n\n", open) - open);
+        for (const Format &format : formats()) {
+            const char *opens = format.opensAs == OpensAs::Nothing ? "" : format.label;
+            const QByteArray row =
+                QByteArray("| `") + format.ending + "` | " + opens + " | " + format.written + " |";
+            QVERIFY2(readme.contains(row), row);
+            const bool listed = opened.contains(QByteArray("`") + format.ending + "`");
+            QVERIFY2(listed == format.inWindow, format.ending);
+        }
     }
 
     void endingsInAnyCase()

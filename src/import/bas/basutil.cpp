@@ -27,10 +27,10 @@ constexpr float flatHeight = 1e-30F;
 constexpr float groundShare = 0.02F;
 /// Height of a relief without depth, as a share of its old height.
 constexpr float sheetShare = 1e-3F;
-/// Passes over the grid beside the Poisson solver, for the progress.
+/// Passes over the grid other than those of the Poisson solver, for the progress.
 constexpr double otherPasses = 16.0;
 
-/// What the three parameters mean.
+/// The values that the three parameters stand for.
 struct Recipe
 {
     explicit Recipe(const BasReliefInput &input)
@@ -146,7 +146,7 @@ CELL_LOOP void mixDetailRow(const DetailRow &row, float *detail, int count)
     }
 }
 
-/// Heights of the result: (share * form + detail - offset) * factor, where what falls below `knee`
+/// Heights of the result: (share * form + detail - offset) * factor, where values below `knee`
 /// is pressed into the room above 0.
 struct ResultRow
 {

@@ -2,10 +2,14 @@
 
 #include "import/bas/poissonlevels.h"
 
+#include <span>
+#include <vector>
+
 namespace marlowen {
 
-/// Sums of neighbouring pairs of `count` values; the last one may be alone.
-void sumPairs(const float *values, int count, float *sums);
+/// Sums of neighbouring pairs of values; the last one may be alone. `sums` has half as many values,
+/// rounded up.
+void sumPairs(std::span<const float> values, std::span<float> sums);
 
 /// Interpolates the correction of a coarse level for rows of the level below it.
 class CoarseRow
@@ -14,7 +18,7 @@ public:
     explicit CoarseRow(const CoarseProblem &coarse);
     /// Corrections of the cells of row y of the finer level; may hold one cell more than a row.
     /// Coarse cells without filled cells do not count.
-    const float *compute(int y);
+    std::span<const float> compute(int y);
 
 private:
     const CoarseProblem &m_coarse;

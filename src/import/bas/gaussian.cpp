@@ -63,7 +63,7 @@ void blurAlong(float *row, int width, const Kernel &kernel)
     }
 }
 
-/// Blurs the columns first..first + count, with a ring of the rows as they were.
+/// Blurs the columns first..first + count, with a ring of the unblurred rows.
 void blurAcross(FloatGrid &grid, int first, int count, const Kernel &kernel)
 {
     const int ringRows = 2 * kernel.reach + 1;

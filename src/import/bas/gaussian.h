@@ -5,8 +5,9 @@
 
 namespace marlowen {
 
-/// Blurs a grid in place with a Gaussian of this standard deviation in cells; beyond the border
-/// there are zeros. Below a fifth of a cell nothing is done. False when the user cancelled.
+/// Blurs a grid in place with a Gaussian of this standard deviation in cells; values
+/// beyond the border are 0. Below a fifth of a cell the grid is not changed. False when the user
+/// cancelled.
 bool blur(FloatGrid &grid, float sigmaCells, WorkMeter &meter);
 
 } // namespace marlowen

@@ -98,7 +98,7 @@ CELL_LOOP void addToFilled(const float *correction, const float *mass, float *va
 
 bool relaxByColours(int rows, int width, const RowRelaxer &relaxRow, WorkMeter &meter)
 {
-    // The second colour of the first and last row of a band needs the bands beside it and waits.
+    // The second colour of the first and last row of a band needs the neighbouring bands and waits.
     std::vector<uint8_t> waiting(static_cast<size_t>(rows));
     const auto band = [&](int first, int end) {
         std::vector<float> bordered(static_cast<size_t>(width) + 2);
@@ -120,14 +120,17 @@ bool relaxByColours(int rows, int width, const RowRelaxer &relaxRow, WorkMeter &
     return true;
 }
 
-CELL_LOOP void sumPairs(const float *values, int count, float *sums)
+CELL_LOOP void sumPairs(std::span<const float> values, std::span<float> sums)
 {
+    const float *in = values.data();
+    float *out = sums.data();
+    const int count = static_cast<int>(values.size());
     const int pairs = count / 2;
 #pragma omp simd
     for (int x = 0; x < pairs; ++x)
-        sums[x] = values[2 * x] + values[2 * x + 1];
+        out[x] = in[2 * x] + in[2 * x + 1];
     if (count % 2 != 0)
-        sums[pairs] = values[count - 1];
+        out[pairs] = in[count - 1];
 }
 
 CoarseRow::CoarseRow(const CoarseProblem &coarse)
@@ -138,7 +141,7 @@ CoarseRow::CoarseRow(const CoarseProblem &coarse)
 {
 }
 
-const float *CoarseRow::compute(int y)
+std::span<const float> CoarseRow::compute(int y)
 {
     const int row = y / 2;
     const int other = y % 2 == 0 ? row - 1 : row + 1;
@@ -149,7 +152,7 @@ const float *CoarseRow::compute(int y)
     mixCoarseRows(cells, m_coarse.mass.row(other), m_values.data(), m_shares.data(),
                   m_coarse.mass.grid.width);
     mixCoarseColumns(m_values.data(), m_shares.data(), m_row.data(), m_coarse.mass.width);
-    return m_row.data();
+    return m_row;
 }
 
 bool CoarseLevel::relax(WorkMeter &meter)
@@ -172,7 +175,7 @@ bool CoarseLevel::restrictTo(CoarseProblem &coarse, WorkMeter &meter)
             std::fill(sums.begin(), sums.end(), 0.0F);
             for (int y = 2 * row; y < std::min(2 * row + 2, height()); ++y)
                 addCoarseRest(cellsOf(m_problem, y), sums.data(), width(), m_screening);
-            sumPairs(sums.data(), width(), coarse.rhs.row(row) + 1);
+            sumPairs(sums, {coarse.rhs.row(row) + 1, (sums.size() + 1) / 2});
         }
     });
 }
@@ -182,7 +185,7 @@ bool CoarseLevel::correctFrom(const CoarseProblem &coarse, WorkMeter &meter)
     return meter.rows(height(), width(), [&](int first, int end) {
         CoarseRow correction(coarse);
         for (int y = first; y < end; ++y)
-            addToFilled(correction.compute(y), m_problem.mass.row(y) + 1,
+            addToFilled(correction.compute(y).data(), m_problem.mass.row(y) + 1,
                         m_problem.correction.row(y) + 1, width());
     });
 }

@@ -18,7 +18,7 @@ struct FineRow
     const uint8_t *links;
 };
 
-/// Relaxes a row of which row.here is a copy with a zero before and behind. (Reading back what was
+/// Relaxes a row of which row.here is a copy with a zero before and after. (Reading back what was
 /// just written would hold up the vector loop.)
 CELL_LOOP void relaxCells(const FineRow &row, float *surface, int count, int colour,
                           float screening)
@@ -36,7 +36,7 @@ CELL_LOOP void relaxCells(const FineRow &row, float *surface, int count, int col
     }
 }
 
-/// Adds what is left of the right-hand side of a row to sums of its columns.
+/// Adds the residual of a row to sums of its columns.
 CELL_LOOP void addRest(const FineRow &row, float *sums, int count, float screening)
 {
     const FineRow r = row;
@@ -138,7 +138,7 @@ bool FineLevel::restrictTo(CoarseProblem &coarse, WorkMeter &meter)
                 addRest({_rowOrZeros(y - 1), m_surface.row(y), _rowOrZeros(y + 1), m_rhs.row(y),
                          _links(y)},
                         sums.data(), m_surface.width, m_screening);
-            sumPairs(sums.data(), m_surface.width, coarse.rhs.row(row) + 1);
+            sumPairs(sums, {coarse.rhs.row(row) + 1, (sums.size() + 1) / 2});
         }
     });
 }
@@ -148,7 +148,8 @@ bool FineLevel::correctFrom(const CoarseProblem &coarse, WorkMeter &meter)
     return meter.rows(m_surface.height, m_surface.width, [&](int first, int end) {
         CoarseRow correction(coarse);
         for (int y = first; y < end; ++y)
-            addCorrection(correction.compute(y), _links(y), m_surface.row(y), m_surface.width);
+            addCorrection(correction.compute(y).data(), _links(y), m_surface.row(y),
+                          m_surface.width);
     });
 }
 

@@ -49,7 +49,7 @@ public:
     virtual ~PoissonLevel() = default;
     /// One pass of Gauss-Seidel over the cells coloured as on a chess board.
     virtual bool relax(WorkMeter &meter) = 0;
-    /// Sums of what is left of the right-hand side, to the coarser right-hand side.
+    /// Restricts the residual, by sums, to the right-hand side of the coarser level.
     virtual bool restrictTo(CoarseProblem &coarse, WorkMeter &meter) = 0;
     /// Adds the correction of the coarser level, interpolated between filled coarse cells.
     virtual bool correctFrom(const CoarseProblem &coarse, WorkMeter &meter) = 0;
@@ -63,7 +63,7 @@ public:
 /// is 0 at both ends.
 using RowRelaxer = std::function<void(int y, int colour, std::vector<float> &bordered)>;
 /// Calls relaxRow for the cells of colour 0 of all rows, then for those of colour 1; a call may
-/// change cells of its colour only and read the rows beside it. Within a band the second colour
+/// change cells of its colour only and read the neighbouring rows. Within a band the second colour
 /// follows closely, while the rows are in the cache. False when the user cancelled.
 bool relaxByColours(int rows, int width, const RowRelaxer &relaxRow, WorkMeter &meter);
 

@@ -10,7 +10,7 @@
 namespace marlowen {
 namespace {
 
-/// A row of a surface and of its mask with a cell of zeros before and behind.
+/// A row of a surface and of its mask with a cell of zeros before and after.
 struct BorderedRow
 {
     std::vector<float> heights;

@@ -2,6 +2,7 @@
 
 #include "base/qevsettings.h"
 #include "files/drafteonmap.h"
+#include "files/formats.h"
 #include "files/patternfile.h"
 #include "relief/grid/relief.h"
 #include "ui/commandset.h"
@@ -74,12 +75,12 @@ void ExportController::_showForecast()
         m_page->clearForecast();
 }
 
-QString ExportController::_askForTarget(const QString &ending) const
+QString ExportController::_askForTarget(const Format &format) const
 {
     const QString name = QFileInfo(m_bench.file()).completeBaseName();
-    return askForTarget(m_window,
-                        {tr("Export"), tr("Export (*.%1);;").arg(ending), ending,
-                         QLatin1Char('.') + ending, QevSettings().lastExportFolder(), name});
+    const QString suffix = QLatin1String(format.ending);
+    return askForTarget(m_window, {tr("Export"), tr("Export (*%1);;").arg(suffix), suffix.mid(1),
+                                   suffix, QevSettings().lastExportFolder(), name});
 }
 
 void ExportController::_exportMesh(MeshFormat format)
@@ -87,8 +88,7 @@ void ExportController::_exportMesh(MeshFormat format)
     if (!m_bench.relief() || dialogsOpen())
         return;
     m_bench.endStroke();
-    const QString path =
-        _askForTarget(format == MeshFormat::Stl ? QStringLiteral("stl") : QStringLiteral("obj"));
+    const QString path = _askForTarget(meshFormat(format));
     if (path.isEmpty())
         return;
     try {
@@ -143,7 +143,7 @@ void ExportController::exportPattern()
     if (!m_bench.relief() || dialogsOpen())
         return;
     m_bench.endStroke();
-    const QString path = _askForTarget(QStringLiteral("ptr"));
+    const QString path = _askForTarget(patternFormat());
     if (path.isEmpty())
         return;
     ProgressBox progress(tr("Exporting"), m_window);

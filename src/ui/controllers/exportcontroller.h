@@ -14,6 +14,7 @@ namespace marlowen {
 class CommandSet;
 class ExportEstimate;
 class ExportPage;
+struct Format;
 class Workbench;
 
 /// The export commands, what their page shows, and the hand-over of the relief to the sister
@@ -54,7 +55,7 @@ signals:
 
 private:
     void _exportMesh(MeshFormat format);
-    QString _askForTarget(const QString &ending) const;
+    QString _askForTarget(const Format &format) const;
     bool _reduce();
     bool _mayBeLarge(MeshFormat format);
     void _written(const QString &path, const QString &line);

@@ -9,6 +9,7 @@
 #include "relief/grid/relief.h"
 #include "ui/commandset.h"
 #include "ui/controllers/dialogs.h"
+#include "ui/controllers/importcontroller.h"
 #include "ui/controllers/openablefiles.h"
 #include "ui/newreliefdialog.h"
 #include "workbench/workbench.h"
@@ -27,7 +28,10 @@ using Loaded = Result<std::unique_ptr<Relief>>;
 
 namespace {
 
-constexpr char depthKey[] = "/state/import/depth";
+QString depthKey()
+{
+    return importKey(fieldOf(importFields(), &ImportSettings::depth).info);
+}
 
 } // namespace
 
@@ -43,7 +47,7 @@ bool FileController::openFile(const QString &path)
     if (!opensInWindow(path)) {
         logWarning() << "Unknown file type" << path << "\n";
         logFlush();
-        emit said(tr("%1 is no file that Marlowen opens.").arg(QFileInfo(path).fileName()), 5000);
+        emit said(tr("Marlowen cannot open files like %1.").arg(QFileInfo(path).fileName()), 5000);
         return false;
     }
     if (dialogsOpen())
@@ -71,14 +75,14 @@ void FileController::rememberDepth(double cells)
 {
     const Format *format = formatOf(m_bench.file());
     if (format && format->opensAs == OpensAs::Picture)
-        QevSettings().setValue(QLatin1String(depthKey), cells);
+        QevSettings().setValue(depthKey(), cells);
 }
 
 /// A picture's depth is a share of its size until a person chose one.
 ImportSettings FileController::_openingSettings() const
 {
     ImportSettings settings = m_bench.session().openingSettings();
-    const QVariant depth = QevSettings().value(QLatin1String(depthKey));
+    const QVariant depth = QevSettings().value(depthKey());
     settings.proposeDepth = !depth.isValid();
     settings.depth = depth.toDouble();
     return clampedFields(importFields(), settings);
@@ -188,9 +192,10 @@ bool FileController::saveAs()
     if (!m_bench.relief())
         return false;
     const QString name = QFileInfo(m_bench.file()).completeBaseName();
-    const QString path = askForTarget(
-        m_window, {tr("Save WorkSpace"), tr("Sculpt Work Space (*.scp);;"), QStringLiteral(".scp"),
-                   QStringLiteral(".scp"), QevSettings().lastFolder(), name});
+    const QString ending = QLatin1String(workspaceFormat().ending);
+    const QString path =
+        askForTarget(m_window, {tr("Save WorkSpace"), tr("Sculpt Work Space (*%1);;").arg(ending),
+                                ending, ending, QevSettings().lastFolder(), name});
     return !path.isEmpty() && _saveTo(path);
 }
 

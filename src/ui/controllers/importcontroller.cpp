@@ -10,26 +10,26 @@
 
 namespace marlowen {
 
-namespace {
-
-QString keyOf(const FieldInfo &info)
+QString importKey(const FieldInfo &info)
 {
     return QStringLiteral("/state/import/") + QLatin1String(info.key);
 }
 
+namespace {
+
 QString flipKey()
 {
-    return keyOf(fieldOf(importFields(), &ImportSettings::flipY).info);
+    return importKey(fieldOf(importFields(), &ImportSettings::flipY).info);
 }
 
-/// The defaults where nothing was ever set.
+/// The defaults for fields that were never set.
 ImportSettings rememberedSettings()
 {
     const QevSettings store;
     ImportSettings settings;
     for (const Field<ImportSettings> &field : importFields()) {
         bool number = false;
-        const double value = store.value(keyOf(field.info)).toDouble(&number);
+        const double value = store.value(importKey(field.info)).toDouble(&number);
         if (number && field.info.has(StartsNextImport))
             field.store(settings, value);
     }
@@ -82,13 +82,13 @@ void ImportController::_remember()
     const ImportSettings &now = m_bench.session().openingSettings();
     for (const Field<ImportSettings> &field : importFields()) {
         if (field.value(now) != field.value(m_remembered))
-            QevSettings().setValue(keyOf(field.info), field.value(now));
+            QevSettings().setValue(importKey(field.info), field.value(now));
     }
     m_remembered = now;
     _showNotice();
 }
 
-/// Also when the answer was to leave it as it is.
+/// Also when the answer was not to flip.
 void ImportController::_flipAnswered()
 {
     m_panel->flush();

@@ -3,6 +3,7 @@
 #include "import/importsettings.h"
 
 #include <QObject>
+#include <QString>
 
 class QWidget;
 
@@ -10,6 +11,9 @@ namespace marlowen {
 
 class ImportPanel;
 class Workbench;
+
+/// The key under which the settings store a field of the import.
+QString importKey(const FieldInfo &info);
 
 /// The commands of an open import, and which of its settings the next start remembers. Dialogs
 /// stand over the window.

@@ -82,12 +82,11 @@ QLayout *PlacePanel::_makeButtons()
 {
     auto *apply = new QPushButton(tr("Apply"));
     apply->setObjectName(QStringLiteral("placeApply"));
-    apply->setToolTip(
-        tr("Keeps the pattern on the relief: one step back takes it off (Enter in the "
-           "2D view)"));
+    apply->setToolTip(tr("Adds the pattern to the relief as one undo step (Enter in the "
+                         "2D view)"));
     auto *cancel = new QPushButton(tr("Cancel"));
     cancel->setObjectName(QStringLiteral("placeCancel"));
-    cancel->setToolTip(tr("Leaves the relief as it was (Esc)"));
+    cancel->setToolTip(tr("Leaves the relief unchanged (Esc)"));
     cancel->setShortcut(Qt::Key_Escape);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(apply, 1);
@@ -115,8 +114,7 @@ NumberField *PlacePanel::_makeCentre(const QString &label)
 SliderField *PlacePanel::_makeSlider(double Placement::*member)
 {
     const Field<Placement> &row = fieldOf(placementFields(), member);
-    static const Placement initial;
-    SliderField *slider = makeSlider(row.info, row.value(initial), this);
+    SliderField *slider = makeSlider(row.info, row.initial(), this);
     slider->setHint(fieldText(row.info.hint));
     m_sliders << Slider{member, slider};
     connect(slider, &SliderField::valueChanged, this, [this, member](double shown) {

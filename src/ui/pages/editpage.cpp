@@ -1,6 +1,8 @@
 #include "ui/pages/editpage.h"
 
 #include "relief/grid/physicalsize.h"
+#include "relief/grid/typedranges.h"
+#include "relief/selection/selectionmodifiers.h"
 #include "relief/tools/toolfields.h"
 #include "ui/commandset.h"
 #include "ui/pages/toolspage.h"
@@ -24,23 +26,16 @@ constexpr CommandRow commandRows[] = {
     {"cropApply", QT_TRANSLATE_NOOP("Commands", "Apply"), "accept",
      QT_TRANSLATE_NOOP("Commands", "Empties everything outside the crop box."), "",
      QT_TRANSLATE_NOOP("Commands", "Choose Crop and drag a box in the 2D view first.")},
-    {"modeNormal", QT_TRANSLATE_NOOP("Commands", "Normal"), "normal_selection",
-     QT_TRANSLATE_NOOP("Commands", "The next shape replaces the selection."), "", "", true},
-    {"modeAdditive", QT_TRANSLATE_NOOP("Commands", "Additive"), "additive_selection",
-     QT_TRANSLATE_NOOP("Commands", "The next shape is added to the selection."), "", "", true},
-    {"modeSubtractive", QT_TRANSLATE_NOOP("Commands", "Subtractive"), "subtractive_selection",
-     QT_TRANSLATE_NOOP("Commands", "The next shape is subtracted from the selection."), "", "",
-     true},
     {"selectNone", QT_TRANSLATE_NOOP("Commands", "Select None"), "select_none",
-     QT_TRANSLATE_NOOP("Commands", "Lets tools act everywhere again."), "Ctrl+D",
+     QT_TRANSLATE_NOOP("Commands", "Clears the selection: tools act everywhere."), "Ctrl+D",
      QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
     {"reselect", QT_TRANSLATE_NOOP("Commands", "Reselect"), "reselect",
-     QT_TRANSLATE_NOOP("Commands", "Brings the last selection back."), "Ctrl+Shift+D",
+     QT_TRANSLATE_NOOP("Commands", "Restores the last selection."), "Ctrl+Shift+D",
      QT_TRANSLATE_NOOP("Commands", "There is no earlier selection of this size.")},
     {"selectAll", QT_TRANSLATE_NOOP("Commands", "Select All"), "select_all",
      QT_TRANSLATE_NOOP("Commands", "Selects every cell."), "Ctrl+A", ""},
     {"selectInvert", QT_TRANSLATE_NOOP("Commands", "Invert Selection"), "invert_selection",
-     QT_TRANSLATE_NOOP("Commands", "Selects what is not selected."), "Ctrl+I",
+     QT_TRANSLATE_NOOP("Commands", "Inverts the selection."), "Ctrl+I",
      QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
     {"selectGrow", QT_TRANSLATE_NOOP("Commands", "Grow"), "grow_selection",
      QT_TRANSLATE_NOOP("Commands", "Widens the selection by the number of cells below."), "",
@@ -50,18 +45,15 @@ constexpr CommandRow commandRows[] = {
      QT_TRANSLATE_NOOP("Commands", "Nothing is selected.")},
 };
 
-/// In the order of SelectionModifier.
-constexpr const char *modifierCommands[] = {"modeNormal", "modeAdditive", "modeSubtractive"};
-
-constexpr int mostGrowth = 200;
 constexpr int firstGrowth = 4;
-constexpr double highestSample = 1e4; ///< inches
 
 } // namespace
 
 void EditPage::addCommands(CommandSet &commands)
 {
     commands.add(commandRows);
+    for (const SelectionModifierRow &row : selectionModifiers())
+        commands.add(CommandRow{row.command, row.name, row.icon, row.hint, "", "", true});
 }
 
 EditPage::EditPage(RibbonPage &page, CommandSet &commands, const ToolActions &tools,
@@ -84,13 +76,13 @@ void EditPage::_addShapes(RibbonPage &page, const ToolActions &tools)
     m_group->breakColumn();
     auto *modes = new QActionGroup(this);
     int modifier = 0;
-    for (const char *id : modifierCommands) {
-        QAction *action = m_commands[id];
+    for (const SelectionModifierRow &row : selectionModifiers()) {
+        QAction *action = m_commands[row.command];
         action->setData(modifier++);
         modes->addAction(action);
         m_group->addSmallButton(action);
     }
-    m_commands["modeNormal"]->setChecked(true);
+    modes->actions().constFirst()->setChecked(true);
     connect(modes, &QActionGroup::triggered, this, [this](const QAction *action) {
         emit modifierChosen(static_cast<SelectionModifier>(action->data().toInt()));
     });
@@ -100,7 +92,7 @@ void EditPage::_addShapes(RibbonPage &page, const ToolActions &tools)
     m_growBy = new NumberField;
     m_growBy->setObjectName(QStringLiteral("growBy"));
     m_growBy->setDecimals(0);
-    m_growBy->setRange(1, mostGrowth);
+    m_growBy->setRange(growthRange.minimum, growthRange.maximum);
     m_growBy->setValue(firstGrowth);
     m_growBy->setSuffix(tr(" cells"));
     m_growBy->setAccessibleName(tr("Grow and shrink by"));
@@ -172,7 +164,7 @@ void EditPage::showSample(double inches, int unit)
     const QSignalBlocker quiet(m_sample);
     m_inchesPerUnit = shown.inches;
     m_sample->setDecimals(shown.decimals);
-    m_sample->setMaximum(highestSample / shown.inches);
+    m_sample->setMaximum(sampleRangeInches.maximum / shown.inches);
     m_sample->setSingleStep(shown.inches < 1.0 ? 0.5 : 0.01);
     m_sample->setSuffix(QLatin1Char(' ') + unitLabel(shown));
     m_sample->setValue(inches / shown.inches);

@@ -2,6 +2,7 @@
 
 #include "base/numbertext.h"
 #include "relief/grid/physicalsize.h"
+#include "relief/grid/typedranges.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
 #include "ui/ribbon/numberfield.h"
@@ -59,7 +60,6 @@ constexpr const char *axisLabels[] = {QT_TRANSLATE_NOOP("marlowen::SizeRows", "S
                                       QT_TRANSLATE_NOOP("marlowen::SizeRows", "Scale Z")};
 constexpr int zAxis = 2;
 const QString widestSize = QStringLiteral("8888.88 × 8888.88 × 888.88 mm");
-constexpr double largestInches = 10000.0;
 
 /// Decimals that show a cell, or three figures of a size that is smaller than that.
 int decimalsOf(double size, const LengthUnit &unit)
@@ -219,7 +219,7 @@ void SizeRows::_showRow(size_t axis)
     NumberField *field = m_fields[axis];
     const QSignalBlocker quiet(field);
     field->setDecimals(decimalsOf(size, unit));
-    field->setRange(0.0, std::max(largestInches / unit.inches, size));
+    field->setRange(0.0, std::max(axisSizeRangeInches.maximum / unit.inches, size));
     field->setSingleStep((axis == zAxis ? 0.05 : 0.5) / unit.inches);
     field->setSuffix(QLatin1Char(' ') + unitLabel(unit));
     field->setValue(size);

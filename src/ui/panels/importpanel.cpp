@@ -1,6 +1,7 @@
 #include "ui/panels/importpanel.h"
 
 #include "relief/grid/physicalsize.h"
+#include "relief/grid/typedranges.h"
 #include "ui/icons.h"
 #include "ui/panels/noticebar.h"
 #include "ui/panels/panelcontrols.h"
@@ -19,8 +20,6 @@
 namespace marlowen {
 
 namespace {
-
-constexpr double largestDepthInches = 1000.0;
 
 double cellsIn(int unit)
 {
@@ -95,7 +94,7 @@ void ImportPanel::_showDepth()
     const LengthUnit &unit = lengthUnits[static_cast<size_t>(m_unit)];
     const QSignalBlocker quiet(m_depth);
     m_depth->setDecimals(unit.decimals);
-    m_depth->setRange(0.0, largestDepthInches / unit.inches);
+    m_depth->setRange(0.0, importDepthRangeInches.maximum / unit.inches);
     m_depth->setSingleStep(unit.inches < 1.0 ? 0.5 : 0.05);
     m_depth->setSuffix(QLatin1Char(' ') + unitLabel(unit));
     m_depth->setValue(m_wanted.depth / cellsIn(m_unit));
@@ -123,7 +122,7 @@ void ImportPanel::_makeButtons()
 
 void ImportPanel::_makeNotice()
 {
-    m_notice = new NoticeBar(tr("A relief counts its rows from the bottom: turn the picture over?"),
+    m_notice = new NoticeBar(tr("A relief counts its rows from the bottom: flip the picture?"),
                              tr("Flip Y"), this);
     m_notice->hide();
     connect(m_notice, &NoticeBar::accepted, this, [this] { _answerFlip(true); });
@@ -270,7 +269,7 @@ void ImportPanel::_enable()
                m_session->active() ? QString() : tr("No import is open."));
     m_depthLabel->setToolTip(m_depth->toolTip());
     showReason(*m_update, tr("Computes the bas-relief again."), _updateReason());
-    showReason(*m_compare, tr("Shows the heights without the bas-relief while it is held."),
+    showReason(*m_compare, tr("Shows the heights without the bas-relief while it is pressed."),
                m_session->canCompare() ? QString() : tr("No bas-relief is shown."));
     showReason(*m_accept, tr("Ends the import; the relief is ready to be sculpted."),
                m_session->active() ? QString() : tr("No import is open."));
