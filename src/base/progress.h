@@ -4,7 +4,7 @@
 
 namespace marlowen {
 
-/// Long work reports here; whoever started it decides how that is shown. The default shows nothing
+/// Long work reports here; the caller decides how that is shown. The default shows nothing
 /// and never cancels.
 class Progress
 {

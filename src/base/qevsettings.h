@@ -21,11 +21,11 @@ public:
     void addRecentFile(const QString &path);
 
     /// Stores the canonical path of the file in "lastDir" and adds it to the recent files. A file
-    /// that does not exist has an empty canonical path, which is stored as it is.
+    /// that does not exist has an empty canonical path, which is stored unchanged.
     void setLastFile(const QString &file);
     /// Canonical folder of the last file, empty when that file is gone.
     QString lastFolder() const;
-    /// The stored path as it is.
+    /// The stored path, unchanged.
     QString lastFile() const;
 
     /// Stores the canonical folder of the exported file.

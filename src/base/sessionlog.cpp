@@ -39,7 +39,7 @@ public:
             m_stream << "Starting Marlowen 3 log: " << _now() << "\n";
             return;
         }
-        // What follows is lost, without a complaint of the toolkit about every entry.
+        // Later entries are lost, without a warning of the toolkit about each of them.
         m_file.setFileName(QProcess::nullDevice());
         m_file.open(QIODevice::WriteOnly);
         if (failureHandler()) {

@@ -22,7 +22,7 @@ constexpr qint64 blockCells = 65536;
 constexpr qint64 cellBytes = sizeof(float);
 /// Faster than the usual level 6 by a third and larger by a few hundredths.
 constexpr int deflateLevel = 3;
-/// A deflated byte never stands for more plain ones.
+/// Largest number of bytes that one deflated byte can stand for.
 constexpr qint64 highestRatio = 1032;
 
 enum BlockForm : quint8 { Plain = 0, Deflated = 1 };

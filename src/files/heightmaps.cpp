@@ -41,7 +41,7 @@ bool isSpace(char character)
     return character == ' ' || character == '\t' || character == '\n' || character == '\r';
 }
 
-/// The next word of the text and, behind it, one separator.
+/// The next word of the text and the one separator after it.
 QByteArray nextWord(const QByteArray &text, qint64 &position)
 {
     while (position < text.size() && isSpace(text[position]))

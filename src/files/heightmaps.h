@@ -13,7 +13,7 @@ namespace marlowen {
 /// Height maps that other programs read.
 
 /// PFM, the portable float map: "Pf", width and height, a scale whose sign is the byte order
-/// (negative: little-endian, which is what is written), then rows from the bottom one up. Values
+/// (negative: little-endian, as written here), then rows from the bottom one up. Values
 /// are written unchanged. https://www.pauldebevec.com/Research/HDR/PFM/
 Outcome savePfm(const GridView &grid, const QString &path);
 /// Reads grey maps ("Pf") of either byte order. Values may be anything, NaN included. Takes no

@@ -39,7 +39,7 @@ constexpr AttributeRow attributeRows[] = {
     {4, &PatternAttributes::created},
 };
 
-/// A double that reads back as it was; the container's own doubles keep ten digits.
+/// A double that reads back unchanged; the container's own doubles keep ten digits.
 QString exactText(double value)
 {
     return QString::number(value, 'g', QLocale::FloatingPointShortest);

@@ -48,7 +48,7 @@ inline constexpr int patternThumbnailSide = 256;
 /// The attributes of a pattern made now: the file's name without its ending as title.
 PatternAttributes newPatternAttributes(const QString &path, const QString &units);
 
-/// What is written besides the heights.
+/// The values written in addition to the heights.
 struct PatternToSave
 {
     PatternAttributes attributes;
@@ -56,14 +56,14 @@ struct PatternToSave
     GridView heights;
 };
 
-/// Writes beside the target and renames. Fails with saveFailed(), also when cancelled, leaving a
-/// file that was there as it was.
+/// Writes a temporary file and renames it. Fails with saveFailed(), also when cancelled; an
+/// existing file then stays unchanged.
 Outcome savePattern(const PatternToSave &pattern, const QString &path, Progress &progress);
 
-/// Fails with openFailed(), or with "Invalid File" and one sentence when the file is no pattern, is
-/// damaged or cut short (told by a digest over all of it), or is of a later version. Heights that
-/// no relief may hold become 0 and the session log says how many. Memory is taken as the heights
-/// arrive. Fails with loadFailed() when cancelled.
+/// Fails with openFailed(), or with "Invalid File" and one sentence when the file is not a pattern,
+/// is damaged or truncated (a digest covers all of it), or is of a later version. Invalid heights
+/// (negative, NaN, infinite) become 0; the session log gives their number. Memory is taken as the
+/// heights arrive. Fails with loadFailed() when cancelled.
 Result<Pattern> loadPattern(const QString &path, Progress &progress);
 
 /// A pattern as a relief of its heights and Z scale; fails as loadPattern().

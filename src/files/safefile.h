@@ -21,16 +21,16 @@ Failure saveFailed(const QString &detail = {}); ///< "Save Failed" / "Error! Fil
 /// reason.
 Outcome openRegularFile(QFile &file, Failure failure);
 
-/// Writes a file that is whole or not there: `write` fills a temporary beside the target, which
-/// takes the target's place only when everything reached the disk. `write` returns false to give up
-/// (a bad stream, a cancelled computation). A target that is no ordinary file (a device, a pipe) is
-/// written directly. Fails with `unopened` when the target cannot be opened and with saveFailed()
-/// later.
+/// Writes a file completely or not at all: `write` fills a temporary file in the target's folder,
+/// which replaces the target only when everything has reached the disk. `write` returns false to
+/// give up (a bad stream, a cancelled computation). A target other than a regular file (a device, a
+/// pipe) is written directly. Fails with `unopened` when the target cannot be opened and with
+/// saveFailed() later.
 Outcome writeSafely(const QString &path, const std::function<bool(QIODevice &)> &write,
                     const Failure &unopened = saveFailed());
 
 /// Waits until the name of a new or renamed file is on the disk; best effort, as not every file
-/// system knows it.
+/// system supports it.
 void syncName(const QString &path);
 
 } // namespace marlowen

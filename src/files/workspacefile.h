@@ -12,8 +12,8 @@ namespace marlowen {
 /// The workspace file (".scp"): magic 0x50744D77, version 1, then the relief as reliefstream.h
 /// writes it; 40 + 16 * width * height bytes, big-endian.
 
-/// Writes beside the target and renames; fails with "Save Failed" / "Error! File I/O Error",
-/// leaving a file that was there as it was.
+/// Writes a temporary file and renames it; fails with "Save Failed" / "Error! File I/O Error"; an
+/// existing file then stays unchanged.
 Outcome saveWorkspace(const Relief &relief, const QString &path);
 
 /// Fails with "Open Failed" / "Error! File Open Failed", "Invalid File" / "Error! File has invalid

@@ -15,7 +15,7 @@ class Pulse;
 /// x, y, z in inches: (column / 128, row / 128, height / 128 * zFactor).
 using SurfacePoint = std::array<double, 3>;
 
-/// Two cells, in the direction in which their facet goes round: the facet lies to the left.
+/// Two cells, in the direction of circulation of their facet: the facet lies to the left.
 using CellEdge = std::array<uint32_t, 2>;
 
 /// Facets between points of a height grid, counter-clockwise seen from above: those of a list, or

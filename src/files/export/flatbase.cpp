@@ -11,7 +11,7 @@ constexpr uint32_t none = GridTriangulation::none;
 /// A cell with more triangles around it stays: filling its hole would take long.
 constexpr std::size_t mostSpokes = 48;
 
-/// The cell beyond an edge of the hole and what lies against the edge that begins there.
+/// The cell beyond an edge of the hole and the neighbour across the edge that begins there.
 struct RingCell
 {
     uint32_t cell;
@@ -31,7 +31,7 @@ public:
         joinEdges();
     }
 
-    /// Goes over all corners until no cell can be taken out any more.
+    /// Visits all corners until no further cell can be removed.
     std::vector<CellTriangle> run()
     {
         for (bool changed = true; changed && m_pulse.look();) {
@@ -95,8 +95,8 @@ void Thinning::joinEdges()
     }
 }
 
-/// Collects what lies around the cell at which an edge begins; false on the border, and where too
-/// much lies around it.
+/// Collects the neighbourhood of the cell at which an edge begins; false on the border, and where
+/// it is too large.
 bool Thinning::findRing(uint32_t edge)
 {
     m_ring.clear();
@@ -112,7 +112,7 @@ bool Thinning::findRing(uint32_t edge)
     return spoke == edge;
 }
 
-/// The triangle of a place and its neighbours lies in what is left of the hole and has an area.
+/// The triangle of a place and its neighbours lies in the rest of the hole and has an area.
 bool Thinning::isEar(std::size_t at) const
 {
     const std::size_t count = m_left.size();

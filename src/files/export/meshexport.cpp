@@ -69,7 +69,7 @@ ExportMesh reducedMesh(const Relief &relief, const ExportOptions &options,
                   progress);
 }
 
-/// What is being written, and the count of its STL.
+/// The mesh being written, and the count of its STL.
 struct Contents
 {
     const ExportMesh &mesh;
@@ -210,7 +210,7 @@ Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options
         if (!full)
             return full;
         MeshReport report = full.take();
-        report.reduced = true; // it was asked for, and the report tells what became of it
+        report.reduced = true; // it was asked for, and the report gives its result
         return report;
     }
     Progress silent;

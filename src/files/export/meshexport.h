@@ -19,7 +19,7 @@ double toleranceInches(const ExportOptions &options);
 
 enum class MeshFormat { Stl, Obj };
 
-/// What was written.
+/// The result of an export.
 struct MeshReport
 {
     bool reduced = false; ///< fewer facets than the grid has triangles
@@ -31,7 +31,7 @@ struct MeshReport
 /// One line: facets and the largest error, and whether a limit was in the way.
 QString describe(const MeshReport &report);
 
-/// What an export of some options will write, as far as it is known before.
+/// The estimated result of an export.
 struct MeshForecast
 {
     bool reduced = false;
@@ -55,7 +55,7 @@ uint64_t fileBytes(MeshFormat format, uint64_t facets);
 /// more triangles.
 std::optional<ReductionGoal> reductionGoal(const Relief &relief, const ExportOptions &options);
 
-/// Where a mesh goes.
+/// The target file of a mesh.
 struct MeshTarget
 {
     QString path;
@@ -64,7 +64,7 @@ struct MeshTarget
 };
 
 /// Reduces the relief as far as the options ask and writes it, its Z scale applied. Fails with
-/// "Save Failed", also when it is cancelled; the file that was there stays.
+/// "Save Failed", also when it is cancelled; an existing file then stays unchanged.
 Result<MeshReport> exportMesh(const Relief &relief, const ExportOptions &options,
                               const MeshTarget &target);
 /// Writes what a reduction of these options has ended with. One that ran out of memory although no

@@ -97,7 +97,7 @@ bool Fio::readTag(quint16 typeId, void **out)
              static_cast<int>(count));
         return failCorrupted();
     }
-    // Under the key of this index lies the object itself or one of another type.
+    // The key of this index belongs to the object itself or to one of another type.
     const Reference *found = _find(index, typeId);
     if (!found) {
         const auto other = m_references.lower_bound({index, quint16{0}});

@@ -17,7 +17,7 @@ namespace marlowen {
 template <typename T, typename... Types>
 concept OneOf = (std::same_as<T, Types> || ...);
 
-/// What a container holds besides raw data. On disk (integers most significant byte first):
+/// The values of a container other than raw data. On disk (integers most significant byte first):
 /// - quint8, quint16, qint16, quint32: 1, 2, 2, 4 bytes; bool: 1 byte, any but 0 reads as true
 /// - QString: 16-bit count of bytes, then UTF-8; FF FF for a null string; at most 65530 bytes
 /// - double, float: a QString of its decimal text with 10 significant digits
@@ -47,7 +47,7 @@ public:
     /// The index of an object in the reference table, in the order of first reference; entered when
     /// it is new. Nothing for a null object.
     std::optional<quint32> getRef(quint16 typeId, const void *object);
-    /// Writes the index; `bodyWritten` tells whether the object's body follows an earlier
+    /// Writes the index; `bodyWritten` is set when the object's body follows an earlier
     /// reference. When it does not, the caller writes the body next.
     bool writeRef(quint16 typeId, const void *object, bool &bodyWritten);
 

@@ -23,7 +23,7 @@ struct FioHeader
 
     /// Empty when the key is not there.
     QString attribute(quint8 key) const;
-    /// Replaces the value of a key; an empty value removes the key. Key 0 is no key.
+    /// Replaces the value of a key; an empty value removes the key. Key 0 is invalid.
     void setAttribute(quint8 key, const QString &value);
 
     bool write(Fio &fio) const;

@@ -27,7 +27,7 @@ public:
     using ByteTransform = std::function<quint8(quint8)>;
 
     FioStream() = default;
-    /// Closes a file that was opened by path; a device is left as it is.
+    /// Closes a file that was opened by path; a device stays open.
     virtual ~FioStream() = default;
     FioStream(const FioStream &) = delete;
     FioStream &operator=(const FioStream &) = delete;

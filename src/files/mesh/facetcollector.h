@@ -15,7 +15,7 @@ public:
 
     /// One facet. A facet that is not finite, or has two equal corners, is a problem and left out.
     void add(const std::array<CornerWeld::Corner, 3> &facet);
-    /// Welds what was added since; to be called at the end.
+    /// Welds the facets added since the last call; to be called at the end.
     void flush();
 
 private:

@@ -6,7 +6,7 @@
 
 namespace marlowen {
 
-/// What was wrong in a mesh file that was read all the same: how many problems, and the first of
+/// The problems of a mesh file that could still be read: their number, and the first of
 /// them. Each goes to the session log as a warning; from the thousandth on they are only counted.
 class MeshProblems
 {

@@ -14,7 +14,7 @@ namespace marlowen {
 namespace {
 
 constexpr qint64 largestFile = qint64{48} << 20;
-/// What is lowest is not empty.
+/// The lowest points are not empty cells.
 constexpr double floorHeight = 1.0;
 
 using Corners = std::array<MeshPoint, 3>;

@@ -7,7 +7,7 @@ namespace marlowen {
 
 /// The mesh of a file as seen from above, lit, at most `side` pixels wide and high (1 or more).
 /// Null when it cannot be read, has no extent in x or y, or the file is so large that reading it
-/// would hold up whoever waits for the picture.
+/// would take too long for a thumbnail.
 QImage meshThumbnail(const QString &path, int side);
 
 } // namespace marlowen

@@ -16,7 +16,7 @@ constexpr std::array<ModelTurnRow, 7> turnRows{{
     {ModelTurn::Flip, "flip"},
 }};
 
-/// What one turn puts along each axis as seen: which of the axes before it, and its sign.
+/// The effect of one turn on each axis as seen: the axis that moves there, and its sign.
 struct TurnMatrix
 {
     std::array<size_t, 3> from;
@@ -58,7 +58,7 @@ ModelBox ModelPlacement::at(const ModelBox &box) const
     const MeshPoint b = at(box.high);
     ModelBox placed;
     for (size_t i = 0; i < 3; ++i) {
-        placed.low[i] = std::min(a[i], b[i]) + 0.0; // no -0 in what people read
+        placed.low[i] = std::min(a[i], b[i]) + 0.0; // -0 is not shown
         placed.high[i] = std::max(a[i], b[i]) + 0.0;
     }
     return placed;

@@ -65,7 +65,7 @@ private:
     MeshProblems m_problems;
     PolygonTessellator m_tessellator;
     bool m_allFinite = true;        ///< every position read so far
-    std::vector<qint64> m_ids;      ///< of the face that is being read, as they stand in the file
+    std::vector<qint64> m_ids;      ///< of the face that is being read, as given in the file
     std::vector<quint32> m_corners; ///< of that face, as places in the positions
     std::vector<qint64> m_lateIds;
     std::vector<LateFace> m_lateFaces;

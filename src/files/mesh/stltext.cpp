@@ -88,7 +88,7 @@ private:
     void _takeKeyword(std::string_view token)
     {
         const bool known = _takeFacetKeyword(token) || _takeSolidKeyword(token);
-        // A run of words that mean nothing is one problem; inside a facet it spoils the facet.
+        // A run of unknown words is one problem; inside a facet it invalidates the facet.
         if (!known && !m_lost && !m_inFacet)
             m_problems.add("STL: unknown word (", token, ")");
         m_bad = m_bad || !known;

@@ -15,7 +15,7 @@ class TextBlocks
 {
 public:
     /// `separators` is what a block may end with, '\n' among it. The device is open for reading;
-    /// its size, where it has one, tells the progress.
+    /// its size, where it has one, gives the progress.
     TextBlocks(QIODevice &device, Progress &progress, std::string_view separators);
 
     /// The next block, never empty, its last character a separator (a line feed is added to the end

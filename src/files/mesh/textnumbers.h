@@ -72,7 +72,8 @@ inline const char *parsePlainNumber(const char *at, double &value)
         decimals = static_cast<size_t>(at - point);
         count += at - point;
     }
-    // More than 19 digits may have overflown; what does not end here has an exponent or is none.
+    // More than 19 digits may have overflown; text that does not end here has an exponent or is not
+    // a number.
     if (count == 0 || count > 19 || digits > exactIntegers || !endsToken(*at))
         return nullptr;
     const double magnitude = static_cast<double>(digits) / tens[decimals];

@@ -12,7 +12,7 @@ namespace {
 
 enum Compression : quint32 { Plain = 0, RunLength8 = 1, RunLength4 = 2, BitFields = 3 };
 
-/// What the two headers say.
+/// The values of the two headers.
 struct Header
 {
     qint64 dataAt = 0;
@@ -61,7 +61,7 @@ bool readHeader(const QByteArray &bytes, Header &header)
     return true;
 }
 
-/// One run of 4 to 8 bits: its decoder loses what is beyond 8, and makes few bits too dark.
+/// One run of 4 to 8 bits: the decoder drops bits beyond 8, and makes values of few bits too dark.
 bool isUsable(quint32 mask)
 {
     const int bits = std::popcount(mask);

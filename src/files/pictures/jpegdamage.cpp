@@ -13,7 +13,7 @@
 namespace marlowen {
 namespace {
 
-/// How the library tells of faults.
+/// Error handling of the library.
 struct Faults
 {
     jpeg_error_mgr manager; ///< first, so that the library's pointer is this record's
@@ -41,7 +41,7 @@ void noteWarning(j_common_ptr jpeg, int level)
 
 void printNothing(j_common_ptr) {}
 
-/// Goes through the whole file. No object with a destructor lives here: the library leaves by
+/// Goes through the whole file. No object with a destructor may be here: the library leaves by
 /// longjmp.
 bool isSound(const unsigned char *bytes, unsigned long size)
 {

@@ -67,7 +67,7 @@ QImage stripOf(const QImage &image, int first, int count)
 
 GreyPicture greyOf(const QImage &image)
 {
-    // Whatever the format, Qt turns it into colours of 8 or 16 bits; strip by strip, so that the
+    // Qt converts every format into colours of 8 or 16 bits; strip by strip, so that the
     // whole image is never there twice.
     constexpr int stripRows = 64;
     const bool fine = isFine(image);
@@ -90,7 +90,7 @@ GreyPicture greyOf(const QImage &image)
     return grey.take();
 }
 
-/// A picture as it is stored.
+/// A picture before its orientation is applied.
 struct Decoded
 {
     QImage image;

@@ -8,7 +8,7 @@
 namespace marlowen {
 namespace {
 
-/// What a picture that is too large is averaged down to.
+/// The size to which a picture that is too large is averaged down.
 constexpr double roomySquareInches = 999.0;
 
 QSize gridSize(const QSize &pixels)

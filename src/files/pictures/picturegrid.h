@@ -9,7 +9,7 @@
 
 namespace marlowen {
 
-/// What was read of a picture.
+/// The result of reading a picture.
 struct GreyPicture
 {
     FloatGrid values;
@@ -38,7 +38,7 @@ private:
     std::vector<double> m_sums;  ///< of the row of the grid that is being filled
 };
 
-/// Turns a grid by an EXIF or TIFF orientation 1..8; others leave it as it is.
+/// Turns a grid by an EXIF or TIFF orientation 1..8; others do not change it.
 FloatGrid oriented(FloatGrid grid, int orientation);
 
 } // namespace marlowen

@@ -6,13 +6,13 @@ class QIODevice;
 
 namespace marlowen {
 
-/// The pictures that are read. A picture is what its first bytes say, whatever its name; vector
-/// graphics and other formats that a plug-in may know are none.
+/// The pictures that are read. The first bytes decide the kind, not the name; vector graphics and
+/// other formats of plug-ins are None.
 enum class PictureKind { None, Png, Jpeg, Bmp, Tiff };
 
-/// Looks at the first bytes from where the device stands, and leaves it there.
+/// Looks at the first bytes from the device's position, which does not change.
 PictureKind pictureKindOf(QIODevice &device);
-/// The name by which Qt's image reader knows the kind; null for None and Tiff.
+/// The name of the kind in Qt's image reader; null for None and Tiff.
 const char *readerFormat(PictureKind kind);
 
 /// Pictures of more pixels are refused before they are decoded.

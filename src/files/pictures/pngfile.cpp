@@ -14,7 +14,7 @@ namespace {
 constexpr qint64 signatureBytes = 8;
 constexpr qint64 mostExifBytes = 1 << 20;
 constexpr qint64 headerBytes = 13;
-/// No compressed byte stands for more.
+/// Largest number of bytes that one compressed byte can stand for.
 constexpr qint64 mostExpansion = 1032;
 
 struct Chunk
@@ -25,7 +25,7 @@ struct Chunk
     bool sound = false;
 };
 
-/// Reads the chunk where the device stands and stops behind it. Keeps the start of those that are
+/// Reads the chunk at the device's position and stops after it. Keeps the start of those that are
 /// looked at.
 Chunk nextChunk(QIODevice &device)
 {

@@ -17,7 +17,7 @@
 namespace marlowen {
 namespace {
 
-/// A file that promises so many decoded bytes for each of its own is damaged or meant to harm.
+/// A file that claims more decoded bytes for each stored one is damaged or malicious.
 constexpr qint64 mostExpansion = 5000;
 constexpr qint64 smallPicture = 64 << 20;
 
@@ -82,7 +82,7 @@ struct Page
     }
     bool floats() const { return format == SAMPLEFORMAT_IEEEFP && bits == 32; }
     bool coloursByNumber() const { return photometric == PHOTOMETRIC_PALETTE; }
-    /// Whether the samples are read as they are stored.
+    /// Whether the samples are read without conversion.
     bool direct() const
     {
         const bool whole = format == SAMPLEFORMAT_UINT && (bits == 8 || bits == 16);
@@ -145,7 +145,7 @@ std::vector<float> paletteGreys(TIFF *tiff)
     return greys;
 }
 
-/// Reads samples as they are stored, a row of blocks at a time.
+/// Reads samples without conversion, a row of blocks at a time.
 class SampleReader
 {
 public:
@@ -292,7 +292,7 @@ private:
     std::vector<float> m_band;
 };
 
-/// The library shall hand out blocks as they are stored, and not darken colours by their alpha.
+/// The library must return blocks without conversion, and not multiply colours by their alpha.
 void keepAsStored(TIFF *tiff)
 {
     uint16_t count = 0;

@@ -22,7 +22,7 @@ constexpr int shortestPiece = 4096;
 /// Keeps triangulation, states and heap within 250 MB.
 constexpr size_t mostTriangles = 4'800'000;
 
-/// The keys of the heap hold the error, or what stands for it, from this bit on; keys without are
+/// The keys of the heap hold the error, or its substitute, from this bit on; keys without are
 /// those of triangles that spread material.
 constexpr int errorShift = 31;
 constexpr int64_t spreadLimit = (int64_t{1} << errorShift) - 1;
@@ -75,7 +75,7 @@ void FacetReducer::start()
 }
 
 /// A grid that is much longer than wide begins with shorter pieces: facets from one end to the
-/// other would have to be looked at again and again.
+/// other would have to be scanned repeatedly.
 void FacetReducer::cutIntoLengths()
 {
     const bool isWide = m_grid.width > m_grid.height;
@@ -125,8 +125,8 @@ bool FacetReducer::exceeds(float error) const
     return static_cast<double>(error) > m_toleranceCells;
 }
 
-/// Looks at a triangle's points again and puts it where it belongs in the heap: by its error while
-/// that is too large, behind all those while it spreads material, else nowhere.
+/// Scans a triangle's points again and sets its place in the heap: by its error while that is too
+/// large, after all those while it spreads material, else it is not in the heap.
 void FacetReducer::examine(uint32_t triangle)
 {
     const int64_t twice = area(triangle);
@@ -199,7 +199,7 @@ bool FacetReducer::refineOnce()
     return true;
 }
 
-/// What some triangles contribute to the surface: their facets and the border edges at them.
+/// The part of some triangles in the surface: their facets and the border edges at them.
 FacetReducer::Size FacetReducer::sizeOf(const std::vector<uint32_t> &triangles) const
 {
     Size size{0, 0};
@@ -261,7 +261,7 @@ double FacetReducer::largestErrorInches() const
 }
 
 /// The number of facets grows by the same factor with every halving of the error, so that the
-/// logarithm of the error tells how far the work has come.
+/// logarithm of the error measures the progress.
 void FacetReducer::updateProgress()
 {
     double done = 1.0;

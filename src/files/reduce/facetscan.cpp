@@ -145,7 +145,7 @@ FacetScan scanPoints(const Facet &facet, const AnyPlane &plane, int stride)
         const int64_t first = (rows.first() + stride - 1) / stride * stride;
         for (int64_t column = first; column <= rows.last(); column += stride) {
             countHeight(heights[column], scan);
-            // The bits of positive floats are ordered as they are, with NaN above infinity.
+            // The bits of positive floats have the order of their values, with NaN above infinity.
             const auto bits =
                 std::bit_cast<int32_t>(plane.error(column, row, heights[column])) & withoutSign;
             if (bits <= worst)

@@ -26,11 +26,12 @@ constexpr int64_t twiceArea(CellPoint a, CellPoint b, CellPoint c)
 }
 
 /// A Delaunay triangulation of some of a grid's points that always covers the rectangle between its
-/// corner points. All decisions are made in whole numbers, so that no triangle has an area of zero
-/// and no two overlap, whatever is inserted.
+/// corner points. All predicates are computed in integers, so that after any insertion every
+/// triangle has a positive area and no two overlap.
 ///
-/// A triangle is told by its number, 0..count()-1; an insertion reuses the numbers of the triangles
-/// that it removes. An edge is 3 * triangle + k and runs from corner k to corner (k + 1) % 3.
+/// A triangle is identified by its number, 0..count()-1; an insertion reuses the numbers of the
+/// triangles that it removes. An edge is 3 * triangle + k and runs from corner k to corner (k + 1)
+/// % 3.
 ///
 /// After A. Bowyer and D. F. Watson, The Computer Journal 24 (1981).
 class GridTriangulation

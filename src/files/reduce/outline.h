@@ -7,13 +7,13 @@
 
 namespace marlowen {
 
-/// Tells where a relief's material ends, so that a triangle does not spread it over empty cells.
+/// Finds where a relief's material ends, so that a triangle does not extend it over empty cells.
 /// Empty cells beside a cell with a height carry the rim of the outermost triangles of the full
 /// mesh; no triangle of that mesh reaches farther.
 class Outline
 {
 public:
-    /// Knows nothing yet: isPlain().
+    /// Empty: isPlain().
     Outline() = default;
     explicit Outline(const GridView &grid);
 

@@ -41,7 +41,7 @@ private:
 };
 
 /// The cells of `open` that can be reached from a set cell through set cells joined by their sides.
-/// What was reached is taken out of `open`.
+/// The cells reached are removed from `open`.
 CellBits takeConnected(CellBits &open, int column, int row);
 
 } // namespace marlowen

@@ -10,7 +10,7 @@ class GridLayer
 {
 public:
     GridLayer() = default;
-    /// Throws std::bad_alloc when the memory cannot be had.
+    /// Throws std::bad_alloc when there is not enough memory.
     explicit GridLayer(qsizetype size);
     GridLayer(GridLayer &&other) noexcept;
     GridLayer &operator=(GridLayer &&other) noexcept;

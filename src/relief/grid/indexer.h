@@ -44,7 +44,7 @@ public:
     }
     bool isVerticalNeighbor(int a, int b) const { return b >= 0 && (b == up(a) || b == down(a)); }
 
-    /// Columns and rows from a to its neighbour b; (0, 0) when b is no neighbour of a.
+    /// Columns and rows from a to its neighbour b; (0, 0) when b is not a neighbour of a.
     QPointF offset(int a, int b) const;
 
 private:

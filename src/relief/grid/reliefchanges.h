@@ -18,12 +18,12 @@ struct PendingCells
     QRegion cells;
 };
 
-/// Hands one relief's changes to several views. A relief tells only once what changed (its frame
-/// region and its heights-changed and appearance-changed flags); this object takes that from it,
-/// clears it there, and keeps it for every view until that view has drawn it.
+/// Distributes one relief's changes to several views. A relief has one frame region and one pair of
+/// flags (heights changed, appearance changed); this object reads and clears them and keeps the
+/// changes for each view until that view has drawn them.
 ///
 /// The workbench has one, which the views of its relief share (ReliefView::setChanges), and calls
-/// notify() after every change that is no stroke of a view. It owns nothing.
+/// notify() after every change other than a stroke of a view. It does not own the relief.
 class ReliefChanges : public QObject
 {
     Q_OBJECT
@@ -40,14 +40,14 @@ public:
     void setRelief(Relief *relief);
     Relief *relief() const { return m_relief; }
 
-    /// Takes what the relief has to tell. A heights-changed flag without a region means the whole
+    /// Takes the relief's changes over. A heights-changed flag without a region means the whole
     /// relief; an appearance change (height scale, mask, selection) too.
     void collect();
-    /// The same directly after a call of the stroke engine, when a region tells everything: without
+    /// The same directly after a call of the stroke engine, when the region is complete: without
     /// one a heights-changed flag means that the call changed nothing, with one an appearance
     /// change lies inside it (the mask brush). Call collect() before that engine call.
     void collectStroke();
-    /// What is pending for this view; nothing is pending for it afterwards.
+    /// The pending cells of this view, which are cleared.
     PendingCells take(int view);
     bool pending(int view) const;
 
@@ -57,7 +57,7 @@ public:
     HeightRange extent();
 
 public slots:
-    /// Collects and tells the views.
+    /// Calls collect() and emits changed().
     void notify();
 
 signals:

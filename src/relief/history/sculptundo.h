@@ -23,19 +23,19 @@ public:
     virtual void redo() = 0;
     /// Bytes the event accounts for.
     virtual uint32_t size() const = 0;
-    /// Cells of the relief, as it is now, whose heights or mask the event concerns; empty when
-    /// none.
+    /// Cells of the relief, in its present size, whose heights or mask the event concerns; empty
+    /// when none.
     virtual QRect cells() const { return {}; }
 
     bool undone = false;
     bool groupEnd = false;
-    QString name; ///< what the step is called, English; the group's is that of its last event
+    QString name;        ///< name of the step, English; a group has that of its last event
     uint64_t serial = 0; ///< set by the history: higher than that of every event before it
 };
 
 /// The linear history of one relief, bounded by the bytes its events account for. Works with or
-/// without actions attached. A stroke in progress is ended before its history is stepped through:
-/// what it changed is no event yet.
+/// without actions attached. A stroke in progress must be ended before undo() or redo(): its
+/// changes have no event yet.
 class SculptUndo
 {
 public:

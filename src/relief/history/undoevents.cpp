@@ -12,7 +12,7 @@ namespace marlowen {
 
 namespace {
 
-/// Sizes are accounted in 32 bits: what does not fit counts as the most that does, which is beyond
+/// Sizes are accounted in 32 bits: larger ones count as the largest number, which is beyond
 /// the limit of the history either way.
 uint32_t accounted(qsizetype base, qsizetype unit, qsizetype count)
 {
@@ -55,7 +55,7 @@ Patch copyPatch(const GridLayer &layer, int layerWidth, const QRegion &region)
     patch.values = GridLayer(patch.count());
     Q_ASSERT(box.isEmpty() || (box.left() >= 0 && box.top() >= 0 && patch.right <= layerWidth &&
                                static_cast<qsizetype>(patch.bottom) * layerWidth <= layer.size()));
-    // An untouched layer is all 0, and so is the fresh copy.
+    // An unwritten layer is all 0, like the fresh copy.
     if (layer.written() && patch.count() > 0) {
         const float *from =
             layer.constData() + static_cast<qsizetype>(patch.top) * layerWidth + patch.left;

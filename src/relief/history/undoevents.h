@@ -79,7 +79,7 @@ private:
 class SculptResizeEvent : public SculptUndoEvent
 {
 public:
-    /// What a resize replaces beside the dimensions.
+    /// The values that a resize replaces in addition to the dimensions.
     struct State
     {
         Relief::Grid grid;

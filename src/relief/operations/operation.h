@@ -25,20 +25,20 @@ struct EditRun
 
     bool cancelled() const { return progress && progress->cancelled(); }
 
-    SculptUndo *undo;   ///< null: nothing is recorded
-    Progress *progress; ///< null: nothing is shown and nothing cancels
+    SculptUndo *undo;   ///< null: no event is recorded
+    Progress *progress; ///< null: no display and no Cancel
     bool closeGroup;    ///< false: later events join the same step
 };
 
-/// One edit of the relief, ready to run: what the step is called (English, for "Undo %1") and what
-/// it does. It marks the changes in the relief, records them in run.undo as one step, and leaves
-/// the relief as it was when it fails or is cancelled; to be cancelled is no failure. The
-/// operations that commands and scripts offer are rows of operationTable().
+/// One edit of the relief, ready to run: the name of its undo step (English, for "Undo %1") and its
+/// function, which marks the changes in the relief, records them in run.undo as one step, and
+/// leaves the relief unchanged when it fails or is cancelled. Cancelling is not reported as a
+/// failure. The operations that commands and scripts offer are rows of operationTable().
 struct Operation
 {
     QString name;
     std::function<Outcome(Relief &relief, const EditRun &run)> run;
-    bool isWork = true; ///< false: it changes the selection alone, which is no step and not saved
+    bool isWork = true; ///< false: changes the selection alone, which is not a step and not saved
 };
 
 /// A change of the selection, ready to be made.

@@ -15,7 +15,7 @@ inline constexpr FieldRange zScaleRange{1e-6, 1e6};
 /// scale do nothing while a stroke is in progress. They throw std::bad_alloc.
 
 /// Resamples the relief to a new size (relief/operations/resample.h). False, and nothing changed,
-/// below 2 x 2, at the size that is there, while a stroke is in progress, or when cancelled.
+/// below 2 x 2, at the present size, while a stroke is in progress, or when cancelled.
 bool resize(Relief &relief, int newWidth, int newHeight, const EditRun &run);
 
 /// Nothing when the value is the current one, NaN or infinite.

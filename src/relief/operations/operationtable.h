@@ -11,7 +11,7 @@
 
 namespace marlowen {
 
-/// What an operation works with besides the relief.
+/// The input of an operation in addition to the relief.
 struct OperationInput
 {
     std::vector<double> numbers = {}; ///< one for each number of the row, within its range
@@ -27,7 +27,7 @@ struct OperationNumber
 };
 
 /// The buttons among which the window shows an operation that takes no input: beside the mask tool,
-/// or filters beside the tools that restore. None: a page has controls of its own for it.
+/// or filters beside the tools that restore. None: a page has its controls.
 enum class OperationGroup { Masking, Filters, None };
 
 /// One operation on the whole relief. The window's commands with their shortcuts and tool tips, the

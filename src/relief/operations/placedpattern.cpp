@@ -118,7 +118,7 @@ private:
     std::vector<float> m_row;
 };
 
-/// What a cell beside the outline takes from its filled neighbours: their mean height, and the
+/// The values of a cell next to the outline, from its filled neighbours: their mean height, and the
 /// distance to the nearest.
 struct Beside
 {

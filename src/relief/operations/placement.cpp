@@ -28,15 +28,15 @@ constexpr Field<P> rows[] = {
       .control = {.minimum = 5, .maximum = 400, .step = 1, .pageStep = 10, .decimals = 1, .unit = " %", .scale = percentScale}}},
     {&P::join,
      {.key = "join", .label = QT_TRANSLATE_NOOP("Fields", "Join"),
-      .hint = QT_TRANSLATE_NOOP("Fields", "How the pattern meets the heights under it."),
+      .hint = QT_TRANSLATE_NOOP("Fields", "How the pattern combines with the heights under it."),
       .range = {0, 4}, .choices = "Add|Subtract|Highest|Lowest|Replace", .anyCase = true}},
     {&P::strength,
      {.key = "strength", .label = QT_TRANSLATE_NOOP("Fields", "Strength"),
-      .hint = QT_TRANSLATE_NOOP("Fields", "How much of the change is made."),
+      .hint = QT_TRANSLATE_NOOP("Fields", "Share of the change that is made."),
       .range = {0, 1}, .control = {.maximum = 100, .unit = " %", .scale = percentScale}}},
     {&P::softEdge,
      {.key = "softEdge", .label = QT_TRANSLATE_NOOP("Fields", "Soft Edge"),
-      .hint = QT_TRANSLATE_NOOP("Fields", "Lets the pattern fade toward its outline, over this share of the way to its middle."),
+      .hint = QT_TRANSLATE_NOOP("Fields", "Fades the pattern toward its outline, over this share of the distance to its middle."),
       .range = {0, 1}, .control = {.maximum = 100, .unit = " %", .scale = percentScale}}},
 };
 // clang-format on
@@ -49,11 +49,11 @@ struct Mapping
 {
     double column;      ///< of the relief's cell (0, 0)
     double row;         ///<
-    double alongColumn; ///< what a step to the next relief column adds to the level's column
+    double alongColumn; ///< change of the level's column at a step to the next relief column
     double alongRow;    ///< and to its row
 };
 
-/// What the loop over the cells of a row needs.
+/// The input of the loop over the cells of a row.
 struct Sampler
 {
     const float *heights;

@@ -35,7 +35,7 @@ struct Placement
 FieldTable<Placement> placementFields();
 
 /// A pattern made ready to be placed at any size: its heights with those of coarser grids, and for
-/// each cell the distance to the outline. Cells of height 0 are no part of the pattern.
+/// each cell the distance to the outline. Cells of height 0 do not belong to the pattern.
 class PlacedPattern
 {
 public:
@@ -50,7 +50,7 @@ public:
     /// One grid with a rim of two empty cells on all sides.
     struct Level
     {
-        FloatGrid heights;  ///< also beside the outline, so that they can be interpolated there
+        FloatGrid heights;  ///< also outside the outline, so that they can be interpolated there
         FloatGrid distance; ///< to the outline in cells of the level; negative outside
     };
     /// Level n has cells of 2^n pattern cells.

@@ -9,15 +9,15 @@ namespace marlowen {
 class CellBits;
 class Relief;
 
-/// How a new shape meets the selection that is there: it replaces it, joins it, is cut out of it.
-/// Whatever the shape, the selection flag and appearance-changed are set afterwards. A shape that
+/// How a new shape combines with the present selection: it replaces it, is added, is subtracted.
+/// In each case the selection flag and appearance-changed are set afterwards. A shape that
 /// is not one (a polygon without corners, coordinates that are NaN or infinite) changes nothing.
 enum class SelectionModifier { Normal, Additive, Subtractive };
 
 /// The Magic Tool: cells whose height is within the tolerance (a share of the relief's range) of
 /// the height under the stroke point; `continuous` keeps to cells joined to that one by their
-/// sides. Off the relief the height is 0 and nothing is joined. A tolerance that is not above 0
-/// takes equal heights only.
+/// sides. Outside the relief the height is 0 and no cell is selected. A tolerance that is not above
+/// 0 takes equal heights only.
 struct MagicSelection
 {
     QPointF point;

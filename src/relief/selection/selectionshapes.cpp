@@ -11,7 +11,7 @@ namespace marlowen {
 
 namespace {
 
-/// Beyond this a corner lies as far off any relief as it can.
+/// Corners beyond this are outside every relief.
 constexpr double farthest = 1e9;
 
 /// Marks the cells of sampled curves. Samples lie at most half a cell apart, so a closed curve's
@@ -130,7 +130,7 @@ void traceEdge(OutlineTracer &tracer, QPointF from, QPointF to)
 }
 
 /// Marks, for every row whose middle the edge crosses, the first cell with its centre beyond the
-/// crossing; a second crossing in the same place takes the mark away.
+/// crossing; a second crossing in the same place removes the mark.
 void toggleCrossings(CellBits &crossings, QPointF from, QPointF to)
 {
     const double top = std::min(from.y(), to.y());

@@ -12,7 +12,7 @@
 
 namespace marlowen {
 
-/// One application of a brush at one point; a mirror image is a dab of its own.
+/// One application of a brush at one point; a mirror image is a separate dab.
 struct Dab
 {
     Relief &relief;

@@ -30,7 +30,7 @@ public:
     /// as quickly as any later one. Nothing when a stroke was made or prepared before.
     void prepare(const ToolParams &params);
 
-    /// What a magic selection does with the selection that is there.
+    /// How a magic selection combines with the present selection.
     void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
 
     /// Ends a stroke still in progress, then begins one; the first dab is applied at once. Sample,

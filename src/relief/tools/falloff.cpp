@@ -59,7 +59,7 @@ double profileOf(const ToolParams &params, double t)
     }
 }
 
-/// The alpha image as it lies under a footprint.
+/// The alpha image sampled under a footprint.
 struct AlphaFrame
 {
     AlphaFrame(const ToolParams &params, int dimension)

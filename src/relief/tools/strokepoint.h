@@ -7,7 +7,7 @@
 namespace marlowen {
 
 /// A point of a stroke: cells from the relief's centre, how hard the pen is pressed there (0..1, 1
-/// for whatever has no pressure), and the share of the tool's size that its dab has.
+/// for devices without pressure), and the share of the tool's size that its dab has.
 struct StrokePoint : QPointF
 {
     StrokePoint() = default;

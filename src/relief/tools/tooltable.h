@@ -72,11 +72,11 @@ struct ToolRow
 
 /// All tools in the order of Tool::Type.
 std::span<const ToolRow> toolTable();
-/// The row of a type; null for numbers that are no type.
+/// The row of a type; null for numbers outside Tool::Type.
 const ToolRow *toolRow(int type);
 /// Every tool but None in the order in which the window shows them.
 const std::vector<const ToolRow *> &toolsInOrder();
-/// Whether an alpha image acts on the footprint of a type; true for numbers that are no type.
+/// Whether an alpha image acts on the footprint of a type; true for numbers outside Tool::Type.
 bool heedsAlpha(int type);
 /// The tool that acts: the inverse of the row, if it has one, when `inverted`.
 const ToolRow *actingRow(const ToolRow *row, bool inverted);

@@ -7,7 +7,7 @@ namespace marlowen {
 
 namespace {
 
-/// Highest of the footprint's cells; the box's first cell counts too.
+/// Highest of the footprint's cells; the box's first cell counts as well.
 CELL_LOOP float highestCell(const Dab &dab)
 {
     const GridLayer &heights = dab.relief.heights();

@@ -13,7 +13,7 @@ CELL_LOOP static bool paintMask(const Dab &dab, float step)
     });
 }
 
-/// Paints the mask; Lower takes it away.
+/// Paints the mask; Lower removes it.
 bool dabMask(const Dab &dab)
 {
     const auto step = static_cast<float>(dab.params().strength + 0.15);

@@ -8,7 +8,7 @@ namespace marlowen {
 namespace {
 
 /// Lowest filled (and, under a selection, selected) cell of the footprint; 0 when there is none,
-/// which is no floor at all.
+/// which does not limit anything.
 CELL_LOOP float lowestFilledCell(const Dab &dab)
 {
     constexpr float none = std::numeric_limits<float>::max();

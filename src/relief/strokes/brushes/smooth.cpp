@@ -19,7 +19,7 @@ struct RowsDown
 };
 
 // Shares of the whole, since multiples of the largest heights are not floats. In this order equal
-// heights add up to what the division turns back into them: level ground stays level.
+// heights add up to a sum that the division turns back into them: level ground stays level.
 CELL_LOOP void sumDown(const RowsDown &rows, float *sums, int count)
 {
     const RowsDown r = rows;
