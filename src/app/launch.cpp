@@ -37,7 +37,7 @@ QList<LaunchStep> integrationSteps(const QStringList &arguments)
     };
 }
 
-/// To whoever typed the command.
+/// For the terminal.
 void sayNotOpened(const QString &path)
 {
     std::fprintf(stderr, "marlowen: %s could not be opened\n", qPrintable(path));

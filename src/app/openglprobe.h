@@ -8,7 +8,7 @@ namespace marlowen {
 /// null (isNull()) when there is no such context.
 QByteArray readGlVersion();
 
-/// The number that the version text begins with: digits with at most one point, whatever the
+/// The number that the version text begins with: digits with at most one point in any
 /// locale; 0 when it begins with something else.
 double leadingVersionNumber(const QByteArray &version);
 

@@ -57,7 +57,7 @@ bool QevApplication::event(QEvent *event)
 
 void QevApplication::_openRequestedFiles()
 {
-    // A dialog waits for its answer first; its end is not announced, so look again.
+    // A dialog waits for its answer first; no signal follows its end, so check again later.
     if (activeModalWidget()) {
         QTimer::singleShot(dialogPoll, this, &QevApplication::_openRequestedFiles);
         return;

@@ -121,7 +121,7 @@ Outcome loadAction(ScriptState &state, const QJsonObject &arguments)
                                  .arg(relief.width())
                                  .arg(relief.height()));
     fit(grid.values, layer);
-    // Not recorded: the history stays as it is.
+    // Not recorded: the history does not change.
     return state.bench.apply({QStringLiteral("Load"), [&](Relief &loaded, const EditRun &) {
                                   std::copy(grid.values.begin(), grid.values.end(),
                                             gridLayer(loaded, layer).data());

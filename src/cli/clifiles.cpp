@@ -10,7 +10,7 @@ namespace marlowen {
 
 namespace {
 
-/// Keeps what image libraries print from standard error while a picture is read or written.
+/// Discards output of image libraries on standard error while a picture is read or written.
 std::unique_ptr<QuietDecoders> quietFor(const QString &path)
 {
     const Format *format = formatOf(path);
@@ -18,8 +18,8 @@ std::unique_ptr<QuietDecoders> quietFor(const QString &path)
     return picture ? std::make_unique<QuietDecoders>() : nullptr;
 }
 
-/// Control characters escaped, so that a file name cannot drive the terminal, and no longer than a
-/// few lines of it.
+/// Control characters escaped, so that a file name cannot control the terminal, and no longer than
+/// a few lines of it.
 QString printable(const QString &text)
 {
     constexpr qsizetype longest = 300;

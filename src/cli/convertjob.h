@@ -29,7 +29,7 @@ struct ConvertJob
     QString author; ///< of a pattern
 };
 
-/// The job that the arguments behind "convert" describe; the failure says what is wrong with them.
+/// The job described by the arguments after "convert"; the failure names the error in them.
 Result<ConvertJob> parseConvert(const QStringList &arguments);
 
 Outcome runConvert(const ConvertJob &job, Progress &progress);

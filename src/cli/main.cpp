@@ -14,7 +14,7 @@ int main(int argc, char **argv)
     std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("marlowen-cli"));
-    // Standard error is for the one line that says what went wrong.
+    // Standard error is for the one line that reports the failure.
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     const int status = runCommandLine(QCoreApplication::arguments().mid(1));
     logClose();

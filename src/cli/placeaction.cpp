@@ -27,7 +27,7 @@ Outcome place(ScriptState &state, const QJsonObject &arguments)
         std::make_shared<PlacedPattern>(pattern.heights.view(), pattern.info.zScale), placement));
 }
 
-/// "scale: 0.001..1000, default 1. What it does."
+/// "scale: 0.001..1000, default 1. The field's hint."
 QString helpLine(const Field<Placement> &field)
 {
     const FieldInfo &info = field.info;

@@ -2,7 +2,7 @@
 
 namespace marlowen {
 
-/// While it lives, what libraries print on standard error is discarded: a failure is one line, and
+/// While it exists, output of libraries on standard error is discarded: a failure is one line, but
 /// image decoders and encoders print several about damaged files and full disks.
 class QuietDecoders
 {

@@ -19,7 +19,7 @@ struct ScriptAction
     bool needsRelief = true; ///< fails when there is none
 };
 
-/// Every group of actions, each in a file of its own.
+/// Every group of actions; each has its file.
 const std::vector<ScriptAction> &fileActions();   ///< new, open, load, save, export, dump, info
 const std::vector<ScriptAction> &importActions(); ///< import, update, accept
 const std::vector<ScriptAction> &modelActions();  ///< orient, rasterize

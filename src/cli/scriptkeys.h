@@ -41,8 +41,8 @@ struct ScriptKey
 };
 
 /// Whether the object holds only these keys, all the required ones, with values of their type and
-/// range; `ignored` is a key of its own that is not checked. Empty when it does, else one
-/// sentence that says what is wrong.
+/// range; `ignored` is a key that is not checked. Empty when it does, else one
+/// sentence about the error.
 QString checkKeys(const QJsonObject &object, const std::vector<ScriptKey> &keys,
                   const QString &ignored = {});
 

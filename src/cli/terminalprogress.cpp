@@ -34,7 +34,7 @@ TerminalProgress::~TerminalProgress()
 void TerminalProgress::advance(double fraction)
 {
     if (fraction >= 1.0) {
-        clear(); // what is printed next has the line to itself
+        clear(); // the next output begins on an empty line
         return;
     }
     const int percent = static_cast<int>(fraction * 100.0);

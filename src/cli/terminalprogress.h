@@ -5,7 +5,7 @@
 namespace marlowen {
 
 /// Shows long work on standard error when that is a terminal; an interrupt (Ctrl+C) cancels it, so
-/// that no temporary file stays behind, and a second one ends the program.
+/// that the temporary file is removed, and a second one ends the program.
 class TerminalProgress : public Progress
 {
 public:
@@ -14,7 +14,7 @@ public:
     void advance(double fraction) override;
     void describe(const QString &state) override;
     bool cancelled() const override;
-    /// Wipes what is shown.
+    /// Removes the progress line.
     void clear();
 
 private:

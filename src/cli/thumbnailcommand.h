@@ -14,10 +14,10 @@ struct ThumbnailJob
     int size = 256; ///< 16 .. 1024 pixels, the most that the picture is wide and high
 };
 
-/// Fails with the sentence that says what is wrong with the command line.
+/// Fails with a sentence about the error in the command line.
 Result<ThumbnailJob> parseThumbnail(const QStringList &arguments);
 
-/// Writes the picture as PNG. The failure names the file that it is about.
+/// Writes the picture as PNG. The failure names the file.
 Outcome runThumbnail(const ThumbnailJob &job);
 
 } // namespace marlowen

@@ -31,7 +31,7 @@ bool ImportSession::_follows() const
            basReliefIsQuick(heightView(*m_relief));
 }
 
-/// What is set for a model says nothing about the next picture.
+/// The settings of a model do not apply to the next picture.
 void ImportSession::_keepForNext(const ImportSettings &settings)
 {
     if (m_source && !m_source->isPicture)

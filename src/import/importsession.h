@@ -19,7 +19,7 @@ public:
     std::function<void()> changed;
     /// Called when other heights are shown while nothing changed: redraw.
     std::function<void()> shown;
-    /// Makes what a change reports to while it takes long (debanding); empty: nothing is shown.
+    /// Makes the progress of a change that takes long (debanding); empty: no progress is shown.
     std::function<std::unique_ptr<Progress>()> startWork;
     /// Makes bas-reliefs.
     BasReliefGenerator basReliefGenerator = makeBasRelief;

@@ -43,7 +43,7 @@ constexpr FieldScale smoothnessScale{
 constexpr Field<S> rows[] = {
     {&S::flipY,
      {.key = "flipY", .label = QT_TRANSLATE_NOOP("Fields", "Flip Y"),
-      .hint = QT_TRANSLATE_NOOP("Fields", "Turns the picture top to bottom, so that lettering reads right: a relief counts its rows from the bottom."),
+      .hint = QT_TRANSLATE_NOOP("Fields", "Flips the picture top to bottom, so that lettering reads right: a relief counts its rows from the bottom."),
       .flags = StartsNextImport, .option = {"--flip-y", nullptr, "Turns the picture top to bottom."}}},
     {&S::invertZ,
      {.key = "invertZ", .label = QT_TRANSLATE_NOOP("Fields", "Invert Z"),
@@ -98,7 +98,7 @@ constexpr Field<S> rows[] = {
       .flags = KeepsBasRelief, .option = {"--bas-relief", nullptr, "Makes a bas-relief: compresses the range of heights and keeps the detail."}}},
     {&S::gridSize,
      {.key = "gridSize", .label = QT_TRANSLATE_NOOP("Fields", "Grid Size"),
-      .hint = QT_TRANSLATE_NOOP("Fields", "Larger: small forms stand out against what is around them. Smaller: broad forms keep their order."),
+      .hint = QT_TRANSLATE_NOOP("Fields", "Larger: small forms stand out against their surroundings. Smaller: broad forms keep their order."),
       .flags = WaitsForUpdate | NeedsBasRelief, .range = {2, 32},
       .control = {1, 5, 1, 1, 0, "", gridSizeScale}, .option = {"--bas-relief", "GRID"}}},
     {&S::contrastFactor,

@@ -97,7 +97,7 @@ bool allowed(const Relief &relief, const RecomputeRun &run)
     return run.allowBasRelief && (!run.onlyWhenQuick || basReliefIsQuick(heightView(relief)));
 }
 
-/// `shown`: the last result was what the relief showed before.
+/// `shown`: the relief showed the last result before.
 void applyBasRelief(Relief &relief, ImportSource &source, const RecomputeRun &run, bool shown)
 {
     const bool wanted = source.dirty && allowed(relief, run);

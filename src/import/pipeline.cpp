@@ -42,7 +42,7 @@ FigureBox figureBox(const FloatGrid &grid)
     return box;
 }
 
-/// Cells missing between the gap that is there and a margin of 5 % of `extent` cells.
+/// Cells missing between the present gap and a margin of 5 % of `extent` cells.
 int missing(int extent, int gap)
 {
     const double margin = 0.05 * extent;

@@ -18,7 +18,7 @@ struct Padding
     bool operator==(const Padding &) const = default;
 };
 
-/// A margin of 5 % of the figure's size in each axis, where the gap that is there is smaller. The
+/// A margin of 5 % of the figure's size in each axis, where the present gap is smaller. The
 /// figure is the bounding box of the cells that are not 0, or the whole grid when that box is not
 /// at least two cells each way.
 Padding paddingFor(const FloatGrid &grid);

@@ -27,7 +27,7 @@ Failure downloadFailed(const QString &detail)
     return {QStringLiteral("Failed"), QStringLiteral("The update could not be downloaded"), detail};
 }
 
-/// Installers are Windows programs, whatever the server calls them.
+/// Installers are Windows programs, under any name.
 bool isInstaller(const QByteArray &data)
 {
     return data.startsWith("MZ");

@@ -14,7 +14,7 @@ namespace marlowen {
 class NetworkManager;
 class NetworkResponse;
 
-/// Checks for updates, owns the download folder, and starts what was downloaded.
+/// Checks for updates, owns the download folder, and starts the downloaded installer.
 class DownloadManager : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ public:
     /// time.
     void download(const Version &version);
     bool isDownloading() const { return m_response != nullptr; }
-    /// Ends a download without finished(); no file is left of what was under way.
+    /// Ends a download without finished(); the partial file is removed.
     void cancel();
 
     /// Starts an installer through PowerShell, or shows a readme with the system's viewer. False

@@ -47,9 +47,9 @@ public:
 QNetworkRequest requestTo(const QUrl &url)
 {
     QNetworkRequest request(url);
-    // The service knows its clients by the sister program's name.
+    // The service identifies its clients by the sister program's name.
     request.setRawHeader("User-Agent", QByteArray("Brindlemark Drafteon ") + versionText);
-    // Set by hand, so that inflation, which is limited, stays with this class.
+    // Set explicitly, so that this class inflates the reply, with a limit.
     request.setRawHeader("Accept-Encoding", "gzip");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::SameOriginRedirectPolicy);
@@ -203,7 +203,7 @@ QVariantMap NetworkManager::_wait(QNetworkReply *reply, Pending pending)
     _enter(reply, pending);
     if (loop.exec() == gaveUp || !self)
         return {};
-    // The application's end also leaves the loop, before the reply is there.
+    // The end of the application also leaves the loop, before the reply has arrived.
     if (!m_pending.value(reply).finished) {
         _giveUp(reply, _take(reply));
         return {};
@@ -213,7 +213,7 @@ QVariantMap NetworkManager::_wait(QNetworkReply *reply, Pending pending)
     return decoded;
 }
 
-/// What time-out and abort have in common; the entry is out of the table already.
+/// The common part of time-out and abort; the entry has been removed from the table.
 void NetworkManager::_giveUp(QNetworkReply *reply, const Pending &pending)
 {
     if (pending.loop)
@@ -231,7 +231,7 @@ void NetworkManager::timerEvent(QTimerEvent *event)
     const QPointer<NetworkManager> self(this);
     const qint64 time = now();
     for (QNetworkReply *reply : m_pending.keys()) {
-        // A response that is told may take entries away, or this object.
+        // A response that gets the signal may remove entries, or delete this object.
         if (!self)
             return;
         const auto pending = m_pending.constFind(reply);

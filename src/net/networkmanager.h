@@ -42,7 +42,7 @@ bool isCallable(const QUrl &url);
 /// Decoded replies: the top-level object of "application/json"; for a reply with a
 /// "Content-Disposition" header the entries "mime", "filename" and "data".
 ///
-/// Lives on the GUI thread. Blocking calls run an event loop, so other events arrive meanwhile.
+/// Belongs to the GUI thread. Blocking calls run an event loop, so other events arrive meanwhile.
 class NetworkManager : public QObject
 {
     Q_OBJECT
@@ -51,7 +51,7 @@ public:
     enum CallType { Get, Put, Post, Delete };
 
     explicit NetworkManager(QObject *parent = nullptr);
-    /// Aborts what is pending.
+    /// Aborts all pending requests.
     ~NetworkManager() override;
 
     /// Sends parameters as a JSON body, except with Get. Without a response object the call waits
@@ -89,7 +89,7 @@ private:
         QPointer<NetworkResponse> response;
         int reserved = 0;
         QEventLoop *loop = nullptr; ///< waits for the reply; null for asynchronous calls
-        bool finished = false;      ///< the loop has been told and will decode the reply
+        bool finished = false;      ///< the loop has been ended and will decode the reply
     };
 
     QNetworkReply *_send(CallType type, const QUrl &url, const QVariantMap &parameters);

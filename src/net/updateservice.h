@@ -52,7 +52,7 @@ struct UpdateService
 /// The address given when the program was built; empty when none was, or none that may be called.
 QUrl updateBaseUrl();
 
-/// Asks which versions there are; tells the service which one is here. Empty for an unknown kind.
+/// The request for the available versions, with the installed one. Empty for an unknown kind.
 QUrl checkUrl(const UpdateService &service, DLTypeEnum kind, const Version &version);
 /// Asks for the file of a version. Empty for an unknown kind.
 QUrl fileUrl(const UpdateService &service, DLTypeEnum kind, const Version &version);

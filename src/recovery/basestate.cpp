@@ -13,7 +13,7 @@ namespace marlowen {
 
 namespace {
 
-/// What follows the meta values, in this order: whole layers, then the import.
+/// The data after the meta values, in this order: whole layers, then the import.
 enum Layer : unsigned {
     Heights = 1U << 0,
     Reference = 1U << 1,

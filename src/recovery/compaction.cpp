@@ -31,7 +31,7 @@ Compaction::State Compaction::slice(const JournalModel &model, const JournalFile
     return _copy(journal);
 }
 
-/// What was taken back since does not count; going back and forth then makes no difference.
+/// Undone steps do not count, so that repeated undo and redo make no difference.
 Compaction::State Compaction::_replayOne(const JournalModel &model)
 {
     const JournalModel::Record &record = model.records()[m_at++];

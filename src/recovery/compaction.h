@@ -7,8 +7,8 @@
 
 namespace marlowen {
 
-/// Writes a second journal beside one that is still written to: its base holds the records before a
-/// cut, the others are copied.
+/// Writes a second journal while the first one is still written to: the records before a cut go
+/// into its base, the others are copied.
 class Compaction
 {
 public:
@@ -25,7 +25,7 @@ public:
 
     size_t cut() const { return m_cut; }
     JournalFile &target() { return m_target; }
-    /// End of what was copied in the old journal, and of the base in the new one.
+    /// End of the copied records in the old journal, and of the base in the new one.
     int64_t copied() const { return m_copied; }
     int64_t baseEnd() const { return m_baseEnd; }
 

@@ -15,7 +15,7 @@
 
 namespace marlowen {
 
-/// Unsaved work that a window has left behind, as far as it can be told without reading all of it.
+/// Unsaved work of an ended window, as far as it is known without reading all of it.
 struct FoundWork
 {
     QString folder;
@@ -39,12 +39,12 @@ struct RecoveredWork
     bool damaged = false;   ///< steps after that one are lost
 };
 
-/// Brings work back up to its last whole step; the journal stays as it is. Fails when another
+/// Restores work up to its last whole step; the journal is not changed. Fails when another
 /// window has it meanwhile, when not even its beginning can be read, or when memory is short. A
 /// cancelled progress is a failure without a sentence.
 Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress);
 
-/// A small lit picture of work as it was after its last step; null when it cannot be read. Takes no
+/// A small lit picture of work after its last step; null when it cannot be read. Takes no
 /// lock and is not tied to a thread.
 QImage foundThumbnail(const QString &folder, int side);
 

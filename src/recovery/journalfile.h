@@ -28,13 +28,13 @@ public:
     void close();
     bool isOpen() const { return m_descriptor >= 0; }
 
-    /// Writes a record whole or leaves the file as it was. The head's byte counts are filled in.
+    /// Writes a whole record or does not change the file. Fills in the head's byte counts.
     bool append(RecordHead head, const QByteArray &meta, Parts data = {});
     /// Copies bytes of another journal to the end.
     bool appendFrom(const JournalFile &other, int64_t from, int64_t to);
-    /// Waits until what was written is on the disk, with the name of the file when that is new.
+    /// Waits until the written data is on the disk, with the name of the file when that is new.
     bool sync();
-    /// Takes the place of the file `path`.
+    /// Replaces the file `path`.
     bool renameTo(const QString &path);
 
     int64_t size() const { return m_end; }

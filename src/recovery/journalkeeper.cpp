@@ -91,7 +91,7 @@ JournalKeeper::Written JournalKeeper::_writeBase(const JournalJob &job)
     const bool written = file.create(job.fresh ? m_path : beside) && appendBase(file, *job.base);
     if (!written || (!job.fresh && (!file.sync() || !file.renameTo(m_path)))) {
         m_error = file.error();
-        // Half a base is worth nothing and takes the room of what comes next.
+        // An incomplete base is useless and takes space on the disk.
         QFile::remove(job.fresh ? m_path : beside);
         return Written::No;
     }
@@ -193,7 +193,7 @@ void JournalKeeper::compactSlice()
         if (state == Compaction::State::Ready && m_model.isCut(m_compaction->cut()) && _swapIn())
             return m_compaction.reset();
     } catch (const std::bad_alloc &) {
-        // The journal stays as long as it is.
+        // The journal is not shortened.
     }
     m_compaction.reset();
     QFile::remove(m_path + QStringLiteral(".new"));

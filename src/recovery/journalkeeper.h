@@ -20,13 +20,13 @@ public:
     JournalKeeper(QString path, double compactGrids);
     ~JournalKeeper();
 
-    /// Goes on with the journal that is there, whose good part ends at `end` and made this history.
+    /// Continues an existing journal, whose good part ends at `end` and made this history.
     bool resume(int64_t end, const SculptUndo &history);
 
     enum class Written {
         Yes,
-        No,        ///< error() says why; the journal holds what was written before
-        BaseNeeded ///< the step leads to a state that only a base can tell
+        No,        ///< error() says why; the earlier records stay
+        BaseNeeded ///< the step leads to a state that only a base can describe
     };
     Written write(const JournalJob &job);
     bool sync();

@@ -28,7 +28,7 @@ public:
 
     /// Before the first record.
     void clear();
-    /// A record was written. `serial` is that of its event in the live history.
+    /// A record was written. `serial` is that of its event in the workbench's history.
     void add(Record record, uint64_t serial = 0);
     /// Whether the history of the journal takes exactly these events next.
     bool undoes(std::span<const JournalEvent> events) const;
@@ -42,7 +42,7 @@ public:
     bool isCut(size_t record) const;
     /// The records before `first` are gone and the others moved by `shift` bytes.
     void dropBefore(size_t first, int64_t shift);
-    /// The live history was made from this journal: takes its serials.
+    /// The workbench's history was made from this journal: takes its serials.
     void takeSerials(const SculptUndo &history);
 
 private:

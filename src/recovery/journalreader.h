@@ -26,7 +26,7 @@ public:
     const QByteArray &meta() const { return m_meta; }
     /// Reads the next bytes of the record's data; false when it has fewer.
     bool read(void *to, uint64_t bytes);
-    /// Reads what is left and compares the sum.
+    /// Reads the rest of the record and compares the checksum.
     bool isWhole();
 
     /// Where the record begins, and where it ends.

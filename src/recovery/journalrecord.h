@@ -13,7 +13,7 @@ namespace marlowen {
 
 /// The file of a journal: a JournalHead, then records. A record is a RecordHead, `metaBytes` of
 /// small values, `dataBytes` of floats or runs, and the CRC-32 of all of that in 4 bytes. Numbers
-/// are those of the machine; the head tells another byte order apart.
+/// are those of the machine; the head shows a different byte order.
 
 struct JournalHead
 {
@@ -90,7 +90,7 @@ struct ImportMeta
 };
 
 /// The bytes of a plain value, followed by a name cut to so few bytes that a record of a step costs
-/// at most 64 beside its data.
+/// at most 64 in addition to its data.
 QByteArray packed(const void *value, qsizetype bytes, const QString &name);
 template <typename Value>
 QByteArray packed(const Value &value, const QString &name = {})

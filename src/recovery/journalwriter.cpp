@@ -112,7 +112,7 @@ void JournalWriter::_run()
             _sync();
         else if (_compactsNow(now))
             m_keeper->compactSlice();
-        // Patches that nobody else holds any more are given back here, not while others wait.
+        // Patches with no other owner are freed here, while no other thread waits.
         job.reset();
         lock.lock();
         m_busy = false;

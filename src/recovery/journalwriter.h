@@ -16,20 +16,20 @@ namespace marlowen {
 /// When a journal is flushed and compacted.
 struct JournalTiming
 {
-    std::chrono::milliseconds rest{1500};  ///< without a step, until what was written is synced
+    std::chrono::milliseconds rest{1500};  ///< without a step, until the journal is synced
     std::chrono::milliseconds sync{10000}; ///< at most so long unsynced while steps go on
-    std::chrono::milliseconds pause{500};  ///< without a step, before a compaction goes on
+    std::chrono::milliseconds pause{500};  ///< without a step, before a compaction continues
     double compactGrids = 3.0;             ///< see JournalKeeper
 };
 
-/// Writes a journal on a thread of its own, so that the one who works never waits for the disk.
+/// Writes a journal on a separate thread, so that editing never waits for the disk.
 class JournalWriter
 {
 public:
     using Clock = std::chrono::steady_clock;
     enum class News {
         BaseWritten,
-        Failed,    ///< nothing is written until the next base
+        Failed,    ///< no step is written until the next base
         BaseNeeded ///< the same, and one is needed now
     };
     /// Called on the writer's thread, with the reason of a failure.
@@ -37,7 +37,7 @@ public:
 
     /// The keeper must not be used elsewhere any more.
     JournalWriter(std::unique_ptr<JournalKeeper> keeper, JournalTiming timing, Tell tell);
-    /// Writes what is waiting, then ends the thread.
+    /// Writes the waiting jobs, then ends the thread.
     ~JournalWriter();
 
     /// Never waits, not even for the thread: when that is in the way the job stays here and false
@@ -75,7 +75,7 @@ private:
     bool m_hurry = false; ///< sync as soon as nothing waits
     bool m_stop = false;
     bool m_synced = true;
-    bool m_dead = false; ///< nothing is written until the next base
+    bool m_dead = false; ///< no step is written until the next base
 
     // Only the thread's:
     std::unique_ptr<JournalKeeper> m_keeper;

@@ -27,7 +27,7 @@ int lockOf(const QString &folder)
     const int lock = open(path.constData(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (lock < 0)
         return -1;
-    // The one who had it may have deleted the folder meanwhile.
+    // The previous holder may have deleted the folder meanwhile.
     struct stat status
     {
     };
@@ -76,7 +76,7 @@ std::optional<RecoveryFolder> RecoveryFolder::make(const QString &root)
 {
     if (mkdir(QFile::encodeName(root).constData(), 0700) != 0 && !isOwn(root))
         return {};
-    // Another window may tidy the folder away before it is locked.
+    // Another window may delete the folder before it is locked.
     for (int attempt = 0; attempt < 3; ++attempt) {
         QByteArray name = QFile::encodeName(root + QStringLiteral("/window-XXXXXX"));
         if (!mkdtemp(name.data()))

@@ -9,8 +9,8 @@ namespace marlowen {
 /// The folder "recovery" inside the data folder.
 QString recoveryRoot();
 
-/// The folder of one window's journal, locked for as long as this object lives. The system gives
-/// the lock back when the process ends, however it ends.
+/// The folder of one window's journal, locked for the lifetime of this object. The system
+/// releases the lock when the process ends, in any way.
 class RecoveryFolder
 {
 public:

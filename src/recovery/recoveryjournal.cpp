@@ -14,7 +14,7 @@ namespace {
 /// Cells of a selection that are read in one turn of the event loop: well under a millisecond.
 constexpr qsizetype cellsAtOnce = 1 << 18;
 constexpr std::chrono::milliseconds strokePause{50};
-/// A disk that falls so far behind is as good as none.
+/// A disk that falls so far behind is treated as failed.
 constexpr int64_t mostWaitingBytes = int64_t{1} << 30;
 
 const ImportSource *openSource(Workbench &bench)
@@ -155,7 +155,7 @@ void RecoveryJournal::_add(JournalJob job)
         m_post.start(1);
 }
 
-/// Begins the journal anew with the relief as it is.
+/// Begins the journal anew with the present relief.
 void RecoveryJournal::_begin(bool fresh)
 {
     m_reading.stop();
@@ -229,7 +229,7 @@ void RecoveryJournal::_setOff(const QString &reason)
 
 void RecoveryJournal::_retry()
 {
-    // What is shown for a moment only is not the relief.
+    // A preview is not recorded.
     if (m_bench.engine().stroking() || m_bench.preview().active())
         return;
     // An older journal stays until the new one is whole.

@@ -42,7 +42,7 @@ public:
     RecoveryJournal(Workbench &bench, Options options);
     ~RecoveryJournal() override;
 
-    /// Makes recovered work the workbench's and goes on with its journal. The caller has asked
+    /// Gives recovered work to the workbench and continues its journal. The caller has asked
     /// about unsaved work.
     void takeOver(RecoveredWork work);
     /// Whether steps are being kept; true also while there is no relief.

@@ -171,7 +171,7 @@ ImportSource *Replay::_source() const
     return fits ? source : nullptr;
 }
 
-/// A slider that is dragged leaves many settings behind each other: only the last ones that give
+/// Dragging a slider records many settings in a row: only the last ones that give
 /// the same layers are computed.
 bool Replay::_takeImport(JournalReader &reader)
 {
@@ -185,7 +185,7 @@ bool Replay::_takeImport(JournalReader &reader)
         (!basRelief.empty() && static_cast<qsizetype>(basRelief.size()) != relief->cells()) ||
         (meta->shows != 0 && basRelief.empty() && source->lastBasRelief.empty()))
         return false;
-    // Without the preview the reference layer keeps what it was before.
+    // Without the preview the reference layer does not change.
     if (settings.preview != source->settings().preview)
         finish();
     source->setSettings(settings);

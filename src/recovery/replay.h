@@ -22,10 +22,10 @@ public:
     {
     }
 
-    /// Takes over the record that the reader stands at. False when it is damaged or makes no sense
-    /// here; what was taken over before holds. Throws std::bad_alloc.
+    /// Applies the record at the reader's position. False when it is damaged or does not fit the
+    /// state; the records before it stay applied. Throws std::bad_alloc.
     bool take(JournalReader &reader);
-    /// Computes what was put off. After the last record; harmless before.
+    /// Runs the computations that were deferred. After the last record; harmless before.
     void finish();
 
     /// Where the last whole step ended in the file.

@@ -24,18 +24,19 @@ public:
     /// Whether something is shown.
     bool active() const { return m_events.canUndo(); }
     /// Takes the preview before it back and runs the operation, which must fit into the history's
-    /// byte limit. Nothing without a relief. Fails with the operation; then nothing is shown.
+    /// byte limit. Does nothing without a relief. Fails with the operation; then no preview is
+    /// shown.
     Outcome run(const Operation &operation, Progress *progress = nullptr);
-    /// Makes what is shown a step of the history.
+    /// Makes the preview a step of the history.
     void keep();
-    /// Takes what is shown back.
+    /// Undoes the preview.
     void drop();
 
 private:
     bool _takeBack();
 
     Workbench &m_bench;
-    SculptUndo m_events; ///< of what is shown
+    SculptUndo m_events; ///< of the preview
 };
 
 } // namespace marlowen

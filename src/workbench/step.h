@@ -25,9 +25,10 @@ struct Step
     using Events = std::span<const std::unique_ptr<SculptUndoEvent>>;
 
     Kind kind;
-    /// Cells of the relief, as it is now, whose heights or mask changed; empty when none did.
+    /// Cells of the relief, in its present size, whose heights or mask changed; empty when none
+    /// did.
     QRect cells;
-    /// What was recorded, taken back or redone, oldest first; valid until the next step. Empty when
+    /// The events recorded, undone or redone, oldest first; valid until the next step. Empty when
     /// the step is not recorded or was trimmed at once.
     Events events;
 };

@@ -29,8 +29,8 @@ struct ModelOnBench : OpenedModel
 
 /// The one relief being worked on with everything that belongs to it: history, stroke engine, tool
 /// record, changes for the views, open import, the workspace it is saved in and whether it differs
-/// from it. The window and the command line both work through it. It shows nothing and asks
-/// nothing.
+/// from it. The window and the command line both work through it. It opens no
+/// dialogs.
 ///
 /// Every change of the relief ends in one announcement: the views' changes are notified, the
 /// modified flag follows, changed() and, when it was a step, stepDone() are emitted. Calls that
@@ -44,13 +44,13 @@ public:
 
     /// The tool record; it outlives the relief.
     ToolParams tool;
-    /// Null for none. The relief stays beside it until take(), which drops it.
+    /// Null for none. The relief is kept meanwhile; take() drops the model.
     std::unique_ptr<ModelOnBench> model;
 
     /// Null before the first relief.
     Relief *relief() const { return m_relief.get(); }
     SculptUndo &history() { return m_history; }
-    /// Whoever runs a stroke through the engine calls strokeEnded() afterwards.
+    /// The caller that runs a stroke through the engine calls strokeEnded() afterwards.
     SculptEngine &engine() { return m_engine; }
     ReliefChanges &changes() { return m_changes; }
     /// Active while an import is open. Its hooks are the workbench's, which emits importChanged()
@@ -60,7 +60,7 @@ public:
 
     /// Makes this the relief: ends a stroke in progress, forgets the history, follows the relief's
     /// import if it has one. `file` is where it came from, empty for a new one. Emits replaced()
-    /// while the old relief still lives. Work that was recovered comes with its history, which is
+    /// while the old relief still exists. Recovered work comes with its history, which is
     /// emptied; it counts as modified until it is saved.
     void take(std::unique_ptr<Relief> relief, QString file = {}, SculptUndo *recovered = nullptr);
 
@@ -69,7 +69,7 @@ public:
     /// Ends a stroke in progress and writes a workspace: it is the relief's from now on, and the
     /// relief is unmodified.
     Outcome save(const QString &file);
-    /// False again when undo or redo leads back to what was opened or saved.
+    /// False again when undo or redo returns to the state that was opened or saved.
     bool isModified() const { return m_modified; }
 
     /// Ends a stroke in progress, runs the operation and announces what it changed. Work that it
@@ -95,7 +95,7 @@ signals:
     void modifiedChanged(bool modified);
     /// Size, heights, mask or selection may have changed.
     void changed();
-    /// The selection may have changed by itself, which is no step.
+    /// The selection alone may have changed, which is not a step.
     void selectionEdited();
     /// The import's settings or heights changed, or it was accepted.
     void importChanged();
@@ -119,9 +119,9 @@ private:
     ImportSession m_session;
     LivePreview m_preview{*this};
     QString m_file;
-    uint64_t m_announced = 0;  ///< state of the history that the last announcement told of
+    uint64_t m_announced = 0;  ///< state of the history at the last announcement
     uint64_t m_saved = 0;      ///< state of the history that the file holds
-    bool m_unrecorded = false; ///< something the history does not know changed since the save
+    bool m_unrecorded = false; ///< a change without an undo event since the save
     bool m_modified = false;
     bool m_accepting = false;
 };

@@ -19,7 +19,7 @@ constexpr size_t directions = 4;
 /// The largest eigenvalue of the sum of squared second differences is 48; longer steps diverge.
 constexpr float stepLength = 1.0F / 48.0F;
 
-/// Values and validity of a row with a cell of zeros before and behind.
+/// Values and validity of a row with a cell of zeros before and after.
 struct MarkRow
 {
     std::vector<float> values;
@@ -92,7 +92,7 @@ CELL_LOOP void differencesOfRow(const ValueRows &rows, const uint8_t *flags, flo
     }
 }
 
-/// What one row of a step reads: second differences begin with the border.
+/// The rows that one row of a step reads: second differences begin with the border.
 struct StepRow
 {
     std::array<std::array<const float *, directions>, 3> differences; ///< above, here, below
@@ -168,7 +168,7 @@ private:
     std::array<std::array<std::vector<float>, directions>, 3> m_differences;
 };
 
-/// What a row begins from: two interpolated values a coarse cell, and the row's own values.
+/// The start values of a row: two interpolated values a coarse cell, and the row's own values.
 struct BeginRow
 {
     const float *interpolated;

@@ -12,7 +12,7 @@ namespace marlowen {
 /// Pieces of drawing a facet that work on several cells at once. They are compiled into the loop
 /// over the facets.
 
-/// What lies this near a grid point counts as on it, in cells.
+/// A point this near a grid point counts as on it, in cells.
 inline constexpr double facetTolerance = 1e-6;
 
 /// A point of a facet: column and row of the grid, height in cells.
@@ -41,7 +41,7 @@ CELL_INLINE inline void raiseFour(float *cells, const FourDoubles &heights)
 struct EdgeSides
 {
     FourDoubles sides; ///< of four neighbouring columns
-    double perRow;     ///< what the next row adds
+    double perRow;     ///< change to the next row
     double perColumn;
     double least; ///< of points that count as inside
 };
@@ -63,7 +63,7 @@ CELL_INLINE inline double doubleArea(const FacetCorners &f)
 }
 
 /// Whether all three altitudes of a facet, as seen from above, are at least a quarter of a cell:
-/// then the height over a point just beside it follows from its plane.
+/// then the height over a point next to it follows from its plane.
 CELL_INLINE inline bool isBroad(const FacetCorners &f, double area)
 {
     const auto squared = [&f](size_t i, size_t j) {

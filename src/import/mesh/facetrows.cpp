@@ -58,7 +58,7 @@ CELL_INLINE inline Point placed(const MeshPoint &point, const CellPlacement &pla
     return {along(0), along(1), along(2)};
 }
 
-/// A corner that lies on a row or column within the tolerance is put there.
+/// A corner within the tolerance of a row or column is moved onto it.
 CELL_INLINE inline void snap(FacetCorners &corners)
 {
     for (Point &corner : corners) {
@@ -120,7 +120,7 @@ CELL_INLINE inline Span crossing(const Edge &edge, double y)
             (edge.low.z * above + edge.high.z * below) / edge.height, edge.reach};
 }
 
-/// Grid points beside an edge that runs nearly along their row, within the tolerance of the edge
+/// Grid points next to an edge that runs nearly along their row, within the tolerance of the edge
 /// but not near its crossing.
 CELL_INLINE inline void fillBesideEdge(const FacetGrid &grid, const Edge &edge)
 {

@@ -24,7 +24,7 @@ public:
     FacetShape(TriangleMesh mesh, size_t unit);
 
     const TriangleMesh &mesh() const { return m_mesh; }
-    /// About the triangles as they stand in the file.
+    /// About the triangles of the file.
     const ModelBox &fileBox() const { return m_fileBox; }
 
     void turn(ModelTurn turn);
@@ -49,7 +49,7 @@ public:
     ModelBox importedBox() const;
     /// Turned and scaled; in model units.
     ModelBox box() const;
-    /// What turns a point of the mesh into a point of box().
+    /// The transformation of a point of the mesh into a point of box().
     ModelPlacement placement() const;
 
     /// Of the box, along x and y as seen.

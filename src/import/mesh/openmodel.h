@@ -17,7 +17,7 @@ struct ModelOptions
     bool relativeIndices = false;
 };
 
-/// What a field of the options is for.
+/// The purpose of a field of the options.
 enum ModelFieldFlag : unsigned {
     OfReading = 1U << 0, ///< must be known when the file is read
     OfSize = 1U << 1,    ///< may change later
@@ -26,7 +26,7 @@ enum ModelFieldFlag : unsigned {
 /// One row an option, in the order of the record.
 FieldTable<ModelOptions> modelFields();
 
-/// A model that was read, not turned, not scaled, and what was wrong with its file.
+/// A model as read, not turned, not scaled, and the problems of its file.
 struct OpenedModel
 {
     FacetShape shape;
