@@ -55,7 +55,7 @@ public:
     void refresh();
     /// Shows the view that has the keyboard alone (else the 3D view), or both again.
     void toggleAlone();
-    /// Gives a hidden view half of the room; otherwise the splitter stays as it is.
+    /// Gives a hidden view half of the area; otherwise the splitter is not moved.
     void bringForward(View view);
 
 private:

@@ -17,8 +17,8 @@ struct CommandRow
     const char *label; ///< on the button
     const char *icon;  ///< resource name; may be empty
     const char *hint;  ///< one sentence in the tool tip; may be empty
-    const char *keys;  ///< shortcuts, parted by "; "; may be empty
-    const char *idle;  ///< why it cannot act while disabled without a reason of its own
+    const char *keys;  ///< shortcuts, separated by "; "; may be empty
+    const char *idle;  ///< why it cannot act, when setReason() gave no other reason
     bool checkable = false;
     const char *longName = ""; ///< first words of the tool tip; empty: the label
 };

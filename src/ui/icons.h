@@ -14,7 +14,7 @@ namespace marlowen {
 /// An unknown name gives a null icon and a debug message.
 QIcon icon(const QString &name);
 
-/// Every name that icon() knows.
+/// Every name that icon() accepts.
 QStringList iconNames();
 
 } // namespace marlowen

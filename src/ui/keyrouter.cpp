@@ -21,7 +21,7 @@ const QLineEdit *lineOf(const QWidget &widget)
     return field ? widget.findChild<QLineEdit *>() : nullptr;
 }
 
-/// Lists and choices go to the entry that begins with what is typed.
+/// Lists and choices go to the entry that begins with the typed letters.
 bool takesText(const QWidget &widget)
 {
     return lineOf(widget) || qobject_cast<const QAbstractItemView *>(&widget) ||
@@ -89,7 +89,7 @@ bool KeyRouter::_routeShortcut(QWidget &focus, QKeyEvent &key) const
     return true;
 }
 
-/// Once the field has taken over what was typed.
+/// After the field has accepted the typed text.
 void KeyRouter::_giveBack(QWidget *field)
 {
     QTimer::singleShot(0, field, [this, field] {

@@ -164,7 +164,7 @@ void MainWindow::showEvent(QShowEvent *event)
         QTimer::singleShot(settleMs, this, &MainWindow::_settle);
 }
 
-/// The window has its size: the docks take their share of it, then the views show what there is.
+/// The window has its size: the docks take their share of it, then the views show the relief.
 void MainWindow::_settle()
 {
     if (std::exchange(m_docksAreNew, false)) {
@@ -225,7 +225,7 @@ void MainWindow::setupControls()
     ribbonBar()->setPageVisible(WindowPages::Export, exportable);
 }
 
-/// What of the relief is shown outside the views.
+/// The relief's values that are shown outside the views.
 void MainWindow::showRelief()
 {
     m_tool->showRelief();

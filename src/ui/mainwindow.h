@@ -40,7 +40,7 @@ public:
 
     /// Opens the file by the end of its name, in any case. `flag` says who asks: 0 the command line
     /// or a command of the window, 1 a file-open request of the operating system. False when
-    /// nothing was opened; what is open then stays.
+    /// nothing was opened; the open work then stays.
     bool openFile(const QString &path, int flag);
     /// Remembers the file and calls loadImportFile() 1 ms after the event loop runs.
     void setImportFile(const QString &path);

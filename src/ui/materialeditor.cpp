@@ -59,7 +59,7 @@ Outcome MaterialEditor::rename(const QString &name)
     const bool taken = std::ranges::any_of(
         m_materials, [&name](const Material &material) { return material.name == name; });
     if (taken)
-        return Failure{tr("Materials"), tr("There is a material of that name already.")};
+        return Failure{tr("Materials"), tr("A material of that name exists already.")};
     Material renamed = m_current;
     renamed.name = name;
     if (const Outcome saved = saveMaterial(renamed); !saved)

@@ -17,7 +17,7 @@ class Relief;
 
 /// Asks for the size and the start height of a new relief, in cells or in a unit of length. "OK"
 /// can be pressed only for sizes that can be made: at least 2 x 2 cells and less than 1000 square
-/// inches; what is wrong is said below the fields. The next dialog starts with what the last one
+/// inches; errors are shown below the fields. The next dialog starts with what the last one
 /// was accepted with (settings "/state/new/...").
 class NewReliefDialog : public QDialog
 {

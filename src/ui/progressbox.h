@@ -13,7 +13,7 @@ class QWidget;
 namespace marlowen {
 
 /// Shows long work as a dialog over a window, with Cancel, once it has taken half a second. Until
-/// then nothing is shown and no events are handled.
+/// then there is no dialog and no events are handled.
 class ProgressBox : public Progress
 {
 public:

@@ -93,7 +93,7 @@ void RecoveryPage::showWork(const QList<FoundWork> &work)
 {
     m_pictures.clear();
     while (QLayoutItem *item = m_rows->takeAt(0)) {
-        // Later: it may be the one whose click led here.
+        // Later: the sender of the present click may be among them.
         item->widget()->hide();
         item->widget()->deleteLater();
         delete item;

@@ -34,7 +34,7 @@ constexpr int gap = 12;
 constexpr int margin = 32;
 constexpr int mostMaterialColumns = 12;
 
-/// The picture on a square, so that the names below stand in one line; twice as fine as it is
+/// The picture on a square, so that the names below stand in one line; at twice the resolution
 /// shown, for dense screens.
 QIcon squareIcon(const QImage &picture)
 {
@@ -232,7 +232,7 @@ void StartPage::refresh()
     const QSignalBlocker quiet(m_startup);
     m_startup->setChecked(shownAtStartup());
     m_waiting.clear();
-    // Later: a card may be the one whose click led here.
+    // Later: the sender of the present click may be among them.
     for (QToolButton *old : std::as_const(m_cards)) {
         old->hide();
         old->deleteLater();

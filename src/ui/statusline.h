@@ -10,7 +10,7 @@ namespace marlowen {
 class Relief;
 struct Step;
 
-/// The lasting fields of the status bar: what is under the pointer, and the relief's size.
+/// The permanent fields of the status bar: the position under the pointer, and the relief's size.
 class StatusLine
 {
 public:

@@ -14,7 +14,7 @@ class WindowServices;
 class Workbench;
 class WorkDisplay;
 
-/// What tells the window that something changed.
+/// The objects whose signals the window follows.
 struct WindowWork
 {
     Workbench &bench;

@@ -9,7 +9,7 @@ namespace marlowen {
 namespace windowLayout {
 
 /// Restores geometry, docks (also which of them are folded) and splitter, and keeps the window on
-/// the screen. False when there was no layout of the docks.
+/// the screen. False when no layout of the docks was stored.
 bool restore(QMainWindow &window, QSplitter &splitter);
 void store(const QMainWindow &window, const QSplitter &splitter);
 

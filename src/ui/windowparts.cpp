@@ -34,7 +34,7 @@ constexpr CommandRow commandRows[] = {
     {"file", QT_TRANSLATE_NOOP("Commands", "File"), "",
      QT_TRANSLATE_NOOP("Commands", "Opens the page with the files."), "", ""},
     {"new", QT_TRANSLATE_NOOP("Commands", "New"), "new_32",
-     QT_TRANSLATE_NOOP("Commands", "Makes a flat relief."), "Ctrl+N", ""},
+     QT_TRANSLATE_NOOP("Commands", "Makes a new, flat relief."), "Ctrl+N", ""},
     {"open", QT_TRANSLATE_NOOP("Commands", "Open"), "open_32",
      QT_TRANSLATE_NOOP("Commands", "Opens a workspace, a pattern, a mesh or a picture."), "Ctrl+O",
      ""},
@@ -49,11 +49,11 @@ constexpr CommandRow commandRows[] = {
     {"exit", QT_TRANSLATE_NOOP("Commands", "Exit"), "exit",
      QT_TRANSLATE_NOOP("Commands", "Closes Marlowen."), "Ctrl+Q", ""},
     {"undo", QT_TRANSLATE_NOOP("Commands", "Undo"), "undo_32",
-     QT_TRANSLATE_NOOP("Commands", "Takes the last change back."), "Ctrl+Z",
-     QT_TRANSLATE_NOOP("Commands", "There is nothing to take back.")},
+     QT_TRANSLATE_NOOP("Commands", "Undoes the last change."), "Ctrl+Z",
+     QT_TRANSLATE_NOOP("Commands", "There is nothing to undo.")},
     {"redo", QT_TRANSLATE_NOOP("Commands", "Redo"), "redo_32",
-     QT_TRANSLATE_NOOP("Commands", "Does again what was taken back."), "Ctrl+Y; Ctrl+Shift+Z",
-     QT_TRANSLATE_NOOP("Commands", "There is nothing to do again.")},
+     QT_TRANSLATE_NOOP("Commands", "Redoes the last undone change."), "Ctrl+Y; Ctrl+Shift+Z",
+     QT_TRANSLATE_NOOP("Commands", "There is nothing to redo.")},
     {"zoomAll", QT_TRANSLATE_NOOP("Commands", "Zoom To All"), "ZoomToBoard_22",
      QT_TRANSLATE_NOOP("Commands", "Shows the whole relief."), "F", ""},
     {"openLast", QT_TRANSLATE_NOOP("Commands", "Open last file"), "openRecent", "", "",
@@ -115,7 +115,7 @@ WindowPages buildRibbon(RibbonMainWindow &window, CommandSet &commands, const To
 
 namespace {
 
-/// The patterns, with the numbers of the one that is being placed below, and the alphas.
+/// The patterns, with the numbers of the pattern being placed below, and the alphas.
 QWidget *libraryTabs(const WindowDocks &docks, QWidget &window)
 {
     auto *patterns = new QWidget;

@@ -16,7 +16,7 @@ class RecoveryController;
 class UpdateController;
 class Workbench;
 
-/// What the window offers besides the work itself: recovery, updates, help.
+/// The services of the window that do not edit: recovery, updates, help.
 class WindowServices : public QObject
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ public:
         Workbench &bench;
         CommandSet &commands;
         CenterArea &center;
-        /// The unsaved-work guard: true when what is open may be replaced.
+        /// The unsaved-work guard: true when the open work may be replaced.
         std::function<bool()> mayLoseWork;
     };
     /// Everything given outlives this object; `updates` is where updates come from, empty for
@@ -45,7 +45,7 @@ public:
     void setupControls();
     /// Waits until unsaved work is safe until the next start; false when it is not.
     bool leaveForNextStart();
-    /// Nothing is kept then, but for what was left for the next start.
+    /// Removes the unsaved work that is kept, except work left for the next start.
     void windowCloses();
 
 signals:

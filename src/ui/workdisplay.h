@@ -14,9 +14,9 @@ class ModelStage;
 class SculptPanels;
 class StatusLine;
 
-/// Brings to the front what belongs to the work of the moment: the views and the tab of a relief
-/// that was opened, the stage of a model, the tools when an import is accepted; and names the steps
-/// that were taken back.
+/// Brings forward the page and panels for the present work: the views and the tab of a relief
+/// that was opened, the preview of a model, the tools when an import is accepted; and names the
+/// steps that were undone.
 class WorkDisplay : public QObject
 {
     Q_OBJECT

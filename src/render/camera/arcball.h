@@ -20,7 +20,7 @@ Quaternion multiplied(const Quaternion &a, const Quaternion &b);
 Quaternion normalized(const Quaternion &q);
 Quaternion rotationAbout(const Vector &unitAxis, double degrees);
 
-/// The matrix of a quaternion, which is taken as it is: 1 - 2(y² + z²) and so on, without dividing
+/// The matrix of a quaternion, which is not normalised: 1 - 2(y² + z²) and so on, without dividing
 /// by its length. Column-major, so m[8] = 2(xz + wy) and m[9] = 2(yz - wx).
 Matrix rotationMatrix(const Quaternion &q);
 

@@ -6,9 +6,9 @@
 
 namespace marlowen {
 
-/// The cells of a relief that may be on screen: the smallest rectangle around what of the box lies
-/// inside the viewport, whatever the rotation; a little too large rather than too small. Empty when
-/// nothing is.
+/// The cells of a relief that may be on screen: the smallest rectangle around the part of the box
+/// inside the viewport, for any rotation; a little too large rather than too small. Empty when the
+/// box is outside.
 QRect visibleCells(const SceneBox &box, const ViewMatrices &view);
 
 /// The visible rectangle with 20 % more on each side, clipped to a grid of this size.

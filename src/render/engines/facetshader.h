@@ -4,9 +4,9 @@
 
 namespace marlowen {
 
-/// Draws the facets of a model, flat and lit, each side in a colour of its own, from buffers of
-/// OpenGL 2.1. Of the data it takes positions and indices, which are three corners a facet instead
-/// of strips; the arrays are free again after setData() and setVertices().
+/// Draws the facets of a model, flat and lit, front and back in different colours, from buffers of
+/// OpenGL 2.1. Of the data it uses positions and indices, which are three corners a facet instead
+/// of strips; the arrays may be freed after setData() and setVertices().
 class FacetShader : public Shader
 {
 public:

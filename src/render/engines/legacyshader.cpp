@@ -80,7 +80,7 @@ LegacyShader::LegacyShader()
 LegacyShader2d::LegacyShader2d()
     : LegacyEngine(Shader2d)
 {
-    // The height colours need the lit program's vertex stage as it is.
+    // The height colours use the lit program's vertex stage unchanged.
     _buildProgram(litVertexFile, ":/marlowen2/shaders/height120.frag", Shader2d);
 }
 

@@ -17,7 +17,7 @@
 #include <charconv>
 #include <cstring>
 
-/// Outside any namespace, as the macro wants it: without the call the linker drops the resources of
+/// Outside any namespace, as the macro requires: without the call the linker drops the resources of
 /// a static library.
 static void initResources()
 {

@@ -39,7 +39,7 @@ struct VertexBlock
 /// ShaderFactory::getShader, owns it, and per frame calls bind, draw, release. Every call, the
 /// destructor included, needs the view's OpenGL context to be current.
 ///
-/// The arrays given to setData stay the caller's and must live, at the same addresses, until the
+/// The arrays given to setData belong to the caller and must stay at the same addresses until the
 /// next setData or setVertices: the legacy engine draws straight from them and the buffer engine
 /// reads the changed vertices from them in updateVertices.
 class Shader
@@ -57,10 +57,10 @@ public:
     virtual void draw() = 0;
     /// Replaces the whole data.
     virtual void setData(const ShaderMesh &mesh) = 0;
-    /// Replaces the vertices and keeps the indices of the last setData, whatever the mesh has: for
-    /// a grid of the same number of columns and rows as before.
+    /// Replaces the vertices and keeps the indices of the last setData, ignoring those of the mesh:
+    /// for a grid of the same number of columns and rows as before.
     virtual void setVertices(const ShaderMesh &mesh) = 0;
-    /// Takes over vertices that the caller changed in place in the arrays last given. Parts of the
+    /// Uploads vertices that the caller changed in place in the arrays last given. Parts of the
     /// block beyond the data are ignored.
     virtual void updateVertices(const VertexBlock &block) = 0;
 
@@ -94,7 +94,7 @@ public:
     float maxZ = 0.0F;
 
 protected:
-    /// Where each uniform lives in the program; -1 where the program has none.
+    /// The location of each uniform of the program; -1 where the program has none.
     struct Locations
     {
         int32_t modelview = -1;
@@ -155,7 +155,7 @@ enum class DrawingEngine { Vbo, Legacy };
 
 /// The engine for an OpenGL version string such as "4.5 (Compatibility Profile) Mesa": buffers from
 /// 3.3 on unless the legacy engine is asked for. Only the number the string begins with counts,
-/// whatever the locale.
+/// in any locale.
 DrawingEngine drawingEngineFor(const char *version, bool useLegacyShader);
 
 class ShaderFactory

@@ -40,7 +40,7 @@ Material materialNamed(const QList<Material> &materials, const QString &name);
 /// Stores the material as the user's own, over one of the same name. Fails for the name of a
 /// preset, an empty name and one with a slash or backslash, which would nest in the store.
 Outcome saveMaterial(const Material &material);
-/// Removes a user material; fails for a preset. A name that is not there is no error.
+/// Removes a user material; fails for a preset. An unknown name is not an error.
 Outcome deleteMaterial(const QString &name);
 
 /// An editable copy under a name that the list does not hold: "gold copy", "gold copy 2", ...

@@ -48,7 +48,7 @@ Cache &cache()
     return cached;
 }
 
-// Whole multiples keep the pixels sharp; what lies between is taken down from the next multiple.
+// Whole multiples keep the pixels sharp; other sizes are scaled down from the next multiple.
 QImage scaledImage(const Pointer &pointer, double scale)
 {
     const QImage image(pointer.image);

@@ -61,7 +61,7 @@ double facing(const Vector &normal, const ViewMatrices &view)
 void paintFace(QPainter &painter, size_t index, const ViewMatrices &view)
 {
     constexpr double leastFacing = 0.3;
-    constexpr double side = 100.0; // of the square that the text is laid out in
+    constexpr double side = 100.0; // of the square for the text's layout
     const GizmoFace &face = gizmoFaces()[index];
     const double straight = facing(face.normal, view);
     if (straight < leastFacing)

@@ -38,7 +38,7 @@ private:
     static void _drawLabels(QOpenGLFunctions_2_1 &gl, const QImage &labels);
 
     std::unique_ptr<QOpenGLFramebufferObject> m_smooth; ///< several samples a pixel
-    std::unique_ptr<QOpenGLFramebufferObject> m_plain;  ///< what is drawn
+    std::unique_ptr<QOpenGLFramebufferObject> m_plain;  ///< the finished picture
     Matrix m_rotation{};
     int m_pictures = 0;
 };

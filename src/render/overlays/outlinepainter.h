@@ -34,7 +34,7 @@ public:
     void drawHandles(QOpenGLFunctions_2_1 &gl, const QPolygonF &gridPoints, double pixel);
     void setGrid(QSize grid) { m_grid = grid; }
 
-    /// Deletes what lives in OpenGL.
+    /// Deletes the OpenGL objects.
     void release(QOpenGLFunctions_2_1 &gl);
 
 private:

@@ -4,7 +4,8 @@ class QOpenGLFunctions_2_1;
 
 namespace marlowen {
 
-/// The white light on overlays (footprint, gizmo): fixed-function lighting is on while it lives.
+/// The white light on overlays (footprint, gizmo): fixed-function lighting is on while the object
+/// exists.
 class OverlayLight
 {
 public:

@@ -104,7 +104,7 @@ private:
     }
     bool _selectedLeft(const uint8_t *at, int heading) const
     {
-        // What lies ahead on the left is what lies ahead on the right for the heading to the left.
+        // The cell ahead on the left is the cell ahead on the right for the heading to the left.
         return at[m_aheadRight[(heading + 3) % 4]] & Selected;
     }
     /// To the next corner where the border turns; at least one edge.

@@ -137,7 +137,7 @@ void SizeBox::draw(QOpenGLFunctions_2_1 &gl, const SceneBox &box, const QColor &
     gl.glPushAttrib(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     gl.glEnable(GL_BLEND);
     gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    // What is picked is the model.
+    // Only the model is picked.
     gl.glDepthMask(GL_FALSE);
     setInk(0.14F);
     drawFloor(gl, around);

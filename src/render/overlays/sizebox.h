@@ -15,7 +15,7 @@ class QOpenGLTexture;
 
 namespace marlowen {
 
-/// Where the size along an axis (0 x, 1 y, 2 z) is written: beside the middle of that edge of the
+/// The place of the label of an axis (0 x, 1 y, 2 z): beside the middle of that edge of the
 /// box that lies farthest out on the screen, the lower or right one of two. In logical window
 /// coordinates, y up; nothing when the edge is seen nearly end-on.
 std::optional<QPointF> sizeLabelPlace(const SceneBox &box, size_t axis, const ViewMatrices &view);
@@ -28,7 +28,7 @@ public:
     SizeBox();
     ~SizeBox();
 
-    /// What is written along x, y and z.
+    /// The labels along x, y and z.
     void setSizes(const std::array<QString, 3> &texts);
 
     /// The box's edges and its floor, within the picture: depth test on, matrices set, which stay.
@@ -36,7 +36,7 @@ public:
     /// The sizes, over the picture that was drawn with `view`; the matrices are lost.
     void drawSizes(QOpenGLFunctions_2_1 &gl, const SceneBox &box, const ViewMatrices &view,
                    double ratio);
-    /// Deletes what lives in OpenGL.
+    /// Deletes the OpenGL objects.
     void release();
 
 private:

@@ -8,7 +8,7 @@ namespace marlowen {
 
 namespace {
 
-/// Cubes along the longest side: more than that cannot be told apart on a screen of today.
+/// Cubes along the longest side: smaller ones cannot be distinguished on a screen.
 constexpr double mostCubes = 200.0;
 constexpr double fewestCubes = 8.0;
 constexpr uint32_t vacant = std::numeric_limits<uint32_t>::max();

@@ -11,7 +11,7 @@ namespace marlowen {
 /// A model on its way into the preview, without OpenGL.
 ///
 /// Vertices are kept in the model's frame: the middle of its box is the origin, the longest half
-/// side 1, whatever the size of its numbers. The scene shows it turned and scaled so that its
+/// side 1, for any size of its numbers. The scene shows it turned and scaled so that its
 /// longest side is `facetSceneSide`.
 
 inline constexpr double facetSceneSide = 1000.0;
@@ -36,7 +36,7 @@ FacetFrame frameOf(const ModelBox &box);
 /// x, y, z of every position of the mesh in the frame.
 std::vector<float> facetVertices(const TriangleMesh &mesh, const FacetFrame &frame);
 
-/// Where a placed model stands in the scene.
+/// The place of a placed model in the scene.
 struct FacetScene
 {
     Matrix placement = identityMatrix(); ///< from the frame into the scene

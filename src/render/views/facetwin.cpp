@@ -16,7 +16,7 @@ namespace {
 /// A software driver draws so many in a frame of a moving camera.
 constexpr size_t mostCoarseFacets = 50000;
 constexpr size_t denseFacets = 300000;
-/// What the buffers of the driver can count.
+/// The largest count in the buffers of the driver.
 constexpr size_t mostFacets = std::numeric_limits<uint32_t>::max() / sizeof(MeshTriangle);
 
 constexpr Shader::Rgba backFaceColor = {0.86F, 0.38F, 0.24F, 1.0F};

@@ -26,7 +26,7 @@ public:
     /// new call comes before it goes. `box` is the one about its triangles.
     void setMesh(const TriangleMesh *mesh, const ModelBox &box = {});
 
-    /// How the model stands.
+    /// The placement of the model.
     struct Stand
     {
         ModelPlacement placement;

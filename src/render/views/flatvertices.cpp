@@ -33,7 +33,7 @@ private:
         constexpr double farthest = 1e15;
         const double level =
             std::clamp((height - m_minimum) / m_range * m_count, -farthest, farthest);
-        // Rounded up by hand: without newer instructions ceil() is a call for every vertex.
+        // Rounded up without ceil(), which is a function call on older processors.
         const auto whole = static_cast<double>(static_cast<int64_t>(level));
         return level > whole ? whole + 1.0 : whole;
     }

@@ -24,7 +24,7 @@ bool dabsHere(int type)
     return row && row->has(DabsIn2d);
 }
 
-/// The pointer for what a press on the crop box would take hold of.
+/// The pointer for the part of the crop box that a press would drag.
 Qt::CursorShape cursorForHold(int hold)
 {
     using Gesture = ShapeGesture;
@@ -343,7 +343,7 @@ bool FlatWin::_handlesKey(int key) const
 
 bool FlatWin::event(QEvent *event)
 {
-    // While a shape is drawn its keys are the view's, whatever shortcuts the window has on them.
+    // While a shape is drawn its keys belong to the view, even if the window has shortcuts on them.
     if (event->type() == QEvent::ShortcutOverride &&
         _handlesKey(static_cast<QKeyEvent *>(event)->key()))
         event->accept();

@@ -13,10 +13,10 @@ namespace marlowen {
 /// selection outlined by travelling dashes. Here selections are drawn, heights are picked, painted,
 /// filled and erased, and a crop box is set up.
 ///
-/// Left button: what the tool does here. Rectangle and Elliptical are dragged. Polygon is clicked
+/// Left button: the action of the tool. Rectangle and Elliptical are dragged. Polygon is clicked
 /// corner by corner; a double-click, Enter or a click on the first corner closes it, Backspace
 /// takes the last corner back. Crop is dragged and then adjusted by its edges, corners and inside.
-/// Esc forgets a shape; Shift adds it to the selection, Alt takes it away. Magic, Sample, Fill,
+/// Esc drops a shape; Shift adds it to the selection, Alt subtracts it. Magic, Sample, Fill,
 /// Height brush and Erase go through the stroke engine. Other tools do nothing here. Middle button:
 /// pan. Wheel as in the 3D view.
 class FlatWin : public ReliefView
@@ -48,13 +48,13 @@ public:
     static bool actsHere(int toolType);
 
 public slots:
-    /// Shifts the colours; 255 is once around. A value that is no number is ignored.
+    /// Shifts the colours; 255 is once around. NaN is ignored.
     void colorOffsetChanged(double offset);
     /// Number of height levels, at least 2.
     void quantizationChanged(double levels);
     /// Forgets a shape being drawn and the crop box.
     void cancelShape();
-    /// A rectangle that the left button moves, turns and sizes, in place of what the tool does; the
+    /// A rectangle that the left button moves, turns and sizes, in place of the tool's action; the
     /// caller's. Null: none.
     void setPlaceGesture(PlaceGesture *gesture);
 
@@ -68,7 +68,7 @@ signals:
     /// Enter, Esc while there is a gesture.
     void placeApplied();
     void placeCancelled();
-    /// A shape was drawn. Whoever owns the relief makes the edit.
+    /// A shape was drawn. The receiver makes the edit.
     void shapeDrawn(const marlowen::SelectionEdit &edit);
 
 protected:

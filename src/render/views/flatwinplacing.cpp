@@ -13,7 +13,7 @@ void FlatWin::setPlaceGesture(PlaceGesture *gesture)
     _shapeChanged();
 }
 
-/// What the left button does while a rectangle is being placed; false when it is not the
+/// The action of the left button while a rectangle is being placed; false when it is not the
 /// rectangle's.
 bool FlatWin::_placePress(QMouseEvent *event)
 {

@@ -7,7 +7,8 @@
 
 namespace marlowen {
 
-/// A rectangle on the 2D view that is moved, turned and sized by its handles. Knows no window.
+/// A rectangle on the 2D view that is moved, turned and sized by its handles. Independent of
+/// windows.
 ///
 /// Positions are grid coordinates: cell (c, r) spans c..c+1 by r..r+1; positive rows run up the
 /// screen. `pixel` is the length of one logical pixel in cells.
@@ -37,17 +38,17 @@ public:
 
     enum Hold { Nothing, Move, Size, Turn };
     Hold holdAt(QPointF at, double pixel) const;
-    /// Takes hold of what is there; false for nothing.
+    /// Begins to drag the part at that point; false when there is none.
     bool press(QPointF at, double pixel);
     /// Follows the pointer. With `steps` turns by 15 degrees and moves along one axis.
     void moveTo(QPointF at, bool steps);
     void release() { m_hold = Nothing; }
     Hold hold() const { return m_hold; }
-    /// What the pointer looks like there.
+    /// The pointer's shape there.
     Qt::CursorShape cursorAt(QPointF at, double pixel) const;
 
     QPolygonF outline() const;
-    /// The four corners, then the handle that turns, which stands off the upper edge.
+    /// The four corners, then the handle that turns, which is above the upper edge.
     QPolygonF handles(double pixel) const;
 
 private:

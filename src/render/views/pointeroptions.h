@@ -5,7 +5,7 @@
 namespace marlowen {
 
 /// How wheel and pen act, in all views. Settings: "/state/view/wheelZoomsIn", "penStrength",
-/// "penSize" and "penCurve" beside it.
+/// "penSize" and "penCurve".
 struct PointerOptions
 {
     bool wheelZoomsIn = false; ///< turned away from the user

@@ -78,7 +78,7 @@ void PointerStroke::forget()
     m_axisLock.stop();
 }
 
-// What other work left to draw is taken first, so that afterwards everything is the stroke's.
+// Earlier changes are collected first, so that all later ones are the stroke's.
 void PointerStroke::_throughEngine(const std::function<void(SculptEngine &)> &call)
 {
     m_target.changes->collect();

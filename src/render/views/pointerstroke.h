@@ -16,20 +16,20 @@ class SculptEngine;
 struct ToolParams;
 
 /// A stroke of the pointer: takes presses and moves as points on the relief, lays the stroke
-/// through the engine and tells the views what it changed. With Ctrl at the press it keeps to a
+/// through the engine and reports the changes to the views. With Ctrl at the press it keeps to a
 /// line; Alt and the eraser of a pen turn the relief's invert flag round until the stroke ends.
-/// Knows no window.
+/// Independent of windows.
 class PointerStroke
 {
 public:
-    /// What is stroked; all of it lives longer than the stroke.
+    /// The objects of the stroke; all of them outlive it.
     struct Target
     {
         Relief *relief = nullptr;
         SculptEngine *engine = nullptr;
         ReliefChanges *changes = nullptr;
     };
-    /// The pointer: where it is on the widget and what lies under it.
+    /// The pointer: its position on the widget and the point of the relief under it.
     struct Point
     {
         QPoint position; ///< logical pixels

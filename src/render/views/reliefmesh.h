@@ -15,7 +15,7 @@ namespace marlowen {
 class Relief;
 
 /// The vertex grid of a view: one vertex every `step` cells of a rectangle of the relief,
-/// row-major, the first one at the rectangle's origin. Vertex (i, j) stands at cell (region.x + i *
+/// row-major, the first one at the rectangle's origin. Vertex (i, j) is at cell (region.x + i *
 /// step, region.y + j * step).
 ///
 /// Indices are triangle strips, one a pair of rows.

@@ -218,7 +218,7 @@ void ReliefView::setEngine(SculptEngine *engine)
     _prepareStroke();
 }
 
-// When there is nothing else to do: the first stroke would pay for fresh memory otherwise.
+// When idle; otherwise the first stroke would wait for fresh memory.
 void ReliefView::_prepareStroke()
 {
     QTimer::singleShot(prepareDelay, this, [this] {
@@ -352,7 +352,7 @@ void ReliefView::_cancelStroke()
 
 bool ReliefView::event(QEvent *event)
 {
-    // Esc takes a stroke back, whatever shortcut the window has on it.
+    // Esc cancels a stroke, even if the window has a shortcut on it.
     if (event->type() == QEvent::ShortcutOverride && m_stroke.running() &&
         static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
         event->accept();

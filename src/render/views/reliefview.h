@@ -17,7 +17,7 @@ class FootprintPainter;
 class Relief;
 class SculptEngine;
 
-/// What both views of a relief have in common: vertex data, strokes from the pointer, the
+/// The common part of both views of a relief: vertex data, strokes from the pointer, the
 /// tool's footprint, the wheel on the tool. A derived view adds its shader, its vertices and
 /// what it draws on top. Views own neither the relief, the tool, the engine nor the changes.
 class ReliefView : public SurfaceView
@@ -42,11 +42,11 @@ public:
     SculptEngine *engine() const { return m_engine; }
     /// Why the pointer only looks: shown in the status line by a press that would edit.
     void setReason(const QString &reason) { m_reason = reason; }
-    /// How the next shape or magic selection meets the selection that is there. Shift adds and Alt
-    /// takes away, whatever is set here.
+    /// How the next shape or magic selection combines with the present selection. Shift adds and
+    /// Alt subtracts, with any value set here.
     void setSelectionModifier(SelectionModifier modifier) { m_modifier = modifier; }
     SelectionModifier selectionModifier() const { return m_modifier; }
-    /// Index in lengthUnits of the unit that the status line speaks in; inches at first.
+    /// Index in lengthUnits of the unit of the status line; inches at first.
     void setUnit(int unit);
     /// Share one with the other views of the same relief; null: the view's own.
     void setChanges(ReliefChanges *changes);
@@ -58,7 +58,7 @@ public:
 public slots:
     /// Step 0..3 adds -0.01, +0.01, -0.1, +0.1 to the tool size.
     void brushSizeStep(int step);
-    /// Repaints with whatever the relief, the tool or the alpha brush became.
+    /// Repaints after a change of the relief, the tool or the alpha brush.
     void refresh();
 
 signals:
@@ -72,7 +72,7 @@ signals:
     void selectionChanged();
 
 protected:
-    // What a derived view supplies.
+    // To be supplied by a derived view.
 
     /// Vertices carry normals.
     virtual bool hasNormals() const { return true; }
@@ -106,7 +106,7 @@ protected:
     bool canEdit() const;
     /// With these keys held.
     SelectionModifier modifierFor(Qt::KeyboardModifiers keys) const;
-    /// Tells why an edit is refused.
+    /// Shows why an edit is refused.
     void showReason();
     /// Heights the vertices were computed with, unscaled, as of the last full rebuild.
     HeightRange heightRange() const { return m_range; }
@@ -136,8 +136,8 @@ private:
     ReliefMesh m_mesh;
     QSize m_grid; ///< size of the relief that the mesh was built for
     PointerStroke m_stroke;
-    QPoint m_strokeFrom;        ///< of a press beside the relief: where the pointer was last
-    bool m_strokeWaits = false; ///< the press was beside the relief
+    QPoint m_strokeFrom;        ///< of a press outside the relief: the last position of the pointer
+    bool m_strokeWaits = false; ///< the press was outside the relief
     double m_pressure = 1.0;    ///< of the pen that the pointer event at hand comes from
     bool m_eraser = false;
     QString m_reason;

@@ -24,8 +24,8 @@ public:
     void setSlow(bool slow);
     /// The selection or the shown part of the relief changed.
     void invalidate() { m_dirty = true; }
-    /// Rebuilds the outline within these cells where due; starts the timer when there is an outline
-    /// and stops it when there is none. `pixelsACell` is in device pixels.
+    /// Rebuilds the outline within these cells where needed; starts the timer when there is an
+    /// outline and stops it when there is none. `pixelsACell` is in device pixels.
     void update(QOpenGLFunctions_2_1 &gl, const Relief &relief, const QRect &region,
                 double pixelsACell);
     void draw(QOpenGLFunctions_2_1 &gl, double deviceRatio);

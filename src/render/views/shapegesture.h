@@ -13,7 +13,7 @@
 namespace marlowen {
 
 /// The shape a person draws with one of the shape tools (Rectangle, Elliptical, Polygon, Crop) of
-/// the 2D view: presses, moves and keys in, shape out. Knows no window.
+/// the 2D view: presses, moves and keys in, shape out. Independent of windows.
 ///
 /// Positions are grid coordinates: cell (c, r) spans c..c+1 by r..r+1; positive rows run up the
 /// screen. They may lie off the grid.
@@ -21,11 +21,11 @@ class ShapeGesture
 {
 public:
     /// The Tool::Type drawn with from now on, and the grid it is drawn on. Another tool or another
-    /// grid forgets what was begun; any type that is no shape tool draws nothing.
+    /// grid drops the shape begun; types other than shape tools draw nothing.
     void setTool(int type, QSize grid);
     int tool() const { return m_tool; }
     QSize grid() const { return m_grid; }
-    /// What it draws; None for types that are no shape tool.
+    /// The tool in use; None for types other than shape tools.
     ToolShape shape() const { return m_shape; }
     bool usable() const { return m_shape != ToolShape::None && !m_grid.isEmpty(); }
 
@@ -39,12 +39,12 @@ public:
     bool close() const;
     /// Takes back the last corner of the polygon.
     void removeLastCorner();
-    /// Forgets what was begun, the crop box too.
+    /// Drops the shape begun, and the crop box.
     void cancel();
 
-    /// Something is being drawn, or a crop box stands.
+    /// A shape is being drawn, or there is a crop box.
     bool active() const;
-    /// A button is held on the shape.
+    /// A button is pressed on the shape.
     bool dragging() const { return m_dragging; }
 
     /// Selects the finished shape.
@@ -58,7 +58,7 @@ public:
     /// Where the handles of the crop box stand.
     QPolygonF handles() const;
 
-    /// What a press there would take hold of: a sum of these, 0 for nothing.
+    /// The parts that a press there would drag: a sum of these, 0 for none.
     enum Hold { Left = 1, Right = 2, Bottom = 4, Top = 8, Inside = 16 };
     int holdAt(QPointF at, double pixel) const;
 

@@ -337,7 +337,7 @@ SurfaceView::PickResult SurfaceView::pick(QPoint position)
 void SurfaceView::_ensureDepth()
 {
     const bool moved = matrices() != m_drawn;
-    // The surface itself may reach out of the old clip planes while the depth is held.
+    // The surface itself may extend beyond the old clip planes while the depth is kept.
     const bool held = m_depthHeld && m_camera == m_depthCamera &&
                       m_depth.size() == physicalSize(size(), devicePixelRatioF());
     const bool unfinished = m_quality < _wantedQuality();

@@ -19,7 +19,7 @@ class KeptPicture;
 class Shader;
 class Turntable;
 
-/// A view of a surface under a camera, whatever the surface is: OpenGL context, camera moved by
+/// A view of any surface under a camera: OpenGL context, camera moved by
 /// pointer and wheel, a kept picture of the surface with its depth, picking, status line, and for
 /// views that turn the orientation gizmo. A derived view supplies the surface.
 ///
@@ -38,7 +38,7 @@ public:
     /// A derived view calls releaseGL() in its own destructor.
     ~SurfaceView() override;
 
-    /// What lies behind the surface.
+    /// The colour behind the surface.
     void setBackdrop(const QColor &color);
     const QColor &backdrop() const { return m_backdrop; }
     /// Interaction mode (ViewMode) and its cursor; any other value sets the default cursor.
@@ -46,7 +46,7 @@ public:
     int mode() const { return m_mode; }
 
     const Camera &camera() const { return m_camera; }
-    /// Of the camera as it is now.
+    /// Of the present camera.
     ViewMatrices matrices() const;
 
     struct PickResult
@@ -55,8 +55,8 @@ public:
         Vector point; ///< model space
     };
     /// The surface under a logical position, from the depth of the picture; draws that first when
-    /// the camera moved since. While the depth is held it is that of the moment it was held, as
-    /// long as the camera stands still.
+    /// the camera moved since. While the depth is held it stays that of holdDepth(true), as
+    /// long as the camera does not move.
     PickResult pick(QPoint position);
 
     /// Work done since construction.
@@ -74,7 +74,7 @@ public:
     PictureQuality::Level pictureLevel() const { return m_quality; }
     /// Null before the first paint or when no drawing engine could be made.
     const Shader *shader() const { return m_shader.get(); }
-    /// Why nothing can be drawn; empty as long as something can.
+    /// Why the view cannot draw; empty while it can.
     const QString &message() const { return m_message; }
 
     /// Makes the drawing engine anew, as the settings ask for now.
@@ -99,7 +99,7 @@ signals:
     void cameraChanged();
 
 protected:
-    // What a derived view supplies.
+    // To be supplied by a derived view.
 
     /// The box the surface occupies, for projection and picking; without extent when there is none.
     virtual SceneBox sceneBox() const = 0;
@@ -108,10 +108,10 @@ protected:
     /// A new shader of the view's kind, of the legacy engine when asked. The context is current;
     /// throws a C string when it cannot be made.
     virtual std::unique_ptr<Shader> createShader(bool legacy) = 0;
-    /// A context was made: nothing is uploaded yet. Sets what OpenGL state a view wants beyond that
-    /// of all views.
+    /// A context was made, without data. Sets the OpenGL state that a view needs in addition to
+    /// that of all views.
     virtual void prepareGL(QOpenGLFunctions_2_1 &gl) { (void)gl; }
-    /// Hands the shader what changed, before every frame; true when the picture must be drawn anew
+    /// Gives the shader the changes, before every frame; true when the picture must be drawn anew
     /// for it.
     virtual bool updateSurface(Shader &shader) = 0;
     /// Facets of the surface where a part of them can be drawn soon; 0 where it is drawn whole at
@@ -131,7 +131,7 @@ protected:
     /// the picture; blending, depth test, lighting and texturing are off. To be called last by an
     /// override: it draws the gizmo and loses the matrices.
     virtual void drawOverlays(QOpenGLFunctions_2_1 &gl);
-    /// Releases what drawOverlays made; the context is current.
+    /// Releases the objects of drawOverlays; the context is current.
     virtual void releaseOverlays(QOpenGLFunctions_2_1 &gl);
 
     /// Text of the status line for a point of the surface.
@@ -159,7 +159,7 @@ protected:
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
 
-    // What a derived view calls.
+    // To be called by a derived view.
 
     /// The view turns and shows the gizmo; to be called once, by a constructor.
     void enableTurning();
@@ -169,13 +169,13 @@ protected:
     void invalidatePicture();
     /// Keeps the depth that picks read, although the picture changes.
     void holdDepth(bool held) { m_depthHeld = held; }
-    /// What the kept picture was drawn with.
+    /// The matrices of the kept picture.
     const ViewMatrices &drawnMatrices() const { return m_drawn; }
     QPoint lastPos() const { return m_lastPos; }
     void setLastPos(QPoint position) { m_lastPos = position; }
-    /// The status line is due: what is under the pointer may have changed.
+    /// Requests a new status line: the surface under the pointer may have changed.
     void refreshStatus() { m_statusPending = true; }
-    /// Tells the status line, unless it was told the same last.
+    /// Emits statusChanged(), unless the text is the last one.
     void showStatus(const QString &text);
     /// The driver draws with the processor; known from prepareGL() on.
     bool slowDriver() const { return m_pace.slow(); }

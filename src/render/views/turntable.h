@@ -30,8 +30,8 @@ public:
     void setRotation(const Quaternion &rotation) { m_arcball.setRotation(rotation); }
     const Matrix &matrix() const { return m_arcball.matrix(); }
 
-    /// Draws the gizmo into the framebuffer that is bound; GizmoPainter::draw() says what is lost.
-    /// The view's context is current, here and in releaseGL().
+    /// Draws the gizmo into the framebuffer that is bound; GizmoPainter::draw() lists the state it
+    /// changes. The view's context is current, here and in releaseGL().
     void draw(QOpenGLFunctions_2_1 &gl, QSize widget, double ratio);
     void releaseGL() { m_gizmo.reset(); }
     /// Times the gizmo was drawn anew.

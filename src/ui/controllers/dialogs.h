@@ -19,8 +19,8 @@ struct SaveQuestion
 {
     QString title;
     QString filter;
-    QString ending; ///< a name that ends so, in any case, stays as it is
-    QString suffix; ///< what any other name gets, with its dot
+    QString ending; ///< a name with this ending, in any case, is not changed
+    QString suffix; ///< added to any other name, with its dot
     QString folder;
     QString name;
 };

@@ -11,10 +11,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// A relief that is being worked on changes again soon.
+/// A relief that is being edited changes again soon.
 constexpr milliseconds settle{250};
 constexpr milliseconds slice{12};
-/// For work behind a progress box.
+/// For work with a progress box.
 constexpr milliseconds longSlice{30};
 /// Between two lines to the page.
 constexpr int frameMs = 100;
@@ -30,7 +30,7 @@ ExportEstimate::ExportEstimate(Workbench &bench, QObject *parent)
     m_slices.setInterval(0);
     connect(&m_delay, &QTimer::timeout, this, &ExportEstimate::_begin);
     connect(&m_slices, &QTimer::timeout, this, &ExportEstimate::_tick);
-    // The old relief still lives at the first of these, and the heights changed at the others.
+    // At the first of these signals the old relief still exists; at the others its heights changed.
     connect(&bench, &Workbench::replaced, this, &ExportEstimate::_restart);
     connect(&bench, &Workbench::changed, this, &ExportEstimate::_restart);
     connect(&bench, &Workbench::importChanged, this, &ExportEstimate::_restart);
@@ -95,7 +95,7 @@ void ExportEstimate::_tick()
     try {
         _work(slice);
     } catch (const std::bad_alloc &) {
-        // The page shows nothing then; an export tries again and says why it cannot be done.
+        // The page then shows no forecast; an export tries again and reports the failure.
         m_slices.stop();
         m_reduction.reset();
         m_known = false;

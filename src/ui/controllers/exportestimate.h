@@ -13,8 +13,8 @@ namespace marlowen {
 
 class Workbench;
 
-/// Finds out what an export of the workbench's relief would write, in slices of the event loop, so
-/// that the window never waits. The reduction that it has come to serves the export as well.
+/// Computes what an export of the workbench's relief would write, in slices of the event loop, so
+/// that the window never waits. The export continues the reduction that was made so far.
 class ExportEstimate : public QObject
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
 
     /// The options to estimate; other ones begin anew.
     void setOptions(const ExportOptions &options);
-    /// Works only while someone looks; what was found is given up when nobody does.
+    /// Works only while the result is shown; hiding it drops the result.
     void setShown(bool shown);
 
     /// Whether forecast() holds anything.

@@ -28,7 +28,8 @@ public:
     /// opened.
     std::function<bool(const QString &path)> openModel;
 
-    /// Opens the file by the end of its name. False when nothing was opened; what is open stays.
+    /// Opens the file by the ending of its name. False when nothing was opened; the open work
+    /// stays.
     bool openFile(const QString &path);
     void newRelief();
     void chooseFileToOpen();
@@ -39,7 +40,7 @@ public:
     /// The depth in cells that pictures are opened with from now on; nothing while something else
     /// than a picture is open.
     void rememberDepth(double cells);
-    /// The unsaved-work guard: true when what is open may be replaced.
+    /// The unsaved-work guard: true when the open work may be replaced.
     bool mayLoseWork();
     /// The program cannot go on: from now on the guard offers no "Cancel".
     void endForGood() { m_ending = true; }
@@ -66,7 +67,7 @@ private:
 
     Workbench &m_bench;
     QWidget *m_window;
-    FileStamp m_stamp; ///< of the open file as it was read or written here
+    FileStamp m_stamp; ///< of the open file when it was last read or written here
     bool m_ending = false;
 };
 

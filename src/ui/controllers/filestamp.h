@@ -5,7 +5,7 @@
 
 namespace marlowen {
 
-/// Tells one content of a file from another.
+/// Distinguishes two versions of a file.
 struct FileStamp
 {
     QDateTime modified; ///< invalid when there is no file

@@ -125,10 +125,9 @@ void LookController::deleteMaterial()
 {
     const QString name = m_materials->current().name;
     const auto yes = QMessageBox::Yes;
-    if (QMessageBox::question(
-            m_window, tr("Materials"),
-            tr("Delete the material \"%1\"? This cannot be taken back.").arg(name),
-            yes | QMessageBox::No, QMessageBox::No) != yes)
+    if (QMessageBox::question(m_window, tr("Materials"),
+                              tr("Delete the material \"%1\"? This cannot be undone.").arg(name),
+                              yes | QMessageBox::No, QMessageBox::No) != yes)
         return;
     if (const Outcome removed = m_materials->remove(); !removed)
         showFailure(m_window, removed.failure());
@@ -166,7 +165,7 @@ void LookController::switchTheme()
     m_parts.page->showTheme(mode == 1);
 }
 
-/// What lies behind the relief is darker than the chrome, so that the relief is the brightest.
+/// The backdrop of the relief is darker than the chrome, so that the relief is the brightest.
 void LookController::showPalette()
 {
     const QPalette palette = m_window->palette();

@@ -34,7 +34,7 @@ public:
     void restore();
     void store() const;
 
-    /// Whether a material was ever chosen by hand.
+    /// Whether the user has ever chosen a material.
     static bool materialWasChosen();
 
     void setLight(int index);
@@ -42,7 +42,7 @@ public:
     /// Asks for the colour of a MaterialEditor::Term.
     void askForColor(int term);
     void setShininess(int value);
-    /// The material's name as it is being typed; finishName() renames.
+    /// The material's name while it is typed; finishName() renames.
     void editName(const QString &name) { m_typedName = name; }
     void finishName();
     void cloneMaterial();

@@ -119,7 +119,7 @@ void ModelController::cancel()
     emit shownChanged();
 }
 
-/// In a field the key only takes back what is being typed.
+/// In a field the key only cancels the typing.
 void ModelController::_escape()
 {
     if (!qobject_cast<QAbstractSpinBox *>(QApplication::focusWidget()))
@@ -176,7 +176,7 @@ void ModelController::_setSizes(const AxisSizes &sizes)
     const double area = (sizes[0] * inches) * (sizes[1] * inches);
     const double before = shape->areaSquareInches();
     const std::optional<std::array<double, 3>> factors = factorsFor(*shape, sizes);
-    // What is too big already may still be made smaller, step by step.
+    // A model that is too big may still be made smaller, step by step.
     if (exceedsAreaLimit(area) && area > before)
         showFailure(m_window, sizeLimitFailure(area));
     else if (factors)

@@ -15,8 +15,8 @@ class OrientPage;
 class Workbench;
 
 /// The model that is being oriented, from its file to the relief that it becomes: reads it, shows
-/// it, turns and sizes it as the page asks. The relief on the workbench stays as it is until the
-/// model is accepted. Dialogs stand over the window.
+/// it, turns and sizes it as the page asks. The relief on the workbench is not changed until the
+/// model is accepted. Dialogs belong to the window.
 class ModelController : public QObject
 {
     Q_OBJECT
@@ -30,7 +30,7 @@ public:
     ModelController(Workbench &bench, const Parts &parts, QWidget *window);
 
     /// Reads the file and shows it, in place of a model that was open. False when it could not be
-    /// read or the user cancelled; what is open stays. Unsaved work is not asked about.
+    /// read or the user cancelled; the open work stays. It does not ask about unsaved work.
     bool open(const QString &path);
 
 public slots:

@@ -229,7 +229,7 @@ void PlaceController::setupControls(CommandSet &commands) const
 
 QString PlaceController::reason() const
 {
-    return isPlacing() ? tr("Apply the pattern or take it off (Esc) first.") : QString();
+    return isPlacing() ? tr("Apply the pattern or cancel it (Esc) first.") : QString();
 }
 
 } // namespace marlowen

@@ -17,7 +17,7 @@ namespace marlowen {
 
 namespace {
 
-/// As long as a slow disk may take before a termination signal asks about the work instead.
+/// Longest wait for a slow disk before a termination signal asks about the work instead.
 constexpr std::chrono::seconds longestWait{10};
 
 } // namespace
@@ -75,7 +75,7 @@ void RecoveryController::_restore(const QString &folder)
         return restoreWork(folder, progress);
     }();
     if (!restored) {
-        // Cancelled when there is no sentence.
+        // An empty sentence means cancelled.
         if (!restored.failure().sentence.isEmpty())
             showFailure(m_window, restored.failure());
         find();
@@ -96,14 +96,15 @@ void RecoveryController::_discard(const QString &folder)
     if (dialogsOpen())
         return;
     QMessageBox box(QMessageBox::Question, QString::fromLatin1("Marlowen"),
-                    tr("Delete this unsaved work for good?"), QMessageBox::Cancel, m_window);
+                    tr("Delete this unsaved work permanently?"), QMessageBox::Cancel, m_window);
     QPushButton *discard = box.addButton(tr("Discard"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
     if (box.clickedButton() != discard)
         return;
     if (!discardWork(folder))
-        showFailure(m_window, {tr("Discard Failed"), tr("The kept work cannot be deleted now.")});
+        showFailure(m_window,
+                    {tr("Discard Failed"), tr("The unsaved work cannot be deleted now.")});
     if (!find())
         emit pageDone();
 }
@@ -111,10 +112,10 @@ void RecoveryController::_discard(const QString &folder)
 void RecoveryController::_showState(bool on, const QString &reason)
 {
     if (on)
-        return emit said(tr("Unsaved work is kept for a restore again."), 5000);
+        return emit said(tr("Unsaved work is recorded again."), 5000);
     logWarning() << "The recovery journal is off: " << reason << "\n";
     logFlush();
-    emit said(tr("Unsaved work is not kept for a restore now: %1").arg(reason), 0);
+    emit said(tr("Unsaved work is not recorded now: %1").arg(reason), 0);
 }
 
 bool RecoveryController::leaveForNextStart()

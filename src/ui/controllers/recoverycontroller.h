@@ -23,7 +23,7 @@ public:
     struct Parts
     {
         RecoveryPage *page;
-        /// The unsaved-work guard: true when what is open may be replaced.
+        /// The unsaved-work guard: true when the open work may be replaced.
         std::function<bool()> mayLoseWork;
     };
     /// The workbench and the page outlive this object; dialogs stand over the window.

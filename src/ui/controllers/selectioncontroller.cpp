@@ -59,7 +59,7 @@ void SelectionController::_change(bool (*edit)(Relief &relief, int cells))
     const int cells = m_page->growBy();
     m_bench.apply(selectionOperation([&](Relief &relief) { done = edit(relief, cells); }));
     if (!done)
-        emit said(tr("Nothing would be left selected."), 5000);
+        emit said(tr("The selection would become empty."), 5000);
 }
 
 void SelectionController::setupControls(CommandSet &commands) const

@@ -38,7 +38,7 @@ private:
 
     Workbench &m_bench;
     EditPage *m_page;
-    std::optional<CellBits> m_last; ///< what was selected before "Select None"
+    std::optional<CellBits> m_last; ///< the selection before "Select None"
 };
 
 } // namespace marlowen

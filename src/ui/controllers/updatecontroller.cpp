@@ -96,8 +96,8 @@ void UpdateController::_askForDaily()
 {
     QMessageBox *box = boxOver(
         m_window, tr("Check For Updates"),
-        tr("Should Marlowen look for updates once a day? It tells the maker's server which version "
-           "you have and nothing else."));
+        tr("Should Marlowen look for updates once a day? It sends the number of your version "
+           "to the maker's server and nothing else."));
     box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box->setDefaultButton(QMessageBox::No);
     connect(box, &QMessageBox::finished, this, [this](int answer) {

@@ -141,7 +141,7 @@ void HelpWindow::_goToChapter(int row)
     const QListWidgetItem *chapter = m_chapters->item(row);
     if (!chapter)
         return;
-    // From the end, so that the heading comes to the top.
+    // From the end, so that the heading scrolls to the top.
     m_text->moveCursor(QTextCursor::End);
     QTextCursor cursor = m_text->textCursor();
     cursor.setPosition(chapter->data(Qt::UserRole).toInt());

@@ -11,7 +11,7 @@ namespace marlowen {
 
 class CommandSet;
 
-/// The user manual in a window of its own: its chapters, its text with pictures, and a search. The
+/// The window of the user manual: its chapters, its text with pictures, and a search. The
 /// text is docs/manual.md, followed by the list of all keys.
 class HelpWindow : public QDialog
 {
@@ -23,8 +23,8 @@ public:
 private:
     void _fillChapters();
     void _goToChapter(int row);
-    /// Marks every place and goes to the next one from the cursor on; `anew` from where the last
-    /// search began.
+    /// Marks every match and moves to the next one after the cursor; with `anew` from where the
+    /// last search began.
     void _search(bool anew);
     void _markAll();
 

@@ -10,7 +10,7 @@ namespace marlowen {
 
 namespace {
 
-/// A key that is no command's.
+/// A key without a command.
 struct KeyRow
 {
     const char *keys;
@@ -32,14 +32,14 @@ constexpr KeyRow viewKeys[] = {
      QT_TRANSLATE_NOOP("Keys", "Keep the stroke on a horizontal or vertical line")},
     {"Alt while drawing", QT_TRANSLATE_NOOP("Keys", "Invert the tool")},
     {"Esc while drawing", QT_TRANSLATE_NOOP("Keys", "Take the stroke back")},
-    {"Esc", QT_TRANSLATE_NOOP("Keys", "2D view: forget the shape being drawn")},
+    {"Esc", QT_TRANSLATE_NOOP("Keys", "2D view: discard the shape being drawn")},
     {"Enter", QT_TRANSLATE_NOOP("Keys", "2D view: close the polygon, apply the crop")},
-    {"Backspace", QT_TRANSLATE_NOOP("Keys", "2D view: take the polygon's last corner back")},
+    {"Backspace", QT_TRANSLATE_NOOP("Keys", "2D view: remove the polygon's last corner")},
     {"Shift while selecting", QT_TRANSLATE_NOOP("Keys", "Add to the selection")},
     {"Alt while selecting", QT_TRANSLATE_NOOP("Keys", "Take away from the selection")},
     {"Shift while placing",
      QT_TRANSLATE_NOOP("Keys", "Move along one axis only, turn in even steps")},
-    {"Enter, Esc", QT_TRANSLATE_NOOP("Keys", "What is being placed: apply it, leave it out")},
+    {"Enter, Esc", QT_TRANSLATE_NOOP("Keys", "Placing a pattern: apply, cancel")},
     {"Esc with a model open", QT_TRANSLATE_NOOP("Keys", "Close the model without accepting it")},
 };
 
@@ -66,7 +66,7 @@ void addTable(QStringList &lines, const char *heading)
 
 void addRow(QStringList &lines, QString keys, QString effect)
 {
-    // What Markdown would take for something else.
+    // Characters with a meaning in Markdown.
     for (QString *text : {&keys, &effect})
         text->replace(QLatin1Char('|'), QLatin1String("\\|"))
             .replace(QLatin1Char('['), QLatin1String("\\["))

@@ -33,7 +33,7 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(AlphaStore)
 };
 
-/// The picture that was chosen last, as it was read, and how it is held.
+/// The picture that was chosen last, as read from the file, and its orientation.
 struct ChosenAlpha
 {
     FloatGrid picture;
@@ -159,8 +159,9 @@ Result<QString> renameAlphaPicture(const QString &path, const QString &name)
     const bool usable = !wanted.isEmpty() && !wanted.contains(QLatin1Char('/'));
     if (usable && !QFile::exists(renamed) && QFile::rename(path, renamed))
         return renamed;
-    return Failure{Texts::tr("Rename Failed"),
-                   Texts::tr("%1 cannot be called \"%2\".").arg(old.completeBaseName(), wanted)};
+    return Failure{
+        Texts::tr("Rename Failed"),
+        Texts::tr("%1 cannot be renamed to \"%2\".").arg(old.completeBaseName(), wanted)};
 }
 
 Outcome chooseAlpha(const QString &path)

@@ -27,7 +27,7 @@ QList<AlphaEntry> alphaEntries();
 QImage alphaThumbnail(const QString &path, int side);
 
 /// Copies the picture into the user's folder, under another name where its own is taken, and
-/// returns the copy's path. Fails with "Add Picture Failed" when it is no picture or cannot be
+/// returns the copy's path. Fails with "Add Picture Failed" when it is not a picture or cannot be
 /// copied.
 Result<QString> addAlphaPicture(const QString &path);
 

@@ -40,7 +40,7 @@ QStringList localFiles(const QMimeData *data)
     return files;
 }
 
-/// The thumbnail centred on a square, so that all entries align; twice as fine as it is shown, for
+/// The thumbnail centred on a square, so that all entries align; at twice the shown resolution, for
 /// dense screens.
 QIcon framedIcon(const QImage &thumbnail)
 {
@@ -187,7 +187,7 @@ void LibraryPanel::_filter(const QString &wanted)
         item->setHidden(!item->text().contains(wanted.trimmed(), Qt::CaseInsensitive));
         shown += !item->isHidden();
     }
-    m_nothing->setText(tr("Nothing is called \"%1\".").arg(wanted.trimmed()));
+    m_nothing->setText(tr("There is no picture named \"%1\".").arg(wanted.trimmed()));
     m_nothing->setVisible(shown == 0);
 }
 
@@ -264,7 +264,7 @@ void LibraryPanel::_rename(const QString &path)
     Result<QString> renamed = renameAlphaPicture(path, name);
     if (!renamed)
         return _showLater(renamed.failure());
-    // The alpha brush stays what it is.
+    // The alpha brush does not change.
     if (m_chosen == path)
         m_chosen = renamed.take();
     reload();

@@ -13,7 +13,7 @@ namespace marlowen {
 namespace {
 
 constexpr int mostKept = 600;         ///< thumbnails
-constexpr qsizetype mostWaiting = 80; ///< what was scrolled past is not read
+constexpr qsizetype mostWaiting = 80; ///< older requests, scrolled out of view, are dropped
 constexpr qint64 sliceMs = 8;
 constexpr QRgb backdrop = qRgb(56, 58, 62); ///< that of the views: patterns are light
 

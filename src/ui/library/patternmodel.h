@@ -10,8 +10,8 @@
 namespace marlowen {
 
 /// The patterns of a folder of the library, or of all, for an icon view. A thumbnail is read from
-/// its file once somebody asks for it, a few in each turn of the event loop, so that a folder of
-/// thousands costs what is seen of it. Dragged entries are files.
+/// its file when the view asks for it, a few in each turn of the event loop, so that of a folder of
+/// thousands only the visible ones are read. Dragged entries are files.
 class PatternModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
-    /// Only asks for another name; whoever renames shows the folder again.
+    /// Only requests another name; the receiver renames and shows the folder again.
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QMimeData *mimeData(const QModelIndexList &indexes) const override;

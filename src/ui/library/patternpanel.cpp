@@ -29,7 +29,7 @@ constexpr int thumbnailSide = 72;
 constexpr QSize cell(84, 102);
 constexpr int changedMs = 250;
 
-/// Pattern files of a drag that comes from elsewhere.
+/// Pattern files of a drag from another program.
 QStringList patternFiles(const QDropEvent &event)
 {
     QStringList files;
@@ -183,7 +183,7 @@ void PatternPanel::_showEntries()
     m_model->show(m_folders->currentData().toString(), wanted);
     const bool empty = m_model->rowCount() == 0;
     m_nothing->setText(wanted.isEmpty() ? tr("There are no patterns here yet.")
-                                        : tr("Nothing is called \"%1\".").arg(wanted));
+                                        : tr("There is no pattern named \"%1\".").arg(wanted));
     m_nothing->setVisible(empty);
 }
 

@@ -18,7 +18,7 @@ struct PatternFolder
 {
     QString name; ///< as people see it
     QString path;
-    bool builtIn = false; ///< what is in it cannot be changed
+    bool builtIn = false; ///< its patterns cannot be changed
 };
 
 /// A pattern of the library.
@@ -48,9 +48,9 @@ PatternAttributes attributesOfUser(const QString &path, int unit);
 /// A folder in the user's one. Fails with "New Folder Failed".
 Result<QString> addPatternFolder(const QString &name);
 /// Copies a pattern file into the folder, under another name where its own is taken, and returns
-/// the copy's path. Fails with "Add Pattern Failed" when it is none or cannot be copied.
+/// the copy's path. Fails with "Add Pattern Failed" when it is not a pattern or cannot be copied.
 Result<QString> addPatternFile(const QString &path, const QString &folder);
-/// What is to be written into a folder of the library.
+/// A pattern to be written into a folder of the library.
 struct NewPattern
 {
     QString name;
@@ -62,7 +62,7 @@ struct NewPattern
 Result<QString> addReliefPattern(const Relief &relief, const NewPattern &pattern,
                                  Progress &progress);
 /// Renames the file and returns its new path; the title inside stays. Fails with "Rename Failed",
-/// also when the name is taken or is no file name.
+/// also when the name is taken or is not a valid file name.
 Result<QString> renamePattern(const QString &path, const QString &name);
 /// Moves the file to the desktop's trash. Fails with "Remove Failed".
 Outcome removePattern(const QString &path);

@@ -13,8 +13,8 @@ namespace marlowen {
 class NumberField;
 class SliderField;
 
-/// The numbers of a pattern that is being placed, with Apply and Cancel. Esc is Cancel, wherever
-/// the keyboard is.
+/// The numbers of a pattern that is being placed, with Apply and Cancel. Esc is Cancel,
+/// whichever widget has the focus.
 class PlacePanel : public QWidget
 {
     Q_OBJECT

@@ -46,7 +46,7 @@ constexpr int forecastWidth = 200;
 constexpr std::array<int, 3> toleranceDecimals{4, 5, 4};
 constexpr int highQuality = 0;
 constexpr int qualities = 3;
-constexpr double sameTolerance = 1e-9; ///< inches; a typed number comes back through its unit
+constexpr double sameTolerance = 1e-9; ///< inches; a typed number is converted to its unit and back
 constexpr double bytesOfMegabyte = 1e6;
 
 const FieldInfo &infoOf(auto member)
@@ -61,7 +61,7 @@ QString settingOf(const char *key)
 
 constexpr char thicknessKey[] = "thickness";
 
-/// The stored options; what the fields do not take is left out.
+/// The stored options; values outside the fields' ranges are ignored.
 ExportOptions storedOptions()
 {
     const QevSettings settings;

@@ -34,7 +34,7 @@ public:
     void setUnit(int unit);
     /// What an export would write now; `ended` when these are the final numbers.
     void showForecast(const MeshForecast &forecast, bool ended);
-    /// Nothing is known.
+    /// Removes the line of the forecast.
     void clearForecast();
     /// A length in the page's unit, "0.0005 in.".
     QString lengthText(double inches) const;

@@ -54,7 +54,7 @@ constexpr TurnCommand turnCommands[] = {
 constexpr CommandRow commandRows[] = {
     {"resetModel", QT_TRANSLATE_NOOP("Commands", "Reset"), "reset_axes", "", "", ""},
     {"invertNormals", QT_TRANSLATE_NOOP("Commands", "Invert Normals"), "flip_normals",
-     QT_TRANSLATE_NOOP("Commands", "Takes the back sides of the facets for the front ones. Only "
+     QT_TRANSLATE_NOOP("Commands", "Swaps the front and back sides of the facets. Only "
                                    "the preview changes."),
      "", "", true},
     {"cancelModel", QT_TRANSLATE_NOOP("Commands", "Cancel"), "close",

@@ -32,7 +32,7 @@ struct ModelReadout
 };
 
 /// The controls of the page "Orient / Scale": turns, unit and sizes of the model that is open, what
-/// the relief will be, Accept and Cancel. The page acts on nothing: it says what was asked for.
+/// the relief will be, Accept and Cancel. The page changes nothing itself: it emits the requests.
 class OrientPage : public QObject
 {
     Q_OBJECT

@@ -36,7 +36,7 @@ QString sizeGroupTitle();
 QComboBox *addUnitChoice(RibbonGroup &group, const QString &name);
 
 /// Three rows of a ribbon group: the size along an axis and the factors it can be multiplied by;
-/// beside them the button of the aspect lock and the imported and the working size.
+/// to their right the button of the aspect lock and the imported and the working size.
 class SizeRows : public QObject
 {
     Q_OBJECT
@@ -65,7 +65,7 @@ public:
     AspectLock lock() const { return m_lock; }
 
 public slots:
-    /// Goes on to the next state of the lock.
+    /// Switches to the next state of the lock.
     void cycleLock();
 
 signals:

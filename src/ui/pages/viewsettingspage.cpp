@@ -41,7 +41,7 @@ constexpr CommandRow commandRows[] = {
      QT_TRANSLATE_NOOP("Commands", "Removes the material."), "",
      QT_TRANSLATE_NOOP("Commands", "A preset cannot be deleted.")},
     {"viewAlone", QT_TRANSLATE_NOOP("Commands", "Only This View"), "view_alone",
-     QT_TRANSLATE_NOOP("Commands", "Shows the view with the keyboard alone, then both again."),
+     QT_TRANSLATE_NOOP("Commands", "Shows only the view with the keyboard focus, then both."),
      "F11", ""},
     {"theme", QT_TRANSLATE_NOOP("Commands", "Dark"), "Theme Dark",
      QT_TRANSLATE_NOOP("Commands", "Changes between the light and the dark theme."), "", ""},

@@ -37,7 +37,7 @@ public:
     void showMaterials(const MaterialEditor &editor);
     /// The choice with this percentage, the first when there is none.
     void showPointerSize(int percent);
-    /// The theme that the switch goes to next.
+    /// The theme in force; the switch offers the other one.
     void showTheme(bool dark);
 
 signals:

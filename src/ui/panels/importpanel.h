@@ -48,7 +48,7 @@ signals:
     void UpdateClicked();
     /// "Accept": the owner ends the import. Changes are flushed.
     void AcceptClicked();
-    /// What askToFlip() asked was answered, here or at the control of its own.
+    /// The question of askToFlip() was answered, in the notice or by the check box "Flip Y".
     void FlipAnswered();
 
 private:

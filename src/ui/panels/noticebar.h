@@ -4,8 +4,8 @@
 
 namespace marlowen {
 
-/// A slim notice with one thing to do about it and a button that puts it away. Whoever made it
-/// shows and hides it.
+/// A one-line notice with one action and a button that dismisses it. The owner shows and hides
+/// it.
 class NoticeBar : public QFrame
 {
     Q_OBJECT

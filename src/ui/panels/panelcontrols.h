@@ -20,8 +20,8 @@ namespace marlowen {
 class ChoiceRow;
 struct ToolRow;
 
-/// Enables the control when there is no reason against it and shows the hint; otherwise disables it
-/// and shows the reason.
+/// With an empty reason enables the control and shows the hint; otherwise disables it and shows the
+/// reason.
 void showReason(QWidget &control, const QString &hint, const QString &reason);
 void showReason(SliderField &field, const QString &hint, const QString &reason);
 

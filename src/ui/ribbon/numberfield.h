@@ -4,8 +4,8 @@
 
 namespace marlowen {
 
-/// A number that can be typed with a decimal comma or point, whatever the locale. Letters are
-/// refused, an empty field returns to the last value, numbers out of range are brought to the
+/// A number that can be typed with a decimal comma or point in any locale. Letters are
+/// refused, an empty field returns to the last value, numbers out of range are clamped to the
 /// nearest end. The wheel acts only while the field has the focus, so that scrolling a panel
 /// changes nothing by accident.
 class NumberField : public QDoubleSpinBox

@@ -18,8 +18,8 @@ namespace Office2013Drawing {
 void button(const QStyleOption &option, QPainter &painter, bool flat);
 /// Outline of a field; the accent colour when it has the focus.
 void field(const QStyleOption &option, QPainter &painter);
-/// The ring around whatever has the keyboard focus, in the colour of the text: what is chosen has
-/// the accent colour.
+/// The ring around the widget with the keyboard focus, in the text colour: the accent colour marks
+/// checked controls.
 void focusRing(const QStyleOption &option, QPainter &painter);
 void checkBox(const QStyleOption &option, QPainter &painter);
 void radioButton(const QStyleOption &option, QPainter &painter);

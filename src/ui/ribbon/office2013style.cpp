@@ -72,7 +72,7 @@ void Office2013Style::setAccentColor(const QColor &accent)
     _apply();
 }
 
-/// The application's palette follows the style once the style is the one in force.
+/// The application's palette follows the style once the style is in force.
 void Office2013Style::_apply()
 {
     if (qApp && QApplication::style() == this)

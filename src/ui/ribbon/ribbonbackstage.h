@@ -8,8 +8,8 @@ namespace marlowen {
 
 class RibbonButton;
 
-/// The page that lies over the whole window: a column of commands on the left, any content beside
-/// it. Choosing a command closes the page; Escape and the back button close it too.
+/// The page that covers the whole window: a column of commands on the left, any content to its
+/// right. Choosing a command closes the page; Escape and the back button close it too.
 class RibbonBackstage : public QWidget
 {
     Q_OBJECT

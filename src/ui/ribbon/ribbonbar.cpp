@@ -109,7 +109,7 @@ void RibbonBar::setPageVisible(int number, bool visible)
             }
         }
     }
-    // Told twice before it lays its tabs out, a tab bar forgets to do so.
+    // A tab bar that is set twice before it lays out its tabs does not lay them out.
     if (m_tabs->isTabVisible(_tabOf(number)) != visible)
         m_tabs->setTabVisible(_tabOf(number), visible);
 }
@@ -155,7 +155,7 @@ void RibbonBar::changeEvent(QEvent *event)
         _drawArrow();
 }
 
-/// Lays the page over the window, or takes it away again. Only while minimised.
+/// Shows the page over the window, or hides it. Only while minimised.
 void RibbonBar::_floatPage(bool on)
 {
     if (on == m_floating || (on && !m_minimized))

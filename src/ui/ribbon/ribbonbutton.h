@@ -14,7 +14,7 @@ class RibbonButton : public QToolButton
 public:
     enum Form {
         Large,   ///< 32 pixel icon, text below in up to two lines
-        Small,   ///< 20 pixel icon, text beside
+        Small,   ///< 20 pixel icon, text to the right
         IconOnly ///< 20 pixel icon
     };
 

@@ -5,8 +5,8 @@
 
 namespace marlowen {
 
-/// The colours of quiet chrome with one accent, read from a palette so that every widget of the kit
-/// follows whatever palette is in force. `Highlight` is the accent, `Window` the chrome, `Base` the
+/// The colours of neutral chrome with one accent, read from a palette so that every widget of the
+/// kit follows the current palette. `Highlight` is the accent, `Window` the chrome, `Base` the
 /// fields, `Mid` the border.
 struct RibbonColors
 {

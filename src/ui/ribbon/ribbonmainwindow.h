@@ -8,7 +8,7 @@ class RibbonBackstage;
 class RibbonBar;
 class RibbonQuickAccessBar;
 
-/// A main window whose commands live on a ribbon. Pressing and letting go of Alt alone, or F10,
+/// A main window whose commands are on a ribbon. Pressing and releasing Alt alone, or F10,
 /// gives the keyboard to the ribbon's tabs; Ctrl+F1 minimises the ribbon.
 class RibbonMainWindow : public QMainWindow
 {

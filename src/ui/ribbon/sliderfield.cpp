@@ -79,7 +79,7 @@ void SliderField::setHint(const QString &hint)
     m_number->setToolTip(whole);
 }
 
-/// Takes the value and shows it in both parts; false when it is the one that is there.
+/// Takes the value and shows it in both parts; false when the value does not change.
 bool SliderField::_take(double value)
 {
     if (!std::isfinite(value))
