@@ -52,9 +52,9 @@ private:
     std::vector<char> m_to;
 };
 
-/// Runs `prepare` (untimed) and `work` (timed) in every iteration, a copy of `bytes` beside it, and
-/// reports the counters "copy_ms" and "x_copy" (median time of the work over median time of the
-/// copy). Register with UseManualTime().
+/// Runs `prepare` (untimed) and `work` (timed) in every iteration, each followed by a copy of
+/// `bytes`, and reports the counters "copy_ms" and "x_copy" (median time of the work over median
+/// time of the copy). Register with UseManualTime().
 template <typename Prepare, typename Work>
 void measure(benchmark::State &state, size_t bytes, Prepare prepare, Work work)
 {

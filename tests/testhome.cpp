@@ -1,4 +1,4 @@
-// Linked into every test program: gives it an empty home folder of its own in the build tree before
+// Linked into every test program: gives it its own empty home folder in the build tree before
 // main begins, so that a test never touches the logs, alphas and settings of the person who runs
 // it.
 

@@ -30,7 +30,7 @@ static std::unique_ptr<Relief> waves(int width)
     return relief;
 }
 
-/// A folder beside the program, so that the figures are those of a disk.
+/// A folder next to the program, so that the figures are those of a disk.
 struct Folder
 {
     QTemporaryDir directory{QStringLiteral("bench_files.XXXXXX")};

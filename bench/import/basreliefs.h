@@ -4,7 +4,7 @@
 
 namespace marlowen::bas {
 
-/// A relief made for measuring: the form and what lies on it, 0 in empty cells of both.
+/// A relief made for measuring: the form and the texture on it, 0 in empty cells of both.
 struct MadeRelief
 {
     FloatGrid form;    ///< at least a fortieth of the depth in filled cells

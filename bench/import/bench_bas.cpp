@@ -6,8 +6,8 @@
 #include <cmath>
 #include <numeric>
 
-// What a bas-relief is good for, in figures: every benchmark here makes a relief of which form and
-// texture are known, and states as counters what became of them. Names in the table say how.
+// The quality of bas-reliefs in figures: every benchmark here makes a relief of known form and
+// texture, and its counters state the result for both. The names in the table describe them.
 
 namespace marlowen::bas {
 namespace {
@@ -50,8 +50,8 @@ Line regression(const std::vector<double> &a, const std::vector<double> &b)
     return {ab / bb, ab / std::sqrt(aa * bb)};
 }
 
-/// The texture in a bas-relief: what is left of `heights` when the best combination of a form
-/// and a level is taken away from it.
+/// The texture in a bas-relief: the rest of `heights` when the best combination of a form
+/// and a level is subtracted.
 std::vector<double> withoutForm(const FloatGrid &heights, const FloatGrid &form)
 {
     std::vector<double> rest;
@@ -68,7 +68,7 @@ std::vector<double> withoutForm(const FloatGrid &heights, const FloatGrid &form)
     return rest;
 }
 
-/// What became of the texture: the bas-relief with it, less the form as the bas-relief without
+/// The resulting texture: the bas-relief with it, less the form as the bas-relief without
 /// texture shows it, against the texture.
 Line textureLine(const MadeRelief &relief, const Setting &setting = {})
 {
@@ -142,7 +142,7 @@ double keptSigns(const FloatGrid &before, const FloatGrid &after)
 }
 
 /// The signs that a relief keeps whose form falls to a third while its texture keeps 0.8: more
-/// cannot be had where both fall so.
+/// is impossible where both fall so.
 double mostSigns(const MadeRelief &relief)
 {
     FloatGrid best = relief.form;
@@ -213,7 +213,7 @@ void basFigureLettering(benchmark::State &state)
 }
 BENCHMARK(basFigureLettering)->Iterations(1)->Unit(benchmark::kMillisecond);
 
-/// Tops and rims of the domes in turn: rises, and what each dome keeps of its own 20.
+/// Tops and rims of the domes in turn: rises, and the height that each dome keeps of its 20.
 void basFigureDomes(benchmark::State &state)
 {
     const int side = 512;

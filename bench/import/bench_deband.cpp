@@ -6,8 +6,8 @@
 #include <numbers>
 #include <random>
 
-// What debanding does to surfaces that were rounded to whole levels: RMS distances in levels to the
-// surface before rounding, away from the border, and to what lettering was.
+// The effect of debanding on surfaces rounded to whole levels: RMS distances in levels to the
+// surface before rounding, away from the border, and to the original lettering.
 
 namespace marlowen {
 namespace {

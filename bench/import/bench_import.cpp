@@ -105,7 +105,7 @@ static void tilt(benchmark::State &state)
 }
 BENCHMARK(tilt)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
-/// What one step of a dragged slider costs with everything switched on.
+/// The cost of one step of a dragged slider with everything switched on.
 static void wholeRecompute(benchmark::State &state)
 {
     const ImportSettings settings{.invertZ = true, .smoothing = 5.0, .trim = 20};
@@ -138,7 +138,7 @@ struct MemoryFigures
     double held;
 };
 
-/// Imports in a process of its own, whose peak is its own.
+/// Imports in a separate process, to measure its peak.
 static MemoryFigures importInChild(const QString &path, const ImportSettings &settings)
 {
     MemoryFigures figures{};

@@ -38,7 +38,7 @@ double threadSeconds()
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-/// A window without widgets, on a folder beside the program: a disk, not memory.
+/// A window without widgets, on a folder next to the program: a disk, not memory.
 struct Window
 {
     Window()
@@ -81,7 +81,7 @@ struct Window
     double cpu = 0.0; ///< of this thread alone, which other processes do not lengthen
 };
 
-/// How long the journal holds up the window after a stroke: `diagonal` strokes cross the relief.
+/// How long the journal delays the window after a stroke: `diagonal` strokes cross the relief.
 void BM_JournalStep(benchmark::State &state, bool diagonal)
 {
     Window window;
@@ -115,7 +115,7 @@ void BM_JournalStep(benchmark::State &state, bool diagonal)
 BENCHMARK_CAPTURE(BM_JournalStep, short_strokes, false)->UseManualTime()->Iterations(200);
 BENCHMARK_CAPTURE(BM_JournalStep, whole_relief, true)->UseManualTime()->Iterations(3);
 
-/// What it adds to opening a relief, beside a copy of the two layers that it has.
+/// The time it adds to opening a relief, against a copy of the relief's two layers.
 void BM_JournalBegin(benchmark::State &state)
 {
     Window window;

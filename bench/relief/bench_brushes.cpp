@@ -47,7 +47,7 @@ ToolParams paramsFor(int type, double radiusCells)
     return params;
 }
 
-/// A dab in the middle of a stroke, beside copying the cells of its box. The dab goes to and fro,
+/// A dab in the middle of a stroke, against copying the cells of its box. The dab goes to and fro,
 /// so that Move has a way to go.
 void dab(benchmark::State &state, const ToolParams &params)
 {
@@ -67,7 +67,7 @@ void dab(benchmark::State &state, const ToolParams &params)
     relief.maskLayer().clear();
 }
 
-/// Everything that happens when a stroke of the largest size begins, beside copying the grid.
+/// The begin of a stroke of the largest size, against copying the grid.
 void firstTouch(benchmark::State &state, const ToolParams &params)
 {
     Relief &relief = sharedRelief();

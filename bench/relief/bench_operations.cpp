@@ -108,7 +108,7 @@ void polygon(Relief &relief)
     selectPolygon(relief, corners, SelectionModifier::Normal);
 }
 
-/// The event's two patches are fresh memory: what they alone cost is the counter "patches_x".
+/// The event's two patches are fresh memory: the counter "patches_x" is their cost alone.
 void maskOperation(benchmark::State &state, void (*operation)(Relief &, const EditRun &))
 {
     Relief &relief = sharedRelief(false);

@@ -26,7 +26,7 @@ FloatGrid waves()
     return grid;
 }
 
-/// What one move of the pointer costs before anything is drawn: the pattern is taken back and
+/// The cost of one move of the pointer before drawing: the pattern is undone and
 /// placed again.
 void follow(benchmark::State &state, const Placement &placement)
 {

@@ -7,7 +7,7 @@ using namespace marlowen;
 
 namespace {
 
-// All vertices of the 2D view, beside a copy of the bytes that are read and written.
+// All vertices of the 2D view, against a copy of the bytes that are read and written.
 void flatVertices(benchmark::State &state)
 {
     const auto side = static_cast<int>(state.range(0));

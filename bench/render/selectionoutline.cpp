@@ -29,7 +29,7 @@ GridLayer selectionOf(Shape shape)
     return layer;
 }
 
-// Beside a copy of the selection layer.
+// Against a copy of the selection layer.
 void outline(benchmark::State &state)
 {
     const GridLayer layer = selectionOf(static_cast<Shape>(state.range(0)));

@@ -42,7 +42,7 @@ class TestHousekeeping : public QObject
     Q_OBJECT
 
 private slots:
-    void whatGoesAndWhatStays_data()
+    void oldEntriesAreDeleted_data()
     {
         QTest::addColumn<QStringList>("made");
         QTest::addColumn<int>("hours");
@@ -62,7 +62,7 @@ private slots:
             << QStringList{"tmp/stltmp", "download/"} << 25 << QStringList{"download", "tmp"};
     }
 
-    void whatGoesAndWhatStays()
+    void oldEntriesAreDeleted()
     {
         QFETCH(QStringList, made);
         QFETCH(int, hours);

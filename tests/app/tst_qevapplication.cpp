@@ -26,7 +26,7 @@ QByteArray sessionLog()
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Runs what it is told when it gets a user event.
+/// Runs a function when it gets a user event.
 class Receiver : public QObject
 {
 public:

@@ -19,7 +19,7 @@ struct Run
     QList<QByteArray> log;
 };
 
-/// The program as a user starts it, in a home folder of its own.
+/// The program as a user starts it, with its own home folder.
 class Program
 {
 public:
@@ -207,7 +207,7 @@ private slots:
         QVERIFY(run.errors.startsWith("marlowen: there is no display"));
     }
 
-    void logThatCannotBeWrittenIsNoReasonToStop()
+    void unwritableLogDoesNotStopTheProgram()
     {
         Program program({}, {.dataFolderBlocked = true});
         QVERIFY(program.answerBox("Error opening Log"));
@@ -225,7 +225,7 @@ private slots:
         QVERIFY(run.log.value(3).startsWith("Closing Marlowen 3 log: "));
     }
 
-    void machineWithOldOpenGlIsTold()
+    void oldOpenGlIsReported()
     {
         Program program({}, {.environment = {"MESA_GL_VERSION_OVERRIDE=2.0"}});
         QVERIFY(program.answerBox("Missing OpenGL 2.1"));

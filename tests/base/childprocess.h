@@ -11,7 +11,7 @@
 #include <functional>
 
 /// Tests of what one process does once (logs, forced exit): the test program starts itself again
-/// with the name of a scenario, in a home folder of its own, and reads what is left there.
+/// with the name of a scenario, with its own home folder, and reads the files left there.
 struct Scenario
 {
     const char *name;

@@ -24,7 +24,7 @@ int writeEntries()
     return 0;
 }
 
-/// A folder stands where the log should be written, so that even root cannot open it.
+/// The log's path is a folder, so that even root cannot open it.
 int logUnwritable()
 {
     QDir().mkpath(dataFolder() + '/' + logName(QCoreApplication::applicationPid()));

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int rounds = 40;
 
-/// Writes as a window does that is used and closed, over and over, with a key of its own a round.
+/// Writes as a window does that is used and closed, repeatedly, with a new key in each round.
 int writeAs(const QString &window)
 {
     for (int round = 0; round < rounds; ++round) {

@@ -16,7 +16,7 @@ struct Ran
     QByteArray errors;
 };
 
-/// A test that runs marlowen-cli in a folder of its own.
+/// A test that runs marlowen-cli in its own folder.
 class CliProcess : public QObject
 {
 protected:

@@ -149,7 +149,7 @@ void TestEngineScripts::withoutARelief()
         Script script;
         QVERIFY(script.run({QString::fromLatin1(line)}).endsWith(u": there is no relief"));
     }
-    // The tool and the alpha brush are there before any relief.
+    // The tool and the alpha brush exist before any relief.
     Script script;
     QCOMPARE(script.run({R"({"do":"tool","size":0.5})", R"({"do":"alpha","file":null})"}), "");
     QCOMPARE(script.state().bench.tool.size, 0.5);

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-/// Judges a mesh file against the grid it was made from. It knows the file and the grid alone, and
+/// Checks a mesh file against the grid it was made from. It uses the file and the grid alone, and
 /// nothing of how facets were chosen.
 namespace meshcheck {
 
@@ -143,7 +143,7 @@ inline Edges turnedRound(Edges edges)
     return edges;
 }
 
-/// What is wrong with one facet of a surface; the largest error of its grid points is united into
+/// The fault of one facet of a surface; the largest error of its grid points is united into
 /// `worst`, and they are counted as covered.
 inline QString judgeFacet(const Grid &grid, const Facet &facet, double &worst,
                           std::vector<char> &covered)

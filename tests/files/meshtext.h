@@ -8,7 +8,7 @@
 
 #include <limits>
 
-/// Meshes written by hand and what the readers make of them.
+/// Meshes as literal text and the result of reading them.
 
 inline marlowen::ReadMesh objOf(const QByteArray &text,
                                 marlowen::ObjFileReader::RelativeIndices indices =

@@ -12,7 +12,7 @@ namespace {
 
 const QString corrupted = QStringLiteral("Corrupted or not a recognized format.");
 
-/// What `fill` writes into an empty container.
+/// The bytes that `fill` writes into an empty container.
 template <typename Fill>
 QByteArray written(Fill fill)
 {

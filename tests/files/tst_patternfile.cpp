@@ -105,7 +105,7 @@ class TestPatternFile : public QObject
     }
 
 private slots:
-    void everythingComesBack_data()
+    void savedPatternIsLoadedUnchanged_data()
     {
         QTest::addColumn<int>("width");
         QTest::addColumn<int>("height");
@@ -115,7 +115,7 @@ private slots:
         QTest::newRow("several blocks") << 300 << 511;
     }
 
-    void everythingComesBack()
+    void savedPatternIsLoadedUnchanged()
     {
         QFETCH(int, width);
         QFETCH(int, height);
@@ -164,7 +164,7 @@ private slots:
     }
 
     /// Files with a right digest and wrong contents.
-    void liesAreRefused()
+    void inconsistentSizesAreRefused()
     {
         const QByteArray bytes = _small();
         const qsizetype size = bytes.indexOf("2024") + 21; // of the width, after the header's end

@@ -20,7 +20,7 @@ namespace {
 constexpr int width = 40;
 constexpr int height = 37;
 
-/// What a pixel of the test pictures has in each channel.
+/// The channels of a pixel of the test pictures.
 uint16_t channel(int x, int y, int index)
 {
     const auto value = static_cast<uint16_t>(x * 1531 + y * 307);
@@ -270,7 +270,7 @@ private slots:
             QVERIFY(read.value().values.row(1)[3] >= 248.0F);
     }
 
-    void whatIsRefused_data()
+    void damagedPicturesAreRefused_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         const QByteArray jpeg = leftDark("jpg");
@@ -291,7 +291,7 @@ private slots:
             << QByteArray("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
         QTest::newRow("GIF") << QByteArray("GIF89a\1\0\1\0\0\0\0,\0\0\0\0\1\0\1\0\0\2\1D\0;", 28);
     }
-    void whatIsRefused()
+    void damagedPicturesAreRefused()
     {
         QFETCH(QByteArray, bytes);
         const auto read = _read(bytes);

@@ -90,7 +90,7 @@ std::unique_ptr<Relief> reliefOf(const Grid &grid)
     return relief;
 }
 
-/// A file that was written, and what the writer said of it.
+/// A written file and the writer's report.
 struct Written
 {
     MeshReport report;

@@ -66,7 +66,7 @@ quint32 countOf(const QByteArray &stl)
     return qFromLittleEndian<quint32>(stl.constData() + 80);
 }
 
-/// The right-hand unit normal of the vertices as they are in the file.
+/// The right-hand unit normal of the vertices in the file.
 std::array<double, 3> rightHandNormal(const Facet &f)
 {
     std::array<double, 3> a{};

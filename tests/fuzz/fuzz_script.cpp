@@ -22,7 +22,7 @@ static bool isSmall(const QJsonValue &value)
                        [](const QJsonValueConstRef &v) { return isSmall(v); });
 }
 
-/// Lines that name files would write anywhere; the readers of files have targets of their own.
+/// Lines that name files could write anywhere; the readers of files have separate targets.
 static bool isWanted(const QByteArray &line)
 {
     const QJsonObject object = QJsonDocument::fromJson(line.trimmed()).object();

@@ -8,8 +8,8 @@
 
 namespace fuzz {
 
-/// What every reader promises of a mesh, and a small raster of it. Ends the process when a promise
-/// is broken.
+/// Checks the guarantees of every mesh reader, and makes a small raster of it. Ends the process
+/// when a promise is broken.
 inline void checkMesh(marlowen::TriangleMesh mesh)
 {
     using namespace marlowen;

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-/// Feeds every file of the folder to the target; what is wrong shows as a crash or a sanitizer's
+/// Feeds every file of the folder to the target; a fault shows as a crash or a sanitizer's
 /// report. Fails when the folder has no file.
 int main(int argc, char **argv)
 {

@@ -23,7 +23,7 @@ using namespace marlowen;
 
 namespace {
 
-/// What a reader made of a damaged file.
+/// The result of reading a damaged file.
 enum class Got { Refused, Sound, Unsound };
 
 /// A reader of files and a small file that it reads.
@@ -33,7 +33,7 @@ struct Reader
     QByteArray whole;
     Got (*read)(const QString &path);
     QLatin1String ending = QLatin1String(".scp");
-    bool refusesCuts = true; ///< false: what is left of the file is read
+    bool refusesCuts = true; ///< false: the rest of the file is read
 };
 
 template <typename Loaded, typename IsSound>
@@ -124,7 +124,7 @@ QByteArray tiff()
            QByteArray(48, '\x47');
 }
 
-/// What `write` leaves in a file.
+/// The file that `write` makes.
 template <typename Write>
 QByteArray written(Write write)
 {

@@ -79,7 +79,7 @@ private slots:
         QVERIFY(rmsToRamp(smoothed(values), 40) < 0.07);
     }
 
-    void whatIsNoTerraceStays_data()
+    void surfacesWithoutTerracesStay_data()
     {
         QTest::addColumn<FloatGrid>("values");
         QTest::newRow("empty") << FloatGrid(20, 9);
@@ -90,7 +90,7 @@ private slots:
         QTest::newRow("checkerboard")
             << gridOf(33, 31, [](int x, int y) { return (x + y) % 2 * 50; });
     }
-    void whatIsNoTerraceStays()
+    void surfacesWithoutTerracesStay()
     {
         QFETCH(FloatGrid, values);
         QVERIFY(smoothed(values).values == values.values);

@@ -168,7 +168,7 @@ private slots:
         QVERIFY(referenceOf(*relief) == before);
     }
 
-    void whatMakesTheResultStale()
+    void changesInvalidateTheResult()
     {
         const auto relief = importedPicture();
         auto &source = *static_cast<ImportSource *>(relief->source());
@@ -353,7 +353,7 @@ private slots:
         set(session, &ImportSettings::gridSize, 16);
         const ImportSettings expected{.flipY = true, .smoothing = 5.0};
         QVERIFY(session.openingSettings() == expected);
-        // What is set for a model is not for the next picture.
+        // The settings of a model do not apply to the next picture.
         const auto model = importedPicture();
         session.attach(model.get());
         set(session, &ImportSettings::invertZ, true);

@@ -199,7 +199,7 @@ private slots:
         QCOMPARE(finished.count(), 1);
     }
 
-    /// First nobody trusts the server's certificate, then this process does.
+    /// At first the server's certificate is not trusted, then this process trusts it.
     void certificatesCount()
     {
         TestServer server(true);

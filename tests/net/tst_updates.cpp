@@ -21,7 +21,7 @@ QByteArray contents(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// A download manager with a folder and a server of its own.
+/// A download manager with its own folder and server.
 struct Stage
 {
     QTemporaryDir folder;
@@ -89,7 +89,7 @@ private slots:
         QVERIFY(dailyCheckDue(now.addSecs(60), now));
     }
 
-    void theChannelIsAWordOfAFile()
+    void theChannelIsReadFromAFile()
     {
         Stage stage;
         QCOMPARE(stage.downloads.channel(), "release");
@@ -114,7 +114,7 @@ private slots:
         }
     }
 
-    void downloadsLandInTheFolder()
+    void downloadsAreSavedInTheFolder()
     {
         Stage stage;
         stage.server.act("/u/getmarlowen.php", [&stage](QTcpSocket &socket) {

@@ -31,7 +31,7 @@ struct Window
     RecoveryJournal journal;
 };
 
-/// What is left after the window has gone without a word.
+/// The files left after a window ended without closing.
 RecoveredWork restored(const QString &root)
 {
     Silent silent;
@@ -41,7 +41,7 @@ RecoveredWork restored(const QString &root)
     return work ? work.take() : RecoveredWork();
 }
 
-/// What comes back when these bytes are the journal of a window that is gone.
+/// The work restored when these bytes are the journal of an ended window.
 RecoveredWork restoredFrom(const QString &root, const QByteArray &bytes)
 {
     QFile file(root + QStringLiteral("/window-a/journal"));
@@ -74,11 +74,11 @@ class TestRecovery : public QObject
 private slots:
     void workAndHistoryComeBack();
     void importComesBack();
-    void damageCostsOnlyWhatFollows();
+    void damageAffectsOnlyLaterSteps();
     void foreignAndEmptyFoldersAreLeftOrTidied();
     void savedOrDiscardedWorkIsNotOffered();
     void windowsKeepApart();
-    void withoutRoomItIsOffUntilThereIsSome();
+    void fullDiskTurnsRecordingOff();
     void compactionKeepsTheLastSteps();
     void bytesStayNearWhatChanged();
 };
@@ -109,7 +109,7 @@ void TestRecovery::workAndHistoryComeBack()
         QVERIFY(work.relief && !work.damaged);
         QCOMPARE(stateOf(*work.relief), state);
 
-        // The journal goes on where it was; the second window leaves nothing of its own behind.
+        // The journal is continued; the second window leaves no journal of its own.
         Window next(_root());
         next.bench.take(flatRelief(5, 5));
         next.journal.takeOver(std::move(work));
@@ -168,7 +168,7 @@ void TestRecovery::importComesBack()
     check();
 }
 
-void TestRecovery::damageCostsOnlyWhatFollows()
+void TestRecovery::damageAffectsOnlyLaterSteps()
 {
     QList<QByteArray> states;
     QList<qsizetype> ends;
@@ -196,7 +196,7 @@ void TestRecovery::damageCostsOnlyWhatFollows()
     damage::eachCut(whole, [&](const QByteArray &cut, qsizetype size) {
         const auto steps = stepsBefore(size);
         const RecoveredWork work = restoredFrom(_root(), cut);
-        // The base alone is what was opened: nothing to restore.
+        // The base alone is the opened relief: no work to restore.
         if (steps < 1 || size == ends[0])
             QVERIFY(!work.relief);
         else if (steps > 1)
@@ -282,7 +282,7 @@ void TestRecovery::windowsKeepApart()
     QVERIFY(!discardWork(found.first().folder));
 }
 
-void TestRecovery::withoutRoomItIsOffUntilThereIsSome()
+void TestRecovery::fullDiskTurnsRecordingOff()
 {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};

@@ -1,5 +1,5 @@
-// A child works, step after step, and is killed at some moment; what it leaves is restored and
-// compared with what it wrote down about its own steps.
+// A child process edits, step after step, and is killed at some moment; its journal is restored and
+// compared with its list of steps.
 
 #include "recovery/work.h"
 

@@ -193,10 +193,10 @@ private slots:
         QVERIFY(!toolRow(-1) && !toolRow(static_cast<int>(toolTable().size())));
     }
 
-    void byHand_data();
-    void byHand();
+    void computedCases_data();
+    void computedCases();
     void masks();
-    void planeOfNothing();
+    void planeOfAnEmptyFootprint();
     void smoothAtTheEdge();
     void smudgeAtTheEdge();
     void moveReadsBeyondItsBox();
@@ -204,7 +204,7 @@ private slots:
     void stampCutsDownToItsLevel();
 };
 
-void TestBrushes::byHand_data()
+void TestBrushes::computedCases_data()
 {
     QTest::addColumn<int>("index");
     int index = 0;
@@ -212,7 +212,7 @@ void TestBrushes::byHand_data()
         QTest::newRow(name) << index++;
 }
 
-void TestBrushes::byHand()
+void TestBrushes::computedCases()
 {
     QFETCH(int, index);
     const HandCase handCase = handCases[static_cast<size_t>(index)].second;
@@ -273,7 +273,7 @@ void TestBrushes::masks()
     QCOMPARE(b.at(150, 200), 2.03125F);
 }
 
-void TestBrushes::planeOfNothing()
+void TestBrushes::planeOfAnEmptyFootprint()
 {
     // Without a selected cell the plane lies at the centre cell's height; nothing may be painted.
     Bench b;
@@ -340,7 +340,7 @@ void TestBrushes::moveReadsBeyondItsBox()
     b.engine.beginStroke(b.params, {0.0, 0.0});
     b.engine.applyAt({20.0, 0.0}); // ten columns at half weight, from outside the radius
     QCOMPARE(b.at(170, 200), 20.0F);
-    // Beyond the edge of the relief lies what is at the edge.
+    // Cells beyond the edge of the relief have the heights of the edge.
     b.fill([](int column, int) { return column + 1.0; });
     b.engine.applyAt({-149.0, 0.0});
     b.engine.applyAt({-144.0, 0.0});

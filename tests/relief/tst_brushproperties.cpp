@@ -59,7 +59,7 @@ void wander(SculptEngine &engine, const ToolParams &params, std::mt19937 &random
 
 } // namespace
 
-/// What every row of the tool table has to keep.
+/// The properties of every row of the tool table.
 class TestBrushProperties : public QObject
 {
     Q_OBJECT

@@ -389,7 +389,7 @@ private slots:
         QCOMPARE(usable.smoothLength, 2);
         QCOMPARE(usable.falloff, int(Tool::SmoothFalloff));
         params.aspect = 1e-300;
-        const Tool tool(params, {}, 1000.0); // is there in a moment
+        const Tool tool(params, {}, 1000.0); // takes a moment
         QVERIFY(tool.params().aspect > 0.0);
     }
 };

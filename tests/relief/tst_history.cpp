@@ -21,7 +21,7 @@ namespace {
 constexpr int firstWidth = 57;
 constexpr int firstHeight = 41;
 
-/// The random numbers of one run: the seed tells everything.
+/// The random numbers of one run: they depend on the seed alone.
 class Dice
 {
 public:
@@ -49,7 +49,7 @@ std::vector<float> valuesOf(const GridLayer &layer)
     return {layer.constData(), layer.constData() + layer.size()};
 }
 
-/// What history takes back: size, heights, mask, Z scale. Compared byte for byte.
+/// The state that undo restores: size, heights, mask, Z scale. Compared byte for byte.
 struct State
 {
     explicit State(const Relief &relief)
@@ -76,7 +76,7 @@ struct State
     double zScale;
 };
 
-/// Everything beside heights and mask that an operation reads and no undo takes back.
+/// The inputs of operations, except heights and mask, that undo does not restore.
 struct Surroundings
 {
     static Surroundings of(const Relief &relief)
@@ -124,7 +124,7 @@ struct Action
     int brush = -1; ///< the type of a stroke's tool
 };
 
-/// One operation in the history: what it did, in which surroundings, and the state it led to.
+/// One operation in the history: its values, its inputs, and the resulting state.
 struct Step
 {
     Action operation;

@@ -210,7 +210,7 @@ void TestOperations::halvingAveragesAndKeepsEdges()
 {
     const auto relief = pictures::relief({"1240", "3560", "9005", "0005"});
     QVERIFY(resize(*relief, 2, 2, nullptr));
-    // Full, half covered (kept at the height of what is there), a quarter covered, half covered.
+    // Full, half covered (kept at the height of the material), a quarter covered, half covered.
     QCOMPARE(valuesOf(relief->heights()), Floats({2.75F, 5.0F, 0.0F, 5.0F}));
 }
 

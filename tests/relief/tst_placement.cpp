@@ -114,7 +114,7 @@ private slots:
         QCOMPARE(heightsIn(relief, relief.rect()), QList<float>(81, 3.0F));
     }
 
-    /// Never beyond the grid, whatever the place.
+    /// Never beyond the grid, at any place.
     void anyPlace_data()
     {
         QTest::addColumn<QPointF>("centre");

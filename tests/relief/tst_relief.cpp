@@ -261,7 +261,7 @@ private slots:
         QCOMPARE(count(), 130 * 9 - 1);
         selectRectangle(relief, {0, 0}, {64, 8}, SelectionModifier::Normal);
         QVERIFY(shrinkSelection(relief, 3));
-        QCOMPARE(count(), 62 * 9); // what lies beyond the edge takes nothing away
+        QCOMPARE(count(), 62 * 9); // cells beyond the edge have no effect
     }
 
     void aFullDeviceIsReported()

@@ -83,7 +83,7 @@ private slots:
         QVERIFY(changes.take(first).full);
     }
 
-    void strokesTellNoMoreThanTheirRegion()
+    void strokesReportOnlyTheirRegion()
     {
         Relief relief(200, 200);
         relief.selectionActive = true; // with nothing selected: brushes change nothing
@@ -128,7 +128,7 @@ private slots:
         changes.collect();
         relief.heights().data()[7] = 5.0F;
         QCOMPARE(changes.heightRange().maximum, 5.0);
-        relief.heights().data()[7] = 6.0F; // nobody was told
+        relief.heights().data()[7] = 6.0F; // without a flag
         QCOMPARE(changes.heightRange().maximum, 5.0);
         relief.frameRegion = QRect(7, 0, 1, 1);
         changes.collect();

@@ -97,7 +97,7 @@ private slots:
     void polygon();
     void polygonEqualsFloodFill();
     void farCornersCostNothing();
-    void nonsenseChangesNothing();
+    void invalidShapesChangeNothing();
 };
 
 void TestSelections::magic_data()
@@ -381,7 +381,7 @@ void TestSelections::farCornersCostNothing()
     QCOMPARE(pictures::ofSelection(relief), all);
 }
 
-void TestSelections::nonsenseChangesNothing()
+void TestSelections::invalidShapesChangeNothing()
 {
     Relief relief(6, 6);
     selectEllipse(relief, {notANumber, 1.0}, {3.0, 3.0}, Modifier::Normal);

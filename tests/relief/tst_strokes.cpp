@@ -264,7 +264,7 @@ private slots:
         b.engine.attach(nullptr, nullptr); // in the middle
         QCOMPARE(b.undo.count(), 2);
         QVERIFY(!b.relief.tool());
-        QCOMPARE(b.dabs(191, 200), 1.0); // what was pending is applied
+        QCOMPARE(b.dabs(191, 200), 1.0); // pending points are applied
         b.engine.beginStroke(b.params, {0.0, 0.0});
         b.engine.endStroke({9.0, 0.0});
         QVERIFY(!b.engine.stroking());
@@ -340,7 +340,7 @@ private slots:
         QFETCH(QSize, size);
         std::mt19937 random(11);
         const double values[] = {broken, infinite, -infinite, -1.0, 0.0, 1e-300, 0.3, 1.0, 1e300};
-        // The largest footprints take long to measure; their limit has a test of its own.
+        // The largest footprints take long to compute; another test covers their limit.
         const double sizes[] = {broken, infinite, -infinite, -1.0, 0.0, 1e-300, 0.3};
         const auto any = [&] { return values[random() % std::size(values)]; };
         const auto anySize = [&] { return sizes[random() % std::size(sizes)]; };

@@ -96,7 +96,7 @@ void TestUndo::groupsAreSteps()
     QCOMPARE(journal.take(), "+b +c");
     QCOMPARE(journal.undo.cursor(), 3);
 
-    // An open group at the top is a step of its own.
+    // An open group at the top is a separate step.
     journal.push("d");
     journal.push("e");
     journal.undo.undo();

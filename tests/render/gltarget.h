@@ -11,7 +11,7 @@
 
 using namespace marlowen;
 
-/// A current compatibility context drawing into a framebuffer object of its own, for tests that
+/// A current compatibility context drawing into its own framebuffer object, for tests that
 /// look at pixels. One unit of model space is one pixel, the origin in the middle, y up.
 class GlTarget
 {
@@ -56,7 +56,7 @@ public:
         m_gl->glLoadIdentity();
     }
 
-    /// What was drawn, without its alpha; row 0 is the top.
+    /// The picture, without its alpha; row 0 is the top.
     QImage image() const
     {
         QImage image(m_size, QImage::Format_RGB32);

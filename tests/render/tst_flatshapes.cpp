@@ -16,11 +16,11 @@ private slots:
     void polygonClosesBy_data();
     void polygonClosesBy();
     void polygonTakesCornersBack();
-    void otherToolForgetsTheShape();
+    void otherToolDiscardsTheShape();
     void cropBoxSurvivesAdjusting_data();
     void cropBoxSurvivesAdjusting();
     void cropKeys();
-    void shapeKeysBeatShortcuts();
+    void shapeKeysPrecedeShortcuts();
     void cleanupTestCase() { KeptView<FlatWin>::drop(); }
 };
 
@@ -117,7 +117,7 @@ void TestFlatShapes::polygonTakesCornersBack()
     QCOMPARE(changed.count(), 1);
 }
 
-void TestFlatShapes::otherToolForgetsTheShape()
+void TestFlatShapes::otherToolDiscardsTheShape()
 {
     Stage stage(Tool::Crop);
     QSignalSpy crop(&stage.view, &FlatWin::cropChanged);
@@ -181,7 +181,7 @@ void TestFlatShapes::cropKeys()
     QVERIFY(stage.view.cropBox().isEmpty());
 }
 
-void TestFlatShapes::shapeKeysBeatShortcuts()
+void TestFlatShapes::shapeKeysPrecedeShortcuts()
 {
     Stage stage(Tool::Polygon);
     const auto takes = [&stage](Qt::Key key) {

@@ -19,9 +19,9 @@ private slots:
     void refusedNames_data();
     void refusedNames();
     void clonesGetFreeNames();
-    void nonsenseInTheStoreSurvives();
+    void invalidStoreEntriesAreIgnored();
     void unknownNameGivesTheDefault();
-    void lightDirectionByHand();
+    void lightDirectionEqualsComputedValues();
 
 private:
     static Material _green(const QString &name)
@@ -90,7 +90,7 @@ void TestMaterials::clonesGetFreeNames()
     }
 }
 
-void TestMaterials::nonsenseInTheStoreSurvives()
+void TestMaterials::invalidStoreEntriesAreIgnored()
 {
     const QString file = QevSettings().fileName();
     {
@@ -128,7 +128,7 @@ void TestMaterials::unknownNameGivesTheDefault()
     QCOMPARE(materialNamed({}, "no such").name, presetMaterials().front().name);
 }
 
-void TestMaterials::lightDirectionByHand()
+void TestMaterials::lightDirectionEqualsComputedValues()
 {
     // q = (0.85, 0.3, -0.3, 0): m[8] = 2 * 0.85 * -0.3 = -0.51, m[9] = -2 * 0.85 * 0.3 = -0.51,
     // m[1] = 2 * 0.3 * -0.3 = -0.18; y = -(-0.51 * -0.18 - 0.51) = 0.4182.

@@ -182,7 +182,7 @@ void TestSelectionOutline::areaCutsTheSelection()
         const QList<Edge> edges = edgesOf(outlineSelection(picture.layer, picture.size, area));
         QCOMPARE(QSet<Edge>(edges.begin(), edges.end()), expectedEdges(picture, area));
     }
-    // Beyond the grid there is nothing, whatever is asked for.
+    // There is no outline beyond the grid.
     const auto wide = outlineSelection(picture.layer, picture.size, QRect(-50, -50, 500, 500));
     QCOMPARE(wide.corners, picture.outline().corners);
     QVERIFY(outlineSelection(picture.layer, picture.size, QRect(40, 40, 5, 5)).isEmpty());

@@ -41,7 +41,7 @@ class TestShapeGesture : public QObject
     Q_OBJECT
 
 private slots:
-    void twitchSelectsNothing();
+    void smallMovementSelectsNothing();
     void ellipsePreviewTouchesItsBox();
     void cropBoxIsDragged_data();
     void cropBoxIsDragged();
@@ -51,7 +51,7 @@ private slots:
     void farPositionsAreHarmless();
 };
 
-void TestShapeGesture::twitchSelectsNothing()
+void TestShapeGesture::smallMovementSelectsNothing()
 {
     for (int tool : {Tool::Rectangle, Tool::Elliptical, Tool::Crop}) {
         ShapeGesture gesture = gestureOf(tool);

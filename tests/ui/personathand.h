@@ -5,8 +5,8 @@
 
 using namespace marlowen;
 
-/// A person who answers whatever stands over the window: message boxes with the answers given, in
-/// order, and file dialogs with a path. Remembers what was said. A box nobody expected is escaped
+/// Answers the dialogs over the window: message boxes with the given answers, in
+/// order, and file dialogs with a path. Keeps the texts shown. An unexpected box is escaped
 /// and remembered too.
 class PersonAtHand : public QObject
 {
@@ -24,7 +24,7 @@ public:
     QStringList details; ///< what stood below each sentence
 
 private:
-    /// Acts on each dialog once, from the event loop: what it sets off may open the next one.
+    /// Acts on each dialog once, from the event loop: its action may open the next one.
     void _look()
     {
         QWidget *over = QApplication::activeModalWidget();

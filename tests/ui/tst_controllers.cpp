@@ -101,7 +101,7 @@ void TestControllers::guardAsksOnceAndObeys_data()
     QTest::newRow("Cancel") << int(QMessageBox::Cancel) << false << false;
 }
 
-/// The person cancels saving, too; only then the work is given up.
+/// The user cancels saving as well; only then the work is discarded.
 void TestControllers::guardOfAnEndingProgramCannotBeCancelled()
 {
     m_bench->take(flat());

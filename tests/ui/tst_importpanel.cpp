@@ -155,7 +155,7 @@ private slots:
         QTRY_VERIFY(_button("Update")->isEnabled());
     }
 
-    void theNoticeFlipsThePictureOrIsPutAway()
+    void theNoticeFlipsThePictureOrIsDismissed()
     {
         const auto relief = openRelief(24, 18);
         _open(*relief);

@@ -29,7 +29,7 @@ QImage picture(int width, int height, QRgb colour)
     return image;
 }
 
-/// Closes the next message box and keeps what it said.
+/// Closes the next message box and keeps its text.
 class BoxReader
 {
 public:
@@ -110,7 +110,7 @@ private slots:
         QVERIFY(!AlphaBrush::instance().loaded());
     }
 
-    void pictureIsHeldAsItIsSeen_data()
+    void pictureKeepsItsOrientation_data()
     {
         QTest::addColumn<bool>("mirrored");
         QTest::addColumn<int>("turns");
@@ -123,7 +123,7 @@ private slots:
         QTest::newRow("turned back") << false << 3 << QPoint(0, 0);
     }
 
-    void pictureIsHeldAsItIsSeen()
+    void pictureKeepsItsOrientation()
     {
         QFETCH(bool, mirrored);
         QFETCH(int, turns);
@@ -162,7 +162,7 @@ private slots:
         QTest::keyClicks(search, QStringLiteral("zzz"));
         QLabel *nothing = m_panel->findChild<QLabel *>();
         QVERIFY(nothing->isVisible());
-        QCOMPARE(nothing->text(), QStringLiteral("Nothing is called \"ROUNDzzz\"."));
+        QCOMPARE(nothing->text(), QStringLiteral("There is no picture named \"ROUNDzzz\"."));
     }
 
     void aDroppedPictureIsAddedAndChosen()
@@ -184,7 +184,7 @@ private slots:
         QVERIFY(_item(QStringLiteral("my mark 2")));
     }
 
-    void whatIsNoPictureIsRefusedWithOneBox()
+    void invalidPictureIsRefusedWithOneBox()
     {
         QTemporaryDir outside;
         const QString text = outside.filePath(QStringLiteral("notes.txt"));
@@ -248,7 +248,7 @@ private slots:
         QCOMPARE(_list()->currentItem()->text(), QStringLiteral("None"));
     }
 
-    void hugePicturesAreBroughtDown()
+    void hugePicturesAreReduced()
     {
         const QString path = QDir(alphaFolder()).filePath(QStringLiteral("huge.png"));
         QVERIFY(picture(5000, 300, qRgb(255, 255, 255)).save(path));

@@ -7,7 +7,7 @@
 #include "ui/ribbon/numberfield.h"
 #include "ui/ribbon/ribbongallery.h"
 
-/// What a person meets in the window beside its commands: files that come in, strokes, layout.
+/// The window except for its commands: opened files, strokes, layout.
 class TestMainWindow : public WindowStage
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ private slots:
     void pictureIsImportedAcceptedAndSculpted();
     void guardKeepsTheWorkWhenSavingFails();
     void droppedFileIsOpened();
-    void recentFileThatIsGone();
+    void missingRecentFile();
     void typedSizeResamplesAndComesBack();
     void closingDuringAStrokeKeepsItAndAsks();
     void undoDuringAStrokeEndsItFirst();
@@ -104,7 +104,7 @@ void TestMainWindow::droppedFileIsOpened()
     QTRY_VERIFY(bench().session().active());
 }
 
-void TestMainWindow::recentFileThatIsGone()
+void TestMainWindow::missingRecentFile()
 {
     openDome();
     QVERIFY(m_window->openFile(path("plate.PNG"), 0));

@@ -19,7 +19,7 @@ namespace {
 constexpr int wide = 90;
 constexpr int high = 70;
 
-/// A dome of real heights that reaches no edge of the grid but stands on a plate that does.
+/// A dome of real heights inside the grid on a plate that reaches its edges.
 std::unique_ptr<Relief> plateWithDome()
 {
     auto relief = std::make_unique<Relief>(wide, high);
@@ -215,7 +215,7 @@ void TestModelFlow::guardAndProblemsAskOnce()
     person.answers = {QMessageBox::Discard, QMessageBox::Ok};
     QVERIFY(!m_window->openFile(_path("gone.stl"), 0));
     QCOMPARE(person.sentences.size(), asked + 2);
-    QVERIFY(m_window->workbench().model); // what was open stays
+    QVERIFY(m_window->workbench().model); // the open model stays
 }
 
 QTEST_MAIN(TestModelFlow)

@@ -85,7 +85,7 @@ private slots:
         QCOMPARE(_field("Width")->text(), QStringLiteral("1023"));
     }
 
-    void whatCannotBeMadeIsSaidAndNotTaken_data()
+    void impossibleSizesAreRefused_data()
     {
         QTest::addColumn<QString>("width");
         QTest::addColumn<QString>("height");
@@ -103,7 +103,7 @@ private slots:
                "with is 1000 square inches.";
     }
 
-    void whatCannotBeMadeIsSaidAndNotTaken()
+    void impossibleSizesAreRefused()
     {
         _type("Width", _text("width"));
         _type("Height", _text("height"));

@@ -40,7 +40,7 @@ private slots:
     void initTestCase() { wearTheme(false); }
     void init() { QDir(patternFolder()).removeRecursively(); }
 
-    void builtInOnesAreWorthUsing()
+    void builtInPatternsAreLargeEnough()
     {
         const QList<PatternEntry> entries = patternEntries(builtInPatternFolder());
         QVERIFY(entries.size() >= 12);
@@ -91,8 +91,8 @@ private slots:
         QCOMPARE(list->model()->rowCount(), 0);
     }
 
-    /// Only what is on screen is read.
-    void thumbnailsComeAsTheyAreSeen()
+    /// Only visible thumbnails are read.
+    void onlyVisibleThumbnailsAreRead()
     {
         const QString first = add(*ramp(64, 64), QStringLiteral("Z0000"));
         for (int i = 1; i < 2000; ++i) {

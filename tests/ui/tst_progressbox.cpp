@@ -129,7 +129,7 @@ private slots:
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1);
     }
 
-    /// The work goes on with the window it belongs to; nothing is asked under it.
+    /// Closing the window waits for the work and opens no other dialog.
     void closingTheWindowWaitsForTheWork()
     {
         bool asked = false;

@@ -106,20 +106,20 @@ class TestRibbon : public QObject
 private slots:
     void initTestCase() { QApplication::setStyle(new Office2013Style); }
 
-    void groupsGiveWayAndComeBack();
+    void groupsCollapseAndExpand();
     void collapsedGroupActsFromItsPopup();
-    void hiddenCommandLeavesNoHole();
+    void hiddenCommandLeavesNoGap();
     void minimisedRibbonFloatsAPage();
     void altAndArrowsReachEveryCommand();
     void hidingThePageLeavesAVisibleOne();
     void backstageClosesOnEscapeAndCommand();
     void sliderTakesWheelTypingAndDoubleClick();
-    void numberRefusesWhatIsNoNumber_data();
-    void numberRefusesWhatIsNoNumber();
+    void numberRefusesInvalidText_data();
+    void numberRefusesInvalidText();
     void themeReachesOpenWindows();
 };
 
-void TestRibbon::groupsGiveWayAndComeBack()
+void TestRibbon::groupsCollapseAndExpand()
 {
     Window window;
     show(window);
@@ -163,7 +163,7 @@ void TestRibbon::collapsedGroupActsFromItsPopup()
     QTRY_VERIFY(buttons.first()->isVisible());
 }
 
-void TestRibbon::hiddenCommandLeavesNoHole()
+void TestRibbon::hiddenCommandLeavesNoGap()
 {
     Window window;
     show(window);
@@ -297,7 +297,7 @@ void TestRibbon::sliderTakesWheelTypingAndDoubleClick()
     QCOMPARE(field.value(), 50.0);
 }
 
-void TestRibbon::numberRefusesWhatIsNoNumber_data()
+void TestRibbon::numberRefusesInvalidText_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<double>("value");
@@ -312,7 +312,7 @@ void TestRibbon::numberRefusesWhatIsNoNumber_data()
     QTest::newRow("below") << "-5" << -2.0;
 }
 
-void TestRibbon::numberRefusesWhatIsNoNumber()
+void TestRibbon::numberRefusesInvalidText()
 {
     QFETCH(QString, typed);
     QFETCH(double, value);

@@ -94,7 +94,7 @@ void TestServices::leftWorkIsListedRestoredOrDiscarded()
     QVERIFY(!recovery.hasWork());
     QCOMPARE(done.size(), 1);
 
-    // What was restored is kept on, until the window closes.
+    // Restored work is recorded further, until the window closes.
     QVERIFY(recovery.leaveForNextStart());
     recovery.windowCloses();
     QCOMPARE(findWork(recoveryRoot()).size(), 1);

@@ -56,7 +56,7 @@ private slots:
 
     void cleanup() { m_page.reset(); }
 
-    void newAndOpenTellTheWindow()
+    void newAndOpenEmitTheirSignals()
     {
         _show();
         QSignalSpy made(m_page.get(), &StartPage::NewClicked);
@@ -95,7 +95,7 @@ private slots:
         QCOMPARE(recent[1][0].toString(), QFileInfo(newer).canonicalFilePath());
     }
 
-    void aFileThatIsGoneSaysSoAndCannotBeOpened()
+    void missingFileIsMarkedAndCannotBeOpened()
     {
         const QString path = _savedDome(QStringLiteral("gone.scp"));
         QVERIFY(QFile::remove(path));

@@ -113,7 +113,7 @@ private slots:
         QVERIFY(m_window->findChildren<QDialog *>().isEmpty());
     }
 
-    void failuresAreSaidOnlyWhenAsked()
+    void failuresAreShownOnlyOnRequest()
     {
         m_server.answer("/checkmarlowen.php", jsonReply("{\"status\":\"BUSY\"}"));
         QevSettings().setValue(QStringLiteral("updates/daily"), true);

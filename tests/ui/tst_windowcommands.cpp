@@ -5,7 +5,7 @@
 #include "ui/ribbon/numberfield.h"
 #include "ui/startpage.h"
 
-/// The commands of the window, from button and key to what they do.
+/// The commands of the window, from button and key to their effect.
 class TestWindowCommands : public WindowStage
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ private slots:
     void viewMenu();
     void saveAndExport();
     void keysChooseToolsButNotWhileTyping();
-    void pagesBesideTheRelief();
+    void pagesWithoutARelief();
 };
 
 void TestWindowCommands::toolCommandsChooseTheirTool()
@@ -254,7 +254,7 @@ void TestWindowCommands::openAndNew()
     QVERIFY(relief().cells() > 4);
 }
 
-void TestWindowCommands::pagesBesideTheRelief()
+void TestWindowCommands::pagesWithoutARelief()
 {
     openDome();
     QevSettings().setValue(QStringLiteral("/startwizard/startup"), false);

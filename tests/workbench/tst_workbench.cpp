@@ -45,7 +45,7 @@ void click(Workbench &bench, QPointF point)
     bench.strokeEnded();
 }
 
-/// What stepDone() told, in short: "Edit Resize 0,0 10x10".
+/// The steps of stepDone(), in short: "Edit Resize 0,0 10x10".
 class Steps
 {
 public:
@@ -74,7 +74,7 @@ class TestWorkbench : public QObject
     Q_OBJECT
 
 private slots:
-    void everyStepIsTold();
+    void everyStepIsAnnounced();
     void modifiedFollowsTheHistory();
     void importIsModifiedUntilSaved();
     void controlsWithoutAnImportModifyNothing();
@@ -83,7 +83,7 @@ private slots:
     void cancelledOrFailedEditChangesNothing();
 };
 
-void TestWorkbench::everyStepIsTold()
+void TestWorkbench::everyStepIsAnnounced()
 {
     QTemporaryDir folder;
     Workbench bench;
@@ -105,7 +105,7 @@ void TestWorkbench::everyStepIsTold()
     QCOMPARE(steps.take().join(QLatin1String(", ")),
              QStringLiteral("Opened, Stroke Deposit, Edit Resize, Undo Resize, Redo Resize, "
                             "Edit Z Scale, Saved"));
-    // A stroke in progress is a step of its own before the edit that ends it.
+    // A stroke in progress is a separate step before the edit that ends it.
     bench.engine().beginStroke(bench.tool, {0.0, 0.0});
     QVERIFY(bench.apply(operation("maskInvert")));
     bench.undo();
