@@ -43,26 +43,20 @@ double difference(const QImage &a, const QImage &b)
 class FailingWin : public SculptWin
 {
 public:
-    explicit FailingWin(int failures)
-        : m_failures(failures)
-    {
-    }
+    int failures = 1;
 
 protected:
     std::unique_ptr<Shader> createShader(bool legacy) override
     {
-        if (m_failures-- > 0)
+        if (failures-- > 0)
             throw "Shader compile failed...aborting!";
         return SculptWin::createShader(legacy);
     }
-
-private:
-    int m_failures;
 };
 
 } // namespace
 
-// What the 3D view draws, and what it costs.
+// The pictures of the 3D view, and their cost.
 class SculptWinTest : public QObject
 {
     Q_OBJECT
@@ -362,8 +356,9 @@ private slots:
     void failingEngines()
     {
         const auto relief = medal(200, 150);
-        FailingWin fallback(1);
-        FailingWin failing(2);
+        FailingWin fallback;
+        FailingWin failing;
+        failing.failures = 2;
         for (FailingWin *view : {&fallback, &failing}) {
             view->resize(300, 200);
             view->setRelief(relief.get());
