@@ -6,7 +6,9 @@
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTimer>
+#include <QToolButton>
 
 namespace marlowen {
 
@@ -35,6 +37,24 @@ bool isSingleCharacter(const QKeyEvent &key)
     return !modified && key.text().size() == 1 && key.text()[0].isPrint();
 }
 
+bool isEnter(const QKeyEvent &key)
+{
+    return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+}
+
+bool isPushed(const QWidget &widget)
+{
+    return qobject_cast<const QPushButton *>(&widget) || qobject_cast<const QToolButton *>(&widget);
+}
+
+/// Also in a popup of the window, but not in a dialog, which has a button for Enter itself.
+bool standsIn(const QWidget &widget, const QWidget &window)
+{
+    const QWidget *top = widget.window();
+    return top == &window || (top->windowType() == Qt::Popup && top->parentWidget() &&
+                              top->parentWidget()->window() == &window);
+}
+
 } // namespace
 
 KeyRouter::KeyRouter(QWidget *window, QWidget *filePage)
@@ -61,13 +81,20 @@ bool KeyRouter::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::ShortcutOverride && event->type() != QEvent::KeyPress)
         return false;
     auto *focus = qobject_cast<QWidget *>(watched);
-    if (!focus || focus->window() != m_window)
+    if (!focus)
         return false;
     auto &key = *static_cast<QKeyEvent *>(event);
+    if (event->type() == QEvent::KeyPress && isEnter(key) && isPushed(*focus) &&
+        focus->hasFocus() && standsIn(*focus, *m_window)) {
+        if (!key.isAutoRepeat())
+            static_cast<QAbstractButton *>(focus)->click();
+        return true;
+    }
+    if (focus->window() != m_window)
+        return false;
     if (event->type() == QEvent::ShortcutOverride)
         return _routeShortcut(*focus, key);
-    if ((key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) && focus->hasFocus() &&
-        lineOf(*focus))
+    if (isEnter(key) && focus->hasFocus() && lineOf(*focus))
         _giveBack(focus);
     return false;
 }

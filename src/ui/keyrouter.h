@@ -11,7 +11,8 @@ namespace marlowen {
 /// Decides between the window's shortcuts and the control that has the keyboard. Keys that are a
 /// single character go to controls that take text (fields, lists, choices), and choose no tool
 /// behind the file page. Undo and redo go to the relief when the field has nothing to take back.
-/// Enter in a field gives the keyboard back to the view that had it last.
+/// Enter in a field gives the keyboard back to the view that had it last; Enter on a button of the
+/// window, or of its popups, presses it.
 class KeyRouter : public QObject
 {
     Q_OBJECT

@@ -3,6 +3,7 @@
 #include "relief/tools/tooltable.h"
 #include "ui/panels/toolpanel.h"
 #include "ui/ribbon/numberfield.h"
+#include "ui/ribbon/ribbongroup.h"
 #include "ui/startpage.h"
 
 /// The commands of the window, from button and key to their effect.
@@ -25,6 +26,7 @@ private slots:
     void viewMenu();
     void saveAndExport();
     void keysChooseToolsButNotWhileTyping();
+    void enterPressesTheButtonWithTheFocus();
     void pagesWithoutARelief();
 };
 
@@ -309,6 +311,27 @@ void TestWindowCommands::keysChooseToolsButNotWhileTyping()
     m_window->toggleBackStage();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_D);
     QCOMPARE(bench().tool.type, int(Tool::Remove));
+}
+
+void TestWindowCommands::enterPressesTheButtonWithTheFocus()
+{
+    openDome();
+    RibbonPage &page = *m_window->ribbonBar()->page(WindowPages::SculptingTools);
+    m_window->ribbonBar()->setCurrentPage(WindowPages::SculptingTools);
+    const auto press = [this](const char *tool) {
+        RibbonButton *button = buttonOf(m_window->commands()[tool]);
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Return);
+    };
+    press("clay_tool");
+    QCOMPARE(bench().tool.type, int(Tool::Clay));
+    auto *group = page.findChild<RibbonGroup *>();
+    group->setState(RibbonGroup::Collapsed);
+    group->openPopup();
+    press("pinch_tool");
+    QCOMPARE(bench().tool.type, int(Tool::Pinch));
+    QVERIFY(!group->isPopupOpen());
+    group->setState(RibbonGroup::Full);
 }
 
 void TestWindowCommands::commandsSayWhyTheyCannotAct()

@@ -70,9 +70,11 @@ void button(const QStyleOption &option, QPainter &painter, bool flat)
         fill = checked ? mixedColor(fill, colors.chrome, 0.5) : colors.chrome;
     QPen pen(Qt::NoPen);
     const auto *push = qstyleoption_cast<const QStyleOptionButton *>(&option);
-    const bool isDefault = push && push->features.testFlag(QStyleOptionButton::DefaultButton);
+    // Enter presses the one with the focus, else the default.
+    const bool first = push && (push->features.testFlag(QStyleOptionButton::DefaultButton) ||
+                                (enabled && has(option, QStyle::State_HasFocus)));
     if (!flat)
-        pen = QPen(hovered || isDefault ? colors.accent : colors.border, isDefault ? 1.5 : 1.0);
+        pen = QPen(hovered || first ? colors.accent : colors.border, first ? 1.5 : 1.0);
     else if (checked && enabled)
         pen = QPen(mixedColor(colors.checked, colors.accent, 0.55), 1);
     roundedBox(insideOf(option.rect), pen, fill, painter);
