@@ -256,6 +256,8 @@ void TestMainWindow::noControlOfTheToolDockIsCutOff()
     for (int tab = 0; tab < panels->count(); ++tab) {
         panels->setCurrentIndex(tab);
         auto *area = qobject_cast<QScrollArea *>(panels->currentWidget());
+        if (!area)
+            area = panels->currentWidget()->findChild<QScrollArea *>();
         QTRY_VERIFY(area && area->widget()->width() <= area->viewport()->width());
         const QRect seen(panels->mapToGlobal(QPoint()), panels->size());
         const QRect dock(child<QDockWidget>("ToolDock")->mapToGlobal(QPoint()),

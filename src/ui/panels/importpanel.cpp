@@ -12,6 +12,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -61,7 +63,7 @@ void ImportPanel::_makeSlider(const SettingField &field)
 {
     SliderField *slider = makeSlider(field.info, field.initial(), this);
     m_numbers.push_back({&field, slider});
-    layout()->addWidget(slider);
+    m_content->layout()->addWidget(slider);
     connect(slider, &SliderField::valueChanged, this, [this, &field](double value) {
         field.storeShown(m_wanted, value);
         _changed();
@@ -146,8 +148,9 @@ void ImportPanel::askToFlip(bool ask)
 
 void ImportPanel::_arrange()
 {
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(12, 8, 12, 12);
+    m_content = new QWidget(this);
+    auto *column = new QVBoxLayout(m_content);
+    column->setContentsMargins(12, 8, 12, 4);
     column->setSpacing(6);
     column->addWidget(m_notice);
     auto *checks = new QGridLayout;
@@ -161,8 +164,7 @@ void ImportPanel::_arrange()
     auto *depth = new QHBoxLayout;
     depth->setSpacing(8);
     depth->addWidget(m_depthLabel);
-    depth->addWidget(m_depth);
-    depth->addStretch(1);
+    depth->addWidget(m_depth, 1);
     column->addLayout(depth);
     for (const SettingField &field : importFields()) {
         if (field.info.has(InMainColumn))
@@ -172,8 +174,7 @@ void ImportPanel::_arrange()
     _makeNumber(&ImportSettings::tiltVertical);
     _makeNumber(&ImportSettings::tiltHorizontal);
     _addBasRelief(*column);
-    column->addSpacing(8);
-    column->addWidget(m_accept, 0, Qt::AlignRight);
+    column->addWidget(m_accept);
     column->addStretch(1);
     std::vector<SliderField *> sliders;
     int widest = 0;
@@ -184,6 +185,28 @@ void ImportPanel::_arrange()
     alignFields(sliders, widest);
     m_depthLabel->setFixedWidth(widest);
     tabInLayoutOrder(*column);
+    m_area = scrolling(m_content);
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 12);
+    whole->setSpacing(8);
+    whole->addWidget(m_area);
+    // In sight also where the controls have to scroll.
+    auto *last = new QHBoxLayout;
+    last->setContentsMargins(12, 0, 12, 0);
+    last->addStretch(1);
+    last->addWidget(m_accept);
+    whole->addLayout(last);
+    connect(m_area->verticalScrollBar(), &QScrollBar::rangeChanged, last, [this, last] {
+        const QScrollBar &bar = *m_area->verticalScrollBar();
+        const int beside = bar.maximum() > bar.minimum() ? bar.sizeHint().width() : 0;
+        last->setContentsMargins(12, 0, 12 + beside, 0);
+    });
+    whole->addStretch(1);
+}
+
+void ImportPanel::scrollToTop()
+{
+    m_area->verticalScrollBar()->setValue(0);
 }
 
 void ImportPanel::_addBasRelief(QVBoxLayout &column)

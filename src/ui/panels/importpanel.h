@@ -11,6 +11,7 @@
 class QCheckBox;
 class QLabel;
 class QPushButton;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace marlowen {
@@ -38,6 +39,7 @@ public:
     void flush();
     /// Asks at the top whether the picture shall be flipped, or no longer asks.
     void askToFlip(bool ask);
+    void scrollToTop();
     /// Index in lengthUnits of the unit that the depth is shown in.
     void setUnit(int unit);
 
@@ -91,6 +93,8 @@ private:
     QTimer m_handOver;
     std::vector<CheckControl> m_checks;
     std::vector<NumberControl> m_numbers;
+    QWidget *m_content = nullptr; ///< all but "Accept"
+    QScrollArea *m_area = nullptr;
     NoticeBar *m_notice = nullptr;
     QLabel *m_depthLabel = nullptr;
     NumberField *m_depth = nullptr;

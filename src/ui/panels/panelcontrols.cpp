@@ -8,6 +8,9 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QResizeEvent>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
 #include <QVBoxLayout>
 
@@ -140,6 +143,51 @@ void tabInLayoutOrder(const QLayout &layout)
     collectControls(layout, controls);
     for (qsizetype i = 1; i < controls.size(); ++i)
         QWidget::setTabOrder(controls[i - 1], controls[i]);
+}
+
+namespace {
+
+/// As high as its content where there is room.
+class PanelArea : public QScrollArea
+{
+public:
+    QSize sizeHint() const override
+    {
+        // A text that wraps takes more lines beside the scroll bar, which would else stay.
+        const QSize hint = widget()->sizeHint();
+        const int narrow = width() - verticalScrollBar()->sizeHint().width();
+        return {hint.width(),
+                widget()->hasHeightForWidth() ? widget()->heightForWidth(narrow) : hint.height()};
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QScrollArea::resizeEvent(event);
+        if (event->oldSize().width() != width())
+            updateGeometry();
+    }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
+    }
+};
+
+} // namespace
+
+QScrollArea *scrolling(QWidget *panel)
+{
+    auto *area = new PanelArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    area->setWidgetResizable(true);
+    area->setWidget(panel);
+    area->setMinimumWidth(panel->minimumSizeHint().width() +
+                          area->verticalScrollBar()->sizeHint().width());
+    return area;
 }
 
 QLabel *addSection(QVBoxLayout &column, const QString &title)

@@ -11,6 +11,7 @@
 class QCheckBox;
 class QHBoxLayout;
 class QLabel;
+class QScrollArea;
 class QLayout;
 class QVBoxLayout;
 class QWidget;
@@ -49,6 +50,9 @@ void alignFields(std::span<SliderField *const> fields, int labelWidth);
 
 /// The Tab key goes through the controls in the order in which the layout shows them.
 void tabInLayoutOrder(const QLayout &layout);
+
+/// The panel in an area that is as high as the panel where there is room, and scrolls where not.
+QScrollArea *scrolling(QWidget *panel);
 
 /// Starts a titled section of a panel's column.
 QLabel *addSection(QVBoxLayout &column, const QString &title);

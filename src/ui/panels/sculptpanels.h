@@ -20,7 +20,7 @@ public:
     ToolPanel *toolPanel() const { return m_tool; }
     ImportPanel *importPanel() const { return m_import; }
     void showToolTab() { setCurrentIndex(0); }
-    void showImportTab() { setCurrentIndex(1); }
+    void showImportTab();
 
 private:
     ToolPanel *m_tool;
