@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -203,11 +204,16 @@ void ExportPage::_buildForm(RibbonGroup &group)
     m_standardNote = new QLabel(noteText());
     m_standardNote->setMinimumWidth(m_standardNote->sizeHint().width());
     m_standardNote->setObjectName(QStringLiteral("standardNote"));
+    auto *solid = new QWidget;
+    auto *row = new QHBoxLayout(solid);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    row->addWidget(m_solid);
+    row->addWidget(m_base, 1);
+    solid->setFocusProxy(m_solid);
+    group.addRow(solid);
     group.addRow(m_standard);
     group.addRow(m_standardNote);
-    group.addSeparator();
-    group.addRow(m_solid);
-    group.addRow(m_base, tr("Base"));
     connect(m_standard, &QCheckBox::toggled, this, [this](bool on) {
         ExportOptions options = m_options;
         options.standardStl = on;
