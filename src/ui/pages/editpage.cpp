@@ -87,7 +87,10 @@ void EditPage::_addShapes(RibbonPage &page, const ToolActions &tools)
         emit modifierChosen(static_cast<SelectionModifier>(action->data().toInt()));
     });
     m_group->addLargeButton(m_commands["selectNone"]);
-    for (const char *id : {"reselect", "selectAll", "selectInvert", "selectGrow", "selectShrink"})
+    for (const char *id : {"reselect", "selectAll", "selectInvert"})
+        m_group->addSmallButton(m_commands[id]);
+    m_group->breakColumn(); // the number stands below its commands in narrow windows too
+    for (const char *id : {"selectGrow", "selectShrink"})
         m_group->addSmallButton(m_commands[id]);
     m_growBy = new NumberField;
     m_growBy->setObjectName(QStringLiteral("growBy"));

@@ -176,7 +176,9 @@ void SizeRows::_addRow(RibbonGroup &group, int axis, const QString &prefix)
     for (const ScaleFactor &factor : scaleFactors)
         factors->addItem(tr(factor.label));
     factors->setCurrentIndex(-1);
-    layout->addWidget(field);
+    // Of one width in all three rows, however long their numbers are.
+    factors->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    layout->addWidget(field, 1);
     layout->addWidget(factors);
     row->setFocusProxy(field);
     group.addRow(row, tr(axisLabels[axis]));

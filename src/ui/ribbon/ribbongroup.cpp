@@ -223,7 +223,7 @@ int RibbonGroup::_layOutContent(State state, bool place)
     for (const Column &column : _columns(state)) {
         if (column.separatorBefore) {
             if (place)
-                m_separators.push_back(left + separatorRoom / 2 - columnGap / 2);
+                m_separators.push_back(left - columnGap + separatorRoom / 2);
             left += separatorRoom - columnGap;
         }
         left += _placeColumn(column, left, place) + columnGap;
