@@ -33,6 +33,13 @@ const ThemeColors lightColors{QColor(0xf1f1f0), QColor(0xfbfbfb), QColor(0xfffff
 const ThemeColors darkColors{QColor(0x232425), QColor(0x2c2e30), QColor(0x1b1c1d), QColor(0x45484b),
                              QColor(0xe4e4e4), QColor(0x747678), QColor(0x34373a)};
 
+constexpr int choiceRoom = 8; ///< above and below a line of a menu or a list of choices, together
+
+bool isChoiceList(const QWidget *widget)
+{
+    return widget && widget->inherits("QComboBoxListView");
+}
+
 template <typename Option>
 Option copyOf(const QStyleOption *option)
 {
@@ -206,6 +213,14 @@ void Office2013Style::drawControl(ControlElement element, const QStyleOption *op
 {
     const RibbonColors colors = RibbonColors::of(option->palette);
     switch (element) {
+    case CE_ItemViewItem:
+        if (isChoiceList(widget)) {
+            // The filled row shows where the keyboard is.
+            auto item = copyOf<QStyleOptionViewItem>(option);
+            item.state.setFlag(State_HasFocus, false);
+            return QProxyStyle::drawControl(element, &item, painter, widget);
+        }
+        break;
     case CE_Splitter:
         painter->fillRect(option->rect, option->state.testFlag(State_MouseOver)
                                             ? mixedColor(colors.chrome, colors.accent, 0.5)
@@ -233,8 +248,20 @@ void Office2013Style::drawControl(ControlElement element, const QStyleOption *op
         return;
     }
     default:
-        QProxyStyle::drawControl(element, option, painter, widget);
+        break;
     }
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+QSize Office2013Style::sizeFromContents(ContentsType type, const QStyleOption *option,
+                                        const QSize &contents, const QWidget *widget) const
+{
+    const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    const bool line = item && item->menuItemType != QStyleOptionMenuItem::Separator;
+    if (!(type == CT_MenuItem && line) && !(type == CT_ItemViewItem && isChoiceList(widget)))
+        return size;
+    return size.expandedTo({0, option->fontMetrics.height() + choiceRoom});
 }
 
 void Office2013Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
