@@ -35,7 +35,7 @@ CenterArea::CenterArea(Workbench &bench, QWidget *parent)
     m_facetWin->setMinimumSize(80, 80);
     addWidget(m_recoveryPage);
     if (StartPage::shownAtStartup())
-        setCurrentWidget(m_startPage);
+        showStartPage();
     _setUp(*m_sculptWin);
     _setUp(*m_flatWin);
     connect(m_flatWin, &FlatWin::shapeDrawn, &m_bench,
@@ -63,6 +63,7 @@ void CenterArea::showStartPage()
 {
     m_startPage->setBack(m_bench.relief() || m_bench.model);
     setCurrentWidget(m_startPage);
+    m_startPage->setFocus();
 }
 
 void CenterArea::leaveStartPage()

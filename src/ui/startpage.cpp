@@ -29,7 +29,8 @@ namespace {
 constexpr char startupKey[] = "/startwizard/startup";
 constexpr char pathProperty[] = "path";
 constexpr int thumbnailSide = 128;
-constexpr QSize cardSize(160, 172);
+constexpr int iconSide = thumbnailSide + 16; ///< with room between the picture and the focus ring
+constexpr QSize cardSize(160, 176);
 constexpr int gap = 12;
 constexpr int margin = 32;
 constexpr int mostMaterialColumns = 12;
@@ -38,11 +39,12 @@ constexpr int mostMaterialColumns = 12;
 /// shown, for dense screens.
 QIcon squareIcon(const QImage &picture)
 {
-    QPixmap square(thumbnailSide * 2, thumbnailSide * 2);
+    QPixmap square(iconSide * 2, iconSide * 2);
     square.fill(Qt::transparent);
     QPainter painter(&square);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QSize fitted = picture.size().scaled(square.size(), Qt::KeepAspectRatio);
+    const QSize fitted =
+        picture.size().scaled(QSize(thumbnailSide * 2, thumbnailSide * 2), Qt::KeepAspectRatio);
     const QRect target(
         QPoint((square.width() - fitted.width()) / 2, (square.height() - fitted.height()) / 2),
         fitted);
@@ -158,6 +160,8 @@ QWidget *StartPage::_head()
     connect(open, &QPushButton::clicked, this, &StartPage::OpenClicked);
     connect(m_back, &QPushButton::clicked, this, &StartPage::BackClicked);
 
+    setFocusProxy(open);
+
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(8);
     buttons->addWidget(newRelief);
@@ -180,7 +184,7 @@ QWidget *StartPage::_materials()
     m_materials = new QWidget;
     auto *column = new QVBoxLayout(m_materials);
     column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(heading(tr("What shall reliefs look made of?")));
+    column->addWidget(heading(tr("Choose what your reliefs look made of")));
     m_gallery = new MaterialGallery(presetMaterials(), 1);
     column->addWidget(m_gallery, 0, Qt::AlignLeft);
     connect(m_gallery, &MaterialGallery::chosen, this, [this](const QString &name) {
@@ -202,7 +206,7 @@ QToolButton *StartPage::_card(const QString &path, const QString &name)
     const QFileInfo file(path);
     card->setProperty(pathProperty, path);
     card->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-    card->setIconSize(QSize(thumbnailSide, thumbnailSide));
+    card->setIconSize(QSize(iconSide, iconSide));
     card->setFixedSize(cardSize);
     card->setAutoRaise(true);
     card->setFocusPolicy(Qt::StrongFocus);
@@ -245,10 +249,15 @@ void StartPage::refresh()
     m_nothing->setVisible(m_cards.isEmpty());
     _placeCards(m_grid, m_cards);
     _placeCards(m_sampleGrid, m_samples);
+    QWidget *before = m_back;
     for (QToolButton *card : m_cards + m_samples) {
         if (card->isEnabled())
             m_waiting << card;
+        setTabOrder(before, card);
+        before = card;
     }
+    setTabOrder(before, m_gallery);
+    setTabOrder(m_gallery, m_startup);
     if (isVisible())
         QTimer::singleShot(0, this, &StartPage::_makeThumbnails);
 }

@@ -26,7 +26,7 @@ namespace marlowen {
 namespace {
 
 constexpr int thumbnailSide = 72;
-constexpr QSize cell(84, 102);
+constexpr QSize cell(91, 102);
 constexpr int changedMs = 250;
 
 /// Pattern files of a drag from another program.

@@ -2,6 +2,7 @@
 
 #include "ui/ribbon/ribboncolors.h"
 
+#include <QListView>
 #include <QPainter>
 #include <QStyle>
 #include <QWidget>
@@ -53,7 +54,7 @@ void ThumbnailDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->setPen(enabled ? colors.text : colors.disabledText);
     painter->setFont(item.font);
     painter->drawText(text, Qt::AlignHCenter | Qt::AlignTop,
-                      item.fontMetrics.elidedText(item.text, Qt::ElideRight, text.width() - gap));
+                      item.fontMetrics.elidedText(item.text, Qt::ElideRight, text.width() - 2));
     painter->restore();
     if (item.state.testFlag(QStyle::State_HasFocus) && item.widget) {
         QStyleOptionFocusRect ring;
@@ -68,6 +69,10 @@ QSize ThumbnailDelegate::sizeHint(const QStyleOptionViewItem &option,
 {
     if (const QSize wanted = index.data(Qt::SizeHintRole).toSize(); wanted.isValid())
         return wanted;
+    // The whole place in the grid, for names that are longer than the picture is wide.
+    if (const auto *list = qobject_cast<const QListView *>(option.widget);
+        list && list->gridSize().isValid())
+        return list->gridSize();
     return {option.decorationSize.width() + 3 * gap,
             option.decorationSize.height() + option.fontMetrics.height() + 3 * gap};
 }
