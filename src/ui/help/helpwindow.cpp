@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QTextBlock>
@@ -39,7 +40,11 @@ protected:
         const QImage picture(QStringLiteral(":/help/") + name.path());
         if (picture.width() <= pictureWidth)
             return picture;
-        return picture.scaledToWidth(pictureWidth, Qt::SmoothTransformation);
+        // As many pixels as a dense screen can show.
+        const int pixels = qMin(picture.width(), qRound(pictureWidth * devicePixelRatioF()));
+        QImage shown = picture.scaledToWidth(pixels, Qt::SmoothTransformation);
+        shown.setDevicePixelRatio(double(pixels) / pictureWidth);
+        return shown;
     }
 };
 
@@ -87,13 +92,15 @@ HelpWindow::HelpWindow(const CommandSet &commands, QWidget *parent)
     , m_text(new ManualBrowser)
 {
     setWindowTitle(tr("Manual"));
-    resize(windowSize);
+    // Room for the title bar on small screens.
+    resize(windowSize.boundedTo(screen()->availableSize() - QSize(16, 56)));
     m_field->setPlaceholderText(tr("Search the manual"));
     m_field->setAccessibleName(m_field->placeholderText());
     m_field->setClearButtonEnabled(true);
     m_chapters->setAccessibleName(tr("Chapters"));
     m_chapters->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_chapters->setWordWrap(true);
+    m_chapters->setSpacing(3);
     m_text->setAccessibleName(tr("Manual"));
     m_text->setOpenExternalLinks(true);
     m_text->setMarkdown(manualText(commands));
