@@ -36,7 +36,9 @@ void ModelStage::_showPage(bool shown)
     if (shown && ribbon.currentPage() != page)
         m_pageBefore = ribbon.currentPage();
     if (!shown && ribbon.currentPage() == page)
-        ribbon.setCurrentPage(m_pageBefore);
+        // The page Export is hidden while the import of the model is open.
+        ribbon.setCurrentPage(
+            ribbon.isPageVisible(m_pageBefore) ? m_pageBefore : int(WindowPages::SculptingTools));
     ribbon.setPageVisible(page, shown);
     if (shown)
         ribbon.setCurrentPage(page);

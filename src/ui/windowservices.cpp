@@ -25,9 +25,9 @@ constexpr CommandRow commandRows[] = {
     {"restoreWork", QT_TRANSLATE_NOOP("Commands", "Restore Work"), "openRecent",
      QT_TRANSLATE_NOOP("Commands", "Lists the work of windows that ended before it was saved."), "",
      QT_TRANSLATE_NOOP("Commands", "There is no unsaved work of an earlier window.")},
-    {"manual", QT_TRANSLATE_NOOP("Commands", "Manual"), "about",
+    {"manual", QT_TRANSLATE_NOOP("Commands", "Manual"), "manual",
      QT_TRANSLATE_NOOP("Commands", "Opens the manual, with a list of all keys."), "F1", ""},
-    {"whatsThis", QT_TRANSLATE_NOOP("Commands", "What's This?"), "about",
+    {"whatsThis", QT_TRANSLATE_NOOP("Commands", "What's This?"), "whats_this",
      QT_TRANSLATE_NOOP("Commands", "Explains the part of the window that is clicked next."),
      "Shift+F1", ""},
 };

@@ -40,6 +40,12 @@ ICONS = {
             + disc(16, 23, 1.8, LINE),
     "fail": ring(16, 16, 13) + cross(16, 16, 5, LINE),
     "about": ring(16, 16, 12) + disc(16, 10, 2, ACCENT) + stroke("M16 15 V23", ACCENT, 3.5),
+    "manual": tint("M3 6 H14 L16 8 L18 6 H29 V26 H18 L16 28 L14 26 H3 Z")
+              + stroke("M3 6 H14 L16 8 L18 6 H29 V26 H18 L16 28 L14 26 H3 Z M16 8 V28")
+              + stroke("M7 12 H12 M7 17 H12 M20 12 H25 M20 17 H25", ACCENT, 2),
+    "whats_this": moved(-4, 2, 0.9, solid("M7 3 L25 17 L17 18 L22 27 L18 29 L13 20 L7 25 Z", MATERIAL))
+                  + stroke("M20 7 C20 2 29 2 29 7 C29 10 24.5 10 24.5 14", ACCENT, 3)
+                  + disc(24.5, 19, 1.8),
     "close": cross(16, 16, 8, LINE),
     "chevron_up": stroke("M7 20 L16 11 L25 20", LINE, 3),
     "chevron_down": stroke("M7 12 L16 21 L25 12", LINE, 3),
