@@ -84,12 +84,12 @@ private slots:
         params.size = size;
         Tool tool(params, {0.0, 0.0}, 500.0);
         tool.addPoint({36.5, 0.0}, false, {500.0, 500.0});
-        QCOMPARE(int(tool.pending.size()), points);
+        QCOMPARE(int(tool.path.pending.size()), points);
         QVERIFY(near(tool.lastPoint(), {36.0, 0.0}));
         tool.addPoint({broken, 0.0}, true, {500.0, 500.0});
         tool.addPoint({0.0, -infinite}, true, {500.0, 500.0});
         tool.addPoint({1e300, 0.0}, true, {500.0, 500.0});
-        QCOMPARE(int(tool.pending.size()), points);
+        QCOMPARE(int(tool.path.pending.size()), points);
     }
 
     void longMovesStayShort()

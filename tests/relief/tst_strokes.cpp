@@ -118,12 +118,12 @@ private slots:
         b.engine.addStrokePoint({4.0, 0.0}); // five points
         b.engine.flush();
         QCOMPARE(b.dabs(152, 200), 0.0);
-        QCOMPARE(b.relief.tool()->pending.size(), size_t(5));
+        QCOMPARE(b.relief.tool()->path.pending.size(), size_t(5));
         b.engine.addStrokePoint(
             {9.0, 0.0}); // six more: eleven, of which six go and five and one wait
         b.engine.flush();
-        QCOMPARE(b.relief.tool()->pending.size(), size_t(1));
-        QVERIFY(std::abs(b.relief.tool()->pending.front().x() - 9.0) < 1e-9);
+        QCOMPARE(b.relief.tool()->path.pending.size(), size_t(1));
+        QVERIFY(std::abs(b.relief.tool()->path.pending.front().x() - 9.0) < 1e-9);
         b.engine.endStroke({9.0, 0.0});
         QVERIFY(b.dabs(159, 200) > 0.0);
         QCOMPARE(b.dabs(161, 200), 0.0);
