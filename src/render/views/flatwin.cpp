@@ -109,8 +109,8 @@ void FlatWin::verticesChanged()
 
 void FlatWin::_checkRange()
 {
-    // Looking through all heights is left for the end of a stroke.
-    if (!m_rangeUnchecked || relief()->tool())
+    // Looking through all heights is left for the end of a stroke or of a drag.
+    if (!m_rangeUnchecked || relief()->tool() || moving())
         return;
     m_rangeUnchecked = false;
     const HeightRange now = changes()->heightRange();

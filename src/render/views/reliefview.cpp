@@ -95,7 +95,7 @@ SceneBox ReliefView::wholeBox()
 
 void ReliefView::refresh()
 {
-    update();
+    updateLater();
 }
 
 void ReliefView::invalidateVertices()

@@ -18,6 +18,8 @@ namespace marlowen {
 
 namespace {
 
+constexpr int laterInterval = 90; ///< milliseconds
+
 /// The driver draws with the processor.
 bool isSoftwareDriver(QOpenGLFunctions_2_1 &gl)
 {
@@ -42,6 +44,9 @@ SurfaceView::SurfaceView(QWidget *parent)
     setFont(viewFont);
     connect(&m_statusTimer, &QTimer::timeout, this, &SurfaceView::statusTimeout);
     m_statusTimer.start(100);
+    m_laterTimer.setSingleShot(true);
+    m_laterTimer.setInterval(laterInterval);
+    connect(&m_laterTimer, &QTimer::timeout, this, [this] { update(); });
     connect(&m_pace, &PictureQuality::due, this, [this] { update(); });
     connect(this, &QOpenGLWidget::frameSwapped, &m_pace, &PictureQuality::shown);
 }
@@ -207,13 +212,26 @@ void SurfaceView::paintGL()
     _logErrors();
 }
 
+/// A drag that is no stroke here changes the surface: a stroke in the other view, a pattern being
+/// placed.
+bool SurfaceView::_draggedElsewhere() const
+{
+    return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton) && !m_depthHeld;
+}
+
+void SurfaceView::updateLater()
+{
+    if (!slowDriver() || underMouse() || !_draggedElsewhere())
+        update();
+    else if (!m_laterTimer.isActive())
+        m_laterTimer.start();
+}
+
 void SurfaceView::_updatePicture()
 {
     const bool changed = updateSurface(*m_shader);
-    // A drag elsewhere changes the surface: a stroke in the other view, a pattern being placed. The
-    // whole picture follows when it rests.
-    const bool dragged = QGuiApplication::mouseButtons().testFlag(Qt::LeftButton) && !m_depthHeld;
-    if (changed && dragged)
+    // The whole picture follows when it rests.
+    if (changed && _draggedElsewhere())
         m_pace.moved();
     const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
     const ViewMatrices now = matrices();
@@ -324,61 +342,6 @@ void SurfaceView::_logErrors()
             return;
         logWarning() << "OpenGL error " << error << "\n";
     }
-}
-
-SurfaceView::PickResult SurfaceView::pick(QPoint position)
-{
-    _ensureDepth();
-    const double depth = m_depth.at(position, devicePixelRatioF());
-    const double y = height() - 1 - position.y();
-    return {depth < 1.0, unproject({double(position.x()), y, depth}, m_depthMatrices)};
-}
-
-void SurfaceView::_ensureDepth()
-{
-    const bool moved = matrices() != m_drawn;
-    // The surface itself may extend beyond the old clip planes while the depth is kept.
-    const bool held = m_depthHeld && m_camera == m_depthCamera &&
-                      m_depth.size() == physicalSize(size(), devicePixelRatioF());
-    const bool unfinished = m_quality < _wantedQuality();
-    if (!m_shader || held || !(moved || unfinished || m_depthStale))
-        return;
-    const bool painting = QOpenGLContext::currentContext() == context();
-    if (!painting)
-        makeCurrent();
-    if (moved || unfinished)
-        _updatePicture();
-    if (m_picture->isValid() && m_depthStale) {
-        m_picture->readDepth(*m_gl, m_depth);
-        ++m_counters.depthReads;
-        m_depthStale = false;
-        m_depthMatrices = m_drawn;
-        m_depthCamera = m_camera;
-    }
-    if (!painting)
-        doneCurrent();
-}
-
-QString SurfaceView::statusText(const Vector &) const
-{
-    return {};
-}
-
-void SurfaceView::showStatus(const QString &text)
-{
-    if (text != std::exchange(m_status, text))
-        emit statusChanged(text);
-}
-
-void SurfaceView::statusTimeout()
-{
-    // Reading the depth would hold up a moving camera.
-    const bool moving = (m_heldButton != Qt::NoButton && m_mode != SculptMode) || m_pace.moving();
-    if (!m_statusPending || !isValid() || moving || sceneBox().isEmpty() || matrices() != m_drawn)
-        return;
-    m_statusPending = false;
-    const PickResult at = pick(m_lastPos);
-    showStatus(at.hit && m_pointerInside ? statusText(at.point) : QString());
 }
 
 } // namespace marlowen

@@ -177,6 +177,11 @@ protected:
     void refreshStatus() { m_statusPending = true; }
     /// Emits statusChanged(), unless the text is the last one.
     void showStatus(const QString &text);
+    /// Draws the view for a change of the surface: a little later while a drag in another view
+    /// makes many and the driver is slow.
+    void updateLater();
+    /// The hand moves the view or the surface.
+    bool moving() const { return m_pace.moving(); }
     /// The driver draws with the processor; known from prepareGL() on.
     bool slowDriver() const { return m_pace.slow(); }
     bool pointerInside() const { return m_pointerInside; }
@@ -190,6 +195,7 @@ private:
     void _makeShader();
     void _updatePicture();
     PictureQuality::Level _wantedQuality() const;
+    bool _draggedElsewhere() const;
     void _rasterise();
     void _paintOverPicture();
     void _paintFocus();
@@ -226,6 +232,7 @@ private:
     Qt::MouseButton m_heldButton = Qt::NoButton;
     QPoint m_lastPos;
     QTimer m_statusTimer;
+    QTimer m_laterTimer; ///< runs until a delayed update
     QString m_status;
 };
 

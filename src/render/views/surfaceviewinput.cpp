@@ -1,3 +1,5 @@
+#include "render/engines/keptpicture.h"
+#include "render/engines/shader.h"
 #include "render/overlays/gizmo.h"
 #include "render/views/pointeroptions.h"
 #include "render/views/surfaceview.h"
@@ -5,13 +7,14 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QOpenGLContext>
 #include <QWheelEvent>
 
 #include <algorithm>
 
 namespace marlowen {
 
-// The half of SurfaceView that answers pointer and wheel.
+// The half of SurfaceView that answers pointer and wheel, and says what is under the pointer.
 
 namespace {
 
@@ -213,6 +216,61 @@ void SurfaceView::leaveEvent(QEvent *event)
     showStatus({});
     update();
     QOpenGLWidget::leaveEvent(event);
+}
+
+SurfaceView::PickResult SurfaceView::pick(QPoint position)
+{
+    _ensureDepth();
+    const double depth = m_depth.at(position, devicePixelRatioF());
+    const double y = height() - 1 - position.y();
+    return {depth < 1.0, unproject({double(position.x()), y, depth}, m_depthMatrices)};
+}
+
+void SurfaceView::_ensureDepth()
+{
+    const bool moved = matrices() != m_drawn;
+    // The surface itself may extend beyond the old clip planes while the depth is kept.
+    const bool held = m_depthHeld && m_camera == m_depthCamera &&
+                      m_depth.size() == physicalSize(size(), devicePixelRatioF());
+    const bool unfinished = m_quality < _wantedQuality();
+    if (!m_shader || held || !(moved || unfinished || m_depthStale))
+        return;
+    const bool painting = QOpenGLContext::currentContext() == context();
+    if (!painting)
+        makeCurrent();
+    if (moved || unfinished)
+        _updatePicture();
+    if (m_picture->isValid() && m_depthStale) {
+        m_picture->readDepth(*m_gl, m_depth);
+        ++m_counters.depthReads;
+        m_depthStale = false;
+        m_depthMatrices = m_drawn;
+        m_depthCamera = m_camera;
+    }
+    if (!painting)
+        doneCurrent();
+}
+
+QString SurfaceView::statusText(const Vector &) const
+{
+    return {};
+}
+
+void SurfaceView::showStatus(const QString &text)
+{
+    if (text != std::exchange(m_status, text))
+        emit statusChanged(text);
+}
+
+void SurfaceView::statusTimeout()
+{
+    // Reading the depth would hold up a moving camera.
+    const bool moving = (m_heldButton != Qt::NoButton && m_mode != SculptMode) || m_pace.moving();
+    if (!m_statusPending || !isValid() || moving || sceneBox().isEmpty() || matrices() != m_drawn)
+        return;
+    m_statusPending = false;
+    const PickResult at = pick(m_lastPos);
+    showStatus(at.hit && m_pointerInside ? statusText(at.point) : QString());
 }
 
 } // namespace marlowen

@@ -1,0 +1,51 @@
+#include "render/views/picturequality.h"
+
+#include <QtTest>
+
+using namespace marlowen;
+
+class PictureQualityTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void levelsFollowTheHand()
+    {
+        using Quality = PictureQuality;
+        constexpr size_t many = 2000000;
+        Quality quality;
+        quality.moved();
+        QCOMPARE(quality.wanted(false, many), Quality::Complete); // graphics hardware
+        quality.setSlow(true);
+        QCOMPARE(quality.wanted(true, many), Quality::Coarse);
+        QVERIFY(quality.mostFacets(Quality::Coarse) < quality.mostFacets(Quality::Smooth));
+        quality.released();
+        QCOMPARE(quality.wanted(true, many), Quality::Draft);
+        QCOMPARE(quality.wanted(false, 1000), Quality::Complete);
+        QCOMPARE(quality.wanted(false, many), Quality::Smooth);
+        quality.drawing(Quality::Smooth);
+        QTRY_COMPARE(quality.wanted(false, many), Quality::Complete);
+        QCOMPARE(quality.mostFacets(Quality::Complete), Quality::allFacets);
+        quality.changed();
+        QCOMPARE(quality.wanted(false, many), Quality::Smooth);
+    }
+
+    void facetsFollowTheTimeOfAFrame()
+    {
+        PictureQuality quality;
+        const auto facets = [&] { return quality.mostFacets(PictureQuality::Coarse); };
+        const size_t first = facets();
+        quality.drawing(PictureQuality::Coarse);
+        QTest::qSleep(40);
+        quality.shown();
+        QVERIFY(facets() < first);
+        // Pictures at rest tell nothing.
+        const size_t fewer = facets();
+        quality.drawing(PictureQuality::Complete);
+        quality.shown();
+        QCOMPARE(facets(), fewer);
+    }
+};
+
+QTEST_GUILESS_MAIN(PictureQualityTest)
+#include "tst_picturequality.moc"
