@@ -32,11 +32,12 @@ private slots:
 
     void facetsFollowTheTimeOfAFrame()
     {
-        PictureQuality quality;
+        std::chrono::milliseconds now(0);
+        PictureQuality quality([&] { return now; });
         const auto facets = [&] { return quality.mostFacets(PictureQuality::Coarse); };
         const size_t first = facets();
         quality.drawing(PictureQuality::Coarse);
-        QTest::qSleep(40);
+        now += std::chrono::milliseconds(40);
         quality.shown();
         QVERIFY(facets() < first);
         // Pictures at rest tell nothing.

@@ -1,6 +1,7 @@
 #include "render/views/picturequality.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace marlowen {
 
@@ -19,11 +20,22 @@ constexpr double mostCoarseFacets = 4e6;
 constexpr double slowFrame = 30.0;
 constexpr double quickFrame = 15.0;
 
+std::chrono::nanoseconds steadyTime()
+{
+    return std::chrono::steady_clock::now().time_since_epoch();
+}
+
 } // namespace
 
 PictureQuality::PictureQuality(QObject *parent)
+    : PictureQuality(steadyTime, parent)
+{
+}
+
+PictureQuality::PictureQuality(Clock clock, QObject *parent)
     : QObject(parent)
     , m_coarseFacets(firstFacets)
+    , m_clock(std::move(clock))
 {
     for (QTimer *timer : {&m_rest, &m_settle})
         timer->setSingleShot(true);
@@ -70,17 +82,17 @@ void PictureQuality::drawing(Level level)
     if (level == Smooth)
         m_settle.start();
     if (level == Coarse)
-        m_frame.start();
+        m_frame = m_clock();
     else
-        m_frame.invalidate();
+        m_frame.reset();
 }
 
 void PictureQuality::shown()
 {
-    if (!m_frame.isValid())
+    if (!m_frame)
         return;
-    const double taken = static_cast<double>(m_frame.nsecsElapsed()) / 1e6;
-    m_frame.invalidate();
+    const double taken = std::chrono::duration<double, std::milli>(m_clock() - *m_frame).count();
+    m_frame.reset();
     if (taken > slowFrame)
         m_coarseFacets = std::max(fewestFacets, m_coarseFacets * 0.8);
     else if (taken < quickFrame)

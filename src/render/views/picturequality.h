@@ -1,11 +1,13 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <limits>
+#include <optional>
 
 namespace marlowen {
 
@@ -22,7 +24,11 @@ public:
     /// antialiased with as many facets as are drawn soon, everything.
     enum Level { Nothing, Coarse, Draft, Smooth, Complete };
 
+    /// Tells the time that frames are measured with.
+    using Clock = std::function<std::chrono::nanoseconds()>;
+
     explicit PictureQuality(QObject *parent = nullptr);
+    explicit PictureQuality(Clock clock, QObject *parent = nullptr);
 
     void setSlow(bool slow) { m_slow = slow; }
     bool slow() const { return m_slow; }
@@ -58,8 +64,10 @@ private:
     bool m_settled = false; ///< the picture has not changed for long
     QTimer m_rest;          ///< runs since the hand moved last
     QTimer m_settle;        ///< runs since the last antialiased picture
-    QElapsedTimer m_frame;  ///< valid while a coarse picture is on its way
     double m_coarseFacets;
+    Clock m_clock;
+    /// When the coarse picture that is on its way began.
+    std::optional<std::chrono::nanoseconds> m_frame;
 };
 
 } // namespace marlowen
