@@ -38,6 +38,29 @@ QString textFacet(const QString &third = QStringLiteral("0 1 0"))
 
 const std::vector<FacetCorners> twoFacets{{0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 0, 1, 0, 0, 1, 1, 2}};
 
+class CancelledWhileWaiting : public Progress
+{
+public:
+    void advance(double fraction) override
+    {
+        m_cancelled = m_last == fraction; // no more is read: it waits for the tessellator
+        m_last = fraction;
+    }
+    bool cancelled() const override { return m_cancelled; }
+
+private:
+    double m_last = 0.0;
+    bool m_cancelled = false;
+};
+
+/// A file that gives less than its size.
+class ShrinkingBuffer : public QBuffer
+{
+public:
+    using QBuffer::QBuffer;
+    qint64 size() const override { return QBuffer::size() + 50; }
+};
+
 } // namespace
 
 class TestMeshes : public QObject
@@ -61,6 +84,8 @@ private slots:
     void cornersAreWeldedByValue();
     void everyPrefixIsRead();
     void emptyAndMissingFilesAreRefused();
+    void longCutsAreCancelled();
+    void filesThatShrinkAreToldAbout();
 };
 
 void TestMeshes::objLines_data()
@@ -193,6 +218,7 @@ void TestMeshes::quadsAreCutAsTheTessellatorCutsThem()
         return triangles;
     };
     int shortCuts = 0;
+    Progress silent;
     for (int n = 0; n < 20000; ++n) {
         const bool whole = n % 2 == 0; // ties in the sweep's order
         std::array<MeshPoint, 4> corners;
@@ -207,7 +233,7 @@ void TestMeshes::quadsAreCutAsTheTessellatorCutsThem()
         TriangleMesh mesh;
         MeshProblems problems;
         mesh.positions.assign(corners.begin(), corners.end());
-        PolygonTessellator(mesh, problems).tessellate(std::array<quint32, 4>{0, 1, 2, 3});
+        PolygonTessellator(mesh, problems).tessellate(std::array<quint32, 4>{0, 1, 2, 3}, silent);
         std::vector<MeshTriangle> expected;
         for (const auto &[a, b, c] : *cut)
             expected.push_back({a, b, c});
@@ -356,6 +382,50 @@ void TestMeshes::emptyAndMissingFilesAreRefused()
     Progress silent;
     QVERIFY(!readMesh(folder.filePath("missing.stl"), {}, silent));
     QVERIFY(!readMesh(folder.path(), {}, silent));
+}
+
+void TestMeshes::longCutsAreCancelled()
+{
+    // The tessellator would be busy with this star for minutes.
+    constexpr int corners = 100000;
+    QByteArray text;
+    QByteArray face("f");
+    for (int i = 0; i < corners; ++i) {
+        const double angle = 2.0 * M_PI * i / corners;
+        const double radius = i % 2 ? 1.0 : 0.5;
+        text += "v " + QByteArray::number(radius * std::cos(angle)) + " " +
+                QByteArray::number(radius * std::sin(angle)) + " 0\n";
+        face += " " + QByteArray::number(i + 1);
+    }
+    text += face + "\n";
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    CancelledWhileWaiting progress;
+    ObjFileReader reader;
+    QVERIFY(!reader.read(buffer, progress));
+    QVERIFY(progress.cancelled());
+}
+
+void TestMeshes::filesThatShrinkAreToldAbout()
+{
+    QByteArray obj = square + "f 1 2 3\n";
+    QByteArray stl = binaryStl(twoFacets, 3);
+    QByteArray text = ("solid a\n" + textFacet() + "endsolid\n").toLatin1();
+    for (QByteArray *bytes : {&obj, &stl, &text}) {
+        ShrinkingBuffer buffer(bytes);
+        buffer.open(QIODevice::ReadOnly);
+        Progress silent;
+        ReadMesh read;
+        if (bytes == &obj) {
+            ObjFileReader reader;
+            reader.read(buffer, silent);
+            read = {reader.takeMesh(), reader.problems()};
+        } else {
+            read = readStl(buffer, silent);
+        }
+        QCOMPARE(read.problems.count(), 1);
+        QVERIFY(!read.mesh.triangles.empty());
+    }
 }
 
 QTEST_GUILESS_MAIN(TestMeshes)

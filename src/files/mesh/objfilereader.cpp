@@ -1,12 +1,13 @@
 #include "files/mesh/objfilereader.h"
 
+#include "files/mesh/piecework.h"
 #include "files/mesh/textblocks.h"
-#include "files/mesh/textnumbers.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace marlowen {
 
@@ -18,30 +19,25 @@ constexpr std::string_view byteOrderMark("\xEF\xBB\xBF");
 /// Places of vertices stay well below the numbers that stand for new points of the tessellator.
 constexpr size_t mostVertices = size_t{3} << 30;
 
-/// Reads a positive decimal number that is followed by a slash or ends its token; null otherwise.
-const char *parsePlainId(const char *at, quint64 &id)
+/// Never falls back, whatever the steps of the reading report.
+class SteadyProgress : public Progress
 {
-    const char *const first = at;
-    unsigned digit = 0;
-    quint64 value = 0;
-    while ((digit = static_cast<unsigned>(*at) - '0') < 10) {
-        value = 10 * value + digit;
-        ++at;
+public:
+    explicit SteadyProgress(Progress &whole)
+        : m_whole(whole)
+    {
     }
-    if (at == first || at - first > 10)
-        return nullptr;
-    id = value;
-    if (*at == '/')
-        at = tokenEnd(at);
-    return endsToken(*at) ? at : nullptr;
-}
+    void advance(double fraction) override
+    {
+        m_last = std::max(m_last, fraction);
+        m_whole.advance(m_last);
+    }
+    bool cancelled() const override { return m_whole.cancelled(); }
 
-const char *lineEnd(const char *at)
-{
-    while (!isLineEnd(*at))
-        ++at;
-    return at;
-}
+private:
+    Progress &m_whole;
+    double m_last = 0.0;
+};
 
 bool isFinite(const MeshPoint &point)
 {
@@ -66,156 +62,116 @@ ObjFileReader::ObjFileReader(RelativeIndices indices)
 
 bool ObjFileReader::read(QIODevice &device, Progress &progress)
 {
-    TextBlocks text(device, progress, lineEnds);
-    bool atStart = true;
-    for (std::string_view block = text.next(); !block.empty(); block = text.next()) {
-        if (std::exchange(atStart, false) && block.starts_with(byteOrderMark))
-            block.remove_prefix(byteOrderMark.size());
-        _readLines(block);
-        _makeRoom(text, block.size());
-    }
+    SteadyProgress steady(progress);
+    m_progress = &steady;
+    TextBlocks text(device, steady, lineEnds);
+    std::vector<Slot> pieces(pieceSlots());
+    PieceSteps steps;
+    steps.fill = [&](size_t slot) { return _fill(text, pieces[slot]); };
+    steps.work = [&](size_t slot) { readObjLines(pieces[slot].lines, pieces[slot].piece); };
+    steps.take = [&](size_t slot) { _take(pieces[slot]); };
+    workThroughPieces(steps);
     for (qint64 i = 0; i < text.overlongPieces(); ++i)
         m_problems.add("ObjFileReader: a line is too long");
     if (text.failed())
         m_problems.add("ObjFileReader: QTextStream error detected ", "2");
-    if (text.cancelled())
+    if (text.cutShort())
+        m_problems.add("ObjFileReader: the file became shorter while it was read");
+    for (const LateFaces &late : m_late) {
+        steady.advance(1.0);
+        _addLateFaces(late);
+    }
+    m_progress = nullptr;
+    if (progress.cancelled())
         return false;
-    _addLateFaces();
     m_tessellator.finish();
     return m_problems.count() == 0;
 }
 
-void ObjFileReader::_makeRoom(const TextBlocks &text, size_t blockBytes)
+bool ObjFileReader::_fill(TextBlocks &text, Slot &slot)
 {
-    // The rest of the file is likely to hold what the last block held: grown once to that, the
-    // arrays are not copied again and again. Room that is never used is never touched.
-    const qint64 left = text.bytesTotal() - text.bytesRead();
-    const auto grow = [&](auto &array, size_t &before) {
+    slot.lines = text.next(slot.text);
+    slot.bytesLeft = text.bytesTotal() - text.bytesRead();
+    if (std::exchange(m_atStart, false) && slot.lines.starts_with(byteOrderMark))
+        slot.lines.remove_prefix(byteOrderMark.size());
+    return !slot.lines.empty();
+}
+
+void ObjFileReader::_take(const Slot &slot)
+{
+    if (m_progress->cancelled())
+        return;
+    const ObjPiece &piece = slot.piece;
+    m_allFinite = m_allFinite && piece.allFinite;
+    if (m_late.empty() || !m_late.back().faces.empty())
+        m_late.emplace_back();
+    const size_t positionsBefore = m_mesh.positions.size();
+    const size_t trianglesBefore = m_mesh.triangles.size();
+    std::span<const MeshPoint> positions(piece.positions);
+    std::span<const MeshTriangle> triangles(piece.triangles);
+    std::span<const qint64> ids(piece.ids);
+    std::span<const ObjPiece::Problem> problems(piece.problems);
+    const auto next = [](auto &span, size_t count) {
+        const auto first = span.first(std::min(count, span.size()));
+        span = span.subspan(first.size());
+        return first;
+    };
+    for (const auto [kind, count] : piece.runs) {
+        if (kind == ObjPiece::Kind::Vertices)
+            _takePositions(next(positions, count));
+        else if (kind == ObjPiece::Kind::Triangles)
+            _takeTriangles(next(triangles, count));
+        else if (kind == ObjPiece::Kind::Face)
+            _takeFace(next(ids, count));
+        else
+            _takeProblems(next(problems, count), count);
+    }
+    _makeRoom(slot, positionsBefore, trianglesBefore);
+}
+
+void ObjFileReader::_makeRoom(const Slot &slot, size_t positionsBefore, size_t trianglesBefore)
+{
+    // The rest of the file is likely to hold what this piece held: grown once to that, the arrays
+    // are not copied again and again. Room that is never used is never touched. The first piece
+    // with faces may have begun with vertices and tells little.
+    const auto grow = [&slot](auto &array, size_t before, size_t &lastAdded) {
         const size_t added = array.size() - before;
-        before = array.size();
-        if (left <= 0 || array.capacity() - array.size() > 2 * added)
+        const bool first = std::exchange(lastAdded, added) == 0;
+        if (first || slot.bytesLeft <= 0 || array.capacity() - array.size() > 2 * added)
             return;
-        const double expected = static_cast<double>(added) * static_cast<double>(left) /
-                                static_cast<double>(blockBytes);
+        const double expected = static_cast<double>(added) * static_cast<double>(slot.bytesLeft) /
+                                static_cast<double>(slot.lines.size());
         array.reserve(array.size() + added + static_cast<size_t>(expected * 1.05));
     };
-    grow(m_mesh.positions, m_positionsBefore);
-    grow(m_mesh.triangles, m_trianglesBefore);
+    grow(m_mesh.positions, positionsBefore, m_positionsAdded);
+    grow(m_mesh.triangles, trianglesBefore, m_trianglesAdded);
 }
 
-void ObjFileReader::_readLines(std::string_view block)
+void ObjFileReader::_takePositions(std::span<const MeshPoint> positions)
 {
-    const char *at = block.data();
-    const char *const end = at + block.size();
-    while (at < end) {
-        at = skipBlanks(at);
-        if (at[0] == 'v' && endsToken(at[1]))
-            at = _readVertex(at + 1);
-        else if (at[0] == 'f' && endsToken(at[1]))
-            at = _readFace(at + 1);
+    const size_t room = mostVertices - m_mesh.positions.size();
+    const auto taken = positions.first(std::min(room, positions.size()));
+    m_mesh.positions.insert(m_mesh.positions.end(), taken.begin(), taken.end());
+}
+
+void ObjFileReader::_takeTriangles(std::span<const MeshTriangle> triangles)
+{
+    const size_t known = m_mesh.positions.size();
+    for (const MeshTriangle &corners : triangles) {
+        if (std::max({corners[0], corners[1], corners[2]}) < known)
+            _addTriangle(corners);
         else
-            at = lineEnd(at);
-        ++at;
+            _takeFace(std::array<qint64, 3>{corners[0] + qint64{1}, corners[1] + qint64{1},
+                                            corners[2] + qint64{1}});
     }
 }
 
-const char *ObjFileReader::_readVertex(const char *at)
+void ObjFileReader::_takeProblems(std::span<const ObjPiece::Problem> problems, size_t count)
 {
-    MeshPoint point;
-    const char *stop = at;
-    for (double &coordinate : point) {
-        stop = parsePlainNumber(skipBlanks(stop), coordinate);
-        if (!stop)
-            return _readSlowVertex(at);
-    }
-    stop = skipBlanks(stop);
-    if (!isLineEnd(*stop) || m_mesh.positions.size() >= mostVertices)
-        return _readSlowVertex(at);
-    m_mesh.positions.push_back(point);
-    return stop;
-}
-
-const char *ObjFileReader::_readSlowVertex(const char *at)
-{
-    std::array<double, 4> numbers{0.0, 0.0, 0.0, 1.0};
-    const auto read = [&](std::string_view token, double &number) {
-        if (!parseNumber(token, number))
-            m_problems.add("ObjFileReader: bad double (", token, ")");
-    };
-    std::string_view fourth;
-    size_t count = 0;
-    for (at = skipBlanks(at); !isLineEnd(*at); at = skipBlanks(at), ++count) {
-        const char *const stop = tokenEnd(at);
-        const std::string_view token(at, static_cast<size_t>(stop - at));
-        if (count < 3)
-            read(token, numbers[count]);
-        else if (count == 3)
-            fourth = token;
-        at = stop;
-    }
-    for (size_t missing = count; missing < 3; ++missing)
-        read({}, numbers[missing]);
-    // Lines of six or seven numbers carry a colour.
-    if (count == 4)
-        read(fourth, numbers[3]);
-    const double w = numbers[3];
-    if (m_mesh.positions.size() >= mostVertices)
-        return at;
-    m_mesh.positions.push_back({numbers[0] / w, numbers[1] / w, numbers[2] / w});
-    m_allFinite = m_allFinite && isFinite(m_mesh.positions.back());
-    return at;
-}
-
-const char *ObjFileReader::_readFace(const char *at)
-{
-    // Nearly every face is three positive indices of vertices that were read before.
-    MeshTriangle corners;
-    const quint64 known = m_mesh.positions.size();
-    const char *stop = at;
-    for (quint32 &corner : corners) {
-        quint64 id = 0;
-        stop = parsePlainId(skipBlanks(stop), id);
-        if (!stop || id - 1 >= known)
-            return _readSlowFace(at);
-        corner = static_cast<quint32>(id - 1);
-    }
-    stop = skipBlanks(stop);
-    if (!isLineEnd(*stop))
-        return _readSlowFace(at);
-    _addTriangle(corners);
-    return stop;
-}
-
-const char *ObjFileReader::_readSlowFace(const char *at)
-{
-    m_ids.clear();
-    for (at = skipBlanks(at); !isLineEnd(*at); at = skipBlanks(at)) {
-        const char *const stop = tokenEnd(at);
-        const std::string_view token(at, static_cast<size_t>(stop - at));
-        qint64 id = 0;
-        if (!_readId(token.substr(0, token.find('/')), id)) {
-            at = lineEnd(at);
-            break;
-        }
-        m_ids.push_back(id);
-        at = stop;
-    }
-    if (m_ids.size() < 3)
-        m_problems.add("ObjFileReader: face with less than 3 vertices");
-    else
-        _takeFace();
-    return at;
-}
-
-bool ObjFileReader::_readId(std::string_view token, qint64 &id)
-{
-    const char *const end = token.data() + token.size();
-    const bool plus = token.size() > 1 && token[0] == '+' && token[1] != '-';
-    const auto [stop, error] = std::from_chars(token.data() + plus, end, id);
-    if (error == std::errc() && stop == end)
-        return true;
-    m_problems.add("ObjFileReader: bad vertex id (", token, ")");
-    return false;
+    for (const auto &[before, token, after] : problems)
+        m_problems.add(before, token, after);
+    for (size_t i = problems.size(); i < count; ++i)
+        m_problems.add("ObjFileReader: a further problem");
 }
 
 qint64 ObjFileReader::_placeOf(qint64 id, qint64 verticesRead) const
@@ -240,21 +196,24 @@ bool ObjFileReader::_resolve(std::span<const qint64> ids, qint64 verticesRead)
     return true;
 }
 
-void ObjFileReader::_takeFace()
+void ObjFileReader::_takeFace(std::span<const qint64> ids)
 {
     const auto verticesRead = static_cast<qint64>(m_mesh.positions.size());
-    if (_resolve(m_ids, verticesRead)) {
+    if (_resolve(ids, verticesRead)) {
         _addResolved();
         return;
     }
-    m_lateFaces.push_back({m_lateIds.size(), m_ids.size(), verticesRead});
-    m_lateIds.insert(m_lateIds.end(), m_ids.begin(), m_ids.end());
+    LateFaces &late = m_late.back();
+    late.faces.push_back({late.ids.size(), ids.size(), verticesRead});
+    late.ids.insert(late.ids.end(), ids.begin(), ids.end());
 }
 
-void ObjFileReader::_addLateFaces()
+void ObjFileReader::_addLateFaces(const LateFaces &late)
 {
-    for (const LateFace &face : m_lateFaces) {
-        const std::span<const qint64> ids(m_lateIds.data() + face.firstId, face.count);
+    for (const LateFace &face : late.faces) {
+        const std::span<const qint64> ids(late.ids.data() + face.firstId, face.count);
+        if (m_progress->cancelled())
+            return;
         if (_resolve(ids, face.verticesRead)) {
             _addResolved();
             continue;
@@ -272,7 +231,7 @@ void ObjFileReader::_addResolved()
     }
     const auto finite = [this](quint32 corner) { return isFinite(m_mesh.positions[corner]); };
     if (m_allFinite || std::all_of(m_corners.begin(), m_corners.end(), finite))
-        m_tessellator.cut(m_corners);
+        m_tessellator.cut(m_corners, *m_progress);
     else
         m_problems.add("ObjFileReader: face with a coordinate that is not finite");
 }

@@ -2,10 +2,14 @@
 
 #include "base/progress.h"
 #include "files/mesh/meshproblems.h"
+#include "files/mesh/objpiece.h"
 #include "files/mesh/polygontessellator.h"
 #include "files/mesh/trianglemesh.h"
 
+#include <deque>
+#include <span>
 #include <string_view>
+#include <vector>
 
 class QIODevice;
 
@@ -38,39 +42,53 @@ public:
     const MeshProblems &problems() const { return m_problems; }
 
 private:
+    /// A piece of the file on its way.
+    struct Slot
+    {
+        std::vector<char> text;
+        std::string_view lines; ///< in the text
+        qint64 bytesLeft = 0;   ///< of the file, behind the piece
+        ObjPiece piece;
+    };
     /// A face whose vertices were not all there yet when it was read.
     struct LateFace
     {
-        size_t firstId;      ///< in m_lateIds
+        size_t firstId;      ///< in the ids
         size_t count;        ///< of ids
         qint64 verticesRead; ///< before the face
     };
+    /// Those of a piece: one list of all would be copied whole as it grows, which holds up
+    /// "Cancel".
+    struct LateFaces
+    {
+        std::vector<qint64> ids;
+        std::vector<LateFace> faces;
+    };
 
-    void _readLines(std::string_view block);
-    const char *_readVertex(const char *at);
-    const char *_readSlowVertex(const char *at);
-    const char *_readFace(const char *at);
-    const char *_readSlowFace(const char *at);
-    bool _readId(std::string_view token, qint64 &id);
-    void _takeFace();
+    bool _fill(TextBlocks &text, Slot &slot);
+    void _take(const Slot &slot);
+    void _takePositions(std::span<const MeshPoint> positions);
+    void _takeTriangles(std::span<const MeshTriangle> triangles);
+    void _takeProblems(std::span<const ObjPiece::Problem> problems, size_t count);
+    void _takeFace(std::span<const qint64> ids);
     void _addTriangle(const MeshTriangle &corners);
-    void _addLateFaces();
+    void _addLateFaces(const LateFaces &late);
     bool _resolve(std::span<const qint64> ids, qint64 verticesRead);
     qint64 _placeOf(qint64 id, qint64 verticesRead) const;
     void _addResolved();
-    void _makeRoom(const TextBlocks &text, size_t blockBytes);
+    void _makeRoom(const Slot &slot, size_t positionsBefore, size_t trianglesBefore);
 
     RelativeIndices m_indices;
     TriangleMesh m_mesh;
     MeshProblems m_problems;
     PolygonTessellator m_tessellator;
+    Progress *m_progress = nullptr; ///< of read()
+    bool m_atStart = true;          ///< of the file
     bool m_allFinite = true;        ///< every position read so far
-    std::vector<qint64> m_ids;      ///< of the face that is being read, as given in the file
-    std::vector<quint32> m_corners; ///< of that face, as places in the positions
-    std::vector<qint64> m_lateIds;
-    std::vector<LateFace> m_lateFaces;
-    size_t m_positionsBefore = 0; ///< the last block
-    size_t m_trianglesBefore = 0;
+    std::vector<quint32> m_corners; ///< of a face, as places in the positions
+    std::deque<LateFaces> m_late;
+    size_t m_positionsAdded = 0; ///< by the last piece
+    size_t m_trianglesAdded = 0;
 };
 
 } // namespace marlowen

@@ -1,78 +1,74 @@
 #include "files/mesh/polygontessellator.h"
 
 #include "files/mesh/convexquad.h"
+#include "files/mesh/polygoncut.h"
 
-#include <GL/glu.h>
-
-#include <limits>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <new>
 #include <string>
+#include <thread>
+
+#include <pthread.h>
 
 namespace marlowen {
 
 namespace {
 
-constexpr quint32 lastIndex = std::numeric_limits<quint32>::max();
+/// GLU takes time that grows with the square of the corners or faster, and cannot be interrupted:
+/// polygons of more corners are cut in a thread that "Cancel" need not wait for.
+constexpr size_t mostCornersAtOnce = 200;
+constexpr std::chrono::milliseconds betweenLooks(15);
 
-/// The tessellator hands vertex data through as a pointer, never following it; 0 would mean none.
-void *asData(quint32 index)
+/// A polygon that another thread cuts. Both threads own it.
+struct SharedCut
 {
-    return reinterpret_cast<void *>(static_cast<quintptr>(index) + 1);
+    PolygonCut cut;
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool isEnded = false;
+
+    void run()
+    {
+        cut.run();
+        const std::lock_guard guard(mutex);
+        isEnded = true;
+        ended.notify_one();
+    }
+};
+
+/// From now on the thread works only while the machine has nothing else to do.
+void yieldToOthers([[maybe_unused]] std::thread &thread)
+{
+#ifdef __linux__
+    const sched_param lowest{};
+    pthread_setschedparam(thread.native_handle(), SCHED_IDLE, &lowest);
+#endif
 }
 
-quint32 asIndex(const void *data)
+/// Whether the cut ended; false when the user cancelled before.
+bool runBeside(const std::shared_ptr<SharedCut> &shared, Progress &progress)
 {
-    return static_cast<quint32>(reinterpret_cast<quintptr>(data) - 1);
+    std::thread thread([shared] { shared->run(); });
+    std::unique_lock lock(shared->mutex);
+    while (!shared->ended.wait_for(lock, betweenLooks, [&] { return shared->isEnded; })) {
+        lock.unlock();
+        progress.advance(0.0); // lets the user answer
+        if (progress.cancelled()) {
+            shared->cut.abandon();
+            yieldToOthers(thread);
+            thread.detach();
+            return false;
+        }
+        lock.lock();
+    }
+    lock.unlock();
+    thread.join();
+    return true;
 }
 
 } // namespace
-
-/// Called by the tessellator, which is C code: nothing may be thrown through it.
-struct PolygonTessellator::Callbacks
-{
-    static void vertex(void *data, void *object)
-    {
-        auto *self = static_cast<PolygonTessellator *>(object);
-        self->m_triangle[self->m_filled++] = asIndex(data);
-        if (self->m_filled < 3)
-            return;
-        self->m_filled = 0;
-        try {
-            self->m_mesh.triangles.push_back(self->m_triangle);
-        } catch (const std::bad_alloc &) {
-            self->m_outOfMemory = true;
-        }
-    }
-
-    static void combine(GLdouble point[3], void *neighbours[4], GLfloat[4], void **result,
-                        void *object)
-    {
-        auto *self = static_cast<PolygonTessellator *>(object);
-        try {
-            self->m_newPoints.push_back({point[0], point[1], point[2]});
-            *result = asData(static_cast<quint32>(lastIndex - (self->m_newPoints.size() - 1)));
-        } catch (const std::bad_alloc &) {
-            self->m_outOfMemory = true;
-            *result = neighbours[0];
-        }
-    }
-
-    /// Its presence makes the tessellator give plain triangles only.
-    static void edgeFlag(GLboolean, void *) {}
-
-    static void error(GLenum code, void *object)
-    {
-        auto *self = static_cast<PolygonTessellator *>(object);
-        try {
-            const QString text = QStringLiteral("0x%1, error code = %2")
-                                     .arg(reinterpret_cast<quintptr>(object), 0, 16)
-                                     .arg(code);
-            self->m_problems.add("Tessellation error: obj = ", text.toStdString());
-        } catch (const std::bad_alloc &) {
-            self->m_outOfMemory = true;
-        }
-    }
-};
 
 PolygonTessellator::PolygonTessellator(TriangleMesh &mesh, MeshProblems &problems)
     : m_mesh(mesh)
@@ -80,33 +76,12 @@ PolygonTessellator::PolygonTessellator(TriangleMesh &mesh, MeshProblems &problem
 {
 }
 
-PolygonTessellator::~PolygonTessellator()
-{
-    if (m_tessellator)
-        gluDeleteTess(m_tessellator);
-}
+PolygonTessellator::~PolygonTessellator() = default;
 
-void PolygonTessellator::cut(std::span<const quint32> corners)
+void PolygonTessellator::cut(std::span<const quint32> corners, Progress &progress)
 {
     if (corners.size() != 4 || !_cutQuad(corners))
-        tessellate(corners);
-}
-
-bool PolygonTessellator::_makeTessellator()
-{
-    m_tessellator = gluNewTess();
-    if (!m_tessellator) {
-        m_problems.add("Failed to allocate GLUtesselator");
-        return false;
-    }
-    const auto set = [this](GLenum which, auto *function) {
-        gluTessCallback(m_tessellator, which, reinterpret_cast<_GLUfuncptr>(function));
-    };
-    set(GLU_TESS_ERROR_DATA, Callbacks::error);
-    set(GLU_TESS_VERTEX_DATA, Callbacks::vertex);
-    set(GLU_TESS_EDGE_FLAG_DATA, Callbacks::edgeFlag);
-    set(GLU_TESS_COMBINE_DATA, Callbacks::combine);
-    return true;
+        tessellate(corners, progress);
 }
 
 bool PolygonTessellator::_cutQuad(std::span<const quint32> corners)
@@ -120,22 +95,46 @@ bool PolygonTessellator::_cutQuad(std::span<const quint32> corners)
     return true;
 }
 
-void PolygonTessellator::tessellate(std::span<const quint32> corners)
+void PolygonTessellator::tessellate(std::span<const quint32> corners, Progress &progress)
 {
-    if (!m_tessellator && !_makeTessellator())
+    if (corners.size() > mostCornersAtOnce) {
+        const auto shared = std::make_shared<SharedCut>();
+        shared->cut.setCorners(m_mesh.positions, corners);
+        if (runBeside(shared, progress))
+            _add(shared->cut);
         return;
-    m_filled = 0;
-    m_outOfMemory = false;
-    gluTessBeginPolygon(m_tessellator, this);
-    gluTessBeginContour(m_tessellator);
-    for (const quint32 corner : corners) {
-        MeshPoint point = m_mesh.positions[corner];
-        gluTessVertex(m_tessellator, point.data(), asData(corner));
     }
-    gluTessEndContour(m_tessellator);
-    gluTessEndPolygon(m_tessellator);
-    if (m_outOfMemory)
+    if (!m_cut)
+        m_cut = std::make_unique<PolygonCut>();
+    m_cut->setCorners(m_mesh.positions, corners);
+    m_cut->run();
+    _add(*m_cut);
+}
+
+void PolygonTessellator::_add(const PolygonCut &cut)
+{
+    for (const unsigned code : cut.errors()) {
+        const QString text = QStringLiteral("0x%1, error code = %2")
+                                 .arg(reinterpret_cast<quintptr>(this), 0, 16)
+                                 .arg(code);
+        if (code == 0)
+            m_problems.add("Failed to allocate GLUtesselator");
+        else
+            m_problems.add("Tessellation error: obj = ", text.toStdString());
+    }
+    if (cut.outOfMemory())
         throw std::bad_alloc();
+    // New points of this polygon are numbered behind those of the polygons before.
+    const auto oldPoints = static_cast<quint32>(m_newPoints.size());
+    const quint32 lowestNew = PolygonCut::firstNew - static_cast<quint32>(cut.newPoints().size());
+    const auto renumbered = [&](quint32 index) {
+        return index > lowestNew ? index - oldPoints : index;
+    };
+    m_newPoints.insert(m_newPoints.end(), cut.newPoints().begin(), cut.newPoints().end());
+    const std::vector<quint32> &indices = cut.indices();
+    for (size_t i = 2; i < indices.size(); i += 3)
+        m_mesh.triangles.push_back(
+            {renumbered(indices[i - 2]), renumbered(indices[i - 1]), renumbered(indices[i])});
 }
 
 void PolygonTessellator::finish()
@@ -146,7 +145,7 @@ void PolygonTessellator::finish()
     m_mesh.positions.insert(m_mesh.positions.end(), m_newPoints.begin(), m_newPoints.end());
     for (MeshTriangle &triangle : m_mesh.triangles) {
         for (quint32 &index : triangle)
-            index = index < first ? index : first + (lastIndex - index);
+            index = index < first ? index : first + (PolygonCut::firstNew - index);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "files/mesh/stlreader.h"
 
 #include "files/mesh/facetcollector.h"
+#include "files/mesh/piecework.h"
 #include "files/mesh/stltext.h"
 
 #include <QByteArray>
@@ -21,7 +22,7 @@ static_assert(std::endian::native == std::endian::little, "facets are read as th
 constexpr quint64 headerBytes = 80;
 constexpr quint64 facetBytes = 50;
 constexpr quint64 normalBytes = 12;
-constexpr size_t blockFacets = 4096;
+constexpr size_t blockFacets = FacetPiece::mostFacets;
 /// Shortest text of a facet, about; the guess from the size of a text file.
 constexpr qint64 textFacetBytes = 250;
 
@@ -68,44 +69,67 @@ bool isText(const QByteArray &start)
     return text.trimmed().left(5).toLower() == "solid";
 }
 
-std::array<CornerWeld::Corner, 3> cornersOf(const char *facet)
+/// Facets of the file on their way.
+struct Slot
 {
-    std::array<CornerWeld::Corner, 3> corners;
-    std::memcpy(corners.data(), facet + normalBytes, sizeof(corners));
-    return corners;
-}
+    std::vector<char> bytes;
+    size_t facets = 0; ///< in the bytes
+    FacetPiece piece;
+    std::vector<FacetFault> faults; ///< of the facets that are left out
+};
 
-/// Fills the block as far as the device gives; returns whole facets.
-size_t readFacets(QIODevice &device, std::vector<char> &block, quint64 left)
+/// Fills the slot with at most `wanted` facets, as far as the device gives.
+void readFacets(QIODevice &device, Slot &slot, quint64 wanted)
 {
-    const quint64 wanted = std::min<quint64>(block.size(), left * facetBytes);
+    slot.bytes.resize(std::min<quint64>(blockFacets, wanted) * facetBytes);
     quint64 filled = 0;
-    while (filled < wanted) {
-        const qint64 got = device.read(block.data() + filled, static_cast<qint64>(wanted - filled));
+    while (filled < slot.bytes.size()) {
+        const qint64 got = device.read(slot.bytes.data() + filled,
+                                       static_cast<qint64>(slot.bytes.size() - filled));
         if (got <= 0)
             break;
         filled += static_cast<quint64>(got);
     }
-    return filled / facetBytes;
+    slot.facets = filled / facetBytes;
+}
+
+void weldFacets(Slot &slot)
+{
+    slot.piece.clear();
+    slot.faults.clear();
+    for (size_t i = 0; i < slot.facets; ++i) {
+        FacetPiece::Facet facet;
+        std::memcpy(facet.data(), slot.bytes.data() + i * facetBytes + normalBytes, sizeof(facet));
+        const FacetFault fault = slot.piece.add(facet);
+        if (fault != FacetFault::None)
+            slot.faults.push_back(fault);
+    }
 }
 
 void readBinary(QIODevice &device, Progress &progress, const Layout &layout, ReadMesh &into)
 {
     FacetCollector facets(into.mesh, into.problems, layout.facets);
-    std::vector<char> block(blockFacets * facetBytes);
+    std::vector<Slot> pieces(pieceSlots());
     quint64 done = 0;
     if (layout.facets > 0)
         device.seek(static_cast<qint64>(layout.firstByte));
-    while (done < layout.facets && !progress.cancelled()) {
-        const size_t count = readFacets(device, block, layout.facets - done);
-        for (size_t i = 0; i < count; ++i)
-            facets.add(cornersOf(block.data() + i * facetBytes));
-        done += count;
+    PieceSteps steps;
+    steps.fill = [&](size_t slot) {
+        if (done == layout.facets || progress.cancelled())
+            return false;
+        readFacets(device, pieces[slot], layout.facets - done);
+        done += pieces[slot].facets;
         progress.advance(static_cast<double>(done) / static_cast<double>(layout.facets));
-        if (count == 0)
-            break;
-    }
-    facets.flush();
+        return pieces[slot].facets > 0;
+    };
+    steps.work = [&](size_t slot) { weldFacets(pieces[slot]); };
+    steps.take = [&](size_t slot) {
+        for (const FacetFault fault : pieces[slot].faults)
+            into.problems.add(facetProblem(fault));
+        if (!progress.cancelled())
+            facets.take(pieces[slot].piece);
+    };
+    workThroughPieces(steps);
     if (progress.cancelled() || (layout.whole && done == layout.facets))
         return;
     into.problems.add("STL: damaged file, facets found and promised: ",

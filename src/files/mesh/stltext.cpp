@@ -145,7 +145,7 @@ private:
 
     FacetCollector &m_facets;
     MeshProblems &m_problems;
-    std::array<CornerWeld::Corner, 3> m_facet{};
+    FacetPiece::Facet m_facet{};
     size_t m_corner = 0;      ///< the one that is being read
     size_t m_numbersLeft = 0; ///< of the normal or the corner
     bool m_inSolid = false;
@@ -183,12 +183,15 @@ void readTextStl(QIODevice &device, Progress &progress, FacetCollector &facets,
 {
     TextBlocks text(device, progress, whiteSpace);
     StlTokens tokens(facets, problems);
-    for (std::string_view block = text.next(); !block.empty(); block = text.next())
+    std::vector<char> buffer;
+    for (std::string_view block = text.next(buffer); !block.empty(); block = text.next(buffer))
         takeBlock(block, tokens);
     for (qint64 i = 0; i < text.overlongPieces(); ++i)
         problems.add("STL: a word is too long");
     if (text.failed())
         problems.add("STL: the file could not be read to its end");
+    if (text.cutShort())
+        problems.add("STL: the file became shorter while it was read");
     tokens.finish();
     facets.flush();
 }

@@ -7,8 +7,10 @@ namespace marlowen {
 
 namespace {
 
-constexpr size_t blockBytes = size_t{512} << 10;
+constexpr size_t blockBytes = size_t{256} << 10;
 constexpr size_t longestPiece = size_t{64} << 20;
+/// Bytes behind a block: the line feed behind the end of the file, and what may be read.
+constexpr size_t spareBytes = 16;
 
 } // namespace
 
@@ -16,18 +18,25 @@ TextBlocks::TextBlocks(QIODevice &device, Progress &progress, std::string_view s
     : m_device(device)
     , m_progress(progress)
     , m_separators(separators)
-    , m_buffer(blockBytes)
     , m_bytesTotal(device.isSequential() ? 0 : device.size())
 {
 }
 
-bool TextBlocks::_readMore()
+/// Bytes of a buffer: a small file does not need a large one.
+size_t TextBlocks::_usualBytes() const
 {
-    if (m_filled == m_buffer.size())
-        m_buffer.resize(2 * m_buffer.size());
-    // One byte stays free for the line feed behind the end of the file.
-    const auto room = static_cast<qint64>(m_buffer.size() - m_filled);
-    const qint64 got = m_device.read(m_buffer.data() + m_filled, room);
+    if (m_device.isSequential())
+        return blockBytes;
+    const auto total = static_cast<size_t>(std::max<qint64>(0, m_bytesTotal));
+    return std::min(blockBytes, total + 2 * spareBytes);
+}
+
+bool TextBlocks::_readMore(std::vector<char> &buffer)
+{
+    if (m_filled + spareBytes >= buffer.size())
+        buffer.resize(2 * buffer.size());
+    const auto room = static_cast<qint64>(buffer.size() - m_filled - spareBytes);
+    const qint64 got = m_device.read(buffer.data() + m_filled, room);
     m_failed = got < 0;
     m_atEnd = got <= 0;
     if (got <= 0)
@@ -40,44 +49,49 @@ bool TextBlocks::_readMore()
     return true;
 }
 
-size_t TextBlocks::_lastSeparator(size_t from) const
+size_t TextBlocks::_lastSeparator(const std::vector<char> &buffer, size_t from) const
 {
     size_t at = m_filled;
-    while (at > from && m_separators.find(m_buffer[at - 1]) == std::string_view::npos)
+    while (at > from && m_separators.find(buffer[at - 1]) == std::string_view::npos)
         --at;
     return at;
 }
 
-void TextBlocks::_dropOverlong()
+void TextBlocks::_dropOverlong(std::vector<char> &buffer)
 {
-    const char *const begin = m_buffer.data();
+    const char *const begin = buffer.data();
     const char *const end = begin + m_filled;
     const char *const separator = std::find_first_of(begin, end, m_separators.begin(), //
                                                      m_separators.end());
     const auto left = static_cast<size_t>(end - separator);
-    std::memmove(m_buffer.data(), separator, left);
+    std::memmove(buffer.data(), separator, left);
     m_filled = left;
     m_dropping = left == 0;
 }
 
-std::string_view TextBlocks::next()
+std::string_view TextBlocks::_cut(const std::vector<char> &buffer, size_t end)
 {
-    std::memmove(m_buffer.data(), m_buffer.data() + m_consumed, m_filled - m_consumed);
-    m_filled -= m_consumed;
-    m_consumed = 0;
+    m_rest.assign(buffer.data() + end, buffer.data() + m_filled);
+    return {buffer.data(), end};
+}
+
+std::string_view TextBlocks::next(std::vector<char> &buffer)
+{
+    buffer.resize(std::max({buffer.size(), _usualBytes(), m_rest.size() + spareBytes}));
+    std::copy(m_rest.begin(), m_rest.end(), buffer.begin());
+    m_filled = m_rest.size();
+    m_rest.clear();
     size_t searched = 0;
     while (!m_atEnd && !m_progress.cancelled()) {
-        if (!_readMore())
+        if (!_readMore(buffer))
             break;
         if (m_dropping) {
-            _dropOverlong();
+            _dropOverlong(buffer);
             searched = 0;
         }
-        const size_t end = _lastSeparator(searched);
-        if (end > searched) {
-            m_consumed = end;
-            return {m_buffer.data(), end};
-        }
+        const size_t end = _lastSeparator(buffer, searched);
+        if (end > searched)
+            return _cut(buffer, end);
         searched = m_filled;
         if (m_filled > longestPiece) {
             ++m_overlong;
@@ -87,10 +101,8 @@ std::string_view TextBlocks::next()
     }
     if (m_filled == 0 || m_progress.cancelled() || m_failed)
         return {};
-    m_buffer.resize(std::max(m_buffer.size(), m_filled + 1));
-    m_buffer[m_filled] = '\n';
-    m_consumed = ++m_filled;
-    return {m_buffer.data(), m_consumed};
+    buffer[m_filled] = '\n';
+    return {buffer.data(), m_filled + 1};
 }
 
 } // namespace marlowen

@@ -10,7 +10,8 @@
 namespace marlowen {
 
 /// Reads a text in large blocks that end behind a separator, so that no piece between separators is
-/// ever cut. A piece longer than 64 MiB is left out and counted.
+/// ever cut. A piece longer than 64 MiB is left out and counted. Behind every block lie a few bytes
+/// more that may be read (numbers are read eight bytes at a time).
 class TextBlocks
 {
 public:
@@ -19,11 +20,13 @@ public:
     TextBlocks(QIODevice &device, Progress &progress, std::string_view separators);
 
     /// The next block, never empty, its last character a separator (a line feed is added to the end
-    /// of the file). Empty at the end, after a failed read and when the user cancelled. Valid until
-    /// the next call.
-    std::string_view next();
+    /// of the file). Empty at the end, after a failed read and when the user cancelled. It lies in
+    /// the buffer, whose old contents are lost and which grows as needed.
+    std::string_view next(std::vector<char> &buffer);
 
     bool failed() const { return m_failed; }
+    /// Whether the file ended before its size.
+    bool cutShort() const { return m_atEnd && !m_failed && m_bytesRead < m_bytesTotal; }
     bool cancelled() const { return m_progress.cancelled(); }
     qint64 overlongPieces() const { return m_overlong; }
     /// Bytes that were handed out or left out so far, and how many the file has (0: not known).
@@ -31,16 +34,17 @@ public:
     qint64 bytesTotal() const { return m_bytesTotal; }
 
 private:
-    bool _readMore();
-    void _dropOverlong();
-    size_t _lastSeparator(size_t from) const;
+    size_t _usualBytes() const;
+    bool _readMore(std::vector<char> &buffer);
+    void _dropOverlong(std::vector<char> &buffer);
+    size_t _lastSeparator(const std::vector<char> &buffer, size_t from) const;
+    std::string_view _cut(const std::vector<char> &buffer, size_t end);
 
     QIODevice &m_device;
     Progress &m_progress;
     std::string_view m_separators;
-    std::vector<char> m_buffer;
-    size_t m_filled = 0;   ///< bytes in the buffer
-    size_t m_consumed = 0; ///< of them, handed out by the last next()
+    std::vector<char> m_rest; ///< of the last buffer, behind the block
+    size_t m_filled = 0;      ///< bytes in the buffer
     qint64 m_bytesRead = 0;
     qint64 m_bytesTotal = 0;
     qint64 m_overlong = 0;
