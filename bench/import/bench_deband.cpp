@@ -33,7 +33,7 @@ FloatGrid rounded(FloatGrid grid)
 FloatGrid smoothed(const FloatGrid &grid)
 {
     Progress silent;
-    return {grid.width, grid.height, *debanded(grid, 1.0, silent)};
+    return {grid.width, grid.height, *debanded(grid.view(), 1.0, silent)};
 }
 
 double rms(const FloatGrid &one, const FloatGrid &two)

@@ -38,8 +38,8 @@ void measureRaster(benchmark::State &state, TriangleMesh mesh)
     const FacetShape shape(std::move(mesh), 0);
     Progress silent;
     baseline::measure(state, sizeof(float) * side * side, [&] {
-        const Result<FloatGrid> grid = rasterise(shape, silent);
-        benchmark::DoNotOptimize(grid.value().values.data());
+        const Result<LayerGrid> grid = rasterise(shape, silent);
+        benchmark::DoNotOptimize(grid.value().values.constData());
     });
     state.counters["facets"] = static_cast<double>(shape.mesh().triangles.size());
 }

@@ -9,9 +9,37 @@
 
 namespace marlowen {
 
+namespace {
+
+/// The view of a grid; it keeps the grid in memory.
+template <typename Grid>
+std::shared_ptr<const GridView> keptView(Grid grid)
+{
+    struct Kept
+    {
+        Grid grid;
+        GridView view;
+    };
+    const auto kept = std::make_shared<Kept>(Kept{std::move(grid), {}});
+    kept->view = std::as_const(kept->grid).view();
+    return {kept, &kept->view};
+}
+
+} // namespace
+
 ImportSource::ImportSource(FloatGrid values, const ImportSettings &settings)
-    : m_values(std::make_shared<const FloatGrid>(std::move(values)))
-    , m_range(rangeOf(m_values->values))
+    : ImportSource(keptView(std::move(values)), settings)
+{
+}
+
+ImportSource::ImportSource(LayerGrid values, const ImportSettings &settings)
+    : ImportSource(keptView(std::move(values)), settings)
+{
+}
+
+ImportSource::ImportSource(std::shared_ptr<const GridView> values, const ImportSettings &settings)
+    : m_values(std::move(values))
+    , m_range(rangeOf(m_values->span()))
     , m_settings(settings)
 {
 }
@@ -34,8 +62,7 @@ void ImportSource::computeHeights(float *heights)
     if (std::exchange(tiltDirty, false))
         _rebuildTilt();
     const bool tilt = !m_tilted.empty();
-    const GridView source{tilt ? m_tilted.data() : _start().values.data(), width(), height()};
-    mapBase(source, tilt ? m_tiltedRange : m_range, m_settings, heights);
+    mapBase(tilt ? tilted() : _start(), tilt ? m_tiltedRange : m_range, m_settings, heights);
     if (!m_settings.preview)
         return;
     const MutableGridView view{heights, width(), height()};
@@ -61,11 +88,13 @@ bool ImportSource::prepareDebanded(double strength, Progress &progress)
 
 void ImportSource::_rebuildTilt()
 {
-    m_tilted = {};
-    if (!m_settings.tilted())
+    if (!m_settings.tilted()) {
+        m_tilted = {};
         return;
-    m_tilted = tiltedValues(_start(), tiltSlope(m_settings, valueRange()));
-    m_tiltedRange = rangeOf(m_tilted);
+    }
+    if (m_tilted.empty())
+        m_tilted = LayerGrid(width(), height());
+    m_tiltedRange = tilt(_start(), tiltSlope(m_settings, valueRange()), m_tilted.view().values);
 }
 
 namespace {

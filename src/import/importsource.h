@@ -3,7 +3,7 @@
 #include "import/basrelief.h"
 #include "import/importsettings.h"
 #include "import/valuerange.h"
-#include "relief/grid/floatgrid.h"
+#include "relief/grid/layergrid.h"
 #include "relief/grid/relief.h"
 
 #include <QString>
@@ -21,6 +21,7 @@ class ImportSource : public ReliefSource
 public:
     /// Takes a grid that already has its padding; at least one cell.
     ImportSource(FloatGrid values, const ImportSettings &settings);
+    ImportSource(LayerGrid values, const ImportSettings &settings);
 
     int width() const override { return m_values->width; }
     int height() const override { return m_values->height; }
@@ -36,12 +37,12 @@ public:
     void setSettings(const ImportSettings &settings);
     const ImportSettings &settings() const { return m_settings; }
 
-    const FloatGrid &values() const { return *m_values; }
+    const GridView &values() const { return *m_values; }
     /// The same, for a reader that may outlive this object; they never change.
-    const std::shared_ptr<const FloatGrid> &sharedValues() const { return m_values; }
+    const std::shared_ptr<const GridView> &sharedValues() const { return m_values; }
     ValueRange range() const { return m_range; }
     /// Empty while both tilt angles are 0.
-    const std::vector<float> &tilted() const { return m_tilted; }
+    GridView tilted() const { return m_tilted.view(); }
 
     bool dirty = true;                ///< the last bas-relief result does not reflect the settings
     bool showsBasRelief = false;      ///< the relief's heights are the last bas-relief result
@@ -52,15 +53,16 @@ public:
     int basReliefs = 0;               ///< raised with every new one
 
 private:
+    ImportSource(std::shared_ptr<const GridView> values, const ImportSettings &settings);
     void _rebuildTilt();
     /// What tilt and mapping start from.
-    const FloatGrid &_start() const { return m_debanded.values.empty() ? *m_values : m_debanded; }
+    GridView _start() const { return m_debanded.values.empty() ? *m_values : m_debanded.view(); }
 
-    std::shared_ptr<const FloatGrid> m_values;
+    std::shared_ptr<const GridView> m_values;
     FloatGrid m_debanded;        ///< empty while debanding is off
     double m_debandedWith = 0.0; ///< their strength
     ValueRange m_range;
-    std::vector<float> m_tilted;
+    LayerGrid m_tilted;
     ValueRange m_tiltedRange;
     ImportSettings m_settings;
 };

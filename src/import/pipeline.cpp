@@ -1,4 +1,5 @@
 #include "import/pipeline.h"
+#include "base/workmeter.h"
 #include "relief/grid/cellcode.h"
 
 #include <algorithm>
@@ -217,15 +218,16 @@ void smoothPass(const MutableGridView &heights, double blend, bool keepZeros)
 }
 
 /// Adds the plane to one row: `rowLevel` is its height where the column level is 0.
-CELL_LOOP void tiltRow(float *values, int count, const TiltSlope &slope, double rowLevel)
+CELL_LOOP void tiltRow(const GridView &row, const TiltSlope &slope, double rowLevel, float *result)
 {
     const TiltSlope s = slope;
-    const double centre = count / 2.0;
-    for (int x = 0; x < count; ++x) {
+    const double centre = row.width / 2.0;
+    for (int x = 0; x < row.width; ++x) {
+        const float before = row.values[x];
         const double level = ((x - centre) * s.perColumn + rowLevel) * s.scale;
-        const double value = level + static_cast<double>(values[x]);
+        const double value = level + static_cast<double>(before);
         const float tilted = static_cast<float>(value > 0.0 ? value : 0.0);
-        values[x] = values[x] > 0.0F ? tilted : values[x];
+        result[x] = before > 0.0F ? tilted : before;
     }
 }
 
@@ -340,14 +342,24 @@ TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan)
             settings.depth != 0.0 ? sourceSpan / settings.depth : 1.0};
 }
 
-std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope)
+ValueRange tilt(const GridView &source, const TiltSlope &slope, float *result)
 {
-    std::vector<float> result = grid.values;
-    const double centre = grid.height / 2.0;
-    for (int y = 0; y < grid.height; ++y)
-        tiltRow(result.data() + static_cast<size_t>(y) * grid.columns(), grid.width, slope,
-                (y - centre) * slope.perRow);
-    return result;
+    const double centre = source.height / 2.0;
+    const auto columns = static_cast<size_t>(source.width);
+    std::vector<ValueRange> ranges(static_cast<size_t>(source.height));
+    Progress silent;
+    WorkMeter(silent, 1.0).rows(source.height, source.width, [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            const auto index = static_cast<size_t>(y);
+            float *row = result + index * columns;
+            tiltRow({source.row(y), source.width, 1}, slope, (y - centre) * slope.perRow, row);
+            ranges[index] = rangeOf({row, columns});
+        }
+    });
+    ValueRange all = ranges[0];
+    for (const ValueRange &range : ranges)
+        all = {std::min(all.lowest, range.lowest), std::max(all.highest, range.highest)};
+    return all;
 }
 
 } // namespace marlowen

@@ -47,7 +47,8 @@ struct TiltSlope
     double scale = 1.0;     ///< source units a height unit
 };
 TiltSlope tiltSlope(const ImportSettings &settings, double sourceSpan);
-/// The source values with the plane added. Only values above 0 move, and none falls below 0.
-std::vector<float> tiltedValues(const FloatGrid &grid, const TiltSlope &slope);
+/// Writes as many source values with the plane added, on all cores. Only values above 0 move, and
+/// none falls below 0. Returns the lowest and highest of what it wrote.
+ValueRange tilt(const GridView &source, const TiltSlope &slope, float *result);
 
 } // namespace marlowen

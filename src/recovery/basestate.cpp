@@ -125,7 +125,7 @@ bool readImport(JournalReader &reader, const BaseHead &head, Relief &relief)
     source->showsBasRelief = head.state.importShows;
     source->isPicture = head.state.isPicture;
     if ((head.layers & BasRelief) != 0) {
-        source->lastBasRelief.resize(source->values().values.size());
+        source->lastBasRelief.resize(source->values().span().size());
         if (!reader.read(source->lastBasRelief.data(), bytes))
             return false;
     }
@@ -191,7 +191,7 @@ bool appendBase(JournalFile &file, const BaseState &base)
             parts.push_back(bytesOf(layer->constData(), layer->size()));
     }
     if (base.importValues)
-        parts.push_back(bytesOf(base.importValues->values.data(), base.importValues->cells()));
+        parts.push_back(bytesOf(base.importValues->values, base.importValues->cells()));
     if (!base.basRelief.empty())
         parts.push_back(bytesOf(base.basRelief.data(), static_cast<qint64>(base.basRelief.size())));
     return file.append({.type = RecordType::Base, .flags = EndsStep}, meta, parts);

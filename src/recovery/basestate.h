@@ -37,7 +37,7 @@ struct BaseState
     GridLayer selection;
 
     /// The open import; no values when there is none.
-    std::shared_ptr<const FloatGrid> importValues;
+    std::shared_ptr<const GridView> importValues;
     ImportSettings importSettings;
     bool importDirty = true;
     bool importShows = false; ///< the bas-relief

@@ -35,10 +35,10 @@ inline void checkMesh(marlowen::TriangleMesh mesh)
     }
     shape.setScale(factors);
     Progress silent;
-    const Result<FloatGrid> grid = rasterise(shape, silent);
+    const Result<LayerGrid> grid = rasterise(shape, silent);
     if (!grid)
         return;
-    for (const float value : grid.value().values) {
+    for (const float value : grid.value().view().span()) {
         if (!(value >= 0.0F))
             std::abort();
     }

@@ -141,7 +141,7 @@ private slots:
         QVERIFY(imported);
         const auto &source = *static_cast<const ImportSource *>(imported.value()->source());
         QVERIFY(source.height() > source.width());
-        const FloatGrid &values = source.values();
+        const GridView &values = source.values();
         QVERIFY(values.row(values.height / 8)[values.width / 2] < 80.0F);
         QVERIFY(values.row(values.height * 7 / 8)[values.width / 2] > 240.0F);
     }

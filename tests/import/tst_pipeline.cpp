@@ -43,6 +43,13 @@ Values mapped(const FloatGrid &grid, const ImportSettings &settings)
     return heights;
 }
 
+Values tilted(const FloatGrid &grid, const ImportSettings &settings)
+{
+    Values values(grid.values.size());
+    tilt(grid.view(), tiltSlope(settings, 100.0), values.data());
+    return values;
+}
+
 /// One pass of trimming, cell by cell.
 FloatGrid trimmedOnce(const FloatGrid &grid)
 {
@@ -282,12 +289,12 @@ private slots:
         const ImportSettings settings{.tiltHorizontal = 100, .tiltVertical = -50};
         const double h = std::tan(10.0 * M_PI / 180.0);
         const double v = std::tan(5.0 * M_PI / 180.0);
-        const Values tilted = tiltedValues(grid, tiltSlope(settings, 100.0));
-        QCOMPARE(tilted[0], static_cast<float>(100 + 1.5 * h + v));
-        QCOMPARE(tilted[2], static_cast<float>(100 - 0.5 * h + v));
-        QCOMPARE(tilted[3], 0.0F); // background
-        QCOMPARE(tilted[4], static_cast<float>(100 + 0.5 * h));
-        QCOMPARE(tilted[5], 0.0F); // sinks below 0
+        const Values values = tilted(grid, settings);
+        QCOMPARE(values[0], static_cast<float>(100 + 1.5 * h + v));
+        QCOMPARE(values[2], static_cast<float>(100 - 0.5 * h + v));
+        QCOMPARE(values[3], 0.0F); // background
+        QCOMPARE(values[4], static_cast<float>(100 + 0.5 * h));
+        QCOMPARE(values[5], 0.0F); // sinks below 0
     }
 
     void theSlopeIsInFinishedHeights()
@@ -295,8 +302,8 @@ private slots:
         // 100 source units become 20 high, so a slope of 1 is 5 source units a cell.
         const ImportSettings settings{.tiltHorizontal = 100, .depth = 20.0};
         const FloatGrid grid{2, 1, {100, 100}};
-        const Values tilted = tiltedValues(grid, tiltSlope(settings, 100.0));
-        QCOMPARE(tilted[0], static_cast<float>(100 + 5 * std::tan(10.0 * M_PI / 180.0)));
+        const Values values = tilted(grid, settings);
+        QCOMPARE(values[0], static_cast<float>(100 + 5 * std::tan(10.0 * M_PI / 180.0)));
     }
 
     void rangesOfAnyLength()

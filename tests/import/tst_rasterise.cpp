@@ -95,8 +95,11 @@ std::vector<Facet> randomFacets(QRandomGenerator &random, int count, int lines)
 FloatGrid rasterised(const FacetShape &shape)
 {
     Progress silent;
-    Result<FloatGrid> grid = rasterise(shape, silent);
-    return grid ? grid.take() : FloatGrid();
+    const Result<LayerGrid> grid = rasterise(shape, silent);
+    if (!grid)
+        return {};
+    const std::span<const float> values = grid.value().view().span();
+    return {grid.value().width, grid.value().height, {values.begin(), values.end()}};
 }
 
 FloatGrid randomHeights(QRandomGenerator &random, bool withEmpty)
@@ -257,7 +260,7 @@ void TestRasterise::refusals()
 {
     const auto sentence = [](const std::vector<Facet> &facets, double unitsPerCell) {
         Progress silent;
-        const Result<FloatGrid> grid = rasterise(shapeOf(facets, unitsPerCell), silent);
+        const Result<LayerGrid> grid = rasterise(shapeOf(facets, unitsPerCell), silent);
         return grid ? QString() : grid.failure().sentence;
     };
     const QString flat = QStringLiteral("Error! The model has no extent in x or y");
@@ -271,7 +274,7 @@ void TestRasterise::refusals()
     Progress silent;
     QVERIFY(!rasterise({thread, 0}, silent));
     CancelAtOnce cancel;
-    const Result<FloatGrid> cancelled = rasterise(shapeOf(frame, 1.0 / 128), cancel);
+    const Result<LayerGrid> cancelled = rasterise(shapeOf(frame, 1.0 / 128), cancel);
     QVERIFY(!cancelled && cancelled.failure().sentence.isEmpty());
 }
 

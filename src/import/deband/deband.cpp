@@ -44,13 +44,18 @@ CELL_LOOP float lowestOf(const float *values, qsizetype count)
     return lowest;
 }
 
-/// Level of values that are whole numbers of 0..255; 0 when there are others.
-float levelOfBytes(const FloatGrid &values)
+std::vector<float> copyOf(const GridView &values)
 {
-    if (!areBytes(values.values.data(), values.cells()))
+    return {values.values, values.values + values.cells()};
+}
+
+/// Level of values that are whole numbers of 0..255; 0 when there are others.
+float levelOfBytes(const GridView &values)
+{
+    if (!areBytes(values.values, values.cells()))
         return 0.0F;
     std::array<bool, 256> met{};
-    for (const float value : values.values)
+    for (const float value : values.span())
         met[static_cast<size_t>(static_cast<int>(value))] = true;
     int last = -1;
     int level = 256;
@@ -66,11 +71,11 @@ float levelOfBytes(const FloatGrid &values)
 
 } // namespace
 
-float levelOf(const FloatGrid &values)
+float levelOf(const GridView &values)
 {
     if (const float level = levelOfBytes(values); level > 0.0F)
         return level;
-    std::vector<float> sorted = values.values;
+    std::vector<float> sorted = copyOf(values);
     std::sort(sorted.begin(), sorted.end());
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
     float level = 0.0F;
@@ -81,23 +86,24 @@ float levelOf(const FloatGrid &values)
     return level;
 }
 
-std::optional<std::vector<float>> debanded(const FloatGrid &values, double strength,
+std::optional<std::vector<float>> debanded(const GridView &values, double strength,
                                            Progress &progress)
 {
     const float level = levelOf(values);
     if (!(level > 0.0F) || !(strength > 0.0))
-        return values.values;
+        return copyOf(values);
     WorkMeter meter(progress, passes * static_cast<double>(values.cells()));
-    std::vector<uint8_t> valid(values.values.size());
-    std::transform(values.values.begin(), values.values.end(), valid.begin(),
-                   [](float value) { return value != 0.0F; });
-    const DebandLimits limits{lowestOf(values.values.data(), values.cells()), stepLevels * level};
+    std::vector<uint8_t> valid(values.span().size());
+    std::ranges::transform(values.span(), valid.begin(), [](float value) { return value != 0.0F; });
+    const DebandLimits limits{lowestOf(values.values, values.cells()), stepLevels * level};
     FloatGrid reach(values.width, 1);
     std::fill(reach.values.begin(), reach.values.end(),
               0.5F * static_cast<float>(strength) * level);
     std::vector<std::unique_ptr<DebandLevel>> levels;
     levels.push_back(std::make_unique<DebandLevel>(
-        DebandCells{values, std::move(reach), std::move(valid)}, limits, meter));
+        DebandCells{
+            {values.width, values.height, copyOf(values)}, std::move(reach), std::move(valid)},
+        limits, meter));
     while (levels.size() < mostLevels &&
            std::min(levels.back()->width(), levels.back()->height()) >= smallestSide)
         levels.push_back(std::make_unique<DebandLevel>(levels.back()->coarser(meter)));

@@ -24,7 +24,22 @@ using FacetCorners = std::array<FacetPoint, 3>;
 
 using FourDoubles = double __attribute__((vector_size(32)));
 using FourFloats = float __attribute__((vector_size(16)));
+using FourInts = int __attribute__((vector_size(16)));
 inline constexpr int laneCount = 4;
+
+CELL_INLINE inline FourInts floorOf(const FourDoubles &values)
+{
+    const FourInts whole = __builtin_convertvector(values, FourInts);
+    const auto above = __builtin_convertvector(whole, FourDoubles) > values;
+    return whole + __builtin_convertvector(above, FourInts);
+}
+
+CELL_INLINE inline FourInts ceilOf(const FourDoubles &values)
+{
+    const FourInts whole = __builtin_convertvector(values, FourInts);
+    const auto below = __builtin_convertvector(whole, FourDoubles) < values;
+    return whole - __builtin_convertvector(below, FourInts);
+}
 
 /// Raises four cells in a row to the heights, where these are higher.
 CELL_INLINE inline void raiseFour(float *cells, const FourDoubles &heights)
@@ -36,24 +51,27 @@ CELL_INLINE inline void raiseFour(float *cells, const FourDoubles &heights)
     std::memcpy(cells, &raised, sizeof(raised));
 }
 
-/// The side of an edge that grid points lie on, times the edge's length: 0 on the edge, positive
-/// inside the facet.
-struct EdgeSides
+/// One edge of a facet. The side of it that a point lies on, times the edge's length, is 0 on the
+/// edge and positive inside the facet.
+struct FacetEdge
 {
-    FourDoubles sides; ///< of four neighbouring columns
-    double perRow;     ///< change to the next row
-    double perColumn;
-    double least; ///< of points that count as inside
+    double fromX, fromY;
+    double perRow;    ///< change of the side to the next row
+    double perColumn; ///< change from the next column
+    double least;     ///< side of points that count as inside
+
+    CELL_INLINE void sides(double column, double row, FourDoubles &result) const
+    {
+        const FourDoubles columns = FourDoubles{column, column + 1.0, column + 2.0, column + 3.0};
+        result = perRow * (row - fromY) - perColumn * (columns - fromX);
+    }
 };
 
-CELL_INLINE inline EdgeSides edgeSides(const FacetPoint &from, const FacetPoint &to, double column,
-                                       double row)
+CELL_INLINE inline FacetEdge facetEdge(const FacetPoint &from, const FacetPoint &to)
 {
     const double dx = to.x - from.x;
     const double dy = to.y - from.y;
-    const FourDoubles columns = FourDoubles{column, column + 1.0, column + 2.0, column + 3.0};
-    return {dx * (row - from.y) - dy * (columns - from.x), dx, -dy,
-            -facetTolerance * std::max(std::abs(dx), std::abs(dy))};
+    return {from.x, from.y, dx, dy, -facetTolerance * std::max(std::abs(dx), std::abs(dy))};
 }
 
 /// Twice the area of a facet as seen from above; positive when it turns counter-clockwise.
@@ -75,30 +93,66 @@ CELL_INLINE inline bool isBroad(const FacetCorners &f, double area)
     return area * area > longest * 0.0625;
 }
 
-/// Raises `rows` rows of four cells to a broad facet that turns counter-clockwise; `cells` is the
-/// first of them, at the given column and row. All cells must lie in the grid.
-CELL_INLINE inline void fillFour(float *cells, int stride, const FacetCorners &f,
-                                 double inverseArea, const std::array<int, 3> &place)
+/// A broad facet that turns counter-clockwise: the edges opposite to its corners, and what their
+/// sides add to the height.
+struct FacetSides
 {
-    const auto [column, row, rows] = place;
-    EdgeSides a = edgeSides(f[1], f[2], column, row);
-    EdgeSides b = edgeSides(f[2], f[0], column, row);
-    EdgeSides c = edgeSides(f[0], f[1], column, row);
-    const double za = f[0].z * inverseArea;
-    const double zb = f[1].z * inverseArea;
-    const double zc = f[2].z * inverseArea;
-    for (int r = 0; r < rows; ++r, cells += stride) {
-        const FourDoubles height = a.sides * za + b.sides * zb + c.sides * zc;
-        const auto inside = (a.sides >= a.least) & (b.sides >= b.least) & (c.sides >= c.least);
-        raiseFour(cells, inside ? height : FourDoubles{});
-        a.sides += a.perRow;
-        b.sides += b.perRow;
-        c.sides += c.perRow;
+    std::array<FacetEdge, 3> edges;
+    std::array<double, 3> heights;
+};
+
+CELL_INLINE inline FacetSides facetSides(const FacetCorners &f, double inverseArea)
+{
+    return {{facetEdge(f[1], f[2]), facetEdge(f[2], f[0]), facetEdge(f[0], f[1])},
+            {f[0].z * inverseArea, f[1].z * inverseArea, f[2].z * inverseArea}};
+}
+
+struct LanePlace
+{
+    int column, row;
+    int rows;
+    int firstColumn; ///< of the facet: cells before are left as they are
+};
+
+/// Farther from an edge than any point of a grid.
+inline constexpr double outside = 1e300;
+
+/// Raises `rows` rows of a number of groups of four cells to a facet; `cells` is the first of them.
+/// All cells must lie in the grid. More groups keep the processor busier.
+template <int groups>
+CELL_INLINE inline void fillGroups(float *cells, int stride, const FacetSides &facet,
+                                   const LanePlace &place)
+{
+    const auto &[a, b, c] = facet.edges;
+    const auto [za, zb, zc] = facet.heights;
+    FourDoubles as[groups], bs[groups], cs[groups];
+#pragma GCC unroll 2
+    for (int g = 0; g < groups; ++g) {
+        a.sides(place.column + g * laneCount, place.row, as[g]);
+        b.sides(place.column + g * laneCount, place.row, bs[g]);
+        c.sides(place.column + g * laneCount, place.row, cs[g]);
+        if (place.column < place.firstColumn) {
+            const FourInts columns = place.column + g * laneCount + FourInts{0, 1, 2, 3};
+            as[g] = __builtin_convertvector(columns, FourDoubles) < place.firstColumn
+                        ? FourDoubles{} - outside
+                        : as[g];
+        }
+    }
+    for (int r = 0; r < place.rows; ++r, cells += stride) {
+#pragma GCC unroll 2
+        for (int g = 0; g < groups; ++g) {
+            const FourDoubles height = as[g] * za + bs[g] * zb + cs[g] * zc;
+            const auto inside = (as[g] >= a.least) & (bs[g] >= b.least) & (cs[g] >= c.least);
+            raiseFour(cells + g * laneCount, inside ? height : FourDoubles{});
+            as[g] += a.perRow;
+            bs[g] += b.perRow;
+            cs[g] += c.perRow;
+        }
     }
 }
 
-/// Raises cells `first`..`last` of a row to a plane; `height` is that over the first. Cells up to
-/// `end` may be looked at.
+/// Raises cells `first`..`last` of a row to a plane; `height` is that over the first. The row ends
+/// before `end`.
 CELL_INLINE inline void fillPlane(float *first, float *last, float *end, double height,
                                   double perColumn)
 {

@@ -2,7 +2,7 @@
 
 #include "files/safefile.h"
 #include "import/importsource.h"
-#include "import/mesh/facetrows.h"
+#include "import/mesh/facetbands.h"
 
 #include <QCoreApplication>
 
@@ -34,23 +34,17 @@ Outcome checkSize(const FacetShape &shape)
 
 } // namespace
 
-Result<FloatGrid> rasterise(const FacetShape &shape, Progress &progress)
+Result<LayerGrid> rasterise(const FacetShape &shape, Progress &progress)
 {
     if (const Outcome fit = checkSize(shape); !fit)
         return fit.failure();
     try {
         const FacetShape::GridSize size = shape.gridSize();
-        FloatGrid grid(static_cast<int>(size.columns), static_cast<int>(size.rows));
-        const FacetGrid drawn{grid.values.data(), grid.width, grid.height};
+        LayerGrid grid(static_cast<int>(size.columns), static_cast<int>(size.rows));
         const CellPlacement placement{shape.placement(), shape.box().low, shape.cellsPerUnit()};
-        const TriangleMesh &mesh = shape.mesh();
-        for (size_t next = 0; next < mesh.triangles.size();) {
-            if (progress.cancelled())
-                return Failure{QStringLiteral("Open Failed"), {}, QStringLiteral("cancelled")};
-            next = drawFacets(mesh, next, placement, drawn);
-            progress.advance(static_cast<double>(next) /
-                             static_cast<double>(mesh.triangles.size()));
-        }
+        const FacetGrid drawn{grid.view().values, grid.width, grid.height, 0, grid.height};
+        if (!drawMesh(shape.mesh(), placement, drawn, progress))
+            return Failure{QStringLiteral("Open Failed"), {}, QStringLiteral("cancelled")};
         return grid;
     } catch (const std::bad_alloc &) {
         return openFailed(QStringLiteral("not enough memory"));
@@ -60,7 +54,7 @@ Result<FloatGrid> rasterise(const FacetShape &shape, Progress &progress)
 Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const ImportSettings &settings,
                                             Progress &progress)
 {
-    Result<FloatGrid> grid = rasterise(shape, progress);
+    Result<LayerGrid> grid = rasterise(shape, progress);
     if (!grid)
         return grid.failure();
     try {

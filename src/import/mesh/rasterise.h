@@ -4,7 +4,7 @@
 #include "base/result.h"
 #include "import/importsettings.h"
 #include "import/mesh/facetshape.h"
-#include "relief/grid/floatgrid.h"
+#include "relief/grid/layergrid.h"
 #include "relief/grid/relief.h"
 
 #include <memory>
@@ -16,9 +16,10 @@ namespace marlowen {
 /// shape's lowest point; edges and corners count, with a tolerance of 1e-6 cells. 0 where there is
 /// no facet.
 ///
-/// Takes no memory but the grid. Fails for a shape that is too big ("Size") or has no extent in x
-/// or y ("Open Failed"), when memory is short, and with an empty sentence when the user cancelled.
-Result<FloatGrid> rasterise(const FacetShape &shape, Progress &progress);
+/// Works on all cores; takes little memory but the grid. Fails for a shape that is too big ("Size")
+/// or has no extent in x or y ("Open Failed"), when memory is short, and with an empty sentence
+/// when the user cancelled.
+Result<LayerGrid> rasterise(const FacetShape &shape, Progress &progress);
 
 /// A relief whose import is open on the rasterised shape. With a depth of 0 its heights are cells.
 /// No margin is added. Fails as rasterise() does.

@@ -1,0 +1,245 @@
+#include "import/mesh/facetbands.h"
+
+#include "base/workmeter.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+namespace marlowen {
+
+namespace {
+
+/// Triangles that are sorted and drawn together, so that sorting takes little memory.
+constexpr size_t mostTriangles = size_t{1} << 19;
+/// What drawing these may cost, see findRows(): so little that "Cancel" works promptly even when
+/// they all lie in one band.
+constexpr double mostCost = 1e8;
+/// Triangles that one core sorts at a time.
+constexpr size_t pieceTriangles = 4096;
+/// A band is high beside most triangles, and its part of a large grid lies in the cache of a core.
+constexpr int leastBandRows = 64;
+/// Triangles of few rows are drawn as a whole and may reach from one band into the next, which is
+/// not drawn at the same time, but not beyond it.
+static_assert(leastBandRows >= mostRowsAtOnce);
+constexpr int mostBands = 128;
+/// Cells to which sorting a triangle compares.
+constexpr qsizetype sortingCells = 16;
+
+/// Shows the share of the triangles that are drawn: cells are no measure before all are known.
+class TriangleProgress : public Progress
+{
+public:
+    explicit TriangleProgress(Progress &whole)
+        : m_whole(whole)
+    {
+    }
+    void advance(double) override { m_whole.advance(share); }
+    bool cancelled() const override { return m_whole.cancelled(); }
+
+    double share = 0.0;
+
+private:
+    Progress &m_whole;
+};
+
+/// How a grid is cut into bands of rows.
+struct Bands
+{
+    explicit Bands(const FacetGrid &whole)
+        : grid(whole)
+        , rows(std::max(leastBandRows, (whole.rows + mostBands - 1) / mostBands))
+    {
+        if (grid.columns < fewestColumnsOfBands)
+            rows = grid.rows;
+        count = (grid.rows + rows - 1) / rows;
+    }
+
+    FacetGrid band(int index) const
+    {
+        FacetGrid result = grid;
+        result.firstRow = index * rows;
+        result.endRow = std::min(grid.rows, result.firstRow + rows);
+        return result;
+    }
+
+    FacetGrid grid;
+    int rows;
+    int count = 0;
+};
+
+/// Numbers of triangles, band by band.
+class BandLists
+{
+public:
+    /// Of triangles from number `first` on: wanted(reach) tells in which bands one is listed.
+    template <typename Wanted>
+    void sort(std::span<const RowReach> reaches, quint32 first, const Bands &bands, Wanted wanted);
+    std::span<const quint32> of(int band) const
+    {
+        const auto index = static_cast<size_t>(band);
+        return {m_numbers.data() + m_starts[index], m_numbers.data() + m_starts[index + 1]};
+    }
+
+private:
+    std::vector<quint32> m_starts;
+    std::vector<quint32> m_numbers;
+};
+
+template <typename Wanted>
+void BandLists::sort(std::span<const RowReach> reaches, quint32 first, const Bands &bands,
+                     Wanted wanted)
+{
+    m_starts.assign(static_cast<size_t>(bands.count) + 2, 0);
+    const auto each = [&](auto visit) {
+        for (size_t i = 0; i < reaches.size(); ++i) {
+            const RowReach found = wanted(reaches[i]);
+            for (int band = found.first; band <= found.last; ++band)
+                visit(static_cast<size_t>(band), first + static_cast<quint32>(i));
+        }
+    };
+    each([this](size_t band, quint32) { ++m_starts[band + 2]; });
+    std::partial_sum(m_starts.begin(), m_starts.end(), m_starts.begin());
+    m_numbers.resize(m_starts.back());
+    // Each start moves on to the next band's while the numbers are put down.
+    each([this](size_t band, quint32 number) { m_numbers[m_starts[band + 1]++] = number; });
+}
+
+/// Some triangles in a row, sorted by the bands that they reach.
+class Piece
+{
+public:
+    void sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
+              const CellPlacement &placement, const Bands &bands);
+    double cost() const { return m_cost; }
+    /// Triangles that begin in a band and are drawn at once.
+    std::span<const quint32> low(int band) const { return m_low.of(band); }
+    /// Triangles of which a part lies in a band.
+    std::span<const quint32> tall(int band) const { return m_tall.of(band); }
+
+private:
+    BandLists m_low;
+    BandLists m_tall;
+    double m_cost = 0.0;
+};
+
+void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
+                 const CellPlacement &placement, const Bands &bands)
+{
+    std::array<RowReach, pieceTriangles> all;
+    const std::span<RowReach> reaches(all.data(), range[1] - range[0]);
+    m_cost = findRows(mesh, range[0], placement, bands.grid, reaches);
+    if (m_cost > mostCost && reaches.size() > 1)
+        return; // too much for one time; there is no telling how long the lists would be
+    const auto isLow = [](const RowReach &reach) {
+        return reach.last - reach.first < mostRowsAtOnce;
+    };
+    m_low.sort(reaches, range[0], bands, [&](const RowReach &reach) {
+        const int band = reach.first / bands.rows;
+        return isLow(reach) ? RowReach{band, band} : RowReach{0, -1};
+    });
+    m_tall.sort(reaches, range[0], bands, [&](const RowReach &reach) {
+        return isLow(reach) ? RowReach{0, -1}
+                            : RowReach{reach.first / bands.rows, reach.last / bands.rows};
+    });
+}
+
+class MeshDrawing
+{
+public:
+    MeshDrawing(const TriangleMesh &mesh, const CellPlacement &placement, const FacetGrid &grid,
+                Progress &progress)
+        : m_mesh(mesh)
+        , m_placement(placement)
+        , m_bands(grid)
+        , m_progress(progress)
+        , m_meter(m_progress, 1.0)
+    {
+    }
+
+    bool draw()
+    {
+        const size_t all = m_mesh.triangles.size();
+        size_t wanted = mostTriangles;
+        for (size_t next = 0; next < all;) {
+            size_t count = std::min(wanted, all - next);
+            if (!_sort(next, count))
+                return false;
+            if (m_cost > mostCost && count > 1) {
+                wanted = _fewer(count);
+                continue;
+            }
+            if (!_drawBands(0) || !_drawBands(1))
+                return false;
+            next += count;
+            wanted = std::min(mostTriangles, 2 * count);
+            m_progress.share = static_cast<double>(next) / static_cast<double>(all);
+        }
+        m_progress.advance(1.0);
+        return true;
+    }
+
+private:
+    bool _sort(size_t first, size_t count);
+    /// Every second band, so that what reaches into the next one is met by no other core.
+    bool _drawBands(int first);
+    /// Equal shares that cost little enough, if all triangles are alike.
+    size_t _fewer(size_t count) const
+    {
+        const double share = static_cast<double>(count) / std::ceil(m_cost / mostCost);
+        return std::clamp<size_t>(static_cast<size_t>(std::ceil(share)), 1, count - 1);
+    }
+
+    const TriangleMesh &m_mesh;
+    const CellPlacement &m_placement;
+    Bands m_bands;
+    TriangleProgress m_progress;
+    WorkMeter m_meter;
+    std::vector<Piece> m_pieces;
+    double m_cost = 0.0;
+};
+
+bool MeshDrawing::_sort(size_t first, size_t count)
+{
+    m_pieces.resize((count + pieceTriangles - 1) / pieceTriangles);
+    const bool whole = m_meter.rows(
+        static_cast<int>(m_pieces.size()), sortingCells * pieceTriangles, [&](int piece, int end) {
+            for (; piece < end; ++piece) {
+                const size_t start = static_cast<size_t>(piece) * pieceTriangles;
+                const std::array<quint32, 2> range{
+                    static_cast<quint32>(first + start),
+                    static_cast<quint32>(first + std::min(count, start + pieceTriangles))};
+                m_pieces[static_cast<size_t>(piece)].sort(m_mesh, range, m_placement, m_bands);
+            }
+        });
+    m_cost = 0.0;
+    for (const Piece &piece : m_pieces)
+        m_cost += piece.cost();
+    return whole;
+}
+
+bool MeshDrawing::_drawBands(int first)
+{
+    const auto cells = static_cast<qsizetype>(m_cost / m_bands.count);
+    return m_meter.rows((m_bands.count + 1 - first) / 2, cells, [this, first](int half, int end) {
+        for (; half < end; ++half) {
+            const int index = 2 * half + first;
+            for (const Piece &piece : m_pieces) {
+                drawFacets(m_mesh, piece.low(index), m_placement, m_bands.grid);
+                drawFacets(m_mesh, piece.tall(index), m_placement, m_bands.band(index));
+            }
+        }
+    });
+}
+
+} // namespace
+
+bool drawMesh(const TriangleMesh &mesh, const CellPlacement &placement, const FacetGrid &grid,
+              Progress &progress)
+{
+    return MeshDrawing(mesh, placement, grid, progress).draw();
+}
+
+} // namespace marlowen
