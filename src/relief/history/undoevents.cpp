@@ -1,5 +1,6 @@
 #include "relief/history/undoevents.h"
 
+#include "base/rowsharing.h"
 #include "relief/operations/resample.h"
 #include "relief/tools/tool.h"
 
@@ -28,15 +29,24 @@ struct Block
     int rows;
 };
 
+/// Large blocks on all cores: the memory they go to is often fresh and has yet to be cleared by the
+/// system.
 void copyBlock(float *to, qsizetype toStride, const float *from, const Block &block)
 {
-    const size_t rowFloats = static_cast<size_t>(block.columns);
-    if (block.stride == block.columns && toStride == block.columns) {
-        std::memcpy(to, from, rowFloats * static_cast<size_t>(block.rows) * sizeof(float));
-        return;
-    }
-    for (int row = 0; row < block.rows; ++row)
-        std::memcpy(to + row * toStride, from + row * block.stride, rowFloats * sizeof(float));
+    constexpr qsizetype fewestShared = 250000; // floats
+    constexpr int bandRows = 64;
+    const bool small = qsizetype(block.columns) * block.rows < fewestShared;
+    const size_t rowBytes = static_cast<size_t>(block.columns) * sizeof(float);
+    const bool joined = block.stride == block.columns && toStride == block.columns;
+    shareRows({block.rows, bandRows, small}, [&](int first, int end) {
+        if (joined) {
+            std::memcpy(to + first * toStride, from + first * block.stride,
+                        rowBytes * static_cast<size_t>(end - first));
+            return;
+        }
+        for (int row = first; row < end; ++row)
+            std::memcpy(to + row * toStride, from + row * block.stride, rowBytes);
+    });
 }
 
 void dropStroke(Relief &relief)

@@ -1,5 +1,6 @@
 #include "relief/operations/placement.h"
 
+#include "base/rowsharing.h"
 #include "relief/grid/cellcode.h"
 #include "relief/history/undoevents.h"
 
@@ -41,7 +42,8 @@ constexpr Field<P> rows[] = {
 };
 // clang-format on
 
-constexpr float fullyInside = 1e-3F; ///< share of the soft edge that counts as none
+constexpr qsizetype fewestShared = 100000; ///< cells that are worth waking other threads for
+constexpr float fullyInside = 1e-3F;       ///< share of the soft edge that counts as none
 
 /// The way from a relief cell into one level of a pattern: column and row of the level, its rim
 /// included, where the centres of cells have whole numbers.
@@ -208,7 +210,14 @@ CELL_LOOP void replaceCells(const Run &run)
 constexpr void (*joins[])(const Run &) = {addCells, subtractCells, highestCells, lowestCells,
                                           replaceCells};
 
-/// One pattern on one relief.
+/// The pattern along a run of cells; of one thread.
+struct Samples
+{
+    std::vector<float> heights;
+    std::vector<float> weights;
+};
+
+/// One pattern on one relief. Rows can be changed by several threads at a time.
 class Placing
 {
 public:
@@ -217,6 +226,7 @@ public:
         , m_level(pattern.levels()[levelFor(pattern, placement.scale)])
         , m_map(mappingOf(pattern, placement, levelFor(pattern, placement.scale)))
         , m_join(joins[placement.join])
+        , m_cells(relief.heights().data())
         , m_sampler{m_level.heights.values.data(),
                     m_level.distance.values.data(),
                     m_level.heights.width,
@@ -234,7 +244,7 @@ public:
             soft > fullyInside ? 1.0F / soft : std::numeric_limits<float>::max();
     }
 
-    void changeRow(int row, Steps columns)
+    void changeRow(int row, Steps columns, Samples &samples) const
     {
         const double column0 = m_map.column - row * m_map.alongRow;
         const double row0 = m_map.row + row * m_map.alongColumn;
@@ -246,7 +256,7 @@ public:
         while (columns.first < columns.last && !_isWithin(column0, row0, columns.last - 1))
             --columns.last;
         if (columns.first < columns.last)
-            _change(row, columns, {column0, row0, 0.0, 0.0});
+            _change(row, columns, {column0, row0, 0.0, 0.0}, samples);
     }
 
 private:
@@ -259,32 +269,33 @@ private:
                row < m_level.heights.height - 1 - margin;
     }
 
-    void _change(int row, Steps columns, const Mapping &start)
+    void _change(int row, Steps columns, const Mapping &start, Samples &samples) const
     {
         const int count = columns.last - columns.first;
         const auto size = static_cast<size_t>(count);
-        m_heights.resize(std::max(m_heights.size(), size));
-        m_weights.resize(std::max(m_weights.size(), size));
+        samples.heights.resize(std::max(samples.heights.size(), size));
+        samples.weights.resize(std::max(samples.weights.size(), size));
+        float *heights = samples.heights.data();
+        float *weights = samples.weights.data();
         const Piece piece{
             count, static_cast<float>(start.column + columns.first * m_map.alongColumn),
             static_cast<float>(start.row + columns.first * m_map.alongRow),
             static_cast<float>(m_map.alongColumn), static_cast<float>(m_map.alongRow)};
-        sample(m_sampler, piece, m_heights.data(), m_weights.data());
+        sample(m_sampler, piece, heights, weights);
         const qsizetype cell = m_relief.index(columns.first, row);
         if (m_relief.selectionActive)
-            dropUnselected(m_weights.data(), m_relief.selectionLayer().constData() + cell, count);
+            dropUnselected(weights, m_relief.selectionLayer().constData() + cell, count);
         if (m_relief.maskLayer().written())
-            dropMasked(m_weights.data(), m_relief.maskLayer().constData() + cell, count);
-        m_join({m_relief.heights().data() + cell, m_heights.data(), m_weights.data(), count});
+            dropMasked(weights, m_relief.maskLayer().constData() + cell, count);
+        m_join({m_cells + cell, heights, weights, count});
     }
 
-    Relief &m_relief;
+    const Relief &m_relief;
     const PlacedPattern::Level &m_level;
     Mapping m_map;
     void (*m_join)(const Run &);
+    float *m_cells;
     Sampler m_sampler;
-    std::vector<float> m_heights;
-    std::vector<float> m_weights;
 };
 
 } // namespace
@@ -319,9 +330,16 @@ void placePattern(Relief &relief, const PlacedPattern &pattern, const Placement 
     if (relief.tool() || box.isEmpty() || placement.strength <= 0.0)
         return;
     Patch before = run.undo ? copyPatch(relief.heights(), relief.width(), box) : Patch();
-    Placing placing(relief, pattern, placement);
-    for (int row = box.top(); row <= box.bottom(); ++row)
-        placing.changeRow(row, {box.left(), box.right() + 1});
+    const Placing placing(relief, pattern, placement);
+    Borrowed<Samples> borrowed;
+    constexpr int bandRows = 16;
+    const bool small = box.width() * qsizetype(box.height()) < fewestShared;
+    shareRows({box.height(), bandRows, small}, [&](int first, int end) {
+        std::unique_ptr<Samples> samples = borrowed.take();
+        for (int row = first; row < end; ++row)
+            placing.changeRow(box.top() + row, {box.left(), box.right() + 1}, *samples);
+        borrowed.giveBack(std::move(samples));
+    });
     relief.frameRegion += box;
     relief.heightsChanged = true;
     if (!run.undo)
