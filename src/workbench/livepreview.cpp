@@ -9,6 +9,7 @@ Outcome LivePreview::run(const Operation &operation, Progress *progress)
     if (!m_bench.relief())
         return {};
     m_bench.endStroke();
+    // What is taken back and what takes its place are one change.
     _takeBack();
     const Outcome done = m_bench._run(operation, m_events, progress);
     m_bench._show();

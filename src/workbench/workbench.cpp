@@ -60,6 +60,7 @@ Outcome Workbench::apply(const Operation &operation, Progress *progress)
     if (!m_relief)
         return {};
     _settle();
+    m_changes.collect();
     const Outcome done = _run(operation, m_history, progress);
     if (operation.isWork) {
         _announce(Step::Edit);
@@ -72,7 +73,6 @@ Outcome Workbench::apply(const Operation &operation, Progress *progress)
 
 Outcome Workbench::_run(const Operation &operation, SculptUndo &history, Progress *progress)
 {
-    m_changes.collect();
     const uint64_t before = history.state();
     try {
         const Outcome done = operation.run(*m_relief, {&history, progress});

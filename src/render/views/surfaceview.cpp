@@ -19,6 +19,8 @@ namespace marlowen {
 namespace {
 
 constexpr int laterInterval = 90; ///< milliseconds
+/// Of a facet in a coarse picture: smaller ones are not worth their time while the hand moves.
+constexpr size_t fewestPixels = 8;
 
 /// The driver draws with the processor.
 bool isSoftwareDriver(QOpenGLFunctions_2_1 &gl)
@@ -261,7 +263,10 @@ void SurfaceView::_rasterise()
     m_gl->glMatrixMode(GL_MODELVIEW);
     m_gl->glLoadMatrixd(m_drawn.modelview.data());
     m_gl->glEnable(GL_DEPTH_TEST);
-    drawSurface(*m_shader, {m_pace.mostFacets(m_quality), m_quality == Quality::Coarse});
+    const bool coarse = m_quality == Quality::Coarse;
+    const size_t seen = static_cast<size_t>(width() * height()) / fewestPixels;
+    const size_t most = m_pace.mostFacets(m_quality);
+    drawSurface(*m_shader, {coarse ? std::min(most, seen) : most, coarse});
     m_gl->glDisable(GL_DEPTH_TEST);
     m_picture->end(*m_gl);
     ++m_counters.pictures;

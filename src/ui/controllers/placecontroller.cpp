@@ -25,6 +25,7 @@ namespace {
 /// Of the relief, at first, along the tighter side.
 constexpr double largestShare = 0.8;
 constexpr int lineMs = 4000;
+constexpr int numbersMs = 100;
 /// Commands that would meet the relief with the pattern half placed.
 constexpr const char *stopped[] = {"save",      "saveAs",         "exportStl", "exportObj",
                                    "exportPtr", "sendToDrafteon", "maskClear", "maskInvert"};
@@ -50,6 +51,12 @@ PlaceController::PlaceController(Workbench &bench, const Parts &parts, QWidget *
     , m_window(window)
 {
     parts.panel->hide();
+    m_numbers.setSingleShot(true);
+    m_numbers.setInterval(numbersMs);
+    connect(&m_numbers, &QTimer::timeout, this, [this] {
+        if (isPlacing())
+            m_parts.panel->showPlacement(m_placement);
+    });
     connect(parts.panel, &PlacePanel::changed, this, &PlaceController::_change);
     connect(parts.panel, &PlacePanel::applied, this, &PlaceController::apply);
     connect(parts.panel, &PlacePanel::cancelled, this, &PlaceController::cancel);
@@ -96,6 +103,7 @@ void PlaceController::_start(std::shared_ptr<const PlacedPattern> pattern)
     const FieldRange &scales = fieldOf(placementFields(), &Placement::scale).info.range;
     m_gesture.setLimits({QSizeF(relief.width(), relief.height()), scales.minimum, scales.maximum});
     m_parts.view->setPlaceGesture(&m_gesture);
+    m_numbers.stop();
     _change(m_placement);
     if (first) {
         m_parts.panel->show();
@@ -104,12 +112,16 @@ void PlaceController::_start(std::shared_ptr<const PlacedPattern> pattern)
     }
 }
 
-/// Handles, numbers and the relief follow.
+/// Handles and the relief follow; the numbers too, but no faster than one can read them: each time
+/// they are painted and sent to the screen.
 void PlaceController::_change(const Placement &placement)
 {
     m_placement = placement;
     m_gesture.setFrame(frameOf(*m_pattern, placement));
-    m_parts.panel->showPlacement(placement);
+    if (!m_numbers.isActive()) {
+        m_parts.panel->showPlacement(placement);
+        m_numbers.start();
+    }
     m_parts.view->update();
     // Not a timer: those of no time wait until everything is painted.
     if (!std::exchange(m_due, true))

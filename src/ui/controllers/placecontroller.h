@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <memory>
 
@@ -68,6 +69,7 @@ private:
     std::shared_ptr<const PlacedPattern> m_pattern; ///< null: none is being placed
     Placement m_placement;
     PlaceGesture m_gesture;
+    QTimer m_numbers;   ///< runs while the panel may be behind the placement
     bool m_due = false; ///< a run is posted: several moves of the pointer make one picture
     bool m_running = false;
     bool m_shown = false; ///< the pattern is on the relief
