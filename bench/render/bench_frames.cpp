@@ -1,14 +1,5 @@
 #include "baseline.h"
-#include "relief/grid/relief.h"
-#include "relief/strokes/sculptengine.h"
-#include "render/views/sculptwin.h"
-
-#include <QApplication>
-#include <QMouseEvent>
-
-#include <malloc.h>
-
-#include <cmath>
+#include "viewstage.h"
 
 using namespace marlowen;
 
@@ -19,61 +10,16 @@ using namespace marlowen;
 
 namespace {
 
-constexpr int side = 4047;
 constexpr QPoint middle(600, 400);
-
-QApplication &application()
-{
-    static int count = 1;
-    static char name[] = "bench_render";
-    static char *arguments[] = {name, nullptr};
-    static QApplication instance(count, arguments);
-    return instance;
-}
-
-struct Window
-{
-    Relief relief{side, side};
-    SculptEngine engine;
-    ToolParams tool;
-    SculptWin view;
-
-    Window()
-    {
-        for (qsizetype i = 0; i < relief.cells(); ++i)
-            relief.heights().data()[i] =
-                200.0F + 100.0F * std::sin(static_cast<float>(i % side) * 0.003F);
-        tool.size = 50.0 / (0.1 * relief.diagonal());
-        engine.attach(&relief, nullptr);
-        view.setTool(&tool);
-        view.setEngine(&engine);
-        view.setRelief(&relief, true);
-        view.resize(1200, 800);
-        view.show();
-        while (!view.isValid() || view.counters().pictures == 0)
-            application().processEvents();
-        view.repaint();
-    }
-
-    void send(QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons buttons)
-    {
-        QMouseEvent event(type, at, view.mapToGlobal(QPointF(at)), button, buttons, {});
-        QApplication::sendEvent(&view, &event);
-    }
-};
 
 // Moves the pointer around the middle with a button held, or none, one frame a move.
 void frames(benchmark::State &state, Qt::MouseButton button)
 {
-    // As the program does: memory that a frame needs stays ours between frames.
-    mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    mallopt(M_TRIM_THRESHOLD, 512 << 20);
     if (qEnvironmentVariableIsEmpty("DISPLAY")) {
         state.SkipWithError("no display");
         return;
     }
-    application();
-    Window window;
+    ViewStage window;
     if (button != Qt::NoButton)
         window.send(QEvent::MouseButtonPress, middle, button, button);
     std::vector<double> events;
@@ -87,12 +33,12 @@ void frames(benchmark::State &state, Qt::MouseButton button)
         window.send(QEvent::MouseMove, at, Qt::NoButton, button);
         events.push_back(baseline::now() - start);
         window.view.repaint();
-        application().processEvents();
+        QCoreApplication::processEvents();
     }
     const double last = baseline::now();
     const auto until = [&](PictureQuality::Level level) {
         while (window.view.pictureLevel() < level)
-            application().processEvents(QEventLoop::WaitForMoreEvents);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         return 1e3 * (baseline::now() - last);
     };
     if (button == Qt::MiddleButton) {
