@@ -57,15 +57,16 @@ double real(std::mt19937 &random, double low, double high)
     return low + (high - low) * static_cast<double>(random()) / 4294967295.0;
 }
 
-void addWaves(MadeRelief &relief, double strength, std::mt19937 &random)
+void addWaves(MadeRelief &relief, const Texture &texture, std::mt19937 &random)
 {
     const double side = relief.form.width;
     for (int patch = 0; patch < 12; ++patch) {
         const double turn = real(random, 0, std::numbers::pi);
-        const double perCell = 2 * std::numbers::pi / real(random, 4, 12);
+        const double perCell =
+            2 * std::numbers::pi / real(random, texture.shortest, texture.longest);
         const double cx = real(random, 0.2, 0.8) * side;
         const double cy = real(random, 0.2, 0.8) * side;
-        const double high = strength * relief.depth * real(random, 0.005, 0.015);
+        const double high = relief.depth * real(random, texture.least, 0.75 * texture.most);
         forAll(relief.form, [&](int x, int y) {
             const double r2 = ((x - cx) * (x - cx) + (y - cy) * (y - cy)) / (0.0288 * side * side);
             const double along = x * std::cos(turn) + y * std::sin(turn);
@@ -75,14 +76,14 @@ void addWaves(MadeRelief &relief, double strength, std::mt19937 &random)
     }
 }
 
-void addDimples(MadeRelief &relief, double strength, std::mt19937 &random)
+void addDimples(MadeRelief &relief, const Texture &texture, std::mt19937 &random)
 {
     const int side = relief.form.width;
     for (int dimple = 0; dimple < 150; ++dimple) {
         const int cx = static_cast<int>(real(random, 8, side - 8));
         const int cy = static_cast<int>(real(random, 8, side - 8));
-        const double sigma = real(random, 1, 3);
-        const double deep = strength * relief.depth * real(random, 0.005, 0.02);
+        const double sigma = 0.25 * real(random, texture.shortest, texture.longest);
+        const double deep = relief.depth * real(random, texture.least, texture.most);
         for (int y = std::max(0, cy - 9); y < std::min(side, cy + 10); ++y)
             for (int x = std::max(0, cx - 9); x < std::min(side, cx + 10); ++x)
                 relief.texture.row(y)[x] -= static_cast<float>(
@@ -110,7 +111,7 @@ FloatGrid MadeRelief::heights() const
     return sum;
 }
 
-MadeRelief head(int side, double strength)
+MadeRelief head(int side, const Texture &texture)
 {
     MadeRelief relief{FloatGrid(side, side), FloatGrid(side, side), 0.4 * side};
     const double scale = 2.3 / side;
@@ -124,9 +125,9 @@ MadeRelief head(int side, double strength)
             relief.form.row(y)[x] = static_cast<float>(relief.depth * (height / highest + 0.025));
     });
     std::mt19937 random(1);
-    addWaves(relief, strength, random);
-    addDimples(relief, strength, random);
-    const float most = static_cast<float>(0.02 * strength * relief.depth);
+    addWaves(relief, texture, random);
+    addDimples(relief, texture, random);
+    const float most = static_cast<float>(texture.most * relief.depth);
     forAll(relief.form, [&](int x, int y) {
         float &value = relief.texture.row(y)[x];
         value = at(relief.form, x, y) > 0.0F ? std::clamp(value, -most, most) : 0.0F;

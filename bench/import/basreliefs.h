@@ -14,9 +14,16 @@ struct MadeRelief
     bool filled(int x, int y) const { return form.row(y)[x] > 0.0F; }
 };
 
-/// A head of ellipsoids on an empty ground, with waves of 4 to 12 cells and dimples; `strength` 1
-/// gives them 0.5 to 2 % of the depth.
-MadeRelief head(int side, double strength);
+/// Heights of waves and dimples as shares of the depth, and their lengths in cells.
+struct Texture
+{
+    double least = 0.005;
+    double most = 0.02;
+    double shortest = 4.0;
+    double longest = 12.0;
+};
+/// A head of ellipsoids on an empty ground, with waves and dimples.
+MadeRelief head(int side, const Texture &texture);
 /// A filled square: left half at `low`, right half at `high`, with a corner that spans 20 to 120.
 MadeRelief step(int side, float low, float high);
 /// A plane that rises to the right, with bars like lettering of 4 % of its depth as the texture.

@@ -331,7 +331,10 @@ Result<GreyPicture> readTiffGrey(const QString &path)
     keepAsStored(tiff.get());
     char unreadable[1024] = "";
     if (!page.direct() && TIFFRGBAImageOK(tiff.get(), unreadable) == 0)
-        return openFailed(QStringLiteral("TIFF pictures of this kind are not read"));
+        return openFailed(
+            page.photometric == PHOTOMETRIC_SEPARATED
+                ? QStringLiteral("TIFF pictures in CMYK colours of this kind are not read")
+                : QStringLiteral("TIFF pictures of this kind are not read"));
     PictureGrid grid(QSize(static_cast<int>(page.width), static_cast<int>(page.height)));
     const bool read = page.direct() ? readRows(SampleReader(tiff.get(), page), page, grid)
                                     : readRows(ColourReader(tiff.get(), page), page, grid);

@@ -4,6 +4,7 @@
 #include "import/bas/gaussian.h"
 #include "import/bas/islands.h"
 #include "import/bas/poisson.h"
+#include "import/bas/slopeorder.h"
 #include "import/bas/slopes.h"
 #include "relief/grid/cellcode.h"
 
@@ -15,8 +16,8 @@ namespace marlowen {
 namespace {
 
 /// Deviations from a plane beyond this share of the depth are form rather than detail.
-constexpr float detailThreshold = 0.02F;
-constexpr float middleThreshold = 0.015F;
+constexpr float detailThreshold = 0.0115F;
+constexpr float middleThreshold = 0.012F;
 constexpr int fineSpacing = 2;
 constexpr int middleSpacing = 8;
 /// A relief whose depth is a smaller share of its height counts as flat.
@@ -28,7 +29,7 @@ constexpr float groundShare = 0.02F;
 /// Height of a relief without depth, as a share of its old height.
 constexpr float sheetShare = 1e-3F;
 /// Passes over the grid other than those of the Poisson solver, for the progress.
-constexpr double otherPasses = 16.0;
+constexpr double otherPasses = 16.0 + slopeOrderPasses;
 
 /// The values that the three parameters stand for.
 struct Recipe
@@ -38,10 +39,11 @@ struct Recipe
         const double contrast = std::clamp(input.contrastFactor, 2, 65536);
         const double calm = std::clamp(input.smoothness, 20000, 10000000) / 20000.0;
         const double local = std::clamp(input.gridSize, 2, 32) / 2.0;
-        depth = static_cast<float>(1.0 / (1.0 + 1.05 * std::log2(contrast)));
+        depth = static_cast<float>(1.0 / (1.0 + 0.87 * std::log2(contrast)));
         leastGain = 0.8F * depth;
-        fineGain = static_cast<float>(std::pow(contrast / 8.0, 0.04));
-        middleGain = std::sqrt(depth * fineGain);
+        leastSlope = 0.12F * depth;
+        fineGain = static_cast<float>(1.02 * std::pow(contrast / 8.0, 0.04));
+        middleGain = 0.6F * std::sqrt(depth * fineGain);
         evenness = static_cast<float>(std::sqrt(std::min(contrast / 16.0, 32.0)));
         sigmaCells = static_cast<float>(1.85 * (std::pow(calm, 0.25) - 1.0));
         const double length = 2.0 * std::max(input.heights.width, input.heights.height) / local;
@@ -51,6 +53,7 @@ struct Recipe
 
     float depth;      ///< of the form, as a share of its old depth
     float leastGain;  ///< factor on the steepest slopes, before that share is taken
+    float leastSlope; ///< share that slopes keep of themselves, detail included
     float fineGain;   ///< factor on detail
     float middleGain; ///< factor on small forms
     float evenness;   ///< how much steep slopes are flattened against gentle ones
@@ -78,26 +81,15 @@ Extremes united(const std::vector<Extremes> &parts)
     return all;
 }
 
-/// Heights that count where a cell is filled: share * form + detail.
-struct SumRow
+CELL_LOOP void meet(const float *heights, const uint8_t *filled, int count, Extremes &extremes)
 {
-    const float *form;
-    const float *detail;
-    const uint8_t *filled;
-    float share;
-};
-
-CELL_LOOP void meet(const SumRow &row, int count, Extremes &extremes)
-{
-    const SumRow r = row;
     constexpr float far = std::numeric_limits<float>::max();
     float low = extremes.lowest;
     float high = extremes.highest;
 #pragma omp simd reduction(min : low) reduction(max : high)
     for (int x = 0; x < count; ++x) {
-        const float value = r.share * r.form[x] + r.detail[x];
-        const float ifLow = r.filled[x] ? value : far;
-        const float ifHigh = r.filled[x] ? value : -far;
+        const float ifLow = filled[x] ? heights[x] : far;
+        const float ifHigh = filled[x] ? heights[x] : -far;
         low = ifLow < low ? ifLow : low;
         high = ifHigh > high ? ifHigh : high;
     }
@@ -146,26 +138,31 @@ CELL_LOOP void mixDetailRow(const DetailRow &row, float *detail, int count)
     }
 }
 
-/// Heights of the result: (share * form + detail - offset) * factor, where values below `knee`
-/// is pressed into the room above 0.
+CELL_LOOP void addRow(const float *detail, float share, float *form, int count)
+{
+#pragma omp simd
+    for (int x = 0; x < count; ++x)
+        form[x] = share * form[x] + detail[x];
+}
+
+/// Heights of the result: (surface - offset) * factor, where values below `knee` are pressed
+/// into the room above 0.
 struct ResultRow
 {
-    const float *detail;
     const uint8_t *filled;
-    float share;
     float knee;
     Scaling scaling;
 };
 
-CELL_LOOP void combineRow(const ResultRow &row, float *form, int count)
+CELL_LOOP void finishRow(const ResultRow &row, float *surface, int count)
 {
     const ResultRow r = row;
 #pragma omp simd
     for (int x = 0; x < count; ++x) {
-        const float height = r.share * form[x] + r.detail[x] - r.scaling.offset;
+        const float height = surface[x] - r.scaling.offset;
         const float below = r.knee * r.knee / (2.0F * r.knee - (height < r.knee ? height : r.knee));
         const float raised = height < r.knee ? below : height;
-        form[x] = r.filled[x] ? raised * r.scaling.factor : 0.0F;
+        surface[x] = r.filled[x] ? raised * r.scaling.factor : 0.0F;
     }
 }
 
@@ -198,18 +195,27 @@ public:
                           m_recipe.middleGain},
                          m_detail.row(y), width);
         };
+        const auto keepCalmed = [&](int y) {
+            std::copy_n(m_fineForm.row(y), width, m_calmed.row(y));
+            addRow(m_detail.row(y), 1.0F, m_calmed.row(y), width);
+        };
+        const auto calm = [&] {
+            if (m_recipe.sigmaCells <= 0.0F)
+                return true;
+            m_calmed = FloatGrid(width, m_form.height);
+            return blur(m_detail, m_recipe.sigmaCells, meter) && _eachRow(keepCalmed, meter);
+        };
         return _eachRow(scale, meter) &&
                formOf({m_detail, m_filled, fineSpacing}, detailThreshold, m_fineForm, meter) &&
                formOf({m_fineForm, m_filled, middleSpacing}, middleThreshold, m_form, meter) &&
-               _eachRow(takeForm, meter) && blur(m_detail, m_recipe.sigmaCells, meter) &&
-               _eachRow(mix, meter);
+               _eachRow(takeForm, meter) && calm() && _eachRow(mix, meter);
     }
 
     /// Flattens the slopes of the form, integrates them and finds with which share of the result
     /// the form has its share of the old depth.
     bool flatten(WorkMeter &meter)
     {
-        const float wanted = m_recipe.depth * range(1.0F, false, meter).span();
+        const float wanted = m_recipe.depth * _range(meter).span();
         const FilledSurface form{m_form, m_filled};
         const double slope = meanSlope(form, meter);
         if (slope < 0.0)
@@ -226,39 +232,32 @@ public:
         // With a long reach of the screening the solver leaves the levels of islands to chance.
         if (means.size() > 1)
             setIslandMeans(m_form, m_filled, means);
-        const float span = range(1.0F, false, meter).span();
+        const float span = _range(meter).span();
         m_share = span > wanted ? wanted / span : 1.0F;
         return true;
-    }
-
-    /// Range of share * form, plus the detail where asked for.
-    Extremes range(float share, bool withDetail, WorkMeter &meter) const
-    {
-        std::vector<Extremes> bands(static_cast<size_t>(m_form.height));
-        const std::vector<float> none(m_form.columns());
-        meter.rows(m_form.height, m_form.width, [&](int first, int end) {
-            Extremes &extremes = bands[static_cast<size_t>(first)];
-            for (int y = first; y < end; ++y)
-                meet({m_form.row(y), withDetail ? m_detail.row(y) : none.data(), _filled(y), share},
-                     m_form.width, extremes);
-        });
-        return united(bands);
     }
 
     /// The heights of the result in units of `depth`, the lowest just above 0. The parts are used
     /// up.
     std::optional<std::vector<float>> combine(float depth, WorkMeter &meter)
     {
-        // A few deep pits in low places shall not raise everything else above the ground.
-        const Extremes extremes = range(m_share, true, meter);
-        const float span = extremes.span();
-        const Scaling scaling{extremes.lowest + groundShare * span, depth};
-        const float knee = 1.5F * groundShare * span;
-        const auto combineOne = [&](int y) {
-            combineRow({m_detail.row(y), _filled(y), m_share, knee, scaling}, m_form.row(y),
-                       m_form.width);
+        const auto add = [&](int y) {
+            addRow(m_detail.row(y), m_share, m_form.row(y), m_form.width);
         };
-        if (!_eachRow(combineOne, meter))
+        const bool calmed = !m_calmed.values.empty();
+        if (!_eachRow(add, meter) ||
+            !keepSlopeSigns(calmed ? m_calmed.view() : m_heights, m_filled,
+                            m_recipe.leastSlope / (calmed ? 1.0F : depth), m_form, meter))
+            return std::nullopt;
+        // A few deep pits in low places shall not raise everything else above the ground.
+        const Extremes extremes = _range(meter);
+        const float span = extremes.span();
+        const ResultRow row{
+            nullptr, 1.5F * groundShare * span, {extremes.lowest + groundShare * span, depth}};
+        const auto finish = [&](int y) {
+            finishRow({_filled(y), row.knee, row.scaling}, m_form.row(y), m_form.width);
+        };
+        if (!_eachRow(finish, meter))
             return std::nullopt;
         return std::move(m_form.values);
     }
@@ -273,6 +272,17 @@ private:
         });
     }
 
+    /// Of the form.
+    Extremes _range(WorkMeter &meter) const
+    {
+        std::vector<Extremes> bands(static_cast<size_t>(m_form.height));
+        meter.rows(m_form.height, m_form.width, [&](int first, int end) {
+            for (int y = first; y < end; ++y)
+                meet(m_form.row(y), _filled(y), m_form.width, bands[static_cast<size_t>(first)]);
+        });
+        return united(bands);
+    }
+
     const uint8_t *_filled(int y) const
     {
         return m_filled.data() + static_cast<size_t>(y) * m_form.columns();
@@ -284,6 +294,7 @@ private:
     FloatGrid m_detail;
     FloatGrid m_fineForm;
     FloatGrid m_form;
+    FloatGrid m_calmed; ///< the heights with the detail blurred; empty where they stay
     float m_share = 1.0F;
 };
 
@@ -306,10 +317,9 @@ CELL_LOOP void markFilled(const float *heights, uint8_t *filled, qsizetype count
 Extremes filledRange(const GridView &heights, const CellMask &filled)
 {
     Extremes extremes;
-    const std::vector<float> nothing(static_cast<size_t>(heights.width));
     for (int y = 0; y < heights.height; ++y)
-        meet({heights.row(y), nothing.data(),
-              filled.data() + static_cast<size_t>(y) * static_cast<size_t>(heights.width), 1.0F},
+        meet(heights.row(y),
+             filled.data() + static_cast<size_t>(y) * static_cast<size_t>(heights.width),
              heights.width, extremes);
     return extremes;
 }

@@ -10,7 +10,9 @@ namespace marlowen {
 ///
 /// The heights are split into form and detail (formOf, at two scales). The slopes of the form are
 /// flattened, steep ones most, within every island of filled cells, and integrated again; that is
-/// scaled to a share of the old depth and the detail is added back at its own height.
+/// scaled to a share of the old depth and the detail is added back at its own height. Where detail
+/// then outweighs the flattened form it lies on, so that a slope would turn round, it is lowered
+/// until most slopes run as they did (keepSlopeSigns).
 /// Empty cells (height 0) stay empty and do not touch their neighbours; all others lie above 0, the
 /// lowest just above. Depth is the highest minus the lowest filled height.
 ///   contrastFactor 2..65536  the depth of the form falls to 1 / (1 + 1.05 log2) of what it was:

@@ -17,6 +17,13 @@ constexpr float windowWeightSum = 55.0F;
 /// Keeps the fit defined where a window holds a single row of cells; far below the variance of a
 /// full window (about 12).
 constexpr float ridge = 0.02F;
+/// The distance of a block from the mean of the blocks within this reach is a ripple: it is no sign
+/// of a step. Where a block within the reach has empty cells ripples cannot be told from slopes.
+constexpr int rippleReach = 3;
+/// So windows with empty cells may deviate more: the square of the threshold is this many times as
+/// large, fully so from a share of 1 / emptyRoom of empty cells on.
+constexpr float outlineRoom = 4.0F;
+constexpr float emptyRoom = 8.0F;
 /// Rows are worked on in pieces whose sums stay in the fastest cache.
 constexpr int pieceNodes = 256;
 
@@ -92,6 +99,83 @@ CELL_LOOP void addRowMoments(const BlockPiece &blocks, int tap, float (*sums)[pi
     }
 }
 
+CELL_LOOP void addBlocks(const float *from, float *to, int count)
+{
+#pragma omp simd
+    for (int i = 0; i < count; ++i)
+        to[i] += from[i];
+}
+
+/// Squares without the ripples of the blocks; `around` has the sums of the columns of shares and
+/// heights, beginning rippleReach columns before the first block.
+CELL_LOOP void takeRipples(const BlockPiece &blocks, const BlockPiece &around, float *squares,
+                           int count)
+{
+    const BlockPiece b = blocks;
+    const BlockPiece a = around;
+    constexpr int side = 2 * rippleReach + 1;
+#pragma omp simd
+    for (int i = 0; i < count; ++i) {
+        float share = 0.0F;
+        float height = 0.0F;
+        for (int d = 0; d < side; ++d) {
+            share += a.share[i + d];
+            height += a.height[i + d];
+        }
+        const float ripple = b.height[i] - height * (1.0F / (side * side));
+        squares[i] = b.square[i] - (share >= side * side - 0.01F ? ripple * ripple : 0.0F);
+    }
+}
+
+/// The rows of blocks around a row, read in their order.
+class BlockRows
+{
+public:
+    BlockRows(int columns, int rows)
+        : m_columns(columns)
+        , m_rows(rows)
+        , m_ring(2 * rippleReach + 1, BlockRow(columns))
+        , m_calm(columns)
+        , m_shares(static_cast<size_t>(columns + 2 * rippleReach))
+        , m_heights(m_shares.size())
+    {
+    }
+
+    bool has(int y) const { return y >= 0 && y < m_rows; }
+    BlockRow &at(int y) { return m_ring[static_cast<size_t>(y + rippleReach) % m_ring.size()]; }
+
+    /// Row y with squares that leave the ripples out.
+    const BlockRow &calm(int y)
+    {
+        const BlockRow &row = at(y);
+        std::fill(m_shares.begin(), m_shares.end(), 0.0F);
+        std::fill(m_heights.begin(), m_heights.end(), 0.0F);
+        for (int near = y - rippleReach; near <= y + rippleReach; ++near) {
+            if (!has(near))
+                continue;
+            addBlocks(at(near).share.data() + windowReach, m_shares.data() + rippleReach,
+                      m_columns);
+            addBlocks(at(near).height.data() + windowReach, m_heights.data() + rippleReach,
+                      m_columns);
+        }
+        m_calm.share = row.share;
+        m_calm.height = row.height;
+        takeRipples({row.share.data() + windowReach, row.height.data() + windowReach,
+                     row.square.data() + windowReach},
+                    {m_shares.data(), m_heights.data(), nullptr},
+                    m_calm.square.data() + windowReach, m_columns);
+        return m_calm;
+    }
+
+private:
+    int m_columns;
+    int m_rows;
+    std::vector<BlockRow> m_ring;
+    BlockRow m_calm;
+    std::vector<float> m_shares;
+    std::vector<float> m_heights;
+};
+
 void sumRowMoments(const BlockRow &blocks, NodeGrids &sums, int y)
 {
     float piece[planeSums][pieceNodes];
@@ -163,7 +247,10 @@ CELL_LOOP void fitPiece(const float (*sums)[pieceNodes], float threshold, float 
         const float px = (hx * yy - hy * xy) * perArea;
         const float py = (hy * xx - hx * xy) * perArea;
         const float rest = sums[Tt][i] * per - mean * mean - px * hx - py * hy;
-        const float ratio = (rest > 0.0F ? rest : 0.0F) * perDeviation;
+        const float gap = emptyRoom * (1.0F - share);
+        const float within = gap > 0.0F ? (gap < 1.0F ? gap : 1.0F) : 0.0F;
+        const float room = 1.0F + (outlineRoom - 1.0F) * within;
+        const float ratio = (rest > 0.0F ? rest : 0.0F) * perDeviation / room;
         const float fit = 1.0F / (1.0F + ratio);
         const float w = share > 1e-6F ? share * fit * fit * fit : 0.0F;
         const float plane = w / (1.0F + ratio * ratio);
@@ -215,11 +302,18 @@ bool sumRows(const FilledHeights &input, NodeGrids &sums, WorkMeter &meter)
     const qsizetype cellsPerRow = static_cast<qsizetype>(input.heights.width) * input.spacing;
     return meter.rows(sums.rows(), cellsPerRow, [&](int first, int end) {
         std::vector<float> columnSums(2 * input.heights.columns());
-        BlockRow blocks(sums.columns());
-        for (int y = first; y < end; ++y) {
+        BlockRows blocks(sums.columns(), sums.rows());
+        const auto read = [&](int y) {
+            if (!blocks.has(y))
+                return;
             readBlocks(input, y, columnSums);
-            sumBlocks(columnSums, input.heights.width, input.spacing, blocks);
-            sumRowMoments(blocks, sums, y);
+            sumBlocks(columnSums, input.heights.width, input.spacing, blocks.at(y));
+        };
+        for (int y = first - rippleReach; y < first + rippleReach; ++y)
+            read(y);
+        for (int y = first; y < end; ++y) {
+            read(y + rippleReach);
+            sumRowMoments(blocks.calm(y), sums, y);
         }
     });
 }

@@ -43,9 +43,10 @@ constexpr int planeSums = 6;
 bool sumRows(const FilledHeights &input, NodeGrids &sums, WorkMeter &meter);
 
 /// The model of a window: height = gain * height + level + slope * distance from the node. Windows
-/// whose cells lie on a plane have a gain of 0 and a large weight; those with a deviation above the
-/// threshold tend to a gain of 1, a level of 0 and a small weight. All parts but the weight are
-/// stored multiplied by it, so that models are blended by adding them.
+/// whose cells lie on a plane, ripples of less than about 7 nodes left out, have a gain of 0 and a
+/// large weight; those with a deviation above the threshold (twice that at an outline) tend to a
+/// gain of 1, a level of 0 and a small weight. All parts but the weight are stored multiplied by
+/// it, so that models are blended by adding them.
 enum ModelPart { Weight, Gain, Level, SlopeX, SlopeY, modelParts };
 /// Fits the windows; `model` has modelParts grids. False when the user cancelled.
 bool fitPlanes(const NodeGrids &sums, float threshold, NodeGrids &model, WorkMeter &meter);
