@@ -153,6 +153,8 @@ double evenSigns(const MadeRelief &relief)
 }
 
 /// Heads that are smooth, with long gentle texture, and with texture of the whole range.
+/// (A head of 256 cells keeps less of its texture, 0.67 at a correlation of 0.94: its nose and brow
+/// are hardly larger than the windows that tell form from detail.)
 void basFigureHead(benchmark::State &state)
 {
     const std::array<Texture, 3> textures{Texture{0.0, 0.0, 4.0, 12.0},

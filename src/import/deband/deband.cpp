@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <memory>
 
 namespace marlowen {
@@ -15,12 +14,12 @@ namespace {
 constexpr int smallestSide = 8;
 /// Terraces wider than 2 to the power of this, in cells, are not levelled out fully.
 constexpr size_t mostLevels = 9;
-/// Steps on the finest grid; every coarser one, a quarter of it, gets four times as many.
-constexpr int finestSteps = 3;
-constexpr int mostSteps = 200;
+/// Steps on the finest grid, the next one, and so on; the last number holds for all that follow. A
+/// grid costs a quarter of the finer one, and broad forms are found on the coarse ones.
+constexpr std::array<int, 5> steps{2, 8, 60, 120, 450};
 constexpr float stepLevels = 8.0F;
 /// Estimate of the passes over the cells of the finest grid.
-constexpr double passes = 18.0;
+constexpr double passes = 17.0;
 
 /// Whether all values are whole numbers of 0..255.
 CELL_LOOP bool areBytes(const float *values, qsizetype count)
@@ -108,11 +107,10 @@ std::optional<std::vector<float>> debanded(const GridView &values, double streng
            std::min(levels.back()->width(), levels.back()->height()) >= smallestSide)
         levels.push_back(std::make_unique<DebandLevel>(levels.back()->coarser(meter)));
     for (size_t i = levels.size(); i-- > 0;) {
-        const double steps = finestSteps * std::pow(4.0, static_cast<double>(i));
         if (i + 1 < levels.size() && !levels[i]->beginFrom(*levels[i + 1], meter))
             return std::nullopt;
         levels.resize(i + 1);
-        if (!levels[i]->smooth(static_cast<int>(std::min<double>(steps, mostSteps)), meter))
+        if (!levels[i]->smooth(steps[std::min(i, steps.size() - 1)], meter))
             return std::nullopt;
     }
     return levels[0]->takeSmoothed().values;

@@ -19,6 +19,10 @@ constexpr size_t directions = 4;
 /// The largest eigenvalue of the sum of squared second differences is 48; longer steps diverge.
 constexpr float stepLength = 1.0F / 48.0F;
 
+/// The momentum of step k is (k + this) / (k + this + 3). A large number suits levels that begin
+/// near their goal: what is left there are broad forms, which plain steps hardly move.
+constexpr int momentumStart = 149;
+
 /// Values and validity of a row with a cell of zeros before and after.
 struct MarkRow
 {
@@ -283,10 +287,11 @@ bool DebandLevel::smooth(int steps, WorkMeter &meter)
 {
     m_next = FloatGrid(width(), height());
     for (int k = 1; k <= steps; ++k) {
-        // The first step has no momentum and looks at no earlier values.
+        // The first step looks at no earlier values, so its momentum does nothing.
         if (k == 2)
             m_next = FloatGrid(width(), height());
-        if (!_step(static_cast<float>(k - 1) / static_cast<float>(k + 2), meter))
+        const auto place = static_cast<float>(k + momentumStart);
+        if (!_step(place / (place + 3.0F), meter))
             return false;
     }
     return true;
