@@ -48,3 +48,16 @@ inline QByteArray binaryStl(const std::vector<FacetCorners> &facets, quint64 pro
     }
     return bytes;
 }
+
+inline const QByteArray square("v 0 0 0\nv 4 0 0\nv 4 4 0\nv 0 4 0\n");
+
+inline const std::vector<FacetCorners> twoFacets{{0, 0, 0, 1, 0, 0, 0, 1, 0},
+                                                 {0, 1, 0, 1, 0, 0, 1, 1, 2}};
+
+/// A facet of a text STL.
+inline QString textFacet(const QString &third = QStringLiteral("0 1 0"))
+{
+    return QStringLiteral(
+               "facet normal 0 0 1\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex ") +
+           third + QStringLiteral("\n endloop\nendfacet\n");
+}
