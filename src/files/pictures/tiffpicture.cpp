@@ -330,10 +330,12 @@ Result<GreyPicture> readTiffGrey(const QString &path)
         return openFailed(reason);
     keepAsStored(tiff.get());
     char unreadable[1024] = "";
-    if (!page.direct() && TIFFRGBAImageOK(tiff.get(), unreadable) == 0)
+    const bool inks = page.photometric == PHOTOMETRIC_SEPARATED;
+    if (!page.direct() &&
+        ((inks && page.bits != 8) || TIFFRGBAImageOK(tiff.get(), unreadable) == 0))
         return openFailed(
-            page.photometric == PHOTOMETRIC_SEPARATED
-                ? QStringLiteral("TIFF pictures in CMYK colours of this kind are not read")
+            inks
+                ? QStringLiteral("TIFF pictures in CMYK colours are read with 8 bits a colour only")
                 : QStringLiteral("TIFF pictures of this kind are not read"));
     PictureGrid grid(QSize(static_cast<int>(page.width), static_cast<int>(page.height)));
     const bool read = page.direct() ? readRows(SampleReader(tiff.get(), page), page, grid)

@@ -176,14 +176,13 @@ public:
         , m_filled(filled)
         , m_detail(heights.width, heights.height)
         , m_fineForm(heights.width, heights.height)
-        , m_form(heights.width, heights.height)
     {
     }
 
     /// Splits the heights into form and detail.
     bool split(const Scaling &scaling, WorkMeter &meter)
     {
-        const int width = m_form.width;
+        const int width = m_heights.width;
         const auto scale = [&](int y) {
             scaleRow(m_heights.row(y), _filled(y), scaling, m_detail.row(y), width);
         };
@@ -202,12 +201,15 @@ public:
         const auto calm = [&] {
             if (m_recipe.sigmaCells <= 0.0F)
                 return true;
-            m_calmed = FloatGrid(width, m_form.height);
+            m_calmed = FloatGrid(width, m_heights.height);
             return blur(m_detail, m_recipe.sigmaCells, meter) && _eachRow(keepCalmed, meter);
         };
-        return _eachRow(scale, meter) &&
-               formOf({m_detail, m_filled, fineSpacing}, detailThreshold, m_fineForm, meter) &&
-               formOf({m_fineForm, m_filled, middleSpacing}, middleThreshold, m_form, meter) &&
+        if (!_eachRow(scale, meter) ||
+            !formOf({m_detail, m_filled, fineSpacing}, detailThreshold, m_fineForm, meter))
+            return false;
+        // Only now: finding the fine form takes most of the memory.
+        m_form = FloatGrid(width, m_heights.height);
+        return formOf({m_fineForm, m_filled, middleSpacing}, middleThreshold, m_form, meter) &&
                _eachRow(takeForm, meter) && calm() && _eachRow(mix, meter);
     }
 
@@ -266,7 +268,7 @@ private:
     template <typename Work>
     bool _eachRow(Work work, WorkMeter &meter) const
     {
-        return meter.rows(m_form.height, m_form.width, [&](int first, int end) {
+        return meter.rows(m_heights.height, m_heights.width, [&](int first, int end) {
             for (int y = first; y < end; ++y)
                 work(y);
         });
@@ -285,7 +287,7 @@ private:
 
     const uint8_t *_filled(int y) const
     {
-        return m_filled.data() + static_cast<size_t>(y) * m_form.columns();
+        return m_filled.data() + static_cast<size_t>(y) * m_fineForm.columns();
     }
 
     const Recipe &m_recipe;
@@ -293,7 +295,7 @@ private:
     const CellMask &m_filled;
     FloatGrid m_detail;
     FloatGrid m_fineForm;
-    FloatGrid m_form;
+    FloatGrid m_form;   ///< empty until the fine form is found
     FloatGrid m_calmed; ///< the heights with the detail blurred; empty where they stay
     float m_share = 1.0F;
 };
