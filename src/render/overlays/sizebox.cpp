@@ -20,6 +20,7 @@ namespace {
 constexpr double gap = 2.0;
 constexpr double shortestEdge = 28.0; ///< logical pixels that a size is written along
 constexpr double labelDistance = 22.0;
+constexpr double edgeRoom = 6.0; ///< between a label and the view's edge
 
 Vector cornerOf(const SceneBox &box, size_t corner)
 {
@@ -167,9 +168,10 @@ void SizeBox::drawSizes(QOpenGLFunctions_2_1 &gl, const SceneBox &box, const Vie
         const int width = label.texture->width();
         const int height = label.texture->height();
         // A label beyond the edge of the view stays in sight.
-        const auto inView = [](double at, int size, int room) {
-            return std::clamp(static_cast<int>(std::lround(at)) - size / 2, 0,
-                              std::max(0, room - size));
+        const int edge = static_cast<int>(std::lround(edgeRoom * ratio));
+        const auto inView = [edge](double at, int size, int room) {
+            return std::clamp(static_cast<int>(std::lround(at)) - size / 2, edge,
+                              std::max(edge, room - size - edge));
         };
         gl.glViewport(inView(place->x() * ratio, width, whole.width()),
                       inView(place->y() * ratio, height, whole.height()), width, height);

@@ -113,7 +113,8 @@ bool SurfaceView::_fitCamera()
 {
     const SceneBox box = wholeBox();
     const Camera before = m_camera;
-    if (!box.isEmpty())
+    m_fitted = !box.isEmpty();
+    if (m_fitted)
         setCamera(zoomedToAll(m_camera, box, size()));
     return m_camera != before;
 }
@@ -198,7 +199,7 @@ void SurfaceView::releaseGL()
 void SurfaceView::resizeGL(int, int)
 {
     m_pictureStale = true;
-    if (m_fitPending)
+    if (m_fitPending || m_fitted)
         fit();
 }
 
@@ -290,7 +291,7 @@ void SurfaceView::_paintOverPicture()
     m_gl->glMatrixMode(GL_MODELVIEW);
     m_gl->glLoadMatrixd(m_drawn.modelview.data());
     drawOverlays(*m_gl);
-    if (hasFocus())
+    if (m_focusShown && hasFocus())
         _paintFocus();
     m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     m_gl->glDepthMask(GL_TRUE);

@@ -86,7 +86,8 @@ public:
     void setRotation(const Quaternion &rotation);
 
 public slots:
-    /// Shows the whole surface from the side that the camera looks from.
+    /// Shows the whole surface from the side that the camera looks from, and again when the view
+    /// changes its size, until the user zooms or pans.
     void fit();
     /// Shows the whole surface; a turned view that shows it already turns to the top.
     void zoomAll();
@@ -158,6 +159,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
 
     // To be called by a derived view.
 
@@ -225,6 +227,8 @@ private:
     bool m_depthStale = true;
     bool m_depthHeld = false;
     bool m_fitPending = false;
+    bool m_fitted = false;     ///< and neither zoomed nor panned since
+    bool m_focusShown = false; ///< the keyboard brought the focus
     bool m_statusPending = false;
     bool m_pointerInside = true;
     int m_mode = NoMode;

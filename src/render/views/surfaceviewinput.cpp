@@ -11,6 +11,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <span>
 
 namespace marlowen {
 
@@ -155,9 +156,11 @@ void SurfaceView::_dragCamera(QPoint from, QPoint to)
     Camera camera = m_camera;
     switch (m_mode) {
     case PanMode:
+        m_fitted = false;
         camera.pan += to - from;
         break;
     case ZoomMode:
+        m_fitted = false;
         camera = dragZoomed(camera, to.y() - from.y(), zoomDragDivisor);
         break;
     case RotateMode:
@@ -186,6 +189,7 @@ void SurfaceView::wheelEvent(QWheelEvent *event)
     if (delta == 0 || wheelTurned(event->modifiers(), delta))
         return;
     m_pace.moved();
+    m_fitted = false;
     const int zoomBy = pointerOptions().wheelZoomsIn ? -delta : delta;
     setCamera(wheelZoomed(m_camera, zoomBy, positionOf(*event), size()));
 }
@@ -216,6 +220,21 @@ void SurfaceView::leaveEvent(QEvent *event)
     showStatus({});
     update();
     QOpenGLWidget::leaveEvent(event);
+}
+
+void SurfaceView::focusInEvent(QFocusEvent *event)
+{
+    constexpr Qt::FocusReason byKey[] = {Qt::TabFocusReason, Qt::BacktabFocusReason,
+                                         Qt::ShortcutFocusReason};
+    // Another window or a menu gives the focus back as it was.
+    constexpr Qt::FocusReason back[] = {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason,
+                                        Qt::MenuBarFocusReason};
+    const auto isOneOf = [reason = event->reason()](std::span<const Qt::FocusReason> reasons) {
+        return std::find(reasons.begin(), reasons.end(), reason) != reasons.end();
+    };
+    if (!isOneOf(back))
+        m_focusShown = isOneOf(byKey);
+    QOpenGLWidget::focusInEvent(event);
 }
 
 SurfaceView::PickResult SurfaceView::pick(QPoint position)

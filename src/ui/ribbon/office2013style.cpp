@@ -6,11 +6,14 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOption>
 #include <QTabBar>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace marlowen {
 
@@ -38,6 +41,15 @@ constexpr int choiceRoom = 8; ///< above and below a line of a menu or a list of
 bool isChoiceList(const QWidget *widget)
 {
     return widget && widget->inherits("QComboBoxListView");
+}
+
+/// The focus itself, or what it is in.
+bool movesFocus(const QKeyEvent &key)
+{
+    constexpr int keys[] = {Qt::Key_Tab,  Qt::Key_Backtab, Qt::Key_Left,   Qt::Key_Right,
+                            Qt::Key_Up,   Qt::Key_Down,    Qt::Key_PageUp, Qt::Key_PageDown,
+                            Qt::Key_Home, Qt::Key_End,     Qt::Key_Alt,    Qt::Key_F10};
+    return std::find(std::begin(keys), std::end(keys), key.key()) != std::end(keys);
 }
 
 template <typename Option>
@@ -126,6 +138,27 @@ void Office2013Style::unpolish(QWidget *widget)
     QProxyStyle::unpolish(widget);
 }
 
+void Office2013Style::polish(QApplication *application)
+{
+    QProxyStyle::polish(application);
+    application->installEventFilter(this);
+}
+
+void Office2013Style::unpolish(QApplication *application)
+{
+    application->removeEventFilter(this);
+    QProxyStyle::unpolish(application);
+}
+
+bool Office2013Style::eventFilter(QObject *, QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonPress)
+        m_ringShown = false;
+    else if (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride)
+        m_ringShown = m_ringShown || movesFocus(*static_cast<QKeyEvent *>(event));
+    return false;
+}
+
 int Office2013Style::pixelMetric(PixelMetric metric, const QStyleOption *option,
                                  const QWidget *widget) const
 {
@@ -165,9 +198,8 @@ int Office2013Style::styleHint(StyleHint hint, const QStyleOption *option, const
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
     case SH_ScrollBar_Transient:
-    case SH_DialogButtonBox_ButtonsHaveIcons: // Fusion's are black on dark chrome
-        return 0;
     case SH_ComboBox_Popup:
+    case SH_DialogButtonBox_ButtonsHaveIcons: // Fusion's are black on dark chrome
         return 0;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returnData);
@@ -194,7 +226,9 @@ void Office2013Style::drawPrimitive(PrimitiveElement element, const QStyleOption
     case PE_FrameLineEdit:
         return; // drawn with the panel
     case PE_FrameFocusRect:
-        return Office2013Drawing::focusRing(*option, *painter);
+        if (m_ringShown)
+            Office2013Drawing::focusRing(*option, *painter);
+        return;
     case PE_IndicatorCheckBox:
         return Office2013Drawing::checkBox(*option, *painter);
     case PE_IndicatorRadioButton:

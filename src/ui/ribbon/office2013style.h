@@ -6,7 +6,8 @@
 
 namespace marlowen {
 
-/// Flat, quiet chrome over Fusion with one accent colour and a visible focus, light or dark.
+/// Flat, quiet chrome over Fusion with one accent colour, light or dark. A ring shows the focus
+/// while the keyboard moves it, and none after a click.
 /// Install it with QApplication::setStyle; a later setTheme or setAccentColor takes effect at once
 /// in every window.
 class Office2013Style : public QProxyStyle
@@ -28,9 +29,9 @@ public:
     QPalette standardPalette() const override;
     void polish(QWidget *widget) override;
     void polish(QPalette &palette) override;
-    void polish(QApplication *application) override { QProxyStyle::polish(application); }
+    void polish(QApplication *application) override;
     void unpolish(QWidget *widget) override;
-    void unpolish(QApplication *application) override { QProxyStyle::unpolish(application); }
+    void unpolish(QApplication *application) override;
 
     int pixelMetric(PixelMetric metric, const QStyleOption *option = nullptr,
                     const QWidget *widget = nullptr) const override;
@@ -46,10 +47,13 @@ public:
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
                             QPainter *painter, const QWidget *widget = nullptr) const override;
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void _apply();
 
     Theme m_theme = Light;
+    bool m_ringShown = true;
     QColor m_accent{46, 117, 182};
 };
 
