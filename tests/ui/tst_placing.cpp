@@ -35,7 +35,7 @@ private slots:
         QTest::mouseMove(view, middle + QPoint(20, 5));
         QTRY_VERIFY(heights() != placed);
         QTest::mouseRelease(view, Qt::LeftButton, {}, middle + QPoint(20, 5));
-        QVERIFY(child<QDoubleSpinBox>("placeX")->value() > side / 2.0 / 128.0);
+        QTRY_VERIFY(child<QDoubleSpinBox>("placeX")->value() > side / 2.0 / 128.0);
         QTest::keyClick(view, Qt::Key_Escape);
         QCOMPARE(heights(), before);
         QCOMPARE(bench().history().count(), 0);
