@@ -145,10 +145,11 @@ private:
     {
         auto relief = std::make_unique<Relief>(side, side);
         float *height = relief->heights().data();
+        const int middle = side / 2;
         for (int row = 0; row < side; ++row) {
             for (int column = 0; column < side; ++column) {
-                const double x = (column - side / 2) / (side * 0.45);
-                const double y = (row - side / 2) / (side * 0.45);
+                const double x = (column - middle) / (side * 0.45);
+                const double y = (row - middle) / (side * 0.45);
                 const double rest = 1.0 - x * x - y * y;
                 *height++ = rest > 0.0 ? float(20.0 * std::sqrt(rest) + 1.0) : 0.0F;
             }
