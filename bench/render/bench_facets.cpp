@@ -1,6 +1,7 @@
 #include "baseline.h"
 #include "render/views/facetwin.h"
 #include "sheet.h"
+#include "showframe.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -67,8 +68,7 @@ void turnModel(benchmark::State &state)
         angle += 0.1;
         preview.send(QEvent::MouseMove,
                      middle + QPointF(200 * std::sin(angle), 150 * std::cos(angle)).toPoint());
-        preview.view.repaint();
-        QApplication::processEvents();
+        showFrame(preview.view);
     }
     const double last = baseline::now();
     while (!preview.view.pictureComplete())

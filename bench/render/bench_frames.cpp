@@ -1,4 +1,5 @@
 #include "baseline.h"
+#include "showframe.h"
 #include "viewstage.h"
 
 using namespace marlowen;
@@ -32,8 +33,7 @@ void frames(benchmark::State &state, Qt::MouseButton button)
         const double start = baseline::now();
         window.send(QEvent::MouseMove, at, Qt::NoButton, button);
         events.push_back(baseline::now() - start);
-        window.view.repaint();
-        QCoreApplication::processEvents();
+        showFrame(window.view);
     }
     const double last = baseline::now();
     const auto until = [&](PictureQuality::Level level) {
