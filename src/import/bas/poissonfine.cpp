@@ -56,14 +56,15 @@ CELL_LOOP void addRest(const FineRow &row, float *sums, int count, float screeni
     }
 }
 
-CELL_LOOP void addCorrection(const float *correction, const uint8_t *links, float *surface,
+CELL_LOOP void addCorrection(const float *correction, const uint8_t *filled, float *surface,
                              int count)
 {
 #pragma omp simd
     for (int x = 0; x < count; ++x)
-        surface[x] += links[x] != 0 ? correction[x] : 0.0F;
+        surface[x] += filled[x] != 0 ? correction[x] : 0.0F;
 }
 
+/// 1 + the number of filled side neighbours of the filled cells of a row; 0 in empty ones.
 CELL_LOOP void countRow(const uint8_t *above, const uint8_t *here, const uint8_t *below,
                         uint8_t *links, int count)
 {
@@ -79,21 +80,6 @@ CELL_LOOP void countRow(const uint8_t *above, const uint8_t *here, const uint8_t
     }
 }
 
-/// 1 + the number of filled side neighbours of every filled cell.
-CellMask countLinks(const CellMask &filled, int width, int height)
-{
-    CellMask links(filled.size());
-    const CellMask none(static_cast<size_t>(width));
-    const auto row = [&](int y) {
-        return y < 0 || y >= height ? none.data()
-                                    : filled.data() + static_cast<size_t>(y) * none.size();
-    };
-    for (int y = 0; y < height; ++y)
-        countRow(row(y - 1), row(y), row(y + 1),
-                 links.data() + static_cast<size_t>(y) * none.size(), width);
-    return links;
-}
-
 } // namespace
 
 FineLevel::FineLevel(FloatGrid &surface, const FloatGrid &rhs, const CellMask &filled,
@@ -101,8 +87,9 @@ FineLevel::FineLevel(FloatGrid &surface, const FloatGrid &rhs, const CellMask &f
     : m_surface(surface)
     , m_rhs(rhs)
     , m_screening(screening)
-    , m_links(countLinks(filled, surface.width, surface.height))
+    , m_filled(filled)
     , m_zeros(surface.columns())
+    , m_noCells(surface.columns())
 {
 }
 
@@ -111,18 +98,27 @@ const float *FineLevel::_rowOrZeros(int y) const
     return y < 0 || y >= m_surface.height ? m_zeros.data() : m_surface.row(y);
 }
 
-const uint8_t *FineLevel::_links(int y) const
+const uint8_t *FineLevel::_filled(int y) const
 {
-    return m_links.data() + static_cast<size_t>(y) * m_surface.columns();
+    return y < 0 || y >= m_surface.height
+               ? m_noCells.data()
+               : m_filled.data() + static_cast<size_t>(y) * m_surface.columns();
+}
+
+void FineLevel::_countLinks(int y, CellMask &links) const
+{
+    countRow(_filled(y - 1), _filled(y), _filled(y + 1), links.data(), m_surface.width);
 }
 
 bool FineLevel::relax(WorkMeter &meter)
 {
     const auto relaxRow = [this](int y, int colour, std::vector<float> &bordered) {
         float *here = m_surface.row(y);
+        CellMask links(m_surface.columns());
+        _countLinks(y, links);
         std::copy_n(here, m_surface.width, bordered.data() + 1);
         relaxCells(
-            {_rowOrZeros(y - 1), bordered.data(), _rowOrZeros(y + 1), m_rhs.row(y), _links(y)},
+            {_rowOrZeros(y - 1), bordered.data(), _rowOrZeros(y + 1), m_rhs.row(y), links.data()},
             here, m_surface.width, (y + colour) & 1, m_screening);
     };
     return relaxByColours(m_surface.height, m_surface.width, relaxRow, meter);
@@ -132,12 +128,15 @@ bool FineLevel::restrictTo(CoarseProblem &coarse, WorkMeter &meter)
 {
     return meter.rows(coarse.rhs.height, 2 * m_surface.width, [&](int first, int end) {
         std::vector<float> sums(m_surface.columns());
+        CellMask links(m_surface.columns());
         for (int row = first; row < end; ++row) {
             std::fill(sums.begin(), sums.end(), 0.0F);
-            for (int y = 2 * row; y < std::min(2 * row + 2, m_surface.height); ++y)
+            for (int y = 2 * row; y < std::min(2 * row + 2, m_surface.height); ++y) {
+                _countLinks(y, links);
                 addRest({_rowOrZeros(y - 1), m_surface.row(y), _rowOrZeros(y + 1), m_rhs.row(y),
-                         _links(y)},
+                         links.data()},
                         sums.data(), m_surface.width, m_screening);
+            }
             sumPairs(sums, {coarse.rhs.row(row) + 1, (sums.size() + 1) / 2});
         }
     });
@@ -148,7 +147,7 @@ bool FineLevel::correctFrom(const CoarseProblem &coarse, WorkMeter &meter)
     return meter.rows(m_surface.height, m_surface.width, [&](int first, int end) {
         CoarseRow correction(coarse);
         for (int y = first; y < end; ++y)
-            addCorrection(correction.compute(y).data(), _links(y), m_surface.row(y),
+            addCorrection(correction.compute(y).data(), _filled(y), m_surface.row(y),
                           m_surface.width);
     });
 }
@@ -158,8 +157,8 @@ bool FineLevel::coarsen(CoarseProblem &coarse, WorkMeter &meter) const
     const int width = m_surface.width;
     const int height = m_surface.height;
     const auto addRow = [&](int y) {
-        const uint8_t *here = _links(y);
-        const uint8_t *below = y + 1 < height ? _links(y + 1) : nullptr;
+        const uint8_t *here = _filled(y);
+        const uint8_t *below = _filled(y + 1);
         float *mass = coarse.mass.row(y / 2) + 1;
         float *east = coarse.east.row(y / 2) + 1;
         float *south = coarse.south.row(y / 2) + 1;
@@ -169,7 +168,7 @@ bool FineLevel::coarsen(CoarseProblem &coarse, WorkMeter &meter) const
             mass[x / 2] += 1.0F;
             if (x % 2 != 0 && x + 1 < width && here[x + 1] != 0)
                 east[x / 2] += 0.5F;
-            if (y % 2 != 0 && below && below[x] != 0)
+            if (y % 2 != 0 && below[x] != 0)
                 south[x / 2] += 0.5F;
         }
     };

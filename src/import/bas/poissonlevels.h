@@ -82,13 +82,15 @@ public:
 
 private:
     const float *_rowOrZeros(int y) const;
-    const uint8_t *_links(int y) const;
+    const uint8_t *_filled(int y) const; ///< of a row beyond the relief: empty cells
+    void _countLinks(int y, CellMask &links) const;
 
     FloatGrid &m_surface;
     const FloatGrid &m_rhs;
     float m_screening;
-    CellMask m_links; ///< 1 + number of filled neighbours; 0 in empty cells
+    const CellMask &m_filled;
     std::vector<float> m_zeros;
+    CellMask m_noCells;
 };
 
 class CoarseLevel : public PoissonLevel
