@@ -11,17 +11,10 @@ import random
 import struct
 import zlib
 
+from pattern_canvas import clamp, smooth
+
 HERE = pathlib.Path(__file__).resolve().parent
 SIDE = 256
-
-
-def clamp(value, low=0.0, high=1.0):
-    return max(low, min(high, value))
-
-
-def smooth(edge0, edge1, value):
-    t = clamp((value - edge0) / (edge1 - edge0))
-    return t * t * (3 - 2 * t)
 
 
 def polar(x, y):
