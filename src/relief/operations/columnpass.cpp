@@ -3,6 +3,7 @@
 #include "relief/grid/cellcode.h"
 
 #include <algorithm>
+#include <array>
 
 namespace marlowen {
 
@@ -10,21 +11,52 @@ namespace {
 
 constexpr int lanes = rowLanes;
 
-/// Two wide rows with their weights; the cover of each where it matters.
-struct Pair
+/// New rows that are mixed together out of the same two, so that these are read once.
+constexpr int mostMixed = 4;
+
+/// Two wide rows, and `count` new rows to mix out of them.
+struct Mixture
 {
     const float *rows[2];
-    const float *covered[2];
-    double weights[2];
+    const float *covered[2]; ///< read where not both rows are full
+    CellRange full[2];
+    double weights[mostMixed][2];
+    float *out[mostMixed];
+    int count;
 };
 
-CELL_LOOP void mixRows(float *out, const Pair &pair, CellRange columns)
+template <int count>
+CELL_INLINE inline void mixCells(const Mixture &mixture, CellRange columns)
 {
-    const Pair p = pair;
+    const Mixture m = mixture;
 #pragma omp simd
-    for (int i = columns.first; i < columns.end; ++i)
-        out[i] = static_cast<float>(static_cast<double>(p.rows[0][i]) * p.weights[0] +
-                                    static_cast<double>(p.rows[1][i]) * p.weights[1]);
+    for (int i = columns.first; i < columns.end; ++i) {
+        const auto first = static_cast<double>(m.rows[0][i]);
+        const auto second = static_cast<double>(m.rows[1][i]);
+#pragma GCC unroll 4
+        for (int k = 0; k < count; ++k)
+            m.out[k][i] = static_cast<float>(first * m.weights[k][0] + second * m.weights[k][1]);
+    }
+}
+
+CELL_LOOP void mixOneRow(const Mixture &mixture, CellRange columns)
+{
+    mixCells<1>(mixture, columns);
+}
+
+CELL_LOOP void mixTwoRows(const Mixture &mixture, CellRange columns)
+{
+    mixCells<2>(mixture, columns);
+}
+
+CELL_LOOP void mixThreeRows(const Mixture &mixture, CellRange columns)
+{
+    mixCells<3>(mixture, columns);
+}
+
+CELL_LOOP void mixFourRows(const Mixture &mixture, CellRange columns)
+{
+    mixCells<4>(mixture, columns);
 }
 
 /// What is less than half covered is empty; the rest gets the height of its covered part.
@@ -33,18 +65,51 @@ CELL_INLINE inline float uncovered(float height, float covered)
     return covered >= 0.5F ? height / covered : 0.0F;
 }
 
-CELL_LOOP void mixCovered(float *out, const Pair &pair, CellRange columns)
+/// One of the new rows.
+CELL_LOOP void mixCovered(const Mixture &mixture, int index, CellRange columns)
 {
-    const Pair p = pair;
+    const Mixture m = mixture;
+    const double weights[2] = {m.weights[index][0], m.weights[index][1]};
+    float *out = m.out[index];
 #pragma omp simd
     for (int i = columns.first; i < columns.end; ++i) {
-        const auto height = static_cast<float>(static_cast<double>(p.rows[0][i]) * p.weights[0] +
-                                               static_cast<double>(p.rows[1][i]) * p.weights[1]);
-        const auto covered =
-            static_cast<float>(static_cast<double>(p.covered[0][i]) * p.weights[0] +
-                               static_cast<double>(p.covered[1][i]) * p.weights[1]);
+        const auto height = static_cast<float>(static_cast<double>(m.rows[0][i]) * weights[0] +
+                                               static_cast<double>(m.rows[1][i]) * weights[1]);
+        const auto covered = static_cast<float>(static_cast<double>(m.covered[0][i]) * weights[0] +
+                                                static_cast<double>(m.covered[1][i]) * weights[1]);
         out[i] = uncovered(height, covered);
     }
+}
+
+/// Mixes all the new rows of some columns, in each of which a row is full throughout or nowhere.
+void mixPiece(const Mixture &mixture, CellRange columns, const float *ones)
+{
+    static constexpr std::array mixers{mixOneRow, mixTwoRows, mixThreeRows, mixFourRows};
+    Mixture piece = mixture;
+    int fullRows = 0;
+    for (int i = 0; i < 2; ++i) {
+        if (mixture.full[i].contains(columns)) {
+            piece.covered[i] = ones;
+            ++fullRows;
+        }
+    }
+    if (fullRows == 2)
+        return mixers[static_cast<size_t>(piece.count - 1)](piece, columns);
+    for (int k = 0; k < piece.count; ++k)
+        mixCovered(piece, k, columns);
+}
+
+/// The first columns of a range up to where one of the rows becomes full or ends being so.
+CellRange pieceOf(const Mixture &mixture, CellRange columns)
+{
+    CellRange piece = columns;
+    for (const CellRange &full : mixture.full) {
+        for (const int edge : {full.first, full.end}) {
+            if (edge > piece.first)
+                piece.end = std::min(piece.end, edge);
+        }
+    }
+    return piece;
 }
 
 /// Rows that follow each other, `stride` apart (0: one row for all), with a weight for each.
@@ -105,46 +170,59 @@ void ColumnPass::begin(const RowPass::Job &job, const LinePlan &down, CellRange 
     m_rows.begin(job, down.sources(rows));
     m_down = &down;
     m_covers = job.covers;
-    m_padded = paddedCells(job.across->length());
-    std::fill_n(m_zeros.need(m_padded), m_padded, 0.0F);
-    std::fill_n(m_ones.need(m_padded), m_padded, 1.0F);
-    m_sums.need(m_padded);
-    m_coverSums.need(m_padded);
+    m_length = job.across->length();
+    const size_t padded = paddedCells(m_length);
+    std::fill_n(m_zeros.need(padded), padded, 0.0F);
+    std::fill_n(m_ones.need(padded), padded, 1.0F);
+    m_sums.need(padded);
+    m_coverSums.need(padded);
 }
 
-void ColumnPass::makeRow(int row, float *out)
+void ColumnPass::makeRows(CellRange rows, float *out)
 {
-    if (m_down->averages)
-        _average((*m_down)[row], out);
-    else
-        _mix((*m_down)[row], out);
-}
-
-void ColumnPass::_mix(const Taps &taps, float *out)
-{
-    const double *weights = m_down->weightsOf(taps);
-    const bool single = taps.count == 1;
-    Pair pair{{}, {}, {weights[0], single ? 0.0 : weights[1]}};
-    CellRange columns;
-    bool full = true;
-    for (int i = 0; i < 2; ++i) {
-        const int row = taps.first + (single ? 0 : i);
-        const WideRows &block = m_rows.blockOf(row);
-        if (block.columns.isEmpty()) {
-            pair.rows[i] = m_zeros.data();
-            pair.covered[i] = m_zeros.data();
-            full = false;
-            continue;
+    const LinePlan &down = *m_down;
+    for (int row = rows.first; row < rows.end;) {
+        const Taps &taps = down[row];
+        int end = row + 1;
+        if (down.averages) {
+            _average(taps, out);
+        } else {
+            while (end < std::min(rows.end, row + mostMixed) && down[end].first == taps.first)
+                ++end;
+            _mix({row, end}, out);
         }
-        pair.rows[i] = block.values.data() + block.line(row);
-        pair.covered[i] = block.full ? m_ones.data() : block.covered.data() + block.line(row);
-        full = full && block.full;
+        out += static_cast<qsizetype>(end - row) * m_length;
+        row = end;
+    }
+}
+
+/// Mixes rows that take from the same two, or all from the last one.
+void ColumnPass::_mix(CellRange rows, float *out)
+{
+    const Taps &taps = (*m_down)[rows.first];
+    Mixture mixture{};
+    mixture.count = rows.count();
+    for (int k = 0; k < mixture.count; ++k) {
+        const double *weights = m_down->weightsOf((*m_down)[rows.first + k]);
+        mixture.weights[k][0] = weights[0];
+        mixture.weights[k][1] = taps.count == 1 ? 0.0 : weights[1];
+        mixture.out[k] = out + static_cast<qsizetype>(k) * m_length;
+    }
+    CellRange columns;
+    for (int i = 0; i < 2; ++i) {
+        const int row = taps.first + (taps.count == 1 ? 0 : i);
+        const WideRows &block = m_rows.blockOf(row);
+        const bool empty = block.columns.isEmpty();
+        mixture.rows[i] = empty ? m_zeros.data() : block.values.data() + block.line(row);
+        mixture.covered[i] = empty ? m_zeros.data() : block.covered.data() + block.line(row);
+        mixture.full[i] = block.full;
         columns = united(columns, block.columns);
     }
-    if (m_covers && !full)
-        mixCovered(out, pair, columns);
-    else
-        mixRows(out, pair, columns);
+    while (!columns.isEmpty()) {
+        const CellRange piece = pieceOf(mixture, columns);
+        mixPiece(mixture, piece, m_ones.data());
+        columns.first = piece.end;
+    }
 }
 
 void ColumnPass::_average(const Taps &taps, float *out)
@@ -170,7 +248,8 @@ void ColumnPass::_average(const Taps &taps, float *out)
 /// Adds rows of a block to the sums.
 void ColumnPass::_add(const WideRows &block, CellRange rows, const double *weights)
 {
-    if (m_covers && m_allFull && !block.full) {
+    const bool full = block.full.contains({0, m_length});
+    if (m_covers && m_allFull && !full) {
         std::fill(m_coverSums.data() + m_columns.first, m_coverSums.data() + m_columns.end,
                   m_fullSum);
         m_allFull = false;
@@ -188,10 +267,13 @@ void ColumnPass::_add(const WideRows &block, CellRange rows, const double *weigh
             m_fullSum += weights[k];
         return;
     }
-    const WeighedRows covered =
-        block.full ? WeighedRows{m_ones.data(), 0, weights, rows.count()}
-                   : WeighedRows{block.covered.data() + line, block.stride, weights, rows.count()};
-    addRows(m_coverSums.data(), covered, block.columns);
+    for (const CellRange &part : block.parts()) {
+        const bool ones = block.full.contains(part);
+        addRows(m_coverSums.data(),
+                {ones ? m_ones.data() : block.covered.data() + line, ones ? 0 : block.stride,
+                 weights, rows.count()},
+                part);
+    }
 }
 
 /// Sets the sums of the columns that come to those that are set: to 0, as no row before had any.

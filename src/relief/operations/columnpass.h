@@ -12,12 +12,12 @@ public:
     /// Begins with the new rows `rows` of a layer; `down` is the plan of its columns and outlives
     /// their making.
     void begin(const RowPass::Job &job, const LinePlan &down, CellRange rows);
-    /// Makes one of the rows, in rising order. Only cells that are not 0 are set: `out` holds
-    /// zeros.
-    void makeRow(int row, float *out);
+    /// Makes some of the rows, which follow each other in `out`; from one call to the next they
+    /// rise. Only cells that are not 0 are set: `out` holds zeros.
+    void makeRows(CellRange rows, float *out);
 
 private:
-    void _mix(const Taps &taps, float *out);
+    void _mix(CellRange rows, float *out);
     void _average(const Taps &taps, float *out);
     void _widen(CellRange columns);
     void _add(const WideRows &block, CellRange rows, const double *weights);
@@ -27,7 +27,7 @@ private:
     bool m_covers = false;
     WarmBuffer<float> m_zeros; ///< a row of them
     WarmBuffer<float> m_ones;
-    size_t m_padded = 0;    ///< length of a row of sums
+    int m_length = 0;       ///< of a new row
     CellRange m_columns;    ///< where the sums are set; they are 0 beyond
     bool m_allFull = true;  ///< so far all rows were: then their cover is the same everywhere
     double m_fullSum = 0.0; ///< that cover

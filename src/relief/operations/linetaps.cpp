@@ -53,6 +53,16 @@ CellRange LinePlan::reached(CellRange sources) const
     return {static_cast<int>(first - taps.begin()), static_cast<int>(end - taps.begin())};
 }
 
+CellRange LinePlan::within(CellRange sources) const
+{
+    const auto first = std::partition_point(
+        taps.begin(), taps.end(), [&](const Taps &cell) { return cell.first < sources.first; });
+    const auto end = std::partition_point(first, taps.end(), [&](const Taps &cell) {
+        return cell.first + cell.count <= sources.end;
+    });
+    return {static_cast<int>(first - taps.begin()), static_cast<int>(end - taps.begin())};
+}
+
 LinePlan planLine(int sourceLength, int destinationLength)
 {
     const double ratio = static_cast<double>(sourceLength) / destinationLength;

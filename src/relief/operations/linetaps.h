@@ -24,6 +24,7 @@ struct CellRange
 
     bool isEmpty() const { return first >= end; }
     int count() const { return end - first; }
+    bool contains(CellRange other) const { return first <= other.first && other.end <= end; }
 };
 
 /// The smallest range with all cells of both.
@@ -32,6 +33,13 @@ inline CellRange united(CellRange a, CellRange b)
     if (a.isEmpty() || b.isEmpty())
         return a.isEmpty() ? b : a;
     return {std::min(a.first, b.first), std::max(a.end, b.end)};
+}
+
+/// The cells that both have; none as an empty range.
+inline CellRange intersected(CellRange a, CellRange b)
+{
+    const CellRange both{std::max(a.first, b.first), std::min(a.end, b.end)};
+    return both.isEmpty() ? CellRange{} : both;
 }
 
 /// The taps of every new cell of a line.
@@ -48,6 +56,8 @@ struct LinePlan
     CellRange sources(CellRange cells) const;
     /// The new cells that take from some source cells.
     CellRange reached(CellRange sources) const;
+    /// Those of them that take from no others.
+    CellRange within(CellRange sources) const;
 };
 
 /// Plans a line of another length, both at least 1: linear interpolation between cell centres when

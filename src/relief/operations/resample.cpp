@@ -65,8 +65,8 @@ bool resampleLayers(const Plan &plan, std::vector<LayerJob> jobs, Progress &prog
             const CellRange rows{i % bands * band,
                                  std::min(plan.to.height, (i % bands + 1) * band)};
             pass->begin({layer, &plan.across, jobs[index].covers}, plan.down, rows);
-            for (int row = rows.first; row < rows.end; ++row)
-                pass->makeRow(row, results[index] + static_cast<qsizetype>(row) * plan.to.width);
+            pass->makeRows(rows,
+                           results[index] + static_cast<qsizetype>(rows.first) * plan.to.width);
         }
         passes.giveBack(std::move(pass));
     });

@@ -96,7 +96,7 @@ CellRange filledColumns(const Rows &rows, int width)
     return filled;
 }
 
-/// Lays cells of rows side by side in lanes; true when one of the cells is empty.
+/// Lays cells of rows side by side in lanes; true when none of the cells is empty.
 bool toLanes(const Rows &rows, CellRange columns, float *lanesOut)
 {
     int column = columns.first;
@@ -125,7 +125,24 @@ bool toLanes(const Rows &rows, CellRange columns, float *lanesOut)
             empty |= value == 0.0F;
         }
     }
-    return empty;
+    return !empty;
+}
+
+/// Lays cells of rows side by side in lanes. Returns columns without empty cells: the longest run
+/// of steps that has none.
+CellRange toLanesInSteps(const Rows &rows, CellRange columns, float *lanesOut)
+{
+    CellRange longest;
+    CellRange run{columns.first, columns.first};
+    for (int first = columns.first; first < columns.end; first += scanStep) {
+        const CellRange step{first, std::min(first + scanStep, columns.end)};
+        run.end = step.end;
+        if (!toLanes(rows, step, lanesOut))
+            run.first = step.end;
+        if (run.count() > longest.count())
+            longest = run;
+    }
+    return longest;
 }
 
 /// Lays lanes of some cells back into lines, `stride` apart, from their column `columns.first` on.
@@ -193,6 +210,14 @@ CELL_INLINE inline void sumLanes(const LinePlan &plan, CellRange cells, const fl
     }
 }
 
+/// Without what is left of a group of lanes at an end; at the end of the line there is none.
+CellRange wholeGroups(CellRange columns, int length)
+{
+    const int first = (columns.first + rowLanes - 1) / rowLanes * rowLanes;
+    const int end = columns.end == length ? length : columns.end / rowLanes * rowLanes;
+    return first < end ? CellRange{first, end} : CellRange{};
+}
+
 using SumFunction = void (*)(const LinePlan &, CellRange, const float *, Chunk &);
 
 CELL_LOOP void averageLanes(const LinePlan &plan, CellRange cells, const float *columns, Chunk &out)
@@ -258,21 +283,30 @@ void RowPass::_load(WideRows &block, int firstRow)
         rows[static_cast<size_t>(lane)] =
             m_job.layer.row(std::min(firstRow + lane, block.rows.end - 1));
     block.columns = plan.reached(filledColumns(rows, m_job.layer.width));
-    block.full = false;
+    block.full = m_job.covers ? CellRange{} : CellRange{0, plan.length()};
     if (block.columns.isEmpty())
         return;
-    const bool empties = toLanes(rows, plan.sources(block.columns), m_columns.data());
-    block.full = !m_job.covers || (!empties && block.columns.count() == plan.length());
+    const CellRange filled = toLanesInSteps(rows, plan.sources(block.columns), m_columns.data());
+    if (m_job.covers)
+        block.full = wholeGroups(plan.within(filled), plan.length());
     if (block.columns.count() < plan.length())
         _clearAround(block);
+    for (const CellRange &part : block.parts())
+        _sum(block, part);
+}
 
+/// Sums the new cells of some columns, which are all full or all not.
+void RowPass::_sum(WideRows &block, CellRange columns)
+{
+    const LinePlan &plan = *m_job.across;
+    const bool covers = !block.full.contains(columns);
+    const SumFunction sum = sumFunction(plan.averages, covers);
     Chunk chunk;
-    const SumFunction sum = sumFunction(plan.averages, !block.full);
-    for (int first = block.columns.first; first < block.columns.end; first += chunkCells) {
-        const CellRange cells{first, std::min(first + chunkCells, block.columns.end)};
+    for (int first = columns.first; first < columns.end; first += chunkCells) {
+        const CellRange cells{first, std::min(first + chunkCells, columns.end)};
         sum(plan, cells, m_columns.data(), chunk);
         fromLanes(chunk.values, cells, block.values.data(), block.stride);
-        if (!block.full)
+        if (covers)
             fromLanes(chunk.covered, cells, block.covered.data(), block.stride);
     }
 }
@@ -283,7 +317,7 @@ void RowPass::_clearAround(WideRows &block) const
     const auto first = static_cast<size_t>(block.columns.first);
     const auto end = static_cast<size_t>(block.columns.end);
     for (size_t lane = 0; lane < lanes; ++lane) {
-        for (float *lines : {block.values.data(), block.full ? nullptr : block.covered.data()}) {
+        for (float *lines : {block.values.data(), m_job.covers ? block.covered.data() : nullptr}) {
             if (!lines)
                 continue;
             float *line = lines + lane * block.stride;

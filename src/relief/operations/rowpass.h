@@ -24,12 +24,18 @@ struct WideRows
 {
     CellRange rows;    ///< of the layer; at most `rowLanes`
     CellRange columns; ///< new columns beyond which all cells are 0; none: all rows are empty
-    bool full = true;  ///< all cells are covered: `covered` is not set
+    CellRange full;    ///< whole groups of lanes where `covered` is not set: all are covered
     size_t stride = 0;
     WarmBuffer<float> values;
     WarmBuffer<float> covered; ///< how far each new cell is covered by cells that are not 0
 
     size_t line(int row) const { return static_cast<size_t>(row - rows.first) * stride; }
+    /// The columns before, in and after those that are full; each may be empty.
+    std::array<CellRange, 3> parts() const
+    {
+        return {intersected(columns, {columns.first, full.first}), intersected(columns, full),
+                intersected(columns, {full.end, columns.end})};
+    }
 };
 
 /// Resamples the rows of a layer, a block at a time. The last two blocks are kept: the column pass
@@ -52,6 +58,7 @@ public:
 
 private:
     void _load(WideRows &block, int firstRow);
+    void _sum(WideRows &block, CellRange columns);
     void _clearAround(WideRows &block) const;
 
     Job m_job{};
