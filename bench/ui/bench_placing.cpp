@@ -80,7 +80,7 @@ public:
             addReliefPattern(*waves(patternSide), {"Waves", m_home.folder.path()}, quiet);
         emit m_window->findChild<PatternPanel *>()->placeWanted(pattern.value());
         QTest::qWait(1500);
-        QObject::connect(&flat(), &QOpenGLWidget::frameSwapped, [this] {
+        QObject::connect(&flat(), &GlCanvas::frameSwapped, [this] {
             ++m_compositions;
             m_shown = flat().counters().pictures;
         });

@@ -379,7 +379,8 @@ private slots:
         b.paint();
         QVERIFY(status.wait(1000));
         QVERIFY(status.last().first().toString().startsWith("Position: (1.0"));
-        QSignalSpy frames(&b.view, &QOpenGLWidget::frameSwapped);
+        QCoreApplication::processEvents();
+        QSignalSpy frames(&b.view, &GlCanvas::frameSwapped);
         QVERIFY(QMetaObject::invokeMethod(&b.view, "statusTimeout"));
         QCoreApplication::processEvents();
         QCOMPARE(frames.count(), 0);

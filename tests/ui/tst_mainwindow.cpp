@@ -274,7 +274,7 @@ void TestMainWindow::noControlOfTheToolDockIsCutOff()
 void TestMainWindow::idleWindowDrawsNothing()
 {
     openDome();
-    QSignalSpy frames(m_window->sculptWin(), &QOpenGLWidget::frameSwapped);
+    QSignalSpy frames(m_window->sculptWin(), &GlCanvas::frameSwapped);
     const auto pictures = [this] {
         return m_window->sculptWin()->counters().pictures +
                m_window->flatWin()->counters().pictures;

@@ -45,6 +45,7 @@ void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool s
     if (smooth && !m_samples)
         m_samples = std::make_unique<QOpenGLFramebufferObject>(m_buffer->size(), formatOf(4));
     m_target = smooth && m_samples->isValid() ? m_samples.get() : m_buffer.get();
+    m_before.emplace();
     m_target->bind();
     gl.glViewport(0, 0, m_buffer->width(), m_buffer->height());
     gl.glDepthMask(GL_TRUE);
@@ -60,24 +61,27 @@ void KeptPicture::end(QOpenGLFunctions_2_1 &gl)
     if (m_target != m_buffer.get())
         QOpenGLFramebufferObject::blitFramebuffer(
             m_buffer.get(), m_samples.get(), GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT, GL_NEAREST);
-    QOpenGLFramebufferObject::bindDefault();
+    m_before->bindAgain();
 }
 
-void KeptPicture::draw() const
+void KeptPicture::draw(QOpenGLFramebufferObject *target) const
 {
-    QOpenGLFramebufferObject::blitFramebuffer(nullptr, m_buffer.get(), GL_COLOR_BUFFER_BIT,
+    QOpenGLFramebufferObject::blitFramebuffer(target, m_buffer.get(), GL_COLOR_BUFFER_BIT,
                                               GL_NEAREST);
+    if (target)
+        target->bind();
 }
 
 void KeptPicture::readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const
 {
     if (depth.size() != m_buffer->size())
         depth.resize(m_buffer->size());
+    const BoundFramebuffer before;
     m_buffer->bind();
     gl.glPixelStorei(GL_PACK_ALIGNMENT, 4);
     gl.glReadPixels(0, 0, m_buffer->width(), m_buffer->height(), GL_DEPTH_COMPONENT, GL_FLOAT,
                     depth.data());
-    m_buffer->release();
+    before.bindAgain();
 }
 
 void drawTextureOverViewport(QOpenGLFunctions_2_1 &gl, uint32_t texture)

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "render/engines/boundframebuffer.h"
+
 #include <QColor>
 #include <QSize>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 class QOpenGLFramebufferObject;
 class QOpenGLFunctions_2_1;
@@ -30,14 +33,16 @@ public:
     void begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool smooth);
     void end(QOpenGLFunctions_2_1 &gl);
 
-    /// Copies it into the framebuffer that is the context's default, of the same size.
-    void draw() const;
+    /// Copies it into a framebuffer of the same size, null being the context's default one, and
+    /// leaves that bound.
+    void draw(QOpenGLFramebufferObject *target) const;
     void readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const;
 
 private:
     std::unique_ptr<QOpenGLFramebufferObject> m_buffer;
     std::unique_ptr<QOpenGLFramebufferObject> m_samples; ///< made for the first smooth picture
     QOpenGLFramebufferObject *m_target = nullptr;        ///< between begin() and end()
+    std::optional<BoundFramebuffer> m_before;            ///< bound at begin()
 };
 
 /// A texture stretched over the current viewport, colours as they are. Matrices are lost.

@@ -1,6 +1,7 @@
 #include "render/overlays/gizmopainter.h"
 
 #include "render/camera/depthimage.h"
+#include "render/engines/boundframebuffer.h"
 #include "render/engines/keptpicture.h"
 #include "render/overlays/gizmo.h"
 #include "render/overlays/gizmolabels.h"
@@ -112,6 +113,7 @@ void GizmoPainter::_update(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, con
     }
     m_rotation = rotation;
     ++m_pictures;
+    const BoundFramebuffer before;
     m_smooth->bind();
     gl.glViewport(0, 0, size.width(), size.height());
     gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
@@ -133,9 +135,8 @@ void GizmoPainter::_update(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, con
     _drawLabels(gl, gizmoLabels(view, place.ratio));
     gl.glDisable(GL_BLEND);
     gl.glColor4f(1.0F, 1.0F, 1.0F, 1.0F);
-    m_smooth->release();
     QOpenGLFramebufferObject::blitFramebuffer(m_plain.get(), m_smooth.get());
-    QOpenGLFramebufferObject::bindDefault();
+    before.bindAgain();
 }
 
 void GizmoPainter::_drawLabels(QOpenGLFunctions_2_1 &gl, const QImage &labels)

@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions_2_1>
+#include <QOpenGLPaintDevice>
 #include <QOpenGLVersionFunctionsFactory>
 #include <QPainter>
 
@@ -22,20 +23,10 @@ constexpr int laterInterval = 90; ///< milliseconds
 /// Of a facet in a coarse picture: smaller ones are not worth their time while the hand moves.
 constexpr size_t fewestPixels = 8;
 
-/// The driver draws with the processor.
-bool isSoftwareDriver(QOpenGLFunctions_2_1 &gl)
-{
-    const QByteArray name(reinterpret_cast<const char *>(gl.glGetString(GL_RENDERER)));
-    constexpr const char *software[] = {"llvmpipe",    "softpipe", "swrast",
-                                        "SwiftShader", "Software", "GDI Generic"};
-    return std::any_of(std::begin(software), std::end(software),
-                       [&name](const char *word) { return name.contains(word); });
-}
-
 } // namespace
 
 SurfaceView::SurfaceView(QWidget *parent)
-    : QOpenGLWidget(parent)
+    : GlCanvas(parent)
 {
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -50,7 +41,7 @@ SurfaceView::SurfaceView(QWidget *parent)
     m_laterTimer.setInterval(laterInterval);
     connect(&m_laterTimer, &QTimer::timeout, this, [this] { update(); });
     connect(&m_pace, &PictureQuality::due, this, [this] { update(); });
-    connect(this, &QOpenGLWidget::frameSwapped, &m_pace, &PictureQuality::shown);
+    connect(this, &GlCanvas::frameSwapped, &m_pace, &PictureQuality::shown);
 }
 
 SurfaceView::~SurfaceView()
@@ -152,7 +143,8 @@ void SurfaceView::initializeGL()
     m_gl->glEnable(GL_LINE_SMOOTH);
     m_gl->glLineWidth(1.0F);
     _logErrors();
-    m_pace.setSlow(isSoftwareDriver(*m_gl));
+    m_pace.setSlow(
+        isSoftwareRenderer(reinterpret_cast<const char *>(m_gl->glGetString(GL_RENDERER))));
     prepareGL(*m_gl);
 }
 
@@ -282,7 +274,7 @@ void SurfaceView::_paintOverPicture()
     m_gl->glViewport(0, 0, physical.width(), physical.height());
     m_gl->glDisable(GL_BLEND);
     m_gl->glDisable(GL_DEPTH_TEST);
-    m_picture->draw();
+    m_picture->draw(target());
     // The picture is opaque; overlays leave it so.
     m_gl->glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     m_gl->glDepthMask(GL_FALSE);
@@ -331,7 +323,10 @@ void SurfaceView::releaseOverlays(QOpenGLFunctions_2_1 &)
 
 void SurfaceView::_paintMessage()
 {
-    QPainter painter(this);
+    QOpenGLPaintDevice device(physicalSize(size(), devicePixelRatioF()));
+    device.setDevicePixelRatio(devicePixelRatioF());
+    QPainter painter(&device);
+    painter.setFont(font());
     painter.fillRect(rect(), m_backdrop);
     painter.setPen(m_backdrop.lightness() < 128 ? Qt::white : Qt::black);
     painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,

@@ -3,10 +3,10 @@
 #include "render/camera/arcball.h"
 #include "render/camera/camera.h"
 #include "render/camera/depthimage.h"
+#include "render/views/glcanvas.h"
 #include "render/views/picturequality.h"
 
 #include <QColor>
-#include <QOpenGLWidget>
 #include <QTimer>
 
 #include <memory>
@@ -27,7 +27,7 @@ class Turntable;
 /// size changed; overlays are drawn over it in every frame. On a slow driver (without graphics
 /// hardware) the picture is a draft while the pointer works on it, and drawn in full at rest:
 /// PictureQuality.
-class SurfaceView : public QOpenGLWidget
+class SurfaceView : public GlCanvas
 {
     Q_OBJECT
 

@@ -136,7 +136,7 @@ void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
     if (face > 0)
         setRotation(presetOrientation(face));
     else
-        QOpenGLWidget::mouseDoubleClickEvent(event);
+        GlCanvas::mouseDoubleClickEvent(event);
 }
 
 void SurfaceView::_endInteraction(QPoint position)
@@ -200,7 +200,7 @@ void SurfaceView::keyPressEvent(QKeyEvent *event)
         return k.key == event->key() && !(event->modifiers() & ~Qt::KeypadModifier);
     });
     if (!m_turntable || row == std::end(viewKeys)) {
-        QOpenGLWidget::keyPressEvent(event);
+        GlCanvas::keyPressEvent(event);
         return;
     }
     setRotation(presetOrientation(row->face));
@@ -211,7 +211,7 @@ void SurfaceView::enterEvent(QEnterEvent *event)
 {
     m_pointerInside = true;
     update();
-    QOpenGLWidget::enterEvent(event);
+    GlCanvas::enterEvent(event);
 }
 
 void SurfaceView::leaveEvent(QEvent *event)
@@ -219,7 +219,7 @@ void SurfaceView::leaveEvent(QEvent *event)
     m_pointerInside = false;
     showStatus({});
     update();
-    QOpenGLWidget::leaveEvent(event);
+    GlCanvas::leaveEvent(event);
 }
 
 void SurfaceView::focusInEvent(QFocusEvent *event)
@@ -234,7 +234,7 @@ void SurfaceView::focusInEvent(QFocusEvent *event)
     };
     if (!isOneOf(back))
         m_focusShown = isOneOf(byKey);
-    QOpenGLWidget::focusInEvent(event);
+    GlCanvas::focusInEvent(event);
 }
 
 SurfaceView::PickResult SurfaceView::pick(QPoint position)
