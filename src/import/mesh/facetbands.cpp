@@ -17,13 +17,13 @@ constexpr size_t mostTriangles = size_t{1} << 19;
 /// What drawing these may cost, see findRows(): so little that "Cancel" works promptly even when
 /// they all lie in one band.
 constexpr double mostCost = 1e8;
-/// Triangles that one core sorts at a time.
-constexpr size_t pieceTriangles = 4096;
+/// Triangles that one core sorts at a time: so few that they often lie near each other.
+constexpr size_t pieceTriangles = 1024;
 /// A band is high beside most triangles, and its part of a large grid lies in the cache of a core.
-constexpr int leastBandRows = 64;
+constexpr int leastBandShift = 6;
 /// Triangles of few rows are drawn as a whole and may reach from one band into the next, which is
 /// not drawn at the same time, but not beyond it.
-static_assert(leastBandRows >= mostRowsAtOnce);
+static_assert((1 << leastBandShift) >= mostRowsAtOnce);
 constexpr int mostBands = 128;
 /// Cells to which sorting a triangle compares.
 constexpr qsizetype sortingCells = 16;
@@ -50,23 +50,26 @@ struct Bands
 {
     explicit Bands(const FacetGrid &whole)
         : grid(whole)
-        , rows(std::max(leastBandRows, (whole.rows + mostBands - 1) / mostBands))
     {
-        if (grid.columns < fewestColumnsOfBands)
-            rows = grid.rows;
-        count = (grid.rows + rows - 1) / rows;
+        const auto enough = [this](int most) { return of(grid.rows - 1) < most; };
+        while (!enough(grid.columns < fewestColumnsOfBands ? 1 : mostBands))
+            ++shift;
+        count = of(grid.rows - 1) + 1;
     }
+
+    int of(int row) const { return row >> shift; }
+    RowReach of(const RowReach &reach) const { return {of(reach.first), of(reach.last)}; }
 
     FacetGrid band(int index) const
     {
         FacetGrid result = grid;
-        result.firstRow = index * rows;
-        result.endRow = std::min(grid.rows, result.firstRow + rows);
+        result.firstRow = index << shift;
+        result.endRow = std::min(grid.rows, (index + 1) << shift);
         return result;
     }
 
     FacetGrid grid;
-    int rows;
+    int shift = leastBandShift; ///< a band has 2^shift rows
     int count = 0;
 };
 
@@ -74,30 +77,41 @@ struct Bands
 class BandLists
 {
 public:
-    /// Of triangles from number `first` on: wanted(reach) tells in which bands one is listed.
+    /// Of triangles from number `first` on: wanted(reach) tells in which bands one is listed, all
+    /// among `bands`.
     template <typename Wanted>
-    void sort(std::span<const RowReach> reaches, quint32 first, const Bands &bands, Wanted wanted);
+    void sort(std::span<const RowReach> reaches, quint32 first, const RowReach &bands,
+              Wanted wanted);
+    /// All triangles from number `first` on, in one band.
+    void take(size_t count, quint32 first, int band);
+    void clear() { m_count = 0; }
     std::span<const quint32> of(int band) const
     {
-        const auto index = static_cast<size_t>(band);
+        const auto index = static_cast<size_t>(band - m_first);
+        if (band < m_first || index >= m_count)
+            return {};
         return {m_numbers.data() + m_starts[index], m_numbers.data() + m_starts[index + 1]};
     }
 
 private:
+    int m_first = 0;
+    size_t m_count = 0; ///< bands
     std::vector<quint32> m_starts;
     std::vector<quint32> m_numbers;
 };
 
 template <typename Wanted>
-void BandLists::sort(std::span<const RowReach> reaches, quint32 first, const Bands &bands,
+void BandLists::sort(std::span<const RowReach> reaches, quint32 first, const RowReach &bands,
                      Wanted wanted)
 {
-    m_starts.assign(static_cast<size_t>(bands.count) + 2, 0);
+    m_first = bands.first;
+    m_count = static_cast<size_t>(bands.last - bands.first + 1);
+    m_starts.assign(m_count + 2, 0);
     const auto each = [&](auto visit) {
         for (size_t i = 0; i < reaches.size(); ++i) {
             const RowReach found = wanted(reaches[i]);
             for (int band = found.first; band <= found.last; ++band)
-                visit(static_cast<size_t>(band), first + static_cast<quint32>(i));
+                visit(static_cast<size_t>(band - bands.first), first + static_cast<quint32>(i));
         }
     };
     each([this](size_t band, quint32) { ++m_starts[band + 2]; });
@@ -107,6 +121,15 @@ void BandLists::sort(std::span<const RowReach> reaches, quint32 first, const Ban
     each([this](size_t band, quint32 number) { m_numbers[m_starts[band + 1]++] = number; });
 }
 
+void BandLists::take(size_t count, quint32 first, int band)
+{
+    m_first = band;
+    m_count = 1;
+    m_starts = {0, static_cast<quint32>(count)};
+    m_numbers.resize(count);
+    std::iota(m_numbers.begin(), m_numbers.end(), first);
+}
+
 /// Some triangles in a row, sorted by the bands that they reach.
 class Piece
 {
@@ -114,16 +137,25 @@ public:
     void sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
               const CellPlacement &placement, const Bands &bands);
     double cost() const { return m_cost; }
-    /// Triangles that begin in a band and are drawn at once.
-    std::span<const quint32> low(int band) const { return m_low.of(band); }
+    /// Triangles that begin in a band, or in the next one, and are drawn at once: they end in the
+    /// next one.
+    std::span<const quint32> whole(int band) const { return m_whole.of(band); }
     /// Triangles of which a part lies in a band.
     std::span<const quint32> tall(int band) const { return m_tall.of(band); }
 
 private:
-    BandLists m_low;
+    BandLists m_whole;
     BandLists m_tall;
     double m_cost = 0.0;
 };
+
+RowReach reachOfAll(std::span<const RowReach> reaches)
+{
+    RowReach all = reaches.front();
+    for (const RowReach &reach : reaches)
+        all = {std::min(all.first, reach.first), std::max(all.last, reach.last)};
+    return all;
+}
 
 void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
                  const CellPlacement &placement, const Bands &bands)
@@ -131,18 +163,23 @@ void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
     std::array<RowReach, pieceTriangles> all;
     const std::span<RowReach> reaches(all.data(), range[1] - range[0]);
     m_cost = findRows(mesh, range[0], placement, bands.grid, reaches);
+    const RowReach reached = bands.of(reachOfAll(reaches));
+    if (reached.last <= reached.first + 1) {
+        m_whole.take(reaches.size(), range[0], reached.first);
+        m_tall.clear();
+        return;
+    }
     if (m_cost > mostCost && reaches.size() > 1)
         return; // too much for one time; there is no telling how long the lists would be
     const auto isLow = [](const RowReach &reach) {
         return reach.last - reach.first < mostRowsAtOnce;
     };
-    m_low.sort(reaches, range[0], bands, [&](const RowReach &reach) {
-        const int band = reach.first / bands.rows;
+    m_whole.sort(reaches, range[0], reached, [&](const RowReach &reach) {
+        const int band = bands.of(reach.first);
         return isLow(reach) ? RowReach{band, band} : RowReach{0, -1};
     });
-    m_tall.sort(reaches, range[0], bands, [&](const RowReach &reach) {
-        return isLow(reach) ? RowReach{0, -1}
-                            : RowReach{reach.first / bands.rows, reach.last / bands.rows};
+    m_tall.sort(reaches, range[0], reached, [&](const RowReach &reach) {
+        return isLow(reach) ? RowReach{0, -1} : bands.of(reach);
     });
 }
 
@@ -227,7 +264,7 @@ bool MeshDrawing::_drawBands(int first)
         for (; half < end; ++half) {
             const int index = 2 * half + first;
             for (const Piece &piece : m_pieces) {
-                drawFacets(m_mesh, piece.low(index), m_placement, m_bands.grid);
+                drawFacets(m_mesh, piece.whole(index), m_placement, m_bands.grid);
                 drawFacets(m_mesh, piece.tall(index), m_placement, m_bands.band(index));
             }
         }

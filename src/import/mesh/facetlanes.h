@@ -51,34 +51,14 @@ CELL_INLINE inline void raiseFour(float *cells, const FourDoubles &heights)
     std::memcpy(cells, &raised, sizeof(raised));
 }
 
-/// One edge of a facet. The side of it that a point lies on, times the edge's length, is 0 on the
-/// edge and positive inside the facet.
-struct FacetEdge
-{
-    double fromX, fromY;
-    double perRow;    ///< change of the side to the next row
-    double perColumn; ///< change from the next column
-    double least;     ///< side of points that count as inside
-
-    CELL_INLINE void sides(double column, double row, FourDoubles &result) const
-    {
-        const FourDoubles columns = FourDoubles{column, column + 1.0, column + 2.0, column + 3.0};
-        result = perRow * (row - fromY) - perColumn * (columns - fromX);
-    }
-};
-
-CELL_INLINE inline FacetEdge facetEdge(const FacetPoint &from, const FacetPoint &to)
-{
-    const double dx = to.x - from.x;
-    const double dy = to.y - from.y;
-    return {from.x, from.y, dx, dy, -facetTolerance * std::max(std::abs(dx), std::abs(dy))};
-}
-
 /// Twice the area of a facet as seen from above; positive when it turns counter-clockwise.
 CELL_INLINE inline double doubleArea(const FacetCorners &f)
 {
     return (f[1].x - f[0].x) * (f[2].y - f[0].y) - (f[1].y - f[0].y) * (f[2].x - f[0].x);
 }
+
+/// Of the square of the altitudes, see isBroad().
+inline constexpr double broadness = 0.0625;
 
 /// Whether all three altitudes of a facet, as seen from above, are at least a quarter of a cell:
 /// then the height over a point next to it follows from its plane.
@@ -90,65 +70,7 @@ CELL_INLINE inline bool isBroad(const FacetCorners &f, double area)
         return dx * dx + dy * dy;
     };
     const double longest = std::max({squared(0, 1), squared(1, 2), squared(2, 0)});
-    return area * area > longest * 0.0625;
-}
-
-/// A broad facet that turns counter-clockwise: the edges opposite to its corners, and what their
-/// sides add to the height.
-struct FacetSides
-{
-    std::array<FacetEdge, 3> edges;
-    std::array<double, 3> heights;
-};
-
-CELL_INLINE inline FacetSides facetSides(const FacetCorners &f, double inverseArea)
-{
-    return {{facetEdge(f[1], f[2]), facetEdge(f[2], f[0]), facetEdge(f[0], f[1])},
-            {f[0].z * inverseArea, f[1].z * inverseArea, f[2].z * inverseArea}};
-}
-
-struct LanePlace
-{
-    int column, row;
-    int rows;
-    int firstColumn; ///< of the facet: cells before are left as they are
-};
-
-/// Farther from an edge than any point of a grid.
-inline constexpr double outside = 1e300;
-
-/// Raises `rows` rows of a number of groups of four cells to a facet; `cells` is the first of them.
-/// All cells must lie in the grid. More groups keep the processor busier.
-template <int groups>
-CELL_INLINE inline void fillGroups(float *cells, int stride, const FacetSides &facet,
-                                   const LanePlace &place)
-{
-    const auto &[a, b, c] = facet.edges;
-    const auto [za, zb, zc] = facet.heights;
-    FourDoubles as[groups], bs[groups], cs[groups];
-#pragma GCC unroll 2
-    for (int g = 0; g < groups; ++g) {
-        a.sides(place.column + g * laneCount, place.row, as[g]);
-        b.sides(place.column + g * laneCount, place.row, bs[g]);
-        c.sides(place.column + g * laneCount, place.row, cs[g]);
-        if (place.column < place.firstColumn) {
-            const FourInts columns = place.column + g * laneCount + FourInts{0, 1, 2, 3};
-            as[g] = __builtin_convertvector(columns, FourDoubles) < place.firstColumn
-                        ? FourDoubles{} - outside
-                        : as[g];
-        }
-    }
-    for (int r = 0; r < place.rows; ++r, cells += stride) {
-#pragma GCC unroll 2
-        for (int g = 0; g < groups; ++g) {
-            const FourDoubles height = as[g] * za + bs[g] * zb + cs[g] * zc;
-            const auto inside = (as[g] >= a.least) & (bs[g] >= b.least) & (cs[g] >= c.least);
-            raiseFour(cells + g * laneCount, inside ? height : FourDoubles{});
-            as[g] += a.perRow;
-            bs[g] += b.perRow;
-            cs[g] += c.perRow;
-        }
-    }
+    return area * area > longest * broadness;
 }
 
 /// Raises cells `first`..`last` of a row to a plane; `height` is that over the first. The row ends

@@ -1,6 +1,7 @@
 #include "import/mesh/facetrows.h"
 
 #include "import/mesh/facetedges.h"
+#include "import/mesh/facetfours.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,9 +10,8 @@ namespace marlowen {
 
 namespace {
 
-/// Boxes up to this size are drawn cell by cell, larger ones row by row.
-constexpr int smallColumns = 16;
-constexpr int smallRows = mostRowsAtOnce - 1;
+/// Facets whose lanes are found before they are drawn: four at a time.
+constexpr size_t foursAtOnce = 8;
 /// What drawing costs, in half nanoseconds beside one for each cell of the box.
 constexpr double facetCost = 64.0;
 constexpr double smallRowCost = 8.0;
@@ -143,24 +143,21 @@ CELL_INLINE inline void fillBroad(const FacetGrid &grid, const FacetCorners &cor
 }
 
 /// A broad facet of few cells: every cell of its box is asked for its side of the edges.
-CELL_INLINE inline void fillSmall(const FacetGrid &grid, FacetCorners &corners, double area,
+CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t lane,
                                   const Reach &reach)
 {
-    if (area < 0.0)
-        std::swap(corners[1], corners[2]);
     const int rows = reach.lastRow - reach.firstRow + 1;
-    const FacetSides sides = facetSides(corners, 1.0 / std::abs(area));
     int column = reach.firstColumn;
     const bool wide = grid.columns >= fewestColumnsOfBands;
     for (; wide && column + laneCount <= reach.lastColumn; column += 2 * laneCount) {
         const int first = std::min(column, grid.columns - 2 * laneCount);
-        fillGroups<2>(cellAt(grid, first, reach.firstRow), grid.columns, sides,
-                      {first, reach.firstRow, rows, column});
+        fillGroups<2>(cellAt(grid, first, reach.firstRow), grid.columns, facets, lane,
+                      {first, rows, column});
     }
     for (; column <= reach.lastColumn; column += laneCount) {
         const int first = wide ? std::min(column, grid.columns - laneCount) : column;
-        fillGroups<1>(cellAt(grid, first, reach.firstRow), grid.columns, sides,
-                      {first, reach.firstRow, rows, column});
+        fillGroups<1>(cellAt(grid, first, reach.firstRow), grid.columns, facets, lane,
+                      {first, rows, column});
     }
 }
 
@@ -175,45 +172,14 @@ CELL_INLINE inline void sortByY(FacetCorners &corners)
         std::swap(a, b);
 }
 
-CELL_INLINE inline Reach reachOf(const FacetCorners &f, const FacetGrid &grid)
+/// A facet of any size, its part in the band.
+CELL_INLINE inline void fillRows(const FacetGrid &grid, FacetCorners &corners, Reach reach)
 {
-    const auto low = [](double a, double b, double c) {
-        return ceilInt(std::min(std::min(a, b), c) - facetTolerance);
-    };
-    const auto high = [](double a, double b, double c) {
-        return floorInt(std::max(std::max(a, b), c) + facetTolerance);
-    };
-    return {std::max(0, low(f[0].x, f[1].x, f[2].x)),
-            std::min(grid.columns - 1, high(f[0].x, f[1].x, f[2].x)),
-            std::max(0, low(f[0].y, f[1].y, f[2].y)),
-            std::min(grid.rows - 1, high(f[0].y, f[1].y, f[2].y))};
-}
-
-CELL_INLINE inline bool isSmall(const Reach &reach)
-{
-    return reach.lastColumn - reach.firstColumn < smallColumns &&
-           reach.lastRow - reach.firstRow < smallRows;
-}
-
-CELL_INLINE inline void drawFacet(const FacetGrid &grid, FacetCorners corners)
-{
-    Reach reach = reachOf(corners, grid);
-    const bool raises = corners[0].z > 0.0 || corners[1].z > 0.0 || corners[2].z > 0.0;
-    if (!raises || reach.empty())
-        return;
-    const double area = doubleArea(corners);
-    const bool broad = isBroad(corners, area);
-    // Groups of lanes may reach beyond the facet, not beyond the grid.
-    const bool roomy =
-        cellAt(grid, reach.lastColumn + laneCount, reach.lastRow) <= cellAt(grid, 0, grid.rows);
-    if (broad && roomy && isSmall(reach)) {
-        fillSmall(grid, corners, area, reach);
-        return;
-    }
     reach.firstRow = std::max(reach.firstRow, grid.firstRow);
     reach.lastRow = std::min(reach.lastRow, grid.endRow - 1);
     if (reach.empty())
         return;
+    const bool broad = isBroad(corners, doubleArea(corners));
     snap(corners);
     sortByY(corners);
     if (broad)
@@ -231,47 +197,67 @@ CELL_INLINE inline FacetCorners cornersOf(const TriangleMesh &mesh, size_t numbe
             placed(mesh.corner(triangle, 2), placement)};
 }
 
-/// The lowest and highest of the corners along an axis of the grid.
-struct AxisReach
-{
-    double low, high;
-};
-
-CELL_INLINE inline AxisReach axisReach(const TriangleMesh &mesh, const MeshTriangle &triangle,
-                                       const CellPlacement &placement, size_t axis)
-{
-    const double a = placedAlong(mesh.corner(triangle, 0), placement, axis);
-    const double b = placedAlong(mesh.corner(triangle, 1), placement, axis);
-    const double c = placedAlong(mesh.corner(triangle, 2), placement, axis);
-    return {std::min(std::min(a, b), c), std::max(std::max(a, b), c)};
-}
-
 } // namespace
 
 CELL_LOOP double findRows(const TriangleMesh &mesh, quint32 first, const CellPlacement &placement,
                           const FacetGrid &grid, std::span<RowReach> reaches)
 {
-    const double lastRow = grid.rows - 1;
-    double cost = 0.0;
-    for (RowReach &reach : reaches) {
-        const MeshTriangle &triangle = mesh.triangles[first++];
-        const AxisReach x = axisReach(mesh, triangle, placement, 0);
-        const AxisReach y = axisReach(mesh, triangle, placement, 1);
-        reach = {static_cast<int>(std::min(std::max(y.low, 0.0), lastRow)),
-                 static_cast<int>(std::min(std::max(y.high + facetTolerance, 0.0), lastRow))};
-        const int rows = reach.last - reach.first + 1;
-        const double columns = x.high - x.low + 1.0;
-        const bool small = columns <= smallColumns && rows <= smallRows;
-        cost += facetCost + rows * (columns + (small ? smallRowCost : largeRowCost));
+    const FourDoubles lastRow = FourDoubles{} + (grid.rows - 1);
+    const size_t count = reaches.size();
+    const MeshTriangle *start = mesh.triangles.data() + first;
+    FourDoubles cost{};
+    for (size_t i = 0; i < count; i += laneCount) {
+        const FourCorners corners(mesh, fourFrom(i, count, [start](size_t n) { return start + n; }),
+                                  placement);
+        const FourReaches across(corners.x);
+        const FourReaches along(corners.y);
+        FourDoubles low, high;
+        highest(along.low, FourDoubles{}, low);
+        lowest(low, lastRow, low);
+        highest(along.high + facetTolerance, FourDoubles{}, high);
+        lowest(high, lastRow, high);
+        const FourInts lows = __builtin_convertvector(low, FourInts);
+        const FourInts highs = __builtin_convertvector(high, FourInts);
+        for (size_t lane = 0; lane < std::min<size_t>(laneCount, count - i); ++lane)
+            reaches[i + lane] = {lows[lane], highs[lane]};
+        const FourDoubles rows = __builtin_convertvector(highs - lows + 1, FourDoubles);
+        const FourDoubles columns = across.high - across.low + 1.0;
+        const auto few = (columns <= double{smallColumns}) & (rows <= double{smallRows});
+        const FourDoubles perRow =
+            few ? FourDoubles{} + smallRowCost : FourDoubles{} + largeRowCost;
+        cost += facetCost + rows * (columns + perRow);
     }
-    return cost;
+    return cost[0] + cost[1] + cost[2] + cost[3];
 }
 
 CELL_LOOP void drawFacets(const TriangleMesh &mesh, std::span<const quint32> numbers,
                           const CellPlacement &placement, const FacetGrid &grid)
 {
-    for (const quint32 number : numbers)
-        drawFacet(grid, cornersOf(mesh, number, placement));
+    std::array<FourFacets, foursAtOnce> fours;
+    for (; !numbers.empty();
+         numbers = numbers.subspan(std::min(numbers.size(), laneCount * foursAtOnce))) {
+        const size_t count = std::min(numbers.size(), laneCount * foursAtOnce);
+        const auto triangle = [&](size_t n) { return mesh.triangles.data() + numbers[n]; };
+        for (size_t i = 0; i < count; i += laneCount)
+            fours[i / laneCount].find({mesh, fourFrom(i, count, triangle), placement}, grid);
+        for (size_t i = 0; i < count; ++i) {
+            const FourFacets &four = fours[i / laneCount];
+            const size_t lane = i % laneCount;
+            if (!four.raising[lane])
+                continue;
+            const Reach reach{four.firstColumn[lane], four.lastColumn[lane], four.firstRow[lane],
+                              four.lastRow[lane]};
+            // Groups of lanes may reach beyond the facet, not beyond the grid.
+            const bool roomy = cellAt(grid, reach.lastColumn + laneCount, reach.lastRow) <=
+                               cellAt(grid, 0, grid.rows);
+            if (roomy && four.small[lane]) {
+                fillSmall(grid, four, lane, reach);
+            } else {
+                FacetCorners corners = cornersOf(mesh, numbers[i], placement);
+                fillRows(grid, corners, reach);
+            }
+        }
+    }
 }
 
 } // namespace marlowen
