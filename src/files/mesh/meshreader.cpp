@@ -1,5 +1,7 @@
 #include "files/mesh/meshreader.h"
 
+#include "files/export/meshexport.h"
+#include "files/formats.h"
 #include "files/mesh/objfilereader.h"
 #include "files/safefile.h"
 
@@ -33,7 +35,7 @@ Failure emptyMesh(const MeshProblems &problems)
 
 bool isObjFile(const QString &name)
 {
-    return name.endsWith(QLatin1String(".obj"), Qt::CaseInsensitive);
+    return formatOf(name) == &meshFormat(MeshFormat::Obj);
 }
 
 Result<ReadMesh> readMesh(const QString &path, const MeshReadOptions &options, Progress &progress)
