@@ -3,8 +3,8 @@
 #include "files/mesh/trianglemesh.h"
 
 #include <array>
-#include <bit>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <span>
 
@@ -13,23 +13,27 @@ namespace marlowen {
 /// A corner of a facet as STL files have it.
 using WeldCorner = std::array<float, 3>;
 
-/// Whether two finite corners without -0.0 have the same values.
-inline bool isSame(const WeldCorner &a, const WeldCorner &b)
+/// Its bits. Those of finite corners without -0.0 are the same exactly where the values are.
+struct WeldBits
 {
-    const auto differ = [&](size_t i) {
-        return std::bit_cast<quint32>(a[i]) ^ std::bit_cast<quint32>(b[i]);
-    };
-    return (differ(0) | differ(1) | differ(2)) == 0;
-}
+    quint64 xy = ~quint64{0}; ///< no number, and so no corner's
+    quint32 z = ~quint32{0};
+
+    WeldBits() = default;
+    /// Of twelve bytes.
+    explicit WeldBits(const void *corner)
+    {
+        std::memcpy(&xy, corner, sizeof(xy));
+        std::memcpy(&z, static_cast<const char *>(corner) + sizeof(xy), sizeof(z));
+    }
+    bool operator==(const WeldBits &) const = default;
+};
 
 /// The number by which tables find a corner without -0.0.
-inline quint32 weldHash(const WeldCorner &corner)
+inline quint32 weldHash(const WeldBits &corner)
 {
-    const auto bits = [&](size_t i) {
-        return static_cast<quint64>(std::bit_cast<quint32>(corner[i]));
-    };
-    quint64 hash = (bits(0) | bits(1) << 32) * 0x9E3779B97F4A7C15U;
-    hash = (hash ^ hash >> 32 ^ bits(2)) * 0xD6E8FEB86659FD93U;
+    quint64 hash = corner.xy * 0x9E3779B97F4A7C15U;
+    hash = (hash ^ hash >> 32 ^ corner.z) * 0xD6E8FEB86659FD93U;
     return static_cast<quint32>(hash >> 32);
 }
 
@@ -46,23 +50,21 @@ public:
     void weld(std::span<const WeldCorner> corners, const quint32 *hashes, quint32 *places);
 
 private:
-    /// Of the table; all zeros when vacant.
-    struct Slot
-    {
-        quint32 hash;
-        quint32 placeAndOne;
-    };
     struct Free
     {
-        void operator()(Slot *table) const { std::free(table); }
+        void operator()(quint32 *table) const { std::free(table); }
     };
 
+    bool _mayBe(quint32 slot, quint32 hash) const { return ((slot ^ hash) & ~m_placeBits) == 0; }
     quint32 _place(const WeldCorner &corner, quint32 hash);
     void _grow(size_t slotCount);
 
     LargeVector<MeshPoint> &m_positions;
-    std::unique_ptr<Slot[], Free> m_slots;
-    size_t m_slotCount = 0; ///< a power of two
+    /// The table, a power of two of slots. A corner lies in the slot that the low bits of its hash
+    /// name, or behind it. A slot has the place plus 1 in these bits and the other bits of the hash
+    /// above them; all zeros when vacant.
+    std::unique_ptr<quint32[], Free> m_slots;
+    quint32 m_placeBits = 0;
 };
 
 } // namespace marlowen

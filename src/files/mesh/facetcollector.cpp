@@ -15,8 +15,11 @@ void FacetCollector::take(const FacetPiece &piece)
     m_places.resize(piece.corners().size());
     m_weld.weld(piece.corners(), piece.hashes().data(), m_places.data());
     const quint32 *const places = m_places.data();
+    const size_t before = m_mesh.triangles.size();
+    m_mesh.triangles.resize(before + piece.triangles().size());
+    MeshTriangle *next = m_mesh.triangles.data() + before;
     for (const auto &[a, b, c] : piece.triangles())
-        m_mesh.triangles.push_back({places[a], places[b], places[c]});
+        *next++ = {places[a], places[b], places[c]};
 }
 
 void FacetCollector::add(const FacetPiece::Facet &facet)

@@ -10,8 +10,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
+#include <mutex>
+#include <span>
 #include <string>
+#include <utility>
 
 namespace marlowen {
 
@@ -20,8 +22,7 @@ namespace {
 static_assert(std::endian::native == std::endian::little, "facets are read as they lie in memory");
 
 constexpr quint64 headerBytes = 80;
-constexpr quint64 facetBytes = 50;
-constexpr quint64 normalBytes = 12;
+constexpr quint64 facetBytes = FacetPiece::recordBytes;
 constexpr size_t blockFacets = FacetPiece::mostFacets;
 /// Shortest text of a facet, about; the guess from the size of a text file.
 constexpr qint64 textFacetBytes = 250;
@@ -72,62 +73,82 @@ bool isText(const QByteArray &start)
 /// Facets of the file on their way.
 struct Slot
 {
+    quint64 first = 0; ///< of them
+    size_t wanted = 0; ///< how many
+    size_t found = 0;  ///< fewer where the file ends early
     std::vector<char> bytes;
-    size_t facets = 0; ///< in the bytes
     FacetPiece piece;
     std::vector<FacetFault> faults; ///< of the facets that are left out
 };
 
-/// Fills the slot with at most `wanted` facets, as far as the device gives.
-void readFacets(QIODevice &device, Slot &slot, quint64 wanted)
+/// The bytes of a device for several threads.
+class SharedDevice
 {
-    slot.bytes.resize(std::min<quint64>(blockFacets, wanted) * facetBytes);
-    quint64 filled = 0;
-    while (filled < slot.bytes.size()) {
-        const qint64 got = device.read(slot.bytes.data() + filled,
-                                       static_cast<qint64>(slot.bytes.size() - filled));
-        if (got <= 0)
-            break;
-        filled += static_cast<quint64>(got);
+public:
+    explicit SharedDevice(QIODevice &device)
+        : m_device(device)
+    {
     }
-    slot.facets = filled / facetBytes;
-}
 
-void weldFacets(Slot &slot)
-{
-    slot.piece.clear();
-    slot.faults.clear();
-    for (size_t i = 0; i < slot.facets; ++i) {
-        FacetPiece::Facet facet;
-        std::memcpy(facet.data(), slot.bytes.data() + i * facetBytes + normalBytes, sizeof(facet));
-        const FacetFault fault = slot.piece.add(facet);
-        if (fault != FacetFault::None)
-            slot.faults.push_back(fault);
+    /// Fills the buffer from byte `first` on, as far as the device gives; returns how far.
+    size_t read(quint64 first, std::span<char> buffer)
+    {
+        const std::lock_guard guard(m_mutex);
+        size_t filled = 0;
+        if (!m_device.seek(static_cast<qint64>(first)))
+            return filled;
+        while (filled < buffer.size()) {
+            const qint64 got =
+                m_device.read(buffer.data() + filled, static_cast<qint64>(buffer.size() - filled));
+            if (got <= 0)
+                break;
+            filled += static_cast<size_t>(got);
+        }
+        return filled;
     }
-}
+
+private:
+    QIODevice &m_device;
+    std::mutex m_mutex;
+};
 
 void readBinary(QIODevice &device, Progress &progress, const Layout &layout, ReadMesh &into)
 {
     FacetCollector facets(into.mesh, into.problems, layout.facets);
     std::vector<Slot> pieces(pieceSlots());
+    SharedDevice shared(device);
+    quint64 begun = 0;
     quint64 done = 0;
-    if (layout.facets > 0)
-        device.seek(static_cast<qint64>(layout.firstByte));
+    bool ended = false;
     PieceSteps steps;
     steps.fill = [&](size_t slot) {
-        if (done == layout.facets || progress.cancelled())
+        if (begun == layout.facets || ended || progress.cancelled())
             return false;
-        readFacets(device, pieces[slot], layout.facets - done);
-        done += pieces[slot].facets;
-        progress.advance(static_cast<double>(done) / static_cast<double>(layout.facets));
-        return pieces[slot].facets > 0;
+        const size_t wanted = std::min<quint64>(blockFacets, layout.facets - begun);
+        pieces[slot].first = std::exchange(begun, begun + wanted);
+        pieces[slot].wanted = wanted;
+        return true;
     };
-    steps.work = [&](size_t slot) { weldFacets(pieces[slot]); };
+    // Reading is work too: the thread that takes the pieces has the most to do.
+    steps.work = [&](size_t slot) {
+        Slot &mine = pieces[slot];
+        mine.bytes.resize(mine.wanted * facetBytes);
+        mine.found =
+            shared.read(layout.firstByte + mine.first * facetBytes, mine.bytes) / facetBytes;
+        mine.piece.clear();
+        mine.faults.clear();
+        mine.piece.addRecords({mine.bytes.data(), mine.found * facetBytes}, mine.faults);
+    };
     steps.take = [&](size_t slot) {
-        for (const FacetFault fault : pieces[slot].faults)
+        if (ended || progress.cancelled())
+            return;
+        const Slot &taken = pieces[slot];
+        for (const FacetFault fault : taken.faults)
             into.problems.add(facetProblem(fault));
-        if (!progress.cancelled())
-            facets.take(pieces[slot].piece);
+        facets.take(taken.piece);
+        done += taken.found;
+        ended = taken.found < taken.wanted;
+        progress.advance(static_cast<double>(done) / static_cast<double>(layout.facets));
     };
     workThroughPieces(steps);
     if (progress.cancelled() || (layout.whole && done == layout.facets))
