@@ -38,12 +38,14 @@ Outcome rasterizeAction(ScriptState &state, const QJsonObject &)
 {
     if (const Outcome open = needModel(state); !open)
         return open;
-    const ModelOnBench &model = *state.bench.model;
+    auto &model = state.bench.model;
+    const QString file = model->file;
+    const ShapeImport import{.settings = model->settings, .shapeDone = [&model] { model.reset(); }};
     Result<std::unique_ptr<Relief>> relief =
-        rasteriseFile(model.file, model.shape, model.settings, state.progress());
+        rasteriseFile(file, model->shape, import, state.progress());
     if (!relief)
         return relief.failure();
-    state.bench.take(relief.take(), model.file);
+    state.bench.take(relief.take(), file);
     return {};
 }
 

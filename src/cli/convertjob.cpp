@@ -87,7 +87,8 @@ Outcome checkFiles(const QStringList &files, const ConvertJob &job)
     return {};
 }
 
-/// The relief of the input, its import open where it has one.
+/// The relief of the input. Its import is open where it has one, that of a mesh only for a
+/// bas-relief.
 Result<std::unique_ptr<Relief>> openInput(const ConvertJob &job, Progress &progress)
 {
     if (!opensAsModel(job.input))
@@ -95,9 +96,10 @@ Result<std::unique_ptr<Relief>> openInput(const ConvertJob &job, Progress &progr
     Result<OpenedModel> opened = openModelFile(job.input, job.model.options, progress);
     if (!opened)
         return opened.failure();
-    OpenedModel model = opened.take();
-    orient(model.shape, job.model);
-    return rasteriseFile(job.input, model.shape, job.settings, progress);
+    std::optional<OpenedModel> model = opened.take();
+    orient(model->shape, job.model);
+    const ShapeImport import{job.settings, !job.settings.basRelief, [&model] { model.reset(); }};
+    return rasteriseFile(job.input, model->shape, import, progress);
 }
 
 Outcome shape(ScriptState &state, const ConvertJob &job)

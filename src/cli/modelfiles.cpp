@@ -2,7 +2,6 @@
 
 #include "cli/clifiles.h"
 #include "files/mesh/trianglemesh.h"
-#include "import/mesh/rasterise.h"
 
 #include <QJsonArray>
 
@@ -71,9 +70,9 @@ Result<OpenedModel> openModelFile(const QString &path, const ModelOptions &optio
 }
 
 Result<std::unique_ptr<Relief>> rasteriseFile(const QString &path, const FacetShape &shape,
-                                              const ImportSettings &settings, Progress &progress)
+                                              const ShapeImport &import, Progress &progress)
 {
-    Result<std::unique_ptr<Relief>> relief = importShape(shape, settings, progress);
+    Result<std::unique_ptr<Relief>> relief = importShape(shape, import, progress);
     if (!relief)
         return explained(path, relief.failure(), progress);
     return relief.take();

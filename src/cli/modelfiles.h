@@ -3,6 +3,7 @@
 #include "cli/commandoptions.h"
 #include "cli/scriptstate.h"
 #include "import/mesh/openmodel.h"
+#include "import/mesh/rasterise.h"
 
 #include <QJsonObject>
 
@@ -17,7 +18,7 @@ Result<OpenedModel> openModelFile(const QString &path, const ModelOptions &optio
                                   Progress &progress);
 /// As importShape(); the failure names the file.
 Result<std::unique_ptr<Relief>> rasteriseFile(const QString &path, const FacetShape &shape,
-                                              const ImportSettings &settings, Progress &progress);
+                                              const ShapeImport &import, Progress &progress);
 
 /// What a model is, under the key "mesh": corners, facets, problems, box, unit, area.
 QJsonObject describe(const OpenedModel &model);

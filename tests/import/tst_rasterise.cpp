@@ -133,6 +133,7 @@ private slots:
     void exportedReliefComesBack();
     void refusals();
     void opensAnImport();
+    void endsAnImportAtOnce();
 };
 
 void TestRasterise::everyGridPoint_data()
@@ -289,6 +290,23 @@ void TestRasterise::opensAnImport()
     QCOMPARE(made->heightAt(8, 0), 4.0F);
     QCOMPARE(made->heightAt(0, 8), 2.0F);
     QVERIFY(made->source() != nullptr);
+}
+
+void TestRasterise::endsAnImportAtOnce()
+{
+    Progress silent;
+    std::optional<FacetShape> shape = shapeOf({{{{0, 0, 0}, {8, 0, 4}, {0, 8, 2}}}}, 1.0 / 128);
+    const ImportSettings deeper{.depth = 8.0};
+    const std::unique_ptr<Relief> open = importShape(*shape, {deeper}, silent).take();
+    const std::unique_ptr<Relief> ended =
+        importShape(*shape, {deeper, true, [&shape] { shape.reset(); }}, silent).take();
+    QVERIFY(!shape);
+    QVERIFY(!ended->source());
+    QCOMPARE(ended->rangeMaximum, open->rangeMaximum);
+    for (qsizetype cell = 0; cell < open->cells(); ++cell) {
+        QCOMPARE(ended->heightAt(cell), open->heightAt(cell));
+        QCOMPARE(ended->referenceLayer().constData()[cell], open->heightAt(cell));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestRasterise)

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 
 #include <new>
+#include <utility>
 
 namespace marlowen {
 
@@ -51,14 +52,24 @@ Result<LayerGrid> rasterise(const FacetShape &shape, Progress &progress)
     }
 }
 
-Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const ImportSettings &settings,
+Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const ShapeImport &import,
                                             Progress &progress)
 {
     Result<LayerGrid> grid = rasterise(shape, progress);
     if (!grid)
         return grid.failure();
     try {
-        return std::make_unique<Relief>(std::make_unique<ImportSource>(grid.take(), settings));
+        auto relief = std::make_unique<Relief>(grid.value().width, grid.value().height);
+        auto source = std::make_unique<ImportSource>(grid.take(), import.settings);
+        if (import.shapeDone)
+            import.shapeDone();
+        source->computeHeights(relief->heights().data());
+        relief->rangeMaximum = source->valueRange();
+        if (import.accepted)
+            source.reset();
+        relief->referenceLayer().copyFrom(relief->heights());
+        relief->setSource(std::move(source));
+        return relief;
     } catch (const std::bad_alloc &) {
         return openFailed(QStringLiteral("not enough memory"));
     }

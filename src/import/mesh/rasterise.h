@@ -7,6 +7,7 @@
 #include "relief/grid/layergrid.h"
 #include "relief/grid/relief.h"
 
+#include <functional>
 #include <memory>
 
 namespace marlowen {
@@ -21,9 +22,21 @@ namespace marlowen {
 /// when the user cancelled.
 Result<LayerGrid> rasterise(const FacetShape &shape, Progress &progress);
 
+/// How a shape becomes a relief.
+struct ShapeImport
+{
+    ImportSettings settings;
+    /// The import ends at once, without a bas-relief, so that its source values take no memory
+    /// beside the finished relief.
+    bool accepted = false;
+    /// Called, where set, when the relief is certain and the shape is needed no more. It may end
+    /// the shape, so that the mesh takes no memory beside the heights.
+    std::function<void()> shapeDone = {};
+};
+
 /// A relief whose import is open on the rasterised shape. With a depth of 0 its heights are cells.
 /// No margin is added. Fails as rasterise() does.
-Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const ImportSettings &settings,
+Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const ShapeImport &import,
                                             Progress &progress);
 
 } // namespace marlowen

@@ -99,12 +99,17 @@ void ModelController::accept()
     const FacetShape *shape = _shape();
     if (!shape || dialogsOpen())
         return;
+    const QString file = m_bench.model->file;
+    const ShapeImport import{.settings = m_bench.model->settings, .shapeDone = [this] {
+                                 m_parts.view->setMesh(nullptr);
+                                 m_bench.model.reset();
+                             }};
     Result<std::unique_ptr<Relief>> relief = [&] {
         ProgressBox progress(tr("Making the relief"), m_window);
-        return importShape(*shape, m_bench.model->settings, progress);
+        return importShape(*shape, import, progress);
     }();
     if (relief)
-        m_bench.take(relief.take(), m_bench.model->file);
+        m_bench.take(relief.take(), file);
     else if (!relief.failure().sentence.isEmpty())
         showFailure(m_window, relief.failure());
 }
