@@ -1,5 +1,6 @@
 #include "base/qevsettings.h"
 #include "flatstage.h"
+#include "relief/operations/operations.h"
 #include "render/engines/shader.h"
 
 #include <QSignalSpy>
@@ -28,6 +29,7 @@ class TestFlatWin : public QObject
     Q_OBJECT
 
 private slots:
+    void focusShowsOnlyWhenAKeyBroughtIt(); // first: a window just shown is the active one
     void clicksGoThroughTheEngine();
     void sculptToolsDoNothingHere();
     void heightsShowInLevels_data();
@@ -37,9 +39,26 @@ private slots:
     void outlineLiesOnCellEdges();
     void footprintOnlyForItsTools();
     void maskIsShown();
+    void fitsAgainInAnotherSizeUntilZoomed();
     void oddReliefsAndWindows();
     void cleanupTestCase() { KeptView<FlatWin>::drop(); }
 };
+
+void TestFlatWin::focusShowsOnlyWhenAKeyBroughtIt()
+{
+    Stage stage;
+    QVERIFY(QTest::qWaitForWindowActive(&stage.view));
+    const auto focused = [&stage](Qt::FocusReason reason) {
+        stage.view.clearFocus();
+        stage.view.setFocus(reason);
+        return stage.view.hasFocus() ? stage.settle() : QImage();
+    };
+    stage.view.clearFocus();
+    const QImage without = stage.settle();
+    QCOMPARE(focused(Qt::MouseFocusReason), without);
+    const QImage byKey = focused(Qt::TabFocusReason);
+    QVERIFY(!byKey.isNull() && byKey != without);
+}
 
 void TestFlatWin::clicksGoThroughTheEngine()
 {
@@ -211,6 +230,30 @@ void TestFlatWin::maskIsShown()
     stage.changes.notify();
     const QRgb masked = stage.pixel(stage.at(60, 40));
     QVERIFY(masked != plain && qRed(masked) > 20 && qBlue(masked) > qRed(masked));
+}
+
+void TestFlatWin::fitsAgainInAnotherSizeUntilZoomed()
+{
+    Stage stage;
+    const QSize size = stage.view.size();
+    stage.view.fit();
+    const auto zoom = [&stage] {
+        stage.settle();
+        return stage.view.camera().zoom;
+    };
+    const double first = zoom();
+    stage.view.resize(size / 2);
+    QVERIFY(std::abs(zoom() / first - 0.5) < 0.01);
+    QVERIFY(resize(*stage.relief, 60, 45, nullptr));
+    stage.changes.notify();
+    QVERIFY(std::abs(zoom() / first - 1.0) < 0.02);
+    const QPointF middle = stage.view.rect().center();
+    QWheelEvent wheel(middle, stage.view.mapToGlobal(middle), {}, QPoint(0, 120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&stage.view, &wheel);
+    const double chosen = zoom();
+    stage.view.resize(size);
+    QCOMPARE(zoom(), chosen);
 }
 
 void TestFlatWin::oddReliefsAndWindows()

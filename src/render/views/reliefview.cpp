@@ -95,6 +95,10 @@ SceneBox ReliefView::wholeBox()
 
 void ReliefView::refresh()
 {
+    // The changes follow another relief before this one is deleted.
+    if (m_relief && m_changes->relief() == m_relief && m_grid.isValid() &&
+        m_grid != QSize(m_relief->width(), m_relief->height()))
+        fitAgain();
     updateLater();
 }
 

@@ -89,6 +89,12 @@ void SurfaceView::fit()
         _fitCamera();
 }
 
+void SurfaceView::fitAgain()
+{
+    if (m_fitPending || m_fitted)
+        fit();
+}
+
 void SurfaceView::zoomAll()
 {
     if (!isValid() || size().isEmpty())
@@ -191,8 +197,7 @@ void SurfaceView::releaseGL()
 void SurfaceView::resizeGL(int, int)
 {
     m_pictureStale = true;
-    if (m_fitPending || m_fitted)
-        fit();
+    fitAgain();
 }
 
 void SurfaceView::paintGL()

@@ -167,6 +167,8 @@ protected:
     void enableTurning();
     const Turntable *turntable() const { return m_turntable.get(); }
     void setCamera(const Camera &camera);
+    /// Fits a surface of another size, unless the user zoomed or panned since the last fit.
+    void fitAgain();
     /// The picture must be drawn anew though neither surface nor camera changed: shader fields did.
     void invalidatePicture();
     /// Keeps the depth that picks read, although the picture changes.
