@@ -25,7 +25,7 @@ bool FileDrop::eventFilter(QObject *, QEvent *event)
     if (!enters && event->type() != QEvent::Drop)
         return false;
     auto *drop = static_cast<QDropEvent *>(event);
-    const QString path = firstOpenable(*drop->mimeData());
+    const QString path = fileToOpen(*drop->mimeData());
     if (path.isEmpty() || (enters && dialogsOpen())) {
         event->ignore();
         return true;

@@ -11,11 +11,22 @@
 
 namespace marlowen {
 
+QString asSentence(const QString &reason)
+{
+    QString sentence = reason.trimmed();
+    if (sentence.isEmpty())
+        return sentence;
+    sentence[0] = sentence[0].toUpper();
+    if (!QStringLiteral(".!?").contains(sentence.back()))
+        sentence += QLatin1Char('.');
+    return sentence;
+}
+
 void showFailure(QWidget *window, const Failure &failure, const QString &file)
 {
     QMessageBox box(QMessageBox::Critical, failure.title, failure.sentence, QMessageBox::Ok,
                     window);
-    QStringList below{failure.detail, QDir::toNativeSeparators(file)};
+    QStringList below{asSentence(failure.detail), QDir::toNativeSeparators(file)};
     below.removeAll(QString());
     box.setInformativeText(below.join(QLatin1Char('\n')));
     box.exec();

@@ -14,6 +14,9 @@ class Workbench;
 /// where they are known.
 void showFailure(QWidget *window, const Failure &failure, const QString &file = {});
 
+/// A reason as a sentence, with a capital letter and a full stop.
+QString asSentence(const QString &reason);
+
 /// A question that only a save dialog can ask.
 struct SaveQuestion
 {

@@ -47,11 +47,14 @@ bool FileController::openFile(const QString &path)
     if (!opensInWindow(path)) {
         logWarning() << "Unknown file type" << path << "\n";
         logFlush();
-        emit said(tr("Marlowen cannot open files like %1.").arg(QFileInfo(path).fileName()), 5000);
-        return false;
     }
     if (dialogsOpen())
         return false;
+    if (!opensInWindow(path)) {
+        showFailure(m_window, {tr("Open Failed"), tr("Marlowen cannot open files of this kind.")},
+                    path);
+        return false;
+    }
     m_bench.endStroke();
     return opensAsModel(path) ? _show(path) : _load(path);
 }

@@ -6,6 +6,8 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace marlowen {
 
 bool opensInWindow(const QString &path)
@@ -20,13 +22,15 @@ QString openFilter()
         .arg(openPatterns().join(QLatin1Char(' ')));
 }
 
-QString firstOpenable(const QMimeData &data)
+QString fileToOpen(const QMimeData &data)
 {
+    QStringList files;
     for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile() && opensInWindow(url.toLocalFile()))
-            return url.toLocalFile();
+        if (url.isLocalFile())
+            files << url.toLocalFile();
     }
-    return {};
+    const auto openable = std::find_if(files.cbegin(), files.cend(), opensInWindow);
+    return openable != files.cend() ? *openable : files.value(0);
 }
 
 } // namespace marlowen

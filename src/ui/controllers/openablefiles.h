@@ -10,7 +10,8 @@ namespace marlowen {
 bool opensInWindow(const QString &path);
 /// The filter of the open dialog, "Sculpt Files (*.scp *.jpg ...)".
 QString openFilter();
-/// The first local file of a drag that the window opens; empty when there is none.
-QString firstOpenable(const QMimeData &data);
+/// The file of a drag to be opened: the first that the window can open, otherwise the first; empty
+/// when there is none on this machine.
+QString fileToOpen(const QMimeData &data);
 
 } // namespace marlowen

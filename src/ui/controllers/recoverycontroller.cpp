@@ -115,7 +115,7 @@ void RecoveryController::_showState(bool on, const QString &reason)
         return emit said(tr("Unsaved work is recorded again."), 5000);
     logWarning() << "The recovery journal is off: " << reason << "\n";
     logFlush();
-    emit said(tr("Unsaved work is not recorded now: %1").arg(reason), 0);
+    emit said(tr("Unsaved work is not recorded now. %1").arg(asSentence(reason)), 0);
 }
 
 bool RecoveryController::leaveForNextStart()

@@ -2,6 +2,7 @@
 
 #include "base/qevsettings.h"
 #include "ui/commandset.h"
+#include "ui/controllers/dialogs.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -196,7 +197,7 @@ void UpdateController::_downloaded(const Outcome &outcome)
     }
     const Failure &failure = outcome.failure();
     QMessageBox *box = boxOver(m_window, failure.title, failure.sentence);
-    box->setInformativeText(failure.detail);
+    box->setInformativeText(asSentence(failure.detail));
     box->setIcon(QMessageBox::Warning);
     box->open();
 }
