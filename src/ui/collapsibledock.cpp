@@ -17,7 +17,7 @@ constexpr int roomyWindow = 1560;
 } // namespace
 
 CollapsibleDock::CollapsibleDock(const QString &title, const QString &name, QWidget *parent)
-    : QDockWidget(title, parent)
+    : QDockWidget(QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")), parent)
     , m_title(new QLabel(title))
     , m_button(new QToolButton)
 {
@@ -38,6 +38,9 @@ CollapsibleDock::CollapsibleDock(const QString &title, const QString &name, QWid
     setTitleBarWidget(bar);
     connect(m_button, &QToolButton::clicked, this, &CollapsibleDock::toggleCollapsed);
     connect(this, &QDockWidget::dockLocationChanged, this, &CollapsibleDock::_showState);
+    // Later: the window is still laying out its docks.
+    connect(this, &QDockWidget::dockLocationChanged, this, &CollapsibleDock::_takeSide,
+            Qt::QueuedConnection);
     _showState();
 }
 
@@ -77,6 +80,24 @@ void CollapsibleDock::takeOpenWidth()
         return;
     const int share = m_openWidth * window->width() / roomyWindow;
     window->resizeDocks({this}, {qMin(m_openWidth, share)}, Qt::Horizontal);
+}
+
+/// The other docks on its side go to the other.
+void CollapsibleDock::_takeSide()
+{
+    auto *window = qobject_cast<QMainWindow *>(parentWidget());
+    if (!window)
+        return;
+    const Qt::DockWidgetArea side = window->dockWidgetArea(this);
+    for (CollapsibleDock *other : window->findChildren<CollapsibleDock *>()) {
+        if (other == this || window->dockWidgetArea(other) != side)
+            continue;
+        window->addDockWidget(side == Qt::LeftDockWidgetArea ? Qt::RightDockWidgetArea
+                                                             : Qt::LeftDockWidgetArea,
+                              other);
+        other->takeOpenWidth();
+        takeOpenWidth();
+    }
 }
 
 /// The arrow points where the panel goes.

@@ -8,7 +8,8 @@ class QToolButton;
 namespace marlowen {
 
 /// A dock at the side of the window whose title carries a button that folds it to a narrow strip
-/// and back. Floating docks do not fold.
+/// and back. Each side has one: a dock that is moved to the side of another sends it to the side
+/// that it leaves, because docks in tabs or on top of each other could not be folded to a strip.
 class CollapsibleDock : public QDockWidget
 {
     Q_OBJECT
@@ -32,6 +33,7 @@ public slots:
 
 private:
     void _showState();
+    void _takeSide();
 
     QLabel *m_title;
     QToolButton *m_button;

@@ -86,7 +86,7 @@ void TestMainWindow::guardKeepsTheWorkWhenSavingFails()
     person.answers = {QMessageBox::Save, QMessageBox::Yes, QMessageBox::Ok};
     QVERIFY(!m_window->close());
     QCOMPARE(person.titles.value(2), QStringLiteral("Save Failed"));
-    QCOMPARE(person.details.value(2), QStringLiteral("No space left on device\n") + file);
+    QCOMPARE(person.details.value(2), QStringLiteral("No space left on device.\n") + file);
     QVERIFY(m_window->isVisible() && bench().isModified());
     QCOMPARE(relief().zScale, scale);
 }
@@ -244,6 +244,9 @@ void TestMainWindow::layoutComesBack()
     QTRY_VERIFY(std::abs(double(splitter->sizes()[0]) / splitter->sizes()[1] - share) < 0.1);
     QCOMPARE(child<QComboBox>("materials")->currentText(), QStringLiteral("gold"));
     QCOMPARE(child<RibbonGallery>("lightPos")->current(), 0);
+    // A dock that is moved to the other side changes places with the one there.
+    m_window->addDockWidget(Qt::RightDockWidgetArea, child<CollapsibleDock>("ToolDock"));
+    QTRY_COMPARE(m_window->dockWidgetArea(library), Qt::LeftDockWidgetArea);
 }
 
 void TestMainWindow::noControlOfTheToolDockIsCutOff()
