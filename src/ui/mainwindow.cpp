@@ -74,7 +74,8 @@ MainWindow::MainWindow(QWidget *parent)
         {m_bench, *m_commands, *m_center, [this] { return m_files->mayLoseWork(); }}, this,
         updateBaseUrl());
     m_look = new LookController(
-        {sculptWin(), flatWin(), m_center->facetWin(), m_pages.viewSettings}, this);
+        {sculptWin(), flatWin(), m_center->facetWin(), m_pages.viewSettings, m_center->startPage()},
+        this);
     m_stage.reset(new ModelStage({m_bench, *m_commands, *m_center, *m_docks.panels, *ribbonBar()}));
     new FileDrop(this, [this](const QString &path) { m_files->openFile(path); });
     setCentralWidget(m_center);

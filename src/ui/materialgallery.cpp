@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QWidgetAction>
 
+#include <utility>
+
 namespace marlowen {
 
 namespace {
@@ -37,13 +39,16 @@ MaterialGallery::MaterialGallery(const QList<Material> &materials, int columns, 
     for (const Material &material : materials) {
         auto *ball = new QToolButton(this);
         ball->setAutoRaise(true);
+        ball->setCheckable(true);
         ball->setFocusPolicy(Qt::StrongFocus);
         ball->setIcon(ballIcon(material, ballSide));
         ball->setIconSize(QSize(ballSide, ballSide));
         ball->setToolTip(material.name);
         ball->setAccessibleName(material.name);
-        connect(ball, &QToolButton::clicked, this,
-                [this, name = material.name] { emit chosen(name); });
+        connect(ball, &QToolButton::clicked, this, [this, name = material.name] {
+            showCurrent(name);
+            emit chosen(name);
+        });
         ball->setFixedSize(cellSide, cellSide);
         m_balls.append(ball);
     }
@@ -57,6 +62,12 @@ void MaterialGallery::setColumns(int columns)
         m_grid->removeWidget(m_balls[i]);
         m_grid->addWidget(m_balls[i], i / across, i % across);
     }
+}
+
+void MaterialGallery::showCurrent(const QString &name)
+{
+    for (QToolButton *ball : std::as_const(m_balls))
+        ball->setChecked(ball->toolTip() == name);
 }
 
 int MaterialGallery::columnsFor(int width)
@@ -80,6 +91,7 @@ MaterialSwatch::MaterialSwatch(QWidget *parent)
 void MaterialSwatch::showMaterials(const QList<Material> &materials, const Material &current)
 {
     m_materials = materials;
+    m_current = current.name;
     setIcon(ballIcon(current, swatchSide - 8));
     setToolTip(tr("Material: %1\nShows all materials").arg(current.name));
 }
@@ -94,6 +106,7 @@ void MaterialSwatch::_open()
 {
     QMenu menu(this);
     auto *gallery = new MaterialGallery(m_materials, popupColumns);
+    gallery->showCurrent(m_current);
     auto *action = new QWidgetAction(&menu);
     action->setDefaultWidget(gallery);
     menu.addAction(action);

@@ -20,6 +20,8 @@ public:
 
     /// At least one.
     void setColumns(int columns);
+    /// Marks the ball of the material in use; none for a name that is not there.
+    void showCurrent(const QString &name);
     /// How many columns so many pixels have room for.
     static int columnsFor(int width);
 
@@ -54,6 +56,7 @@ private:
     void _open();
 
     QList<Material> m_materials;
+    QString m_current;
 };
 
 } // namespace marlowen

@@ -199,6 +199,11 @@ void StartPage::offerMaterials(bool offer)
     m_materials->setVisible(offer);
 }
 
+void StartPage::showMaterial(const QString &name)
+{
+    m_gallery->showCurrent(name);
+}
+
 QToolButton *StartPage::_card(const QString &path, const QString &name)
 {
     auto *card = new QToolButton;
@@ -223,8 +228,11 @@ QToolButton *StartPage::_card(const QString &path, const QString &name)
 
 void StartPage::_addSamples()
 {
-    const QDir folder(samplesFolder());
-    for (const QFileInfo &file : folder.entryInfoList(QDir::Files, QDir::Name)) {
+    const QString place = samplesFolder();
+    const QFileInfoList files =
+        place.isEmpty() ? QFileInfoList() // the folder "" is the one the program was started in
+                        : QDir(place).entryInfoList(QDir::Files, QDir::Name);
+    for (const QFileInfo &file : files) {
         if (opensInWindow(file.fileName()))
             m_samples << _card(file.filePath(), QStringLiteral("sample"));
     }

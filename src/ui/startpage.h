@@ -32,6 +32,8 @@ public:
     void setBack(bool on);
     /// Whether the materials are offered, as long as none was ever chosen.
     void offerMaterials(bool offer);
+    /// The material in use; it is marked among those offered.
+    void showMaterial(const QString &name);
     /// Reads the recent files again; done by itself whenever the page is shown.
     void refresh();
 

@@ -134,6 +134,18 @@ private slots:
         QCOMPARE(_cards()[4]->y(), _cards()[0]->y());
     }
 
+    void theMaterialInUseIsMarked()
+    {
+        m_page->showMaterial(QStringLiteral("gold"));
+        m_page->showMaterial(QStringLiteral("obsidian"));
+        QStringList marked;
+        for (const QToolButton *ball : m_page->findChildren<QToolButton *>()) {
+            if (ball->isChecked())
+                marked << ball->accessibleName();
+        }
+        QCOMPARE(marked, QStringList{"obsidian"});
+    }
+
     void thumbnailsShowTheReliefRowZeroAtTheBottom()
     {
         const QString path = _savedDome(QStringLiteral("dome.scp"), 300, 200);

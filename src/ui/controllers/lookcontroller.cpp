@@ -10,6 +10,7 @@
 #include "ui/materialgallery.h"
 #include "ui/pages/viewsettingspage.h"
 #include "ui/ribbon/ribboncolors.h"
+#include "ui/startpage.h"
 #include "ui/themeswitcher.h"
 
 #include <QColorDialog>
@@ -85,6 +86,8 @@ void LookController::_showMaterial()
     m_parts.page->showMaterials(*m_materials);
     m_parts.sculptWin->setMaterial(m_materials->current());
     m_parts.facetWin->setMaterial(m_materials->current());
+    if (m_parts.startPage)
+        m_parts.startPage->showMaterial(m_materials->current().name);
     m_swatch->showMaterials(m_materials->materials(), m_materials->current());
 }
 

@@ -12,6 +12,7 @@ class FlatWin;
 class MaterialEditor;
 class MaterialSwatch;
 class SculptWin;
+class StartPage;
 class ViewSettingsPage;
 
 /// The look of the views: light, material, colours of the heights, pointer size, theme, backdrop.
@@ -27,6 +28,7 @@ public:
         FlatWin *flatWin;
         FacetWin *facetWin;
         ViewSettingsPage *page;
+        StartPage *startPage = nullptr; ///< may be null
     };
     LookController(const Parts &parts, QWidget *window);
 
