@@ -18,7 +18,7 @@ StatusLine::StatusLine(QStatusBar &bar)
 {
     m_position->setObjectName(QStringLiteral("position"));
     m_extent->setObjectName(QStringLiteral("extent"));
-    bar.setContentsMargins(8, 0, 4, 0);
+    bar.setContentsMargins(4, 0, 4, 0); // where messages begin, too
     bar.addWidget(m_position, 1);
     bar.addPermanentWidget(m_extent);
 }

@@ -117,6 +117,7 @@ private slots:
     void numberRefusesInvalidText_data();
     void numberRefusesInvalidText();
     void themeReachesOpenWindows();
+    void focusRingComesWithTheKeyboard();
 };
 
 void TestRibbon::groupsCollapseAndExpand()
@@ -346,6 +347,27 @@ void TestRibbon::themeReachesOpenWindows()
     const QPoint chrome(window.width() / 2, 10);
     QVERIFY(dark.pixelColor(chrome).lightness() < 80);
     QVERIFY(light.pixelColor(chrome).lightness() > 200);
+}
+
+void TestRibbon::focusRingComesWithTheKeyboard()
+{
+    QWidget window;
+    QVBoxLayout column(&window);
+    QCheckBox box(QStringLiteral("Heat"));
+    QLineEdit text;
+    column.addWidget(&box);
+    column.addWidget(&text);
+    show(window);
+    QTest::mouseClick(&text, Qt::LeftButton);
+    const QImage without = box.grab().toImage();
+    QTest::mouseClick(&box, Qt::LeftButton);
+    QTest::mouseClick(&box, Qt::LeftButton);
+    QVERIFY(box.hasFocus());
+    QCOMPARE(box.grab().toImage(), without);
+    QTest::keyClick(&box, Qt::Key_Tab);
+    QTest::keyClick(&text, Qt::Key_Backtab);
+    QVERIFY(box.hasFocus());
+    QVERIFY(box.grab().toImage() != without);
 }
 
 QTEST_MAIN(TestRibbon)

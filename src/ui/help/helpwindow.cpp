@@ -37,7 +37,9 @@ protected:
     {
         if (type != QTextDocument::ImageResource)
             return QTextBrowser::loadResource(type, name);
-        const QImage picture(QStringLiteral(":/help/") + name.path());
+        // Scaling a picture with a palette would dither it.
+        const QImage picture =
+            QImage(QStringLiteral(":/help/") + name.path()).convertToFormat(QImage::Format_RGB32);
         if (picture.width() <= pictureWidth)
             return picture;
         // As many pixels as a dense screen can show.

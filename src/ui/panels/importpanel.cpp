@@ -137,6 +137,7 @@ void ImportPanel::_answerFlip(bool flip)
 {
     if (flip)
         m_checks.front().box->setChecked(true);
+    m_checks.front().box->setFocus(); // else the next field would take what is typed
     flush();
     emit FlipAnswered();
 }
@@ -152,7 +153,6 @@ void ImportPanel::_arrange()
     auto *column = new QVBoxLayout(m_content);
     column->setContentsMargins(12, 8, 12, 4);
     column->setSpacing(6);
-    column->addWidget(m_notice);
     auto *checks = new QGridLayout;
     checks->setHorizontalSpacing(16);
     checks->setVerticalSpacing(6);
@@ -160,6 +160,7 @@ void ImportPanel::_arrange()
         checks->addWidget(m_checks[size_t(i)].box, i / 2, i % 2);
     checks->setColumnStretch(2, 1);
     column->addLayout(checks);
+    column->addWidget(m_notice); // below the check box that answers it, which stays in its place
     column->addSpacing(4);
     auto *depth = new QHBoxLayout;
     depth->setSpacing(8);

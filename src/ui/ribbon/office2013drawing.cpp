@@ -6,6 +6,8 @@
 #include <QPainterPath>
 #include <QStyleOption>
 
+#include <algorithm>
+
 namespace marlowen {
 
 namespace {
@@ -92,6 +94,16 @@ void field(const QStyleOption &option, QPainter &painter)
         line = mixedColor(colors.border, colors.text, 0.35);
     const QColor fill = enabled ? option.palette.color(QPalette::Base) : colors.chrome;
     roundedBox(insideOf(option.rect), QPen(line, 1), fill, painter);
+}
+
+void progress(const QStyleOptionProgressBar &option, QPainter &painter)
+{
+    const PainterState state(painter);
+    const double steps = std::max(1, option.maximum - option.minimum);
+    QRectF done = insideOf(option.rect);
+    done.setWidth(done.width() * (option.progress - option.minimum) / steps);
+    if (done.width() > 0.0)
+        roundedBox(done, Qt::NoPen, option.palette.color(QPalette::Highlight), painter);
 }
 
 void focusRing(const QStyleOption &option, QPainter &painter)

@@ -5,6 +5,7 @@
 class QPainter;
 class QStyleOption;
 class QStyleOptionComboBox;
+class QStyleOptionProgressBar;
 class QStyleOptionSlider;
 class QStyleOptionSpinBox;
 
@@ -18,6 +19,8 @@ namespace Office2013Drawing {
 void button(const QStyleOption &option, QPainter &painter, bool flat);
 /// Outline of a field; the accent colour when it has the focus.
 void field(const QStyleOption &option, QPainter &painter);
+/// The part of a progress bar that is done.
+void progress(const QStyleOptionProgressBar &option, QPainter &painter);
 /// The ring around the widget with the keyboard focus, in the text colour: the accent colour marks
 /// checked controls.
 void focusRing(const QStyleOption &option, QPainter &painter);

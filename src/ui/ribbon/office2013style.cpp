@@ -114,7 +114,7 @@ QPalette Office2013Style::standardPalette() const
     palette.setColor(QPalette::LinkVisited, palette.color(QPalette::Link));
     palette.setColor(QPalette::ToolTipBase, colors.toolTip);
     palette.setColor(QPalette::ToolTipText, colors.text);
-    palette.setColor(QPalette::PlaceholderText, mixedColor(colors.text, colors.base, 0.5));
+    palette.setColor(QPalette::PlaceholderText, mixedColor(colors.text, colors.base, 0.3));
     fillDisabled(palette, colors);
     return palette;
 }
@@ -270,6 +270,13 @@ void Office2013Style::drawControl(ControlElement element, const QStyleOption *op
                      QPalette::WindowText);
         return;
     }
+    case CE_ProgressBarGroove:
+        return Office2013Drawing::field(*option, *painter);
+    case CE_ProgressBarContents:
+        if (const auto *bar = qstyleoption_cast<const QStyleOptionProgressBar *>(option);
+            bar && bar->maximum > bar->minimum)
+            return Office2013Drawing::progress(*bar, *painter);
+        break;
     case CE_TabBarTabShape: {
         const bool chosen = option->state.testFlag(State_Selected);
         const bool hovered = option->state.testFlag(State_MouseOver);
