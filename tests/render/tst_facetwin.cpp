@@ -1,6 +1,9 @@
 #include "render/views/facetwin.h"
+#include "render/views/pixelfacets.h"
 
 #include <QtTest>
+
+#include <cmath>
 
 using namespace marlowen;
 
@@ -25,6 +28,26 @@ TriangleMesh plate(quint32 squares, double size)
     return mesh;
 }
 
+/// Pixels from the border of a facet to the middle of a pixel inside it, at most; negative when
+/// all middles are outside.
+double depthOfPixels(const std::array<QPointF, 3> &corners, QSize pixels)
+{
+    const auto cross = [](QPointF a, QPointF b) { return a.x() * b.y() - a.y() * b.x(); };
+    const double turn = cross(corners[1] - corners[0], corners[2] - corners[0]) < 0.0 ? -1.0 : 1.0;
+    double deepest = -1e9;
+    for (int pixel = 0; pixel < pixels.width() * pixels.height(); ++pixel) {
+        const QPointF middle(pixel % pixels.width() + 0.5, pixel / pixels.width() + 0.5);
+        double depth = 1e9;
+        for (size_t i = 0; i < 3; ++i) {
+            const QPointF edge = corners[(i + 1) % 3] - corners[i];
+            depth = std::min(depth, turn * cross(edge, middle - corners[i]) /
+                                        std::hypot(edge.x(), edge.y()));
+        }
+        deepest = std::max(deepest, depth);
+    }
+    return deepest;
+}
+
 bool isReddish(QRgb color)
 {
     return qRed(color) > qBlue(color) + 40;
@@ -40,6 +63,7 @@ private slots:
     void sceneShowsAnyModelAtOneSize_data();
     void sceneShowsAnyModelAtOneSize();
     void coarseFacetsKeepTheBoxAndTheLimit();
+    void facetsBetweenPixelsAreLeftOut();
     void backSidesHaveTheirOwnColour();
 };
 
@@ -77,6 +101,30 @@ void TestFacetWin::coarseFacetsKeepTheBoxAndTheLimit()
             coarse.positions.size() / 3);
     const auto [low, high] = std::minmax_element(coarse.positions.begin(), coarse.positions.end());
     QVERIFY(*low < -0.95F && *high > 0.95F);
+}
+
+void TestFacetWin::facetsBetweenPixelsAreLeftOut()
+{
+    // Turned and larger than the picture, with facets of about half a pixel.
+    const TriangleMesh mesh = plate(60, 3.0);
+    FacetPicture picture{frameOf(boxOf(mesh)), identityMatrix(), {40, 32}};
+    picture.toPicture = {0.9, 0.5, 0, 0, -0.4, 0.8, 0, 0, 0, 0, 1, 0, 0.3, 0.2, 0, 1};
+    const std::vector<uint32_t> seen = facetsOverPixels(mesh, picture);
+    const auto placeOf = [&](quint32 corner) {
+        const auto [x, y, z] = picture.frame.at(mesh.positions[corner]);
+        return QPointF((0.9 * x - 0.4 * y + 0.3 + 1.0) * 20.0,
+                       (0.5 * x + 0.8 * y + 0.2 + 1.0) * 16.0);
+    };
+    auto next = seen.begin();
+    for (const MeshTriangle &facet : mesh.triangles) {
+        const bool kept = next != seen.end() && std::equal(facet.begin(), facet.end(), next);
+        next += kept ? 3 : 0;
+        const double depth = depthOfPixels(
+            {placeOf(facet[0]), placeOf(facet[1]), placeOf(facet[2])}, picture.pixels);
+        QVERIFY2(kept ? depth > -0.1 : depth < 0.0, qPrintable(QString::number(depth)));
+    }
+    QVERIFY(next == seen.end());
+    QVERIFY(seen.size() < mesh.triangles.size());
 }
 
 void TestFacetWin::backSidesHaveTheirOwnColour()

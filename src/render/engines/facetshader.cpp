@@ -23,9 +23,14 @@ FacetShader::~FacetShader()
 void FacetShader::setData(const ShaderMesh &mesh)
 {
     setVertices(mesh);
-    m_indexBytes = static_cast<uint32_t>(mesh.indices.size_bytes());
+    setFacets(mesh.indices);
+}
+
+void FacetShader::setFacets(std::span<const uint32_t> corners)
+{
+    m_indexBytes = static_cast<uint32_t>(corners.size_bytes());
     m_gl->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_buffers[Indices]);
-    m_gl->glBufferData(GL_ELEMENT_ARRAY_BUFFER, m_indexBytes, mesh.indices.data(), GL_STATIC_DRAW);
+    m_gl->glBufferData(GL_ELEMENT_ARRAY_BUFFER, m_indexBytes, corners.data(), GL_STATIC_DRAW);
     m_gl->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     m_uploadedIndexBytes += m_indexBytes;
 }

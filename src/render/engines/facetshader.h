@@ -19,6 +19,8 @@ public:
     void draw() override;
     void setData(const ShaderMesh &mesh) override;
     void setVertices(const ShaderMesh &mesh) override;
+    /// Other facets of the same vertices: three corners each, which may be freed afterwards.
+    void setFacets(std::span<const uint32_t> corners);
     /// Does nothing: a model changes by its placement.
     void updateVertices(const VertexBlock &) override {}
 

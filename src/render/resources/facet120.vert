@@ -10,5 +10,5 @@ void main()
 {
     vec4 place = Placement * gl_Vertex;
     vPlace = place.xyz;
-    gl_Position = Projection * Modelview * place;
+    gl_Position = Projection * (Modelview * place);
 }

@@ -1,6 +1,8 @@
 #include "render/views/facetwin.h"
 
+#include "render/camera/depthimage.h"
 #include "render/engines/facetshader.h"
+#include "render/views/pixelfacets.h"
 #include "render/views/statustext.h"
 
 #include <QMouseEvent>
@@ -120,7 +122,10 @@ void FacetWin::_upload(Shader &shader)
     if (facets > mostFacets)
         return shader.setData({});
     const std::vector<float> vertices = facetVertices(*m_mesh, frame);
-    shader.setData({vertices, {}, {}, cornersOf(*m_mesh)});
+    std::span<const uint32_t> corners;
+    if (!_picksFacets())
+        corners = cornersOf(*m_mesh);
+    shader.setData({vertices, {}, {}, corners});
     ++work().fullRebuilds;
 }
 
@@ -130,13 +135,25 @@ void FacetWin::drawSurface(Shader &shader, const Detail &detail)
         return;
     const size_t most = std::min(mostFacets, detail.mostFacets);
     const bool fewer = m_coarse && m_mesh->triangles.size() > most;
-    _draw(fewer ? *m_coarse : static_cast<FacetShader &>(shader));
+    FacetShader &whole = static_cast<FacetShader &>(shader);
+    if (_picksFacets() && !fewer)
+        whole.setFacets(_facetsSeen());
+    _draw(fewer ? *m_coarse : whole);
     SizeBox::draw(*m_functions, m_scene.box, backdrop().lightness() < 128 ? Qt::white : Qt::black);
 }
 
 bool FacetWin::isDense() const
 {
     return m_mesh && m_mesh->triangles.size() > denseFacets;
+}
+
+std::vector<uint32_t> FacetWin::_facetsSeen() const
+{
+    const ViewMatrices &view = drawnMatrices();
+    const Matrix toPicture =
+        multiplied(view.projection, multiplied(view.modelview, m_scene.placement));
+    return facetsOverPixels(*m_mesh,
+                            {frameOf(m_box), toPicture, physicalSize(size(), devicePixelRatioF())});
 }
 
 void FacetWin::_draw(FacetShader &shader)

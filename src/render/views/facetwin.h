@@ -13,7 +13,8 @@ class FacetShader;
 /// in the box of its sizes above the plane that it will be carved down to. The hand is that of the
 /// 3D view; with nothing to sculpt the left button turns too.
 ///
-/// A model of many facets is drawn with fewer while the pointer moves it and the driver is slow.
+/// A model of many facets is drawn with fewer while the pointer moves it and the driver is slow. At
+/// rest such a driver gets only those that are to be seen in the picture.
 class FacetWin : public SurfaceView
 {
     Q_OBJECT
@@ -54,6 +55,9 @@ protected:
 private:
     void _upload(Shader &shader);
     void _draw(FacetShader &shader);
+    /// All facets would take the driver long.
+    bool _picksFacets() const { return slowDriver() && isDense(); }
+    std::vector<uint32_t> _facetsSeen() const;
 
     const TriangleMesh *m_mesh = nullptr;
     ModelBox m_box;
