@@ -2,6 +2,8 @@
 
 #include "workbench/workbench.h"
 
+#include <new>
+
 namespace marlowen {
 
 Outcome LivePreview::run(const Operation &operation, Progress *progress)
@@ -11,17 +13,25 @@ Outcome LivePreview::run(const Operation &operation, Progress *progress)
     m_bench.endStroke();
     // What is taken back and what takes its place are one change.
     _takeBack();
-    const Outcome done = m_bench._run(operation, m_events, progress);
+    EditRun edit(&m_events, progress);
+    edit.isPreview = true;
+    const Outcome done = m_bench._run(operation, edit);
     m_bench._show();
     return done;
 }
 
-void LivePreview::keep()
+Outcome LivePreview::keep()
 {
     if (!active())
-        return;
-    m_bench.m_history.takeOver(m_events);
+        return {};
+    try {
+        m_bench.m_history.takeOver(m_events);
+    } catch (const std::bad_alloc &) {
+        drop();
+        return m_bench._shortOfMemory();
+    }
     m_bench._announce(Step::Edit);
+    return {};
 }
 
 void LivePreview::drop()

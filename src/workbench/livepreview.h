@@ -27,8 +27,8 @@ public:
     /// byte limit. Does nothing without a relief. Fails with the operation; then no preview is
     /// shown.
     Outcome run(const Operation &operation, Progress *progress = nullptr);
-    /// Makes the preview a step of the history.
-    void keep();
+    /// Makes the preview a step of the history. Fails without enough memory; then it is undone.
+    Outcome keep();
     /// Undoes the preview.
     void drop();
 

@@ -61,7 +61,7 @@ Outcome Workbench::apply(const Operation &operation, Progress *progress)
         return {};
     _settle();
     m_changes.collect();
-    const Outcome done = _run(operation, m_history, progress);
+    const Outcome done = _run(operation, {&m_history, progress});
     if (operation.isWork) {
         _announce(Step::Edit);
     } else {
@@ -71,18 +71,22 @@ Outcome Workbench::apply(const Operation &operation, Progress *progress)
     return done;
 }
 
-Outcome Workbench::_run(const Operation &operation, SculptUndo &history, Progress *progress)
+Outcome Workbench::_run(const Operation &operation, const EditRun &run)
 {
-    const uint64_t before = history.state();
+    const uint64_t before = run.undo->state();
     try {
-        const Outcome done = operation.run(*m_relief, {&history, progress});
-        if (history.state() != before)
-            history.nameStep(operation.name);
+        const Outcome done = operation.run(*m_relief, run);
+        if (run.undo->state() != before)
+            run.undo->nameStep(operation.name);
         return done;
     } catch (const std::bad_alloc &) {
-        return Failure{QStringLiteral("Edit Failed"),
-                       tr("There is not enough memory for this step.")};
+        return _shortOfMemory();
     }
+}
+
+Failure Workbench::_shortOfMemory()
+{
+    return {QStringLiteral("Edit Failed"), tr("There is not enough memory for this step.")};
 }
 
 void Workbench::endStroke()

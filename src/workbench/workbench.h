@@ -104,7 +104,8 @@ signals:
 
 private:
     friend class LivePreview;
-    Outcome _run(const Operation &operation, SculptUndo &history, Progress *progress);
+    Outcome _run(const Operation &operation, const EditRun &run);
+    static Failure _shortOfMemory();
     void _importEdited();
     void _settle();
     void _show();

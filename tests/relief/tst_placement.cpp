@@ -29,9 +29,9 @@ QList<float> heightsIn(const Relief &relief, const QRect &box)
 }
 
 void place(Relief &relief, const FloatGrid &heights, const Placement &placement,
-           SculptUndo *undo = nullptr)
+           const EditRun &run = {nullptr})
 {
-    placePattern(relief, PlacedPattern(heights.view(), 1.0), placement, undo);
+    placePattern(relief, PlacedPattern(heights.view(), 1.0), placement, run);
 }
 
 } // namespace
@@ -98,8 +98,15 @@ private slots:
         QVERIFY(relief.heightAt(50, 50) > 17.0F && relief.heightAt(12, 50) < 0.5F);
     }
 
+    void selectionMaskAndUndo_data()
+    {
+        QTest::addColumn<bool>("preview");
+        QTest::newRow("at once") << false;
+        QTest::newRow("shown first") << true;
+    }
     void selectionMaskAndUndo()
     {
+        QFETCH(const bool, preview);
         Relief relief(9, 9);
         fill(relief, 3.0F);
         relief.selectionActive = true;
@@ -107,11 +114,18 @@ private slots:
         relief.maskLayer().data()[relief.index(3, 4)] = 1.0F;
         relief.maskLayer().data()[relief.index(4, 4)] = 0.5F;
         SculptUndo undo;
-        place(relief, small, {.centre = {4.5, 5}}, &undo);
+        EditRun run(&undo);
+        run.isPreview = preview;
+        place(relief, small, {.centre = {4.5, 5}}, run);
         QCOMPARE(heightsIn(relief, {3, 4, 3, 2}), (QList<float>{3, 4, 6, 3, 3, 3}));
-        QCOMPARE(undo.count(), 1);
-        undo.undo();
+        SculptUndo kept;
+        kept.takeOver(undo);
+        const QList<float> placed = heightsIn(relief, relief.rect());
+        QCOMPARE(kept.count(), 1);
+        kept.undo();
         QCOMPARE(heightsIn(relief, relief.rect()), QList<float>(81, 3.0F));
+        kept.redo();
+        QCOMPARE(heightsIn(relief, relief.rect()), placed);
     }
 
     /// Never beyond the grid, at any place.

@@ -82,6 +82,8 @@ void SculptUndo::nameStep(const QString &name)
 
 void SculptUndo::takeOver(SculptUndo &other)
 {
+    for (const std::unique_ptr<SculptUndoEvent> &event : other.m_events)
+        event->complete();
     for (std::unique_ptr<SculptUndoEvent> &event : other.m_events) {
         event->groupEnd = false;
         push(std::move(event));

@@ -21,6 +21,9 @@ public:
     virtual ~SculptUndoEvent() = default;
     virtual void undo() = 0;
     virtual void redo() = 0;
+    /// Takes from the relief what redo() needs, if that was left out; the event is in force and the
+    /// last one of all. Throws std::bad_alloc.
+    virtual void complete() {}
     /// Bytes the event accounts for.
     virtual uint32_t size() const = 0;
     /// Cells of the relief, in its present size, whose heights or mask the event concerns; empty
@@ -53,7 +56,8 @@ public:
     void markGroupEnd();
     /// Names the event just below the cursor, if any.
     void nameStep(const QString &name);
-    /// Pushes all events of another history as one group and empties that one.
+    /// Pushes all events of another history, which are in force, as one group and empties that
+    /// one. Throws std::bad_alloc and changes nothing when there is no memory to complete() them.
     void takeOver(SculptUndo &other);
     /// Forgets everything, as for a new relief.
     void clear();

@@ -94,14 +94,28 @@ SculptPatchEvent::SculptPatchEvent(Relief &relief, Patch before, Patch after)
 {
 }
 
+SculptPatchEvent::SculptPatchEvent(Relief &relief, Patch before)
+    : m_relief(relief)
+    , m_before(std::make_shared<const Patch>(std::move(before)))
+{
+}
+
+void SculptPatchEvent::complete()
+{
+    if (!m_after)
+        m_after =
+            std::make_shared<const Patch>(copyPatch(_layer(), m_relief.width(), m_before->region));
+}
+
 uint32_t SculptPatchEvent::size() const
 {
-    return accounted(144, sizeof(float), m_before->count() + m_after->count());
+    const Patch &after = m_after ? *m_after : *m_before;
+    return accounted(144, sizeof(float), m_before->count() + after.count());
 }
 
 QRect SculptPatchEvent::cells() const
 {
-    return m_after->region.boundingRect();
+    return (m_after ? *m_after : *m_before).region.boundingRect();
 }
 
 void SculptModifyEvent::_apply(const Patch &patch)

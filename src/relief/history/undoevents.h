@@ -34,6 +34,9 @@ class SculptPatchEvent : public SculptUndoEvent
 {
 public:
     SculptPatchEvent(Relief &relief, Patch before, Patch after);
+    /// Leaves the patch after the change to complete().
+    SculptPatchEvent(Relief &relief, Patch before);
+    void complete() override;
     void undo() override { _apply(*m_before); }
     void redo() override { _apply(*m_after); }
     /// 144 and 4 for every float of both patches.
@@ -49,6 +52,7 @@ protected:
 
 private:
     virtual void _apply(const Patch &patch) = 0;
+    virtual const GridLayer &_layer() const = 0;
 
     std::shared_ptr<const Patch> m_before;
     std::shared_ptr<const Patch> m_after;
@@ -62,6 +66,7 @@ public:
 
 private:
     void _apply(const Patch &patch) override;
+    const GridLayer &_layer() const override { return m_relief.heights(); }
 };
 
 /// The mask. Applying a patch sets appearance-changed.
@@ -72,6 +77,7 @@ public:
 
 private:
     void _apply(const Patch &patch) override;
+    const GridLayer &_layer() const override { return m_relief.maskLayer(); }
 };
 
 /// A new grid size. Keeps what the resize replaced while it is in force; undo gives that back and

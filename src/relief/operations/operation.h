@@ -28,6 +28,8 @@ struct EditRun
     SculptUndo *undo;   ///< null: no event is recorded
     Progress *progress; ///< null: no display and no Cancel
     bool closeGroup;    ///< false: later events join the same step
+    /// The events may leave out what redo() needs until SculptUndoEvent::complete().
+    bool isPreview = false;
 };
 
 /// One edit of the relief, ready to run: the name of its undo step (English, for "Undo %1") and its

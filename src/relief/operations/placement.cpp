@@ -344,8 +344,10 @@ void placePattern(Relief &relief, const PlacedPattern &pattern, const Placement 
     relief.heightsChanged = true;
     if (!run.undo)
         return;
-    run.undo->push(std::make_unique<SculptModifyEvent>(
-        relief, std::move(before), copyPatch(relief.heights(), relief.width(), box)));
+    auto event = std::make_unique<SculptModifyEvent>(relief, std::move(before));
+    if (!run.isPreview)
+        event->complete();
+    run.undo->push(std::move(event));
     if (run.closeGroup)
         run.undo->markGroupEnd();
 }

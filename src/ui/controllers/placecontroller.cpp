@@ -167,8 +167,10 @@ void PlaceController::apply()
     if (!isPlacing())
         return;
     const QScopedValueRollback running(m_running, true);
-    m_bench.preview().keep();
+    const Outcome kept = m_bench.preview().keep();
     _end();
+    if (!kept)
+        showFailure(m_window, kept.failure());
 }
 
 void PlaceController::cancel()
