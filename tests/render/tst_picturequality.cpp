@@ -45,6 +45,18 @@ private slots:
         quality.drawing(PictureQuality::Complete);
         quality.shown();
         QCOMPARE(facets(), fewer);
+        // But how many facets are drawn at once there.
+        quality.setSlow(true);
+        constexpr size_t many = 1000000;
+        QCOMPARE(quality.wanted(false, many), PictureQuality::Smooth);
+        quality.drawing(PictureQuality::Smooth, many / 4);
+        now += std::chrono::milliseconds(30);
+        quality.shown();
+        QCOMPARE(quality.wanted(false, many), PictureQuality::Complete);
+        quality.drawing(PictureQuality::Complete, many);
+        now += std::chrono::milliseconds(400);
+        quality.shown();
+        QCOMPARE(quality.wanted(false, many), PictureQuality::Smooth);
     }
 };
 

@@ -218,6 +218,34 @@ private slots:
         QVERIFY(b.view.pictureComplete());
     }
 
+    void partsOfThePictureAreDrawnAnew_data()
+    {
+        QTest::addColumn<QSize>("cells");
+        QTest::addColumn<double>("tilt");
+        QTest::newRow("several samples a pixel") << QSize(60, 45) << 50.0;
+        QTest::newRow("small facets") << QSize(400, 300) << -50.0;
+        QTest::newRow("from above") << QSize(400, 300) << 0.0;
+    }
+    void partsOfThePictureAreDrawnAnew()
+    {
+        QFETCH(const QSize, cells);
+        QFETCH(const double, tilt);
+        SculptBench b(medal(cells.width(), cells.height()));
+        b.view.setRotation(rotationAbout({1, 0.4, 0.2}, tilt));
+        const QImage before = b.paint();
+        const QRect block(cells.width() / 2, cells.height() / 3, cells.width() / 8, 6);
+        for (int y = block.top(); y <= block.bottom(); ++y)
+            std::fill_n(b.relief->heights().data() + b.relief->index(block.left(), y),
+                        block.width(), 0.2F * static_cast<float>(cells.height()));
+        b.relief->frameRegion = block;
+        b.relief->heightsChanged = true;
+        b.view.changes()->notify();
+        const QImage part = b.paint();
+        QVERIFY(part != before);
+        b.view.setBackdrop(b.view.backdrop()); // all of it
+        QCOMPARE(part, b.paint());
+    }
+
     void materialAboveTheOldRangeIsSeen()
     {
         auto relief = std::make_unique<Relief>(200, 200);

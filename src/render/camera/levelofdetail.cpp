@@ -19,16 +19,19 @@ struct HalfPlane
     double of(QPointF p) const { return a * p.x() + b * p.y() + c; }
 };
 
-// The half planes of (x, y) in which some z of the box satisfies -1 <= clip coordinate <= 1.
-std::array<HalfPlane, 4> screenEdges(const SceneBox &box, const ViewMatrices &view)
+// The half planes of (x, y) in which some z of the box lies within that part of the viewport.
+std::array<HalfPlane, 4> screenEdges(const SceneBox &box, const ViewMatrices &view,
+                                     const QRectF &part)
 {
+    const double first[] = {part.left(), part.top()};
+    const double last[] = {part.right(), part.bottom()};
     const Matrix m = multiplied(view.projection, view.modelview);
     std::array<HalfPlane, 4> edges{};
     for (size_t axis = 0; axis < 2; ++axis) {
         const double low = std::min(m[8 + axis] * box.zMin, m[8 + axis] * box.zMax);
         const double high = std::max(m[8 + axis] * box.zMin, m[8 + axis] * box.zMax);
-        edges[2 * axis] = {m[axis], m[4 + axis], m[12 + axis] + high + 1.0};
-        edges[2 * axis + 1] = {-m[axis], -m[4 + axis], 1.0 - m[12 + axis] - low};
+        edges[2 * axis] = {m[axis], m[4 + axis], m[12 + axis] + high - first[axis]};
+        edges[2 * axis + 1] = {-m[axis], -m[4 + axis], last[axis] - m[12 + axis] - low};
     }
     return edges;
 }
@@ -52,12 +55,12 @@ std::vector<QPointF> clipped(const std::vector<QPointF> &polygon, const HalfPlan
 
 } // namespace
 
-QRect visibleCells(const SceneBox &box, const ViewMatrices &view)
+QRect visibleCells(const SceneBox &box, const ViewMatrices &view, const QRectF &part)
 {
     const double w = box.width / 2;
     const double h = box.height / 2;
     std::vector<QPointF> polygon = {{-w, -h}, {w, -h}, {w, h}, {-w, h}};
-    for (const HalfPlane &edge : screenEdges(box, view))
+    for (const HalfPlane &edge : screenEdges(box, view, part))
         polygon = clipped(polygon, edge);
     if (polygon.empty())
         return {};
@@ -71,6 +74,22 @@ QRect visibleCells(const SceneBox &box, const ViewMatrices &view)
                       static_cast<int>(std::ceil(bottom->y() + h)));
     return QRect(first, last) &
            QRect(0, 0, static_cast<int>(box.width), static_cast<int>(box.height));
+}
+
+QRectF coveredPart(const QRect &cells, const SceneBox &box, const ViewMatrices &view)
+{
+    const Matrix m = multiplied(view.projection, view.modelview);
+    const double x[] = {cells.left() - box.width / 2, cells.right() - box.width / 2};
+    const double y[] = {cells.top() - box.height / 2, cells.bottom() - box.height / 2};
+    const double z[] = {box.zMin, box.zMax};
+    const auto lowest = [&](size_t axis, double sign) {
+        const auto least = [=](double factor, const double *ends) {
+            return std::min(sign * factor * ends[0], sign * factor * ends[1]);
+        };
+        return sign * m[12 + axis] + least(m[axis], x) + least(m[4 + axis], y) +
+               least(m[8 + axis], z);
+    };
+    return {QPointF(lowest(0, 1.0), lowest(1, 1.0)), QPointF(-lowest(0, -1.0), -lowest(1, -1.0))};
 }
 
 QRect widenedRegion(const QRect &visible, QSize grid)

@@ -6,10 +6,18 @@
 
 namespace marlowen {
 
+/// The whole viewport. Parts of it are in the same units: -1..1 each way, y up.
+constexpr QRectF wholeViewport(-1.0, -1.0, 2.0, 2.0);
+
 /// The cells of a relief that may be on screen: the smallest rectangle around the part of the box
-/// inside the viewport, for any rotation; a little too large rather than too small. Empty when the
-/// box is outside.
-QRect visibleCells(const SceneBox &box, const ViewMatrices &view);
+/// inside that part of the viewport, for any rotation; a little too large rather than too small.
+/// Empty when the box is outside.
+QRect visibleCells(const SceneBox &box, const ViewMatrices &view,
+                   const QRectF &part = wholeViewport);
+
+/// The part of the viewport in which the surface over these cells is, whatever its heights within
+/// the box.
+QRectF coveredPart(const QRect &cells, const SceneBox &box, const ViewMatrices &view);
 
 /// The visible rectangle with 20 % more on each side, clipped to a grid of this size.
 QRect widenedRegion(const QRect &visible, QSize grid);

@@ -1,6 +1,7 @@
 #include "render/engines/keptpicture.h"
 
 #include "render/camera/depthimage.h"
+#include "render/engines/imagebuffer.h"
 
 #include <QOpenGLFramebufferObject>
 #include <QOpenGLFunctions_2_1>
@@ -21,8 +22,17 @@ QOpenGLFramebufferObjectFormat formatOf(int samples)
 
 } // namespace
 
-KeptPicture::KeptPicture() = default;
+KeptPicture::KeptPicture(bool asImage)
+    : m_asImage(asImage)
+{
+}
+
 KeptPicture::~KeptPicture() = default;
+
+QSize KeptPicture::size() const
+{
+    return m_buffer ? m_buffer->size() : QSize();
+}
 
 bool KeptPicture::resize(QSize size)
 {
@@ -34,22 +44,26 @@ bool KeptPicture::resize(QSize size)
     if (m_buffer && m_buffer->size() == size)
         return false;
     m_samples.reset();
-    m_buffer = std::make_unique<QOpenGLFramebufferObject>(size, formatOf(0));
+    m_buffer = m_asImage ? imageBuffer(size, formatOf(0))
+                         : std::make_unique<QOpenGLFramebufferObject>(size, formatOf(0));
     if (!m_buffer->isValid())
         m_buffer.reset();
     return true;
 }
 
-void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool smooth)
+void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const Kind &kind)
 {
-    if (smooth && !m_samples)
+    if (kind.smooth && !m_samples)
         m_samples = std::make_unique<QOpenGLFramebufferObject>(m_buffer->size(), formatOf(4));
-    m_target = smooth && m_samples->isValid() ? m_samples.get() : m_buffer.get();
+    m_target = kind.smooth && m_samples->isValid() ? m_samples.get() : m_buffer.get();
+    m_part = kind.part;
     m_before.emplace();
     m_target->bind();
     gl.glViewport(0, 0, m_buffer->width(), m_buffer->height());
+    gl.glEnable(GL_SCISSOR_TEST);
+    gl.glScissor(m_part.x(), m_part.y(), m_part.width(), m_part.height());
     gl.glDepthMask(GL_TRUE);
-    gl.glClearColor(backdrop.redF(), backdrop.greenF(), backdrop.blueF(), 1.0F);
+    gl.glClearColor(kind.backdrop.redF(), kind.backdrop.greenF(), kind.backdrop.blueF(), 1.0F);
     gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     // The half-transparent floor is blended with the backdrop here, once: the picture is opaque.
     gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
@@ -57,10 +71,12 @@ void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool s
 
 void KeptPicture::end(QOpenGLFunctions_2_1 &gl)
 {
+    gl.glDisable(GL_SCISSOR_TEST);
     gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     if (m_target != m_buffer.get())
-        QOpenGLFramebufferObject::blitFramebuffer(
-            m_buffer.get(), m_samples.get(), GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT, GL_NEAREST);
+        QOpenGLFramebufferObject::blitFramebuffer(m_buffer.get(), m_part, m_samples.get(), m_part,
+                                                  GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT,
+                                                  GL_NEAREST);
     m_before->bindAgain();
 }
 

@@ -21,16 +21,25 @@ class DepthImage;
 class KeptPicture
 {
 public:
-    KeptPicture();
+    /// One that is copied into an imageBuffer() is one itself.
+    explicit KeptPicture(bool asImage = false);
     ~KeptPicture();
 
     /// Physical pixels. True when the picture was made anew and has no content.
     bool resize(QSize size);
     bool isValid() const { return m_buffer != nullptr; }
 
-    /// Directs drawing into the picture, cleared to this colour, until end(). A smooth one is drawn
-    /// with several samples a pixel where the driver can.
-    void begin(QOpenGLFunctions_2_1 &gl, const QColor &backdrop, bool smooth);
+    QSize size() const;
+
+    struct Kind
+    {
+        QColor backdrop;
+        bool smooth = false; ///< drawn with several samples a pixel where the driver can
+        /// What is drawn of it, y up; the rest stays, if it was smooth or not as this one is.
+        QRect part;
+    };
+    /// Directs drawing into that part of the picture, cleared to the backdrop, until end().
+    void begin(QOpenGLFunctions_2_1 &gl, const Kind &kind);
     void end(QOpenGLFunctions_2_1 &gl);
 
     /// Copies it into a framebuffer of the same size, null being the context's default one, and
@@ -39,6 +48,8 @@ public:
     void readDepth(QOpenGLFunctions_2_1 &gl, DepthImage &depth) const;
 
 private:
+    bool m_asImage;
+    QRect m_part; ///< between begin() and end()
     std::unique_ptr<QOpenGLFramebufferObject> m_buffer;
     std::unique_ptr<QOpenGLFramebufferObject> m_samples; ///< made for the first smooth picture
     QOpenGLFramebufferObject *m_target = nullptr;        ///< between begin() and end()

@@ -2,6 +2,7 @@
 
 #include "base/sessionlog.h"
 #include "render/camera/depthimage.h"
+#include "render/engines/imagebuffer.h"
 
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -39,15 +40,6 @@ bool readsBack()
         return chosenWay == GlCanvas::Way::ReadBack;
     static const bool software = isSoftwareRenderer(rendererName());
     return software;
-}
-
-/// The framebuffer that is bound, from the top row down.
-void readPicture(QOpenGLFunctions &gl, QImage &picture)
-{
-    gl.glPixelStorei(GL_PACK_ALIGNMENT, 4);
-    gl.glReadPixels(0, 0, picture.width(), picture.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
-                    picture.bits());
-    picture.mirror();
 }
 
 } // namespace
@@ -194,7 +186,7 @@ void GlCanvas::_resizeTarget()
 {
     const QSize size = physicalSize(this->size(), devicePixelRatioF());
     if (!m_target || m_target->size() != size) {
-        m_target = std::make_unique<QOpenGLFramebufferObject>(size, GL_TEXTURE_2D);
+        m_target = imageBuffer(size, {});
         m_picture = QImage(size, QImage::Format_RGB32);
         m_picture.setDevicePixelRatio(devicePixelRatioF());
         m_target->bind();
@@ -212,7 +204,7 @@ void GlCanvas::_draw()
     m_stale = false; // paintGL() may ask for the next picture
     paintGL();
     m_target->bind();
-    readPicture(*m_context->functions(), m_picture);
+    readImage(m_picture);
     doneCurrent();
 }
 

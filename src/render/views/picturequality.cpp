@@ -7,10 +7,20 @@ namespace marlowen {
 
 namespace {
 
-constexpr int restInterval = 40;    ///< milliseconds
-constexpr int settleInterval = 600; ///< milliseconds
-/// Facets that a software driver draws antialiased in some 100 milliseconds.
-constexpr size_t restFacets = 200000;
+// Milliseconds of rest: after a move, after its picture is on the screen, and after a move by a drag
+// in another view, whose next move waits for the pictures of both.
+constexpr int restInterval = 25;
+constexpr int restAfterPicture = 12;
+constexpr int restElsewhere = 120;
+constexpr int settleInterval = 100; ///< milliseconds
+
+/// Facets of the picture at rest: at first, which is also the least, and within what they are
+/// fitted to the driver.
+constexpr double firstRestFacets = 200000;
+constexpr double mostRestFacets = 1e7;
+/// Milliseconds of a picture at rest: as wanted, and the most.
+constexpr double restPicture = 150.0;
+constexpr double longRestPicture = 200.0;
 
 /// Facets of coarse pictures: at first, and within what they are fitted to the driver.
 constexpr double firstFacets = 60000;
@@ -35,11 +45,11 @@ PictureQuality::PictureQuality(QObject *parent)
 PictureQuality::PictureQuality(Clock clock, QObject *parent)
     : QObject(parent)
     , m_coarseFacets(firstFacets)
+    , m_restFacets(firstRestFacets)
     , m_clock(std::move(clock))
 {
     for (QTimer *timer : {&m_rest, &m_settle})
         timer->setSingleShot(true);
-    m_rest.setInterval(restInterval);
     m_settle.setInterval(settleInterval);
     connect(&m_rest, &QTimer::timeout, this, &PictureQuality::due);
     connect(&m_settle, &QTimer::timeout, this, [this] {
@@ -50,7 +60,12 @@ PictureQuality::PictureQuality(Clock clock, QObject *parent)
 
 void PictureQuality::moved()
 {
-    m_rest.start();
+    m_rest.start(restInterval);
+}
+
+void PictureQuality::movedElsewhere()
+{
+    m_rest.start(restElsewhere);
 }
 
 void PictureQuality::released()
@@ -66,37 +81,52 @@ PictureQuality::Level PictureQuality::wanted(bool stroke, size_t facets) const
         return Coarse;
     if (stroke)
         return Draft;
-    return m_settled || facets <= restFacets ? Complete : Smooth;
+    return m_settled || static_cast<double>(facets) <= m_restFacets ? Complete : Smooth;
 }
 
 size_t PictureQuality::mostFacets(Level level) const
 {
     if (level == Coarse)
         return static_cast<size_t>(m_coarseFacets);
-    return level == Complete ? allFacets : restFacets;
+    if (level == Draft)
+        return static_cast<size_t>(firstRestFacets);
+    return level == Complete ? allFacets : static_cast<size_t>(m_restFacets);
 }
 
-void PictureQuality::drawing(Level level)
+void PictureQuality::drawing(Level level, size_t facets)
 {
+    drawingPart(level);
+    if (level != Draft)
+        m_frame = Frame{m_clock(), level, static_cast<double>(facets)};
+}
+
+void PictureQuality::drawingPart(Level level)
+{
+    m_frame.reset();
     m_settle.stop();
     if (level == Smooth)
         m_settle.start();
-    if (level == Coarse)
-        m_frame = m_clock();
-    else
-        m_frame.reset();
 }
 
 void PictureQuality::shown()
 {
+    if (m_rest.isActive() && m_rest.remainingTime() < restAfterPicture)
+        m_rest.start(restAfterPicture);
     if (!m_frame)
         return;
-    const double taken = std::chrono::duration<double, std::milli>(m_clock() - *m_frame).count();
-    m_frame.reset();
-    if (taken > slowFrame)
-        m_coarseFacets = std::max(fewestFacets, m_coarseFacets * 0.8);
-    else if (taken < quickFrame)
-        m_coarseFacets = std::min(mostCoarseFacets, m_coarseFacets * 1.2);
+    const Frame frame = *std::exchange(m_frame, std::nullopt);
+    const double taken =
+        std::max(std::chrono::duration<double, std::milli>(m_clock() - frame.began).count(), 1.0);
+    if (frame.level == Coarse) {
+        if (taken > slowFrame)
+            m_coarseFacets = std::max(fewestFacets, m_coarseFacets * 0.8);
+        else if (taken < quickFrame)
+            m_coarseFacets = std::min(mostCoarseFacets, m_coarseFacets * 1.2);
+        return;
+    }
+    const double fitting = frame.facets * restPicture / taken;
+    if (taken > longRestPicture || fitting > m_restFacets)
+        m_restFacets = std::clamp(fitting, firstRestFacets, mostRestFacets);
 }
 
 } // namespace marlowen

@@ -13,15 +13,15 @@ namespace marlowen {
 
 /// How well a view draws its surface at the moment. With graphics hardware always completely. A
 /// slow driver, which draws with the processor, draws few facets while the hand moves the view, as
-/// many as it manages at some 30 pictures a second; at rest an antialiased picture soon; and after
-/// a longer rest all facets, where those take longer than that.
+/// many as it manages at some 30 pictures a second; at rest as many as it manages within 150
+/// milliseconds, which are all for most surfaces; and all facets a moment later.
 class PictureQuality : public QObject
 {
     Q_OBJECT
 
 public:
     /// Of a picture, from worst to best: nothing, few facets in quick colours, one sample a pixel,
-    /// antialiased with as many facets as are drawn soon, everything.
+    /// as many facets as are drawn soon, everything.
     enum Level { Nothing, Coarse, Draft, Smooth, Complete };
 
     /// Tells the time that frames are measured with.
@@ -35,6 +35,8 @@ public:
 
     /// The hand moves the view or the surface: coarse pictures from now on until it rests.
     void moved();
+    /// The same in another view, which moves the surface.
+    void movedElsewhere();
     /// The hand let go: no more coarse pictures.
     void released();
     /// The hand moved a moment ago.
@@ -48,8 +50,10 @@ public:
 
     /// What is to be seen changed.
     void changed() { m_settled = false; }
-    /// A picture of that level is being drawn.
-    void drawing(Level level);
+    /// A picture of that level, with so many facets, is being drawn.
+    void drawing(Level level, size_t facets = 0);
+    /// Only a part of it is.
+    void drawingPart(Level level);
     /// The picture is on the screen.
     void shown();
 
@@ -63,11 +67,17 @@ private:
     bool m_slow = false;
     bool m_settled = false; ///< the picture has not changed for long
     QTimer m_rest;          ///< runs since the hand moved last
-    QTimer m_settle;        ///< runs since the last antialiased picture
+    QTimer m_settle;        ///< runs since the last smooth picture
     double m_coarseFacets;
+    double m_restFacets;
     Clock m_clock;
-    /// When the coarse picture that is on its way began.
-    std::optional<std::chrono::nanoseconds> m_frame;
+    struct Frame
+    {
+        std::chrono::nanoseconds began;
+        Level level = Nothing;
+        double facets = 0.0;
+    };
+    std::optional<Frame> m_frame; ///< that is on its way
 };
 
 } // namespace marlowen

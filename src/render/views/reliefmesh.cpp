@@ -238,7 +238,7 @@ bool ReliefMesh::layOut(const QRect &region, int step, bool withNormals)
         for (const int every : levelSteps) {
             const auto first = static_cast<uint32_t>(m_indices.size());
             appendStrips(m_indices, columns, rows, every);
-            m_levels.push_back({first, static_cast<uint32_t>(m_indices.size()) - first});
+            m_levels.push_back({{first, static_cast<uint32_t>(m_indices.size()) - first}, every});
         }
     }
     return !sameGrid;
@@ -276,16 +276,39 @@ QRegion ReliefMesh::verticesTouchedBy(const QRegion &cells) const
 // A strip has about as many facets as indices.
 size_t ReliefMesh::facets() const
 {
-    return m_levels.empty() ? 0 : m_levels.front().count;
+    return m_levels.empty() ? 0 : m_levels.front().strips.count;
+}
+
+const ReliefMesh::Level *ReliefMesh::_level(size_t mostFacets) const
+{
+    const auto fits = [=](const Level &level) { return level.strips.count <= mostFacets; };
+    const auto level = std::find_if(m_levels.begin(), m_levels.end(), fits);
+    if (level != m_levels.end())
+        return &*level;
+    return m_levels.empty() ? nullptr : &m_levels.back();
 }
 
 Shader::IndexRange ReliefMesh::strips(size_t mostFacets) const
 {
-    const auto fits = [=](const Shader::IndexRange &level) { return level.count <= mostFacets; };
-    const auto level = std::find_if(m_levels.begin(), m_levels.end(), fits);
-    if (level != m_levels.end())
-        return *level;
-    return m_levels.empty() ? Shader::IndexRange{} : m_levels.back();
+    return strips(mostFacets, 0, m_rows);
+}
+
+Shader::IndexRange ReliefMesh::strips(size_t mostFacets, int firstRow, int lastRow) const
+{
+    const Level *level = _level(mostFacets);
+    const int count = stepsOver(m_rows - 1, level ? level->step : 1);
+    if (!level || count < 1)
+        return {0, 0};
+    const uint32_t length = level->strips.count / static_cast<uint32_t>(count);
+    const auto first = static_cast<uint32_t>(std::clamp(firstRow / level->step, 0, count - 1));
+    const auto last = static_cast<uint32_t>(std::clamp(lastRow / level->step, 0, count - 1));
+    return {level->strips.first + first * length, (last - first + 1) * length};
+}
+
+int ReliefMesh::stepOf(size_t mostFacets) const
+{
+    const Level *level = _level(mostFacets);
+    return m_step * (level ? level->step : 1);
 }
 
 void appendStrips(std::vector<uint32_t> &indices, int columns, int rows, int step)

@@ -49,6 +49,10 @@ public:
     /// Where the strips of the finest mesh of at most so many facets, or of the coarsest, are in
     /// the indices.
     Shader::IndexRange strips(size_t mostFacets) const;
+    /// Those of its strips that touch these rows of vertices.
+    Shader::IndexRange strips(size_t mostFacets, int firstRow, int lastRow) const;
+    /// Cells from one vertex of that mesh to the next.
+    int stepOf(size_t mostFacets) const;
 
     /// The vertices whose position, normal or selection depends on one of these cells: those on
     /// them and, for the normals, on the cells around them.
@@ -64,7 +68,14 @@ private:
     std::unique_ptr<float[]> m_normals;
     std::unique_ptr<float[]> m_selection;
     std::vector<uint32_t> m_indices;
-    std::vector<Shader::IndexRange> m_levels; ///< from the finest to the coarsest
+    struct Level
+    {
+        Shader::IndexRange strips;
+        int step = 1; ///< vertices
+    };
+    const Level *_level(size_t mostFacets) const;
+
+    std::vector<Level> m_levels; ///< from the finest to the coarsest
 };
 
 /// Appends the strips of a vertex grid: for each pair of rows the vertices of the lower and the

@@ -5,11 +5,8 @@
 #include "relief/tools/alphabrush.h"
 #include "relief/tools/tool.h"
 #include "relief/tools/toolfields.h"
-#include "render/camera/levelofdetail.h"
-#include "render/engines/shader.h"
 #include "render/overlays/footprint.h"
 #include "render/overlays/footprintpainter.h"
-#include "render/overlays/symmetrypainter.h"
 #include "render/views/statustext.h"
 
 #include <QCursor>
@@ -117,90 +114,6 @@ void ReliefView::releaseOverlays(QOpenGLFunctions_2_1 &gl)
 {
     SurfaceView::releaseOverlays(gl);
     m_footprint->release(gl);
-}
-
-bool ReliefView::updateSurface(Shader &shader)
-{
-    const PendingCells pending = m_changes->take(m_changesView);
-    const QSize grid = m_relief ? QSize(m_relief->width(), m_relief->height()) : QSize();
-    const bool full = pending.full || m_verticesStale || grid != m_grid;
-    m_verticesStale = false;
-    m_grid = grid;
-    if (full && m_relief)
-        m_range = m_changes->heightRange();
-    const QRect visible = visibleCells(sceneBox(), matrices());
-    if (full || needsRebuild({m_mesh.region(), m_mesh.step()}, visible, grid, size())) {
-        _rebuildVertices(shader, visible);
-        return true;
-    }
-    const QRegion touched = m_mesh.verticesTouchedBy(pending.cells);
-    if (touched.isEmpty())
-        return false;
-    _refreshVertices(shader, touched);
-    return true;
-}
-
-void ReliefView::_rebuildVertices(Shader &shader, const QRect &visible)
-{
-    if (!m_relief || visible.isEmpty()) {
-        m_mesh.clear();
-        m_indicesStale = true;
-        verticesChanged();
-        return;
-    }
-    m_range = m_changes->heightRange();
-    const MeshLayout layout = layoutFor(visible, m_grid, size());
-    if (m_mesh.layOut(layout.region, layout.step, hasNormals()))
-        m_indicesStale = true;
-    fillVertices(m_mesh, m_mesh.vertices());
-    if (std::exchange(m_indicesStale, false))
-        shader.setData(m_mesh.arrays());
-    else
-        shader.setVertices(m_mesh.arrays());
-    ++work().fullRebuilds;
-    verticesChanged();
-}
-
-void ReliefView::_refreshVertices(Shader &shader, const QRegion &vertices)
-{
-    const auto columns = static_cast<uint32_t>(m_mesh.columns());
-    for (const QRect &rect : vertices) {
-        fillVertices(m_mesh, rect);
-        const auto left = static_cast<uint32_t>(rect.left());
-        const auto top = static_cast<uint32_t>(rect.top());
-        shader.updateVertices({top * columns + left, static_cast<uint32_t>(rect.width()),
-                               static_cast<uint32_t>(rect.height()), columns});
-        work().refreshedVertices += qint64(rect.width()) * rect.height();
-    }
-    ++work().partialRefreshes;
-    verticesChanged();
-}
-
-void ReliefView::drawSurface(Shader &shader, const Detail &detail)
-{
-    if (m_mesh.vertexCount() == 0)
-        return;
-    shader.size = std::max(m_relief->width(), m_relief->height());
-    configureShader(shader);
-    shader.drawn = m_mesh.strips(detail.mostFacets);
-    shader.quick = detail.quick;
-    shader.bind();
-    shader.draw();
-    shader.release();
-}
-
-void ReliefView::drawFootprint(QOpenGLFunctions_2_1 &gl)
-{
-    if (!canEdit() || !hasFootprint(m_tool->type))
-        return;
-    drawSymmetryAxes(gl, *m_relief, camera().zoom, devicePixelRatioF());
-    if (!pointerInside())
-        return;
-    const PickResult at = pick(lastPos());
-    if (!at.hit)
-        return;
-    for (const QPointF &image : mirrorImages(*m_relief, {at.point.x, at.point.y}))
-        m_footprint->draw(gl, *m_relief, *m_tool, {image, camera().zoom, devicePixelRatioF()});
 }
 
 QString ReliefView::statusText(const Vector &point) const

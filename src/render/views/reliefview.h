@@ -88,8 +88,10 @@ protected:
     SceneBox wholeBox() override;
     void prepareGL(QOpenGLFunctions_2_1 &gl) override;
     bool updateSurface(Shader &shader) override;
-    size_t facets() const override { return m_mesh.facets(); }
+    size_t facets(size_t most) const override { return m_mesh.strips(most).count; }
     void drawSurface(Shader &shader, const Detail &detail) override;
+    QRectF changedPart(const Detail &detail) const override;
+    bool isDense() const override;
     void releaseOverlays(QOpenGLFunctions_2_1 &gl) override;
     QString statusText(const Vector &point) const override;
     bool event(QEvent *event) override;
@@ -144,6 +146,7 @@ private:
     int m_unit = 0;
     SelectionModifier m_modifier = SelectionModifier::Normal;
     std::unique_ptr<FootprintPainter> m_footprint;
+    QRect m_refreshed; ///< vertices, by the last change; empty for all
     bool m_verticesStale = true;
     bool m_indicesStale = true;
 };

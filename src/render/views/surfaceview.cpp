@@ -22,6 +22,19 @@ namespace {
 constexpr int laterInterval = 90; ///< milliseconds
 /// Of a facet in a coarse picture: smaller ones are not worth their time while the hand moves.
 constexpr size_t fewestPixels = 8;
+/// Facets a pixel beyond which more are not seen.
+constexpr size_t mostPerPixel = 4;
+/// Pixels around a part of the picture that is drawn anew.
+constexpr double margin = 2.0;
+
+/// The pixels (y up) that have to do with a part of the viewport.
+QRect pixelsOf(const QRectF &part, QSize size)
+{
+    const auto pixel = [](double at, int length) { return (at + 1.0) / 2.0 * length; };
+    const QPointF first(pixel(part.left(), size.width()), pixel(part.top(), size.height()));
+    const QPointF last(pixel(part.right(), size.width()), pixel(part.bottom(), size.height()));
+    return QRectF(first, last).toAlignedRect() & QRect({0, 0}, size);
+}
 
 } // namespace
 
@@ -135,7 +148,7 @@ void SurfaceView::initializeGL()
     _makeShader();
     if (!m_shader)
         return;
-    m_picture = std::make_unique<KeptPicture>();
+    m_picture = std::make_unique<KeptPicture>(target() != nullptr);
     m_pictureStale = m_depthStale = true;
     m_quality = PictureQuality::Nothing;
     m_gl->glShadeModel(GL_SMOOTH);
@@ -232,39 +245,76 @@ void SurfaceView::_updatePicture()
     const bool changed = updateSurface(*m_shader);
     // The whole picture follows when it rests.
     if (changed && _draggedElsewhere())
-        m_pace.moved();
+        m_pace.movedElsewhere();
     const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
     const ViewMatrices now = matrices();
-    const bool due = changed || resized || m_pictureStale || now != m_drawn;
+    const bool another = resized || m_pictureStale || now != m_drawn;
+    const bool due = changed || another;
     if (!m_picture->isValid() || !(due || m_quality < _wantedQuality()))
         return;
     m_drawn = now;
     if (due)
         m_pace.changed();
-    _rasterise();
+    _rasterise(changed && !another);
 }
 
 PictureQuality::Level SurfaceView::_wantedQuality() const
 {
-    return m_pace.wanted(m_heldButton != Qt::NoButton && m_mode == SculptMode, facets());
+    return m_pace.wanted(m_heldButton != Qt::NoButton && m_mode == SculptMode,
+                         facets(_detailOf(PictureQuality::Complete).mostFacets));
 }
 
-void SurfaceView::_rasterise()
+SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
 {
-    using Quality = PictureQuality;
-    m_quality = _wantedQuality();
-    m_pace.drawing(m_quality);
-    const bool smooth = m_quality >= Quality::Smooth && !(slowDriver() && isDense());
-    m_picture->begin(*m_gl, m_backdrop, smooth);
+    const size_t pixels = static_cast<size_t>(width()) * static_cast<size_t>(height());
+    const size_t most = m_pace.mostFacets(level);
+    if (level == PictureQuality::Coarse)
+        return {std::min(most, pixels / fewestPixels), true, false};
+    // Several facets a pixel need neither colours nor samples between their corners.
+    if (slowDriver() && isDense())
+        return {std::min(most, pixels * mostPerPixel), true, false};
+    return {most, false, level >= PictureQuality::Smooth};
+}
+
+/// Of a picture that is there: what must be drawn anew for a change of the surface, at the detail
+/// of the rest; null when all of it is to be drawn at that quality, which is faster or better.
+QRectF SurfaceView::_partToDraw(PictureQuality::Level wanted) const
+{
+    constexpr double samples = 4.0;
+    QRectF part = changedPart(m_detail);
+    if (part.isNull() || m_quality < wanted)
+        return {};
+    const double x = 2.0 * margin / width();
+    const double y = 2.0 * margin / height();
+    part = part.adjusted(-x, -y, x, y) & wholeViewport;
+    const double share = part.width() * part.height() / 4.0;
+    const auto all = static_cast<double>(facets(m_detail.mostFacets));
+    const double work = share * all * (m_detail.smooth ? samples : 1.0);
+    const bool quick = work <= static_cast<double>(_detailOf(wanted).mostFacets);
+    return m_quality == wanted || quick ? part : QRectF();
+}
+
+void SurfaceView::_rasterise(bool mayBePart)
+{
+    const PictureQuality::Level wanted = _wantedQuality();
+    const QRectF part = mayBePart ? _partToDraw(wanted) : QRectF();
+    if (part.isNull()) {
+        m_quality = wanted;
+        m_detail = _detailOf(wanted);
+        m_pace.drawing(m_quality, facets(m_detail.mostFacets));
+    } else {
+        m_pace.drawingPart(m_quality);
+    }
+    Detail detail = m_detail;
+    if (!part.isNull())
+        detail.part = part;
+    m_picture->begin(*m_gl, {m_backdrop, detail.smooth, pixelsOf(detail.part, m_picture->size())});
     m_gl->glMatrixMode(GL_PROJECTION);
     m_gl->glLoadMatrixd(m_drawn.projection.data());
     m_gl->glMatrixMode(GL_MODELVIEW);
     m_gl->glLoadMatrixd(m_drawn.modelview.data());
     m_gl->glEnable(GL_DEPTH_TEST);
-    const bool coarse = m_quality == Quality::Coarse;
-    const size_t seen = static_cast<size_t>(width() * height()) / fewestPixels;
-    const size_t most = m_pace.mostFacets(m_quality);
-    drawSurface(*m_shader, {coarse ? std::min(most, seen) : most, coarse});
+    drawSurface(*m_shader, detail);
     m_gl->glDisable(GL_DEPTH_TEST);
     m_picture->end(*m_gl);
     ++m_counters.pictures;

@@ -3,6 +3,7 @@
 #include "render/camera/arcball.h"
 #include "render/camera/camera.h"
 #include "render/camera/depthimage.h"
+#include "render/camera/levelofdetail.h"
 #include "render/views/glcanvas.h"
 #include "render/views/picturequality.h"
 
@@ -115,14 +116,26 @@ protected:
     /// Gives the shader the changes, before every frame; true when the picture must be drawn anew
     /// for it.
     virtual bool updateSurface(Shader &shader) = 0;
-    /// Facets of the surface where a part of them can be drawn soon; 0 where it is drawn whole at
-    /// rest.
-    virtual size_t facets() const { return 0; }
+    /// Facets that are drawn of the surface when so many may be; 0 where it is drawn whole at rest.
+    virtual size_t facets(size_t most) const
+    {
+        (void)most;
+        return 0;
+    }
     struct Detail
     {
         size_t mostFacets = PictureQuality::allFacets;
-        bool quick = false; ///< less work a pixel
+        bool quick = false;          ///< less work a pixel
+        bool smooth = false;         ///< several samples a pixel
+        QRectF part = wholeViewport; ///< nothing shows outside
     };
+    /// The part of the viewport in which a picture of that detail changes by the changes that
+    /// updateSurface() gave the shader last, the camera being that of the picture; null for all.
+    virtual QRectF changedPart(const Detail &detail) const
+    {
+        (void)detail;
+        return {};
+    }
     /// Draws the surface, or a coarser one that takes less time; matrices, viewport and depth test
     /// are set.
     virtual void drawSurface(Shader &shader, const Detail &detail) = 0;
@@ -200,7 +213,9 @@ private:
     void _updatePicture();
     PictureQuality::Level _wantedQuality() const;
     bool _draggedElsewhere() const;
-    void _rasterise();
+    Detail _detailOf(PictureQuality::Level level) const;
+    QRectF _partToDraw(PictureQuality::Level wanted) const;
+    void _rasterise(bool mayBePart);
     void _paintOverPicture();
     void _paintFocus();
     void _paintMessage();
@@ -226,6 +241,7 @@ private:
     bool m_pictureStale = true;
     PictureQuality m_pace;
     PictureQuality::Level m_quality = PictureQuality::Nothing;
+    Detail m_detail; ///< of the picture
     bool m_depthStale = true;
     bool m_depthHeld = false;
     bool m_fitPending = false;
