@@ -13,9 +13,8 @@ namespace marlowen {
 namespace {
 
 /// Triangles that are sorted and drawn together, so that sorting takes little memory.
-constexpr size_t mostTriangles = size_t{1} << 19;
-/// What drawing these may cost, see findRows(): so little that "Cancel" works promptly even when
-/// they all lie in one band.
+constexpr size_t mostTriangles = size_t{1} << 20;
+/// What drawing these may cost in one band, see findRows(): so little that "Cancel" works promptly.
 constexpr double mostCost = 1e8;
 /// Triangles that one core sorts at a time: so few that they often lie near each other.
 constexpr size_t pieceTriangles = 1024;
@@ -137,6 +136,8 @@ public:
     void sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
               const CellPlacement &placement, const Bands &bands);
     double cost() const { return m_cost; }
+    /// Where all triangles are drawn as a whole; -1 when they were sorted one by one.
+    int onlyBand() const { return m_onlyBand; }
     /// Triangles that begin in a band, or in the next one, and are drawn at once: they end in the
     /// next one.
     std::span<const quint32> whole(int band) const { return m_whole.of(band); }
@@ -147,6 +148,7 @@ private:
     BandLists m_whole;
     BandLists m_tall;
     double m_cost = 0.0;
+    int m_onlyBand = -1;
 };
 
 RowReach reachOfAll(std::span<const RowReach> reaches)
@@ -164,8 +166,9 @@ void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
     const std::span<RowReach> reaches(all.data(), range[1] - range[0]);
     m_cost = findRows(mesh, range[0], placement, bands.grid, reaches);
     const RowReach reached = bands.of(reachOfAll(reaches));
-    if (reached.last <= reached.first + 1) {
-        m_whole.take(reaches.size(), range[0], reached.first);
+    m_onlyBand = reached.last <= reached.first + 1 ? reached.first : -1;
+    if (m_onlyBand >= 0) {
+        m_whole.take(reaches.size(), range[0], m_onlyBand);
         m_tall.clear();
         return;
     }
@@ -204,7 +207,7 @@ public:
             size_t count = std::min(wanted, all - next);
             if (!_sort(next, count))
                 return false;
-            if (m_cost > mostCost && count > 1) {
+            if (m_bandCost > mostCost && count > 1) {
                 wanted = _fewer(count);
                 continue;
             }
@@ -220,12 +223,13 @@ public:
 
 private:
     bool _sort(size_t first, size_t count);
+    void _addCosts();
     /// Every second band, so that what reaches into the next one is met by no other core.
     bool _drawBands(int first);
     /// Equal shares that cost little enough, if all triangles are alike.
     size_t _fewer(size_t count) const
     {
-        const double share = static_cast<double>(count) / std::ceil(m_cost / mostCost);
+        const double share = static_cast<double>(count) / std::ceil(m_bandCost / mostCost);
         return std::clamp<size_t>(static_cast<size_t>(std::ceil(share)), 1, count - 1);
     }
 
@@ -236,6 +240,7 @@ private:
     WorkMeter m_meter;
     std::vector<Piece> m_pieces;
     double m_cost = 0.0;
+    double m_bandCost = 0.0; ///< most that lies in one band
 };
 
 bool MeshDrawing::_sort(size_t first, size_t count)
@@ -251,10 +256,22 @@ bool MeshDrawing::_sort(size_t first, size_t count)
                 m_pieces[static_cast<size_t>(piece)].sort(m_mesh, range, m_placement, m_bands);
             }
         });
-    m_cost = 0.0;
-    for (const Piece &piece : m_pieces)
-        m_cost += piece.cost();
+    _addCosts();
     return whole;
+}
+
+void MeshDrawing::_addCosts()
+{
+    // What was sorted one by one may lie in any band.
+    double anywhere = 0.0;
+    m_cost = 0.0;
+    std::vector<double> costs(static_cast<size_t>(m_bands.count), 0.0);
+    for (const Piece &piece : m_pieces) {
+        const int band = piece.onlyBand();
+        (band < 0 ? anywhere : costs[static_cast<size_t>(band)]) += piece.cost();
+        m_cost += piece.cost();
+    }
+    m_bandCost = anywhere + *std::max_element(costs.begin(), costs.end());
 }
 
 bool MeshDrawing::_drawBands(int first)

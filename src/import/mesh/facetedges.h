@@ -70,7 +70,8 @@ CELL_INLINE inline Edge edgeOf(const FacetPoint &low, const FacetPoint &high)
 {
     const double height = high.y - low.y;
     const double run = std::abs(high.x - low.x);
-    const double slope = run < steepest * height ? run / height : steepest;
+    const double exact = run / height;
+    const double slope = run < steepest * height ? exact : steepest;
     return {low, high, height, facetTolerance * std::max(1.0, slope)};
 }
 

@@ -110,9 +110,9 @@ public:
     // Without values before find(): many are made at a time.
     CELL_INLINE FourFacets() {} // NOLINT(modernize-use-equals-default)
 
-    CELL_INLINE void find(FourCorners corners, const FacetGrid &grid)
+    CELL_INLINE void find(const FourCorners &corners, const FacetGrid &grid)
     {
-        auto &[x, y, z] = corners;
+        auto [x, y, z] = corners;
         FourReaches(x).whole(grid.columns, firstColumn, lastColumn);
         FourReaches(y).whole(grid.rows, firstRow, lastRow);
         const auto above = (z[0] > 0.0) | (z[1] > 0.0) | (z[2] > 0.0);
@@ -172,53 +172,54 @@ private:
     }
 };
 
+/// Cells of a facet that are worked on together: rows from its first one on.
 struct LanePlace
 {
-    int column;
+    int column; ///< of the first lane
     int rows;
-    int firstColumn; ///< of the facet: cells before are left as they are
+    int firstColumn, endColumn; ///< cells before and from there on are left as they are
 };
 
 /// Farther from an edge than any point of a grid.
 inline constexpr double outside = 1e300;
 
-/// The sides of four cells in the first row of a facet.
-CELL_INLINE inline void sidesFrom(const FourSides &side, size_t lane, int column,
-                                  FourDoubles &result)
-{
-    const FourDoubles columns = static_cast<double>(column) + FourDoubles{0.0, 1.0, 2.0, 3.0};
-    result = side.atRow[lane] - side.perColumn[lane] * (columns - side.fromX[lane]);
-}
-
-/// Raises `rows` rows of a number of groups of four cells to a facet; `cells` is the first of them,
-/// in the facet's first row. All cells must lie in the grid. More groups keep the processor busier.
-template <int groups>
-CELL_INLINE inline void fillGroups(float *cells, int stride, const FourFacets &facets, size_t lane,
+/// Raises a number of groups of cells to facet `which` of the four; `cells` is the first of them.
+/// All must lie in the grid. More groups keep the processor busier.
+template <int lanes, int groups>
+CELL_INLINE inline void fillGroups(float *cells, int stride, const FourFacets &facets, size_t which,
                                    const LanePlace &place)
 {
+    using Doubles = typename Lanes<lanes>::Doubles;
     const auto &[a, b, c] = facets.sides;
-    FourDoubles as[groups], bs[groups], cs[groups];
+    Doubles as[groups], bs[groups], cs[groups];
+    const bool whole =
+        place.column >= place.firstColumn && place.column + groups * lanes <= place.endColumn;
 #pragma GCC unroll 2
     for (int g = 0; g < groups; ++g) {
-        sidesFrom(a, lane, place.column + g * laneCount, as[g]);
-        sidesFrom(b, lane, place.column + g * laneCount, bs[g]);
-        sidesFrom(c, lane, place.column + g * laneCount, cs[g]);
-        if (place.column < place.firstColumn) {
-            const FourInts columns = place.column + g * laneCount + FourInts{0, 1, 2, 3};
-            as[g] = __builtin_convertvector(columns, FourDoubles) < place.firstColumn
-                        ? FourDoubles{} - outside
-                        : as[g];
+        const Doubles columns = static_cast<double>(place.column + g * lanes) + Lanes<lanes>::count;
+        as[g] = a.atRow[which] - a.perColumn[which] * (columns - a.fromX[which]);
+        bs[g] = b.atRow[which] - b.perColumn[which] * (columns - b.fromX[which]);
+        cs[g] = c.atRow[which] - c.perColumn[which] * (columns - c.fromX[which]);
+        if (!whole) {
+            as[g] = columns >= double(place.firstColumn) ? as[g] : Doubles{} - outside;
+            keepApart<lanes>(as[g]);
+            as[g] = columns < double(place.endColumn) ? as[g] : Doubles{} - outside;
         }
     }
-    const double za = a.height[lane], zb = b.height[lane], zc = c.height[lane];
-    const double leastA = a.least[lane], leastB = b.least[lane], leastC = c.least[lane];
-    const double stepA = a.perRow[lane], stepB = b.perRow[lane], stepC = c.perRow[lane];
+    const double za = a.height[which], zb = b.height[which], zc = c.height[which];
+    const double leastA = a.least[which], leastB = b.least[which], leastC = c.least[which];
+    const double stepA = a.perRow[which], stepB = b.perRow[which], stepC = c.perRow[which];
     for (int r = 0; r < place.rows; ++r, cells += stride) {
 #pragma GCC unroll 2
         for (int g = 0; g < groups; ++g) {
-            const FourDoubles height = as[g] * za + bs[g] * zb + cs[g] * zc;
-            const auto inside = (as[g] >= leastA) & (bs[g] >= leastB) & (cs[g] >= leastC);
-            raiseFour(cells + g * laneCount, inside ? height : FourDoubles{});
+            Doubles height = as[g] * za + bs[g] * zb + cs[g] * zc;
+            height = as[g] >= leastA ? height : Doubles{};
+            keepApart<lanes>(height);
+            height = bs[g] >= leastB ? height : Doubles{};
+            keepApart<lanes>(height);
+            height = cs[g] >= leastC ? height : Doubles{};
+            keepApart<lanes>(height);
+            raiseCells<lanes>(cells + g * lanes, height);
             as[g] += stepA;
             bs[g] += stepB;
             cs[g] += stepC;

@@ -12,6 +12,8 @@ namespace {
 
 /// Facets whose lanes are found before they are drawn: four at a time.
 constexpr size_t foursAtOnce = 8;
+/// Rows of facets up to this size are all drawn as if they had the full number of columns.
+constexpr int fewColumns = 24;
 /// What drawing costs, in half nanoseconds beside one for each cell of the box.
 constexpr double facetCost = 64.0;
 constexpr double smallRowCost = 8.0;
@@ -86,6 +88,12 @@ CELL_INLINE inline void fillAlongRow(float *row, int columns, const FacetCorners
     fillSpan(row, columns, end(2), end(0));
 }
 
+CELL_INLINE inline Reach reachOf(const FourFacets &facets, size_t which)
+{
+    return {facets.firstColumn[which], facets.lastColumn[which], facets.firstRow[which],
+            facets.lastRow[which]};
+}
+
 CELL_INLINE inline float *cellAt(const FacetGrid &grid, int column, int row)
 {
     return grid.values + static_cast<size_t>(row) * static_cast<size_t>(grid.columns) + column;
@@ -116,7 +124,14 @@ CELL_INLINE inline void fillNarrow(const FacetGrid &grid, const FacetCorners &co
     fillBesideEdges(grid, edges, reach);
 }
 
+/// Groups of lanes may reach beyond a facet, not beyond the grid.
+CELL_INLINE inline bool isRoomy(const FacetGrid &grid, const Reach &reach)
+{
+    return cellAt(grid, reach.lastColumn + laneCount, reach.lastRow) <= cellAt(grid, 0, grid.rows);
+}
+
 /// A broad facet, its corners in the order of y: its plane, between the edges.
+template <int lanes>
 CELL_INLINE inline void fillBroad(const FacetGrid &grid, const FacetCorners &corners, double area,
                                   const Reach &reach)
 {
@@ -124,55 +139,76 @@ CELL_INLINE inline void fillBroad(const FacetGrid &grid, const FacetCorners &cor
     const double perColumn = ((b.z - a.z) * (c.y - a.y) - (c.z - a.z) * (b.y - a.y)) / area;
     const double perRow = ((c.z - a.z) * (b.x - a.x) - (b.z - a.z) * (c.x - a.x)) / area;
     const Edges edges = edgesOf(corners);
+    const int steps = (reach.lastColumn - reach.firstColumn + lanes) / lanes;
+    const bool few = reach.lastColumn - reach.firstColumn < fewColumns;
     for (int row = reach.firstRow; row <= reach.lastRow; row += laneCount) {
         const FourInts below = row + FourInts{0, 1, 2, 3};
-        const FourInts numbers = below < reach.lastRow ? below : FourInts{} + reach.lastRow;
-        const FourRows ends =
-            fourRows(edges, __builtin_convertvector(numbers, FourDoubles), grid.columns);
+        const FourDoubles y = __builtin_convertvector(
+            below < reach.lastRow ? below : FourInts{} + reach.lastRow, FourDoubles);
+        const FourRows ends = fourRows(edges, y, grid.columns);
+        const FourDoubles heights =
+            a.z + perColumn * (__builtin_convertvector(ends.first, FourDoubles) - a.x) +
+            perRow * (y - a.y);
+        const FourDoubles lasts = __builtin_convertvector(ends.last - ends.first, FourDoubles);
         for (int lane = 0; lane < laneCount && row + lane <= reach.lastRow; ++lane) {
-            const int r = row + lane;
             const int first = ends.first[lane];
             const int last = ends.last[lane];
-            if (first <= last)
-                fillPlane(cellAt(grid, first, r), cellAt(grid, last, r),
-                          cellAt(grid, grid.columns, r),
-                          a.z + perColumn * (first - a.x) + perRow * (r - a.y), perColumn);
+            float *cells = cellAt(grid, first, row + lane);
+            if (few && first + steps * lanes <= grid.columns)
+                fillPlaneIn<lanes>(steps, cells, lasts[lane], heights[lane], perColumn);
+            else if (first <= last)
+                fillPlane<lanes>(cells, cells + (last - first),
+                                 cellAt(grid, grid.columns, row + lane), heights[lane], perColumn);
         }
     }
     fillBesideEdges(grid, edges, reach);
 }
 
-/// A broad facet of few cells: every cell of its box is asked for its side of the edges.
-CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t lane,
+/// A broad facet of few cells: every cell of its box is asked for its side of the edges, in whole
+/// groups of four columns.
+template <int lanes>
+CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t which,
                                   const Reach &reach)
 {
     const int rows = reach.lastRow - reach.firstRow + 1;
+    const int columns = (reach.lastColumn - reach.firstColumn + laneCount) / laneCount * laneCount;
+    const int end = reach.firstColumn + columns;
+    const bool wide = grid.columns >= 2 * lanes;
     int column = reach.firstColumn;
-    const bool wide = grid.columns >= fewestColumnsOfBands;
-    for (; wide && column + laneCount <= reach.lastColumn; column += 2 * laneCount) {
-        const int first = std::min(column, grid.columns - 2 * laneCount);
-        fillGroups<2>(cellAt(grid, first, reach.firstRow), grid.columns, facets, lane,
-                      {first, rows, column});
+    for (; wide && column + lanes < end; column += 2 * lanes) {
+        const int first = std::min(column, grid.columns - 2 * lanes);
+        fillGroups<lanes, 2>(cellAt(grid, first, reach.firstRow), grid.columns, facets, which,
+                             {first, rows, column, end});
     }
-    for (; column <= reach.lastColumn; column += laneCount) {
-        const int first = wide ? std::min(column, grid.columns - laneCount) : column;
-        fillGroups<1>(cellAt(grid, first, reach.firstRow), grid.columns, facets, lane,
-                      {first, rows, column});
+    if (wide && column < end) {
+        const int first = std::min(column, grid.columns - lanes);
+        fillGroups<lanes, 1>(cellAt(grid, first, reach.firstRow), grid.columns, facets, which,
+                             {first, rows, column, end});
+    }
+    for (; !wide && column < end; column += laneCount) {
+        // A narrow grid: what reaches beyond the row goes on in the next one.
+        const int first = grid.columns >= fewestColumnsOfBands
+                              ? std::min(column, grid.columns - laneCount)
+                              : column;
+        fillGroups<laneCount, 1>(cellAt(grid, first, reach.firstRow), grid.columns, facets, which,
+                                 {first, rows, column, end});
     }
 }
 
+/// Without jumps, which would be taken at random.
 CELL_INLINE inline void sortByY(FacetCorners &corners)
 {
-    auto &[a, b, c] = corners;
-    if (b.y < a.y)
-        std::swap(a, b);
-    if (c.y < b.y)
-        std::swap(b, c);
-    if (b.y < a.y)
-        std::swap(a, b);
+    const auto [a, b, c] = corners;
+    const size_t ba = b.y < a.y ? 1 : 0;
+    const size_t ca = c.y < a.y ? 1 : 0;
+    const size_t cb = c.y < b.y ? 1 : 0;
+    corners[ba + ca] = a;
+    corners[1 - ba + cb] = b;
+    corners[2 - ca - cb] = c;
 }
 
 /// A facet of any size, its part in the band.
+template <int lanes>
 CELL_INLINE inline void fillRows(const FacetGrid &grid, FacetCorners &corners, Reach reach)
 {
     reach.firstRow = std::max(reach.firstRow, grid.firstRow);
@@ -183,7 +219,7 @@ CELL_INLINE inline void fillRows(const FacetGrid &grid, FacetCorners &corners, R
     snap(corners);
     sortByY(corners);
     if (broad)
-        fillBroad(grid, corners, doubleArea(corners), reach);
+        fillBroad<lanes>(grid, corners, doubleArea(corners), reach);
     else
         fillNarrow(grid, corners, reach);
 }
@@ -196,6 +232,51 @@ CELL_INLINE inline FacetCorners cornersOf(const TriangleMesh &mesh, size_t numbe
             placed(mesh.corner(triangle, 1), placement),
             placed(mesh.corner(triangle, 2), placement)};
 }
+
+/// Some facets at a time: those of few cells first, so that the processor rarely guesses wrong.
+template <int lanes>
+CELL_INLINE inline void drawAll(const TriangleMesh &mesh, std::span<const quint32> numbers,
+                                const CellPlacement &placement, const FacetGrid &grid)
+{
+    std::array<FourFacets, foursAtOnce> fours;
+    for (; !numbers.empty();
+         numbers = numbers.subspan(std::min(numbers.size(), laneCount * foursAtOnce))) {
+        const size_t count = std::min(numbers.size(), laneCount * foursAtOnce);
+        const auto triangle = [&](size_t n) { return mesh.triangles.data() + numbers[n]; };
+        for (size_t i = 0; i < count; i += laneCount)
+            fours[i / laneCount].find({mesh, fourFrom(i, count, triangle), placement}, grid);
+        std::array<quint8, laneCount * foursAtOnce> others;
+        size_t otherCount = 0;
+        for (size_t i = 0; i < count; ++i) {
+            const FourFacets &four = fours[i / laneCount];
+            const size_t lane = i % laneCount;
+            const Reach reach = reachOf(four, lane);
+            const bool bySides = four.small[lane] && isRoomy(grid, reach);
+            others[otherCount] = static_cast<quint8>(i);
+            otherCount += four.raising[lane] && !bySides ? 1 : 0;
+            if (four.raising[lane] && bySides)
+                fillSmall<lanes>(grid, four, lane, reach);
+        }
+        for (const quint8 i : std::span(others).first(otherCount)) {
+            FacetCorners corners = cornersOf(mesh, numbers[i], placement);
+            fillRows<lanes>(grid, corners, reachOf(fours[i / laneCount], i % laneCount));
+        }
+    }
+}
+
+CELL_LOOP void drawByFour(const TriangleMesh &mesh, std::span<const quint32> numbers,
+                          const CellPlacement &placement, const FacetGrid &grid)
+{
+    drawAll<laneCount>(mesh, numbers, placement, grid);
+}
+
+#ifdef WIDE_CELL_LOOP
+WIDE_CELL_LOOP void drawByEight(const TriangleMesh &mesh, std::span<const quint32> numbers,
+                                const CellPlacement &placement, const FacetGrid &grid)
+{
+    drawAll<2 * laneCount>(mesh, numbers, placement, grid);
+}
+#endif
 
 } // namespace
 
@@ -230,34 +311,19 @@ CELL_LOOP double findRows(const TriangleMesh &mesh, quint32 first, const CellPla
     return cost[0] + cost[1] + cost[2] + cost[3];
 }
 
-CELL_LOOP void drawFacets(const TriangleMesh &mesh, std::span<const quint32> numbers,
-                          const CellPlacement &placement, const FacetGrid &grid)
+void drawFacets(const TriangleMesh &mesh, std::span<const quint32> numbers,
+                const CellPlacement &placement, const FacetGrid &grid)
 {
-    std::array<FourFacets, foursAtOnce> fours;
-    for (; !numbers.empty();
-         numbers = numbers.subspan(std::min(numbers.size(), laneCount * foursAtOnce))) {
-        const size_t count = std::min(numbers.size(), laneCount * foursAtOnce);
-        const auto triangle = [&](size_t n) { return mesh.triangles.data() + numbers[n]; };
-        for (size_t i = 0; i < count; i += laneCount)
-            fours[i / laneCount].find({mesh, fourFrom(i, count, triangle), placement}, grid);
-        for (size_t i = 0; i < count; ++i) {
-            const FourFacets &four = fours[i / laneCount];
-            const size_t lane = i % laneCount;
-            if (!four.raising[lane])
-                continue;
-            const Reach reach{four.firstColumn[lane], four.lastColumn[lane], four.firstRow[lane],
-                              four.lastRow[lane]};
-            // Groups of lanes may reach beyond the facet, not beyond the grid.
-            const bool roomy = cellAt(grid, reach.lastColumn + laneCount, reach.lastRow) <=
-                               cellAt(grid, 0, grid.rows);
-            if (roomy && four.small[lane]) {
-                fillSmall(grid, four, lane, reach);
-            } else {
-                FacetCorners corners = cornersOf(mesh, numbers[i], placement);
-                fillRows(grid, corners, reach);
-            }
-        }
+#ifdef WIDE_CELL_LOOP
+    static const bool wide =
+        __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
+        __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw");
+    if (wide) {
+        drawByEight(mesh, numbers, placement, grid);
+        return;
     }
+#endif
+    drawByFour(mesh, numbers, placement, grid);
 }
 
 } // namespace marlowen
