@@ -93,3 +93,11 @@ extern "C" int fdatasync(int descriptor)
 {
     return synced(SYS_fdatasync, descriptor);
 }
+
+#ifdef __SANITIZE_ADDRESS__
+/// Keeps libraries loaded, so that reports of leaks name the functions of graphics drivers too.
+extern "C" int dlclose(void *)
+{
+    return 0;
+}
+#endif
