@@ -40,9 +40,10 @@ void ProgressBox::advance(double fraction)
     if (now < patienceMs || now - m_lastShownMs < frameMs)
         return;
     m_lastShownMs = now;
+    const QString text = m_state.isEmpty() ? m_label : m_label + QLatin1Char('\n') + m_state;
     if (!m_dialog) {
         m_dialog =
-            std::make_unique<QProgressDialog>(m_label, QObject::tr("Cancel"), 0, steps, m_window);
+            std::make_unique<QProgressDialog>(text, QObject::tr("Cancel"), 0, steps, m_window);
         m_dialog->setWindowModality(Qt::ApplicationModal);
         m_dialog->setWindowFlag(Qt::WindowStaysOnTopHint);
         m_dialog->setWindowTitle(QStringLiteral("Marlowen"));
@@ -52,8 +53,8 @@ void ProgressBox::advance(double fraction)
         m_dialog->setMinimumWidth(narrowest);
         m_dialog->show();
     }
-    if (!m_state.isEmpty())
-        m_dialog->setLabelText(m_label + QLatin1Char('\n') + m_state);
+    if (text != m_dialog->labelText())
+        m_dialog->setLabelText(text);
     m_dialog->setValue(qBound(0, qRound(fraction * steps), steps));
     QApplication::processEvents();
 }

@@ -93,6 +93,11 @@ QString sizeText(uint64_t bytes)
     return ExportPage::tr("%1 MB").arg(QLocale().toString(megabytes, 'f', 1));
 }
 
+QString sizesText(uint64_t stlBytes, uint64_t objBytes)
+{
+    return ExportPage::tr("STL %1, OBJ ~%2").arg(sizeText(stlBytes), sizeText(objBytes));
+}
+
 void describe(QWidget &control, const FieldInfo &info)
 {
     control.setAccessibleName(fieldText(info.label));
@@ -237,6 +242,8 @@ void ExportPage::_buildForecast(RibbonGroup &group)
 {
     m_count = makeText("facetCount");
     m_bytes = makeText("fileSize");
+    constexpr uint64_t widest = 8'888'800'000; // of the largest relief it is less
+    m_bytes->setMinimumWidth(m_bytes->fontMetrics().horizontalAdvance(sizesText(widest, widest)));
     m_error = makeText("largestError");
     group.addRow(m_count, tr("Facets"));
     group.addRow(m_bytes, tr("Size"));
@@ -335,9 +342,8 @@ void ExportPage::showForecast(const MeshForecast &forecast, bool ended)
     m_count->setText(!ended            ? tr("%1 ...").arg(facets)
                      : forecast.atMost ? tr("at most %1").arg(facets)
                                        : facets);
-    m_bytes->setText(tr("STL %1, OBJ ~%2")
-                         .arg(sizeText(fileBytes(MeshFormat::Stl, forecast.facets)),
-                              sizeText(fileBytes(MeshFormat::Obj, forecast.facets))));
+    m_bytes->setText(sizesText(fileBytes(MeshFormat::Stl, forecast.facets),
+                               fileBytes(MeshFormat::Obj, forecast.facets)));
     QString error = forecast.reduced ? lengthText(forecast.largestErrorInches) : tr("none");
     if (!forecast.withinTolerance)
         error += tr(" (limited)");
