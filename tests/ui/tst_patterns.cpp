@@ -77,6 +77,11 @@ private slots:
         QCOMPARE(list->model()->rowCount(), 0);
         const QString path = add(*ramp(30, 20), QStringLiteral("Drop"));
         QTRY_COMPARE(list->model()->rowCount(), 1); // another program wrote it
+        panel.setReasons({}, {});
+        auto *place = panel.findChild<QToolButton *>(QStringLiteral("placePattern"));
+        QVERIFY(!place->isEnabled()); // nothing is chosen
+        list->setCurrentIndex(list->model()->index(0, 0));
+        QVERIFY(place->isEnabled());
         PersonAtHand person;
         QVERIFY(!list->model()->setData(list->model()->index(0, 0), QStringLiteral("Drone")));
         QTRY_VERIFY(QFile::exists(patternFolder() + QStringLiteral("/Drone.ptr")));

@@ -117,6 +117,8 @@ void PatternPanel::_makeList()
     m_list->setEditTriggers(QAbstractItemView::EditKeyPressed);
     m_list->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_list, &QListView::activated, this, &PatternPanel::_activate);
+    connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &PatternPanel::_showPlacing);
     connect(m_list, &QWidget::customContextMenuRequested, this, &PatternPanel::_offer);
     connect(m_model, &PatternModel::renameWanted, this, &PatternPanel::_rename);
     auto *remove = new QShortcut(QKeySequence::Delete, m_list);
@@ -185,6 +187,7 @@ void PatternPanel::_showEntries()
     m_nothing->setText(wanted.isEmpty() ? tr("There are no patterns here yet.")
                                         : tr("There is no pattern named \"%1\".").arg(wanted));
     m_nothing->setVisible(empty);
+    _showPlacing();
 }
 
 QString PatternPanel::_currentPath() const
@@ -226,10 +229,19 @@ void PatternPanel::setReasons(const QString &againstAdding, const QString &again
     if (!againstAdding.isEmpty())
         m_add->setToolTip(againstAdding);
     m_reasonAgainstPlacing = againstPlacing;
-    m_place->setEnabled(againstPlacing.isEmpty());
-    m_place->setToolTip(againstPlacing.isEmpty()
-                            ? tr("Places the chosen pattern on the relief (double-click)")
-                            : againstPlacing);
+    _showPlacing();
+}
+
+/// Whether the button "Place" can act.
+void PatternPanel::_showPlacing()
+{
+    const bool chosen = !_currentPath().isEmpty();
+    m_place->setEnabled(m_reasonAgainstPlacing.isEmpty() && chosen);
+    if (!m_reasonAgainstPlacing.isEmpty())
+        m_place->setToolTip(m_reasonAgainstPlacing);
+    else
+        m_place->setToolTip(chosen ? tr("Places the chosen pattern on the relief (double-click)")
+                                   : tr("Choose a pattern first."));
 }
 
 void PatternPanel::setSelectionPresent(bool present)

@@ -56,6 +56,7 @@ private:
     void _arrange();
     void _showFolders();
     void _showEntries();
+    void _showPlacing();
     void _activate(const QModelIndex &index);
     void _offer(const QPoint &position);
     void _fill(QMenu &menu, const QModelIndex &index);
