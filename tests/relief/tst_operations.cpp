@@ -189,9 +189,12 @@ void TestOperations::heightsEqualThePlainWay()
     const GridSize old{from.width(), from.height()};
     const GridSize wanted{to.width(), to.height()};
     Floats values = patchyHeights(old, 4);
-    for (const bool surrounded : {false, true}) {
-        for (int i = 0; surrounded && i < values.size(); ++i) {
+    enum { Patches, PatchesInAFrame, PlateInAFrame };
+    for (const int ground : {Patches, PatchesInAFrame, PlateInAFrame}) {
+        for (int i = 0; ground != Patches && i < values.size(); ++i) {
             const int column = i % old.width;
+            if (ground == PlateInAFrame && values[i] == 0.0F)
+                values[i] = static_cast<float>(i % 11 + 1);
             if (column < old.width / 3 || column > old.width * 3 / 4 || i < values.size() / 4)
                 values[i] = 0.0F;
         }
