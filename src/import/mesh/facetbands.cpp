@@ -13,8 +13,9 @@ namespace marlowen {
 namespace {
 
 /// Triangles that are sorted and drawn together, so that sorting takes little memory.
-constexpr size_t mostTriangles = size_t{1} << 20;
-/// What drawing these may cost in one band, see findRows(): so little that "Cancel" works promptly.
+constexpr size_t mostTriangles = size_t{1} << 22;
+/// What drawing these may cost in the bands that a core takes at a time, see findRows(): so little
+/// that "Cancel" works promptly, and that the lists stay short.
 constexpr double mostCost = 1e8;
 /// Triangles that one core sorts at a time: so few that they often lie near each other.
 constexpr size_t pieceTriangles = 1024;
@@ -24,6 +25,9 @@ constexpr int leastBandShift = 6;
 /// not drawn at the same time, but not beyond it.
 static_assert((1 << leastBandShift) >= mostRowsAtOnce);
 constexpr int mostBands = 128;
+/// Bands that a core takes at a time, so that the large pages of a fresh grid are drawn into soon
+/// after the system has cleared them; fewer where there are few bands.
+constexpr int mostBandsTogether = 4;
 /// Cells to which sorting a triangle compares.
 constexpr qsizetype sortingCells = 16;
 
@@ -54,6 +58,7 @@ struct Bands
         while (!enough(grid.columns < fewestColumnsOfBands ? 1 : mostBands))
             ++shift;
         count = of(grid.rows - 1) + 1;
+        together = count < 8 * mostBandsTogether ? 2 : mostBandsTogether;
     }
 
     int of(int row) const { return row >> shift; }
@@ -70,6 +75,7 @@ struct Bands
     FacetGrid grid;
     int shift = leastBandShift; ///< a band has 2^shift rows
     int count = 0;
+    int together; ///< bands that a core takes at a time
 };
 
 /// Numbers of triangles, band by band.
@@ -81,8 +87,6 @@ public:
     template <typename Wanted>
     void sort(std::span<const RowReach> reaches, quint32 first, const RowReach &bands,
               Wanted wanted);
-    /// All triangles from number `first` on, in one band.
-    void take(size_t count, quint32 first, int band);
     void clear() { m_count = 0; }
     std::span<const quint32> of(int band) const
     {
@@ -120,15 +124,6 @@ void BandLists::sort(std::span<const RowReach> reaches, quint32 first, const Row
     each([this](size_t band, quint32 number) { m_numbers[m_starts[band + 1]++] = number; });
 }
 
-void BandLists::take(size_t count, quint32 first, int band)
-{
-    m_first = band;
-    m_count = 1;
-    m_starts = {0, static_cast<quint32>(count)};
-    m_numbers.resize(count);
-    std::iota(m_numbers.begin(), m_numbers.end(), first);
-}
-
 /// Some triangles in a row, sorted by the bands that they reach.
 class Piece
 {
@@ -136,17 +131,17 @@ public:
     void sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
               const CellPlacement &placement, const Bands &bands);
     double cost() const { return m_cost; }
-    /// Where all triangles are drawn as a whole; -1 when they were sorted one by one.
+    /// The band with which all triangles are drawn, as none reaches beyond the next one; -1 when
+    /// they were sorted one by one.
     int onlyBand() const { return m_onlyBand; }
-    /// Triangles that begin in a band, or in the next one, and are drawn at once: they end in the
-    /// next one.
-    std::span<const quint32> whole(int band) const { return m_whole.of(band); }
-    /// Triangles of which a part lies in a band.
-    std::span<const quint32> tall(int band) const { return m_tall.of(band); }
+    /// Draws the triangles that begin in a band and of those that are higher the part in it.
+    void draw(const TriangleMesh &mesh, const CellPlacement &placement, const Bands &bands,
+              int band) const;
 
 private:
-    BandLists m_whole;
+    BandLists m_low;
     BandLists m_tall;
+    std::array<quint32, 2> m_range{};
     double m_cost = 0.0;
     int m_onlyBand = -1;
 };
@@ -167,23 +162,37 @@ void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
     m_cost = findRows(mesh, range[0], placement, bands.grid, reaches);
     const RowReach reached = bands.of(reachOfAll(reaches));
     m_onlyBand = reached.last <= reached.first + 1 ? reached.first : -1;
-    if (m_onlyBand >= 0) {
-        m_whole.take(reaches.size(), range[0], m_onlyBand);
-        m_tall.clear();
+    m_range = {range[0], range[1]};
+    m_low.clear();
+    m_tall.clear();
+    if (m_onlyBand >= 0)
         return;
-    }
     if (m_cost > mostCost && reaches.size() > 1)
         return; // too much for one time; there is no telling how long the lists would be
     const auto isLow = [](const RowReach &reach) {
         return reach.last - reach.first < mostRowsAtOnce;
     };
-    m_whole.sort(reaches, range[0], reached, [&](const RowReach &reach) {
+    m_low.sort(reaches, range[0], reached, [&](const RowReach &reach) {
         const int band = bands.of(reach.first);
         return isLow(reach) ? RowReach{band, band} : RowReach{0, -1};
     });
     m_tall.sort(reaches, range[0], reached, [&](const RowReach &reach) {
         return isLow(reach) ? RowReach{0, -1} : bands.of(reach);
     });
+}
+
+void Piece::draw(const TriangleMesh &mesh, const CellPlacement &placement, const Bands &bands,
+                 int band) const
+{
+    if (m_onlyBand == band) {
+        std::array<quint32, pieceTriangles> all;
+        const std::span<quint32> numbers(all.data(), m_range[1] - m_range[0]);
+        std::iota(numbers.begin(), numbers.end(), m_range[0]);
+        drawFacets(mesh, numbers, placement, bands.grid);
+        return;
+    }
+    drawFacets(mesh, m_low.of(band), placement, bands.grid);
+    drawFacets(mesh, m_tall.of(band), placement, bands.band(band));
 }
 
 class MeshDrawing
@@ -211,7 +220,7 @@ public:
                 wanted = _fewer(count);
                 continue;
             }
-            if (!_drawBands(0) || !_drawBands(1))
+            if (!_drawBands(0, m_bands.together - 1) || !_drawBands(m_bands.together - 1, 1))
                 return false;
             next += count;
             wanted = std::min(mostTriangles, 2 * count);
@@ -224,8 +233,9 @@ public:
 private:
     bool _sort(size_t first, size_t count);
     void _addCosts();
-    /// Every second band, so that what reaches into the next one is met by no other core.
-    bool _drawBands(int first);
+    /// Some of the bands that a core takes at a time, and not those next to them, so that what
+    /// reaches into the next band is met by no other core.
+    bool _drawBands(int first, int count);
     /// Equal shares that cost little enough, if all triangles are alike.
     size_t _fewer(size_t count) const
     {
@@ -240,7 +250,7 @@ private:
     WorkMeter m_meter;
     std::vector<Piece> m_pieces;
     double m_cost = 0.0;
-    double m_bandCost = 0.0; ///< most that lies in one band
+    double m_bandCost = 0.0; ///< most that lies in the bands of a core
 };
 
 bool MeshDrawing::_sort(size_t first, size_t count)
@@ -268,21 +278,24 @@ void MeshDrawing::_addCosts()
     std::vector<double> costs(static_cast<size_t>(m_bands.count), 0.0);
     for (const Piece &piece : m_pieces) {
         const int band = piece.onlyBand();
-        (band < 0 ? anywhere : costs[static_cast<size_t>(band)]) += piece.cost();
+        (band < 0 ? anywhere : costs[static_cast<size_t>(band / m_bands.together)]) += piece.cost();
         m_cost += piece.cost();
     }
     m_bandCost = anywhere + *std::max_element(costs.begin(), costs.end());
 }
 
-bool MeshDrawing::_drawBands(int first)
+bool MeshDrawing::_drawBands(int first, int count)
 {
-    const auto cells = static_cast<qsizetype>(m_cost / m_bands.count);
-    return m_meter.rows((m_bands.count + 1 - first) / 2, cells, [this, first](int half, int end) {
-        for (; half < end; ++half) {
-            const int index = 2 * half + first;
-            for (const Piece &piece : m_pieces) {
-                drawFacets(m_mesh, piece.whole(index), m_placement, m_bands.grid);
-                drawFacets(m_mesh, piece.tall(index), m_placement, m_bands.band(index));
+    const int together = m_bands.together;
+    const int groups = (m_bands.count + together - 1) / together;
+    const auto cells = static_cast<qsizetype>(m_cost * count / m_bands.count);
+    return m_meter.rows(groups, cells, [=, this](int group, int end) {
+        for (; group < end; ++group) {
+            const int firstBand = group * together + first;
+            const int endBand = std::min(firstBand + count, m_bands.count);
+            for (int band = firstBand; band < endBand; ++band) {
+                for (const Piece &piece : m_pieces)
+                    piece.draw(m_mesh, m_placement, m_bands, band);
             }
         }
     });

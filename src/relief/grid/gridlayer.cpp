@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace marlowen {
 
@@ -28,13 +29,34 @@ size_t memoryBytes(qsizetype size)
     return byteCount(size) + sizeof(float);
 }
 
-float *map(size_t bytes)
+void *mapAnywhere(size_t bytes)
 {
     void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED)
         throw std::bad_alloc();
-    wishLargePages(memory, bytes);
-    return static_cast<float *>(memory);
+    return memory;
+}
+
+size_t wholePages(size_t bytes)
+{
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    return (bytes + page - 1) / page * page;
+}
+
+/// Large layers begin with a large page: the cells before one would be mapped 4 KiB at a time.
+float *map(size_t bytes)
+{
+    if (bytes < 2 * largePageBytes)
+        return static_cast<float *>(mapAnywhere(bytes));
+    bytes = wholePages(bytes);
+    char *memory = static_cast<char *>(mapAnywhere(bytes + largePageBytes));
+    const size_t over = reinterpret_cast<uintptr_t>(memory) % largePageBytes;
+    const size_t before = over ? largePageBytes - over : 0;
+    if (before)
+        munmap(memory, before);
+    munmap(memory + before + bytes, largePageBytes - before);
+    wishLargePages(memory + before, bytes);
+    return reinterpret_cast<float *>(memory + before);
 }
 
 float *allocate(qsizetype size)
