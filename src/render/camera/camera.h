@@ -38,6 +38,7 @@ struct SceneBox
     double reach() const;
     /// There is nothing to see.
     bool isEmpty() const { return width <= 0.0 || height <= 0.0; }
+    bool operator==(const SceneBox &) const = default;
 };
 
 /// Where the viewer stands: the model is rotated, scaled by `zoom` and moved by `pan` logical

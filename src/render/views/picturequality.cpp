@@ -7,8 +7,8 @@ namespace marlowen {
 
 namespace {
 
-// Milliseconds of rest: after a move, after its picture is on the screen, and after a move by a drag
-// in another view, whose next move waits for the pictures of both.
+// Milliseconds of rest: after a move, after its picture is on the screen, and after a move by a
+// drag in another view, whose next move waits for the pictures of both.
 constexpr int restInterval = 25;
 constexpr int restAfterPicture = 12;
 constexpr int restElsewhere = 120;

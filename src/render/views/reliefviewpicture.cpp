@@ -79,7 +79,7 @@ void ReliefView::drawSurface(Shader &shader, const Detail &detail)
         return;
     shader.size = std::max(m_relief->width(), m_relief->height());
     configureShader(shader);
-    const QRect cells = visibleCells(sceneBox(), drawnMatrices(), detail.part);
+    const QRect cells = visibleCells(drawnBox(), drawnMatrices(), detail.part);
     if (cells.isEmpty())
         return;
     const int origin = m_mesh.region().top();
@@ -101,7 +101,7 @@ QRectF ReliefView::changedPart(const Detail &detail) const
         return m_mesh.region().topLeft() + vertex * m_mesh.step();
     };
     const QRect cells(cell(m_refreshed.topLeft()), cell(m_refreshed.bottomRight()));
-    return coveredPart(cells.adjusted(-reach, -reach, reach, reach), sceneBox(), drawnMatrices());
+    return coveredPart(cells.adjusted(-reach, -reach, reach, reach), drawnBox(), drawnMatrices());
 }
 
 /// Facets of a few pixels each.

@@ -67,6 +67,7 @@ public:
         int partialRefreshes = 0;     ///< only vertices of changed cells computed
         qint64 refreshedVertices = 0; ///< computed by partial refreshes
         int pictures = 0;             ///< times the surface was rasterised
+        int parts = 0;                ///< of these, times when only a part of it was
         int depthReads = 0;
     };
     const Counters &counters() const { return m_counters; }
@@ -188,6 +189,8 @@ protected:
     void holdDepth(bool held) { m_depthHeld = held; }
     /// The matrices of the kept picture.
     const ViewMatrices &drawnMatrices() const { return m_drawn; }
+    /// The surface in the kept picture and the present one, if that is drawn in parts, lie within.
+    const SceneBox &drawnBox() const { return m_drawnBox; }
     QPoint lastPos() const { return m_lastPos; }
     void setLastPos(QPoint position) { m_lastPos = position; }
     /// Requests a new status line: the surface under the pointer may have changed.
@@ -216,6 +219,7 @@ private:
     Detail _detailOf(PictureQuality::Level level) const;
     QRectF _partToDraw(PictureQuality::Level wanted) const;
     void _rasterise(bool mayBePart);
+    SceneBox _roomyBox() const;
     void _paintOverPicture();
     void _paintFocus();
     void _paintMessage();
@@ -227,6 +231,7 @@ private:
 
     Camera m_camera;
     ViewMatrices m_drawn;
+    SceneBox m_drawnBox; ///< around the surface, before and after changes of its parts
     DepthImage m_depth;
     ViewMatrices m_depthMatrices; ///< of the picture that the depth was read from
     Camera m_depthCamera;

@@ -121,7 +121,8 @@ void EditController::sampleEdited()
 void EditController::showSize()
 {
     const Relief *relief = m_bench.relief();
-    if (!relief)
+    // A preview changes with every move of the hand; its heights are not the relief's yet.
+    if (!relief || m_bench.preview().active())
         return;
     const double highest = m_bench.changes().heightRange().maximum;
     const std::array<double, 3> now = {relief->width() / cellsPerInch,
