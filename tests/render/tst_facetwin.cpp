@@ -36,7 +36,8 @@ double depthOfPixels(const std::array<QPointF, 3> &corners, QSize pixels)
     const double turn = cross(corners[1] - corners[0], corners[2] - corners[0]) < 0.0 ? -1.0 : 1.0;
     double deepest = -1e9;
     for (int pixel = 0; pixel < pixels.width() * pixels.height(); ++pixel) {
-        const QPointF middle(pixel % pixels.width() + 0.5, pixel / pixels.width() + 0.5);
+        const int row = pixel / pixels.width();
+        const QPointF middle(pixel - row * pixels.width() + 0.5, row + 0.5);
         double depth = 1e9;
         for (size_t i = 0; i < 3; ++i) {
             const QPointF edge = corners[(i + 1) % 3] - corners[i];
