@@ -14,6 +14,8 @@ namespace {
 
 /// Triangles that are sorted and drawn together, so that sorting takes little memory.
 constexpr size_t mostTriangles = size_t{1} << 22;
+/// The first of them; how many follow depends on what these cost.
+constexpr size_t firstTriangles = size_t{1} << 19;
 /// What drawing these may cost in the bands that a core takes at a time, see findRows(): so little
 /// that "Cancel" works promptly, and that the lists stay short.
 constexpr double mostCost = 1e8;
@@ -211,7 +213,7 @@ public:
     bool draw()
     {
         const size_t all = m_mesh.triangles.size();
-        size_t wanted = mostTriangles;
+        size_t wanted = firstTriangles;
         for (size_t next = 0; next < all;) {
             size_t count = std::min(wanted, all - next);
             if (!_sort(next, count))
@@ -223,7 +225,7 @@ public:
             if (!_drawBands(0, m_bands.together - 1) || !_drawBands(m_bands.together - 1, 1))
                 return false;
             next += count;
-            wanted = std::min(mostTriangles, 2 * count);
+            wanted = _next(count);
             m_progress.share = static_cast<double>(next) / static_cast<double>(all);
         }
         m_progress.advance(1.0);
@@ -241,6 +243,13 @@ private:
     {
         const double share = static_cast<double>(count) / std::ceil(m_bandCost / mostCost);
         return std::clamp<size_t>(static_cast<size_t>(std::ceil(share)), 1, count - 1);
+    }
+
+    /// As many as cost a little less than they may, if the next ones are like these.
+    size_t _next(size_t count) const
+    {
+        const double most = 0.8 * static_cast<double>(count) * mostCost / m_bandCost;
+        return static_cast<size_t>(std::clamp(most, 1.0, static_cast<double>(mostTriangles)));
     }
 
     const TriangleMesh &m_mesh;
