@@ -122,7 +122,9 @@ private slots:
         QCOMPARE(after.indexBytes, before.indexBytes);
         b.release(at);
         const QImage refreshed = b.paint();
+        QVERIFY(b.view.pictureComplete());
         b.view.setRelief(b.relief.get());
+        QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
         QCOMPARE(b.paint(), refreshed);
     }
 
@@ -232,6 +234,7 @@ private slots:
         QFETCH(const double, tilt);
         SculptBench b(medal(cells.width(), cells.height()));
         b.view.setRotation(rotationAbout({1, 0.4, 0.2}, tilt));
+        QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
         const QImage before = b.paint();
         const QRect block(cells.width() / 2, cells.height() / 3, cells.width() / 8, 6);
         for (int y = block.top(); y <= block.bottom(); ++y)
@@ -245,6 +248,7 @@ private slots:
         QCOMPARE(b.view.counters().parts, parts + 1);
         QVERIFY(part != before);
         b.view.setBackdrop(b.view.backdrop()); // all of it
+        QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
         QCOMPARE(part, b.paint());
     }
 

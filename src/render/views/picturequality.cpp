@@ -12,7 +12,8 @@ namespace {
 constexpr int restInterval = 25;
 constexpr int restAfterPicture = 12;
 constexpr int restElsewhere = 120;
-constexpr int settleInterval = 100; ///< milliseconds
+constexpr int settleInterval = 100;     ///< milliseconds, for a few more facets
+constexpr int longSettleInterval = 600; ///< for a picture that takes long
 
 /// Facets of the picture at rest: at first, which is also the least, and within what they are
 /// fitted to the driver.
@@ -50,7 +51,6 @@ PictureQuality::PictureQuality(Clock clock, QObject *parent)
 {
     for (QTimer *timer : {&m_rest, &m_settle})
         timer->setSingleShot(true);
-    m_settle.setInterval(settleInterval);
     connect(&m_rest, &QTimer::timeout, this, &PictureQuality::due);
     connect(&m_settle, &QTimer::timeout, this, [this] {
         m_settled = true;
@@ -96,7 +96,8 @@ size_t PictureQuality::mostFacets(Level level) const
 void PictureQuality::drawing(Level level, size_t facets)
 {
     drawingPart(level);
-    if (level != Draft)
+    // A picture after a longer rest may take its time.
+    if (level != Draft && !m_settled)
         m_frame = Frame{m_clock(), level, static_cast<double>(facets)};
 }
 
@@ -105,7 +106,7 @@ void PictureQuality::drawingPart(Level level)
     m_frame.reset();
     m_settle.stop();
     if (level == Smooth)
-        m_settle.start();
+        m_settle.start(m_longSettle ? longSettleInterval : settleInterval);
 }
 
 void PictureQuality::shown()

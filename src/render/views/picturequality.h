@@ -50,6 +50,8 @@ public:
 
     /// What is to be seen changed.
     void changed() { m_settled = false; }
+    /// The picture that follows the smooth one takes long: it has several samples a pixel.
+    void setLongSettle(bool slow) { m_longSettle = slow; }
     /// A picture of that level, with so many facets, is being drawn.
     void drawing(Level level, size_t facets = 0);
     /// Only a part of it is.
@@ -65,6 +67,7 @@ signals:
 
 private:
     bool m_slow = false;
+    bool m_longSettle = false;
     bool m_settled = false; ///< the picture has not changed for long
     QTimer m_rest;          ///< runs since the hand moved last
     QTimer m_settle;        ///< runs since the last smooth picture

@@ -104,13 +104,11 @@ QRectF ReliefView::changedPart(const Detail &detail) const
     return coveredPart(cells.adjusted(-reach, -reach, reach, reach), drawnBox(), drawnMatrices());
 }
 
-/// Facets of a few pixels each.
+/// More facets than pixels.
 bool ReliefView::isDense() const
 {
-    constexpr double fewPixels = 4.0;
     const QSize pixels = physicalSize(size(), devicePixelRatioF());
-    return static_cast<double>(m_mesh.facets()) * fewPixels >
-           1.0 * pixels.width() * pixels.height();
+    return static_cast<double>(m_mesh.facets()) > 1.0 * pixels.width() * pixels.height();
 }
 
 void ReliefView::drawFootprint(QOpenGLFunctions_2_1 &gl)

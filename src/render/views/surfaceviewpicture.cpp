@@ -15,6 +15,8 @@ namespace {
 
 /// Of a facet in a coarse picture: smaller ones are not worth their time while the hand moves.
 constexpr size_t fewestPixels = 8;
+/// Of a facet that is drawn with one sample while there is more to come.
+constexpr double fewPixels = 4.0;
 /// Facets a pixel beyond which more are not seen.
 constexpr size_t mostPerPixel = 4;
 /// Pixels around a part of the picture that is drawn anew.
@@ -68,8 +70,9 @@ void SurfaceView::_updatePicture()
 
 PictureQuality::Level SurfaceView::_wantedQuality() const
 {
+    const Detail complete = _detailOf(PictureQuality::Complete);
     return m_pace.wanted(m_heldButton != Qt::NoButton && m_mode == SculptMode,
-                         facets(_detailOf(PictureQuality::Complete).mostFacets));
+                         facets(complete.mostFacets) * (complete.smooth ? 2 : 1));
 }
 
 SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
@@ -78,9 +81,15 @@ SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
     const size_t most = m_pace.mostFacets(level);
     if (level == PictureQuality::Coarse)
         return {std::min(most, pixels / fewestPixels), true, false};
-    // Several facets a pixel need neither colours nor samples between their corners.
+    // Facets smaller than a pixel need neither colours nor samples between their corners; those of
+    // a few pixels go without until the picture is drawn completely.
     if (slowDriver() && isDense())
         return {std::min(most, pixels * mostPerPixel), true, false};
+    const double ratio = devicePixelRatioF();
+    const double few = static_cast<double>(pixels) * ratio * ratio / fewPixels;
+    if (level != PictureQuality::Complete &&
+        static_cast<double>(facets(PictureQuality::allFacets)) > few)
+        return {most, true, false};
     return {most, false, level >= PictureQuality::Smooth};
 }
 
@@ -106,6 +115,7 @@ void SurfaceView::_rasterise(bool mayBePart)
 {
     const PictureQuality::Level wanted = _wantedQuality();
     const QRectF part = mayBePart ? _partToDraw(wanted) : QRectF();
+    m_pace.setLongSettle(_detailOf(PictureQuality::Complete).smooth);
     if (part.isNull()) {
         m_quality = wanted;
         m_detail = _detailOf(wanted);
