@@ -83,8 +83,11 @@ SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
         return {std::min(most, pixels / fewestPixels), true, false};
     // Facets smaller than a pixel need neither colours nor samples between their corners; those of
     // a few pixels go without until the picture is drawn completely.
-    if (slowDriver() && isDense())
-        return {std::min(most, pixels * mostPerPixel), true, false};
+    // A surface without middling forms is drawn whole at rest.
+    if (slowDriver() && isDense()) {
+        const bool hasForms = facets(PictureQuality::allFacets) > 0;
+        return {hasForms ? std::min(most, pixels * mostPerPixel) : most, true, false};
+    }
     const double ratio = devicePixelRatioF();
     const double few = static_cast<double>(pixels) * ratio * ratio / fewPixels;
     if (level != PictureQuality::Complete &&
