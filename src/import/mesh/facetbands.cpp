@@ -110,7 +110,7 @@ void BandLists::sort(std::span<const RowReach> reaches, quint32 first, const Row
                      Wanted wanted)
 {
     m_first = bands.first;
-    m_count = static_cast<size_t>(bands.last - bands.first + 1);
+    m_count = static_cast<size_t>(bands.last) + 1 - static_cast<size_t>(bands.first);
     m_starts.assign(m_count + 2, 0);
     const auto each = [&](auto visit) {
         for (size_t i = 0; i < reaches.size(); ++i) {
