@@ -34,7 +34,7 @@ QByteArray rendererName()
     return reinterpret_cast<const char *>(context.functions()->glGetString(GL_RENDERER));
 }
 
-bool readsBack()
+bool pictureIsReadBack()
 {
     if (chosenWay != GlCanvas::Way::ByDriver)
         return chosenWay == GlCanvas::Way::ReadBack;
@@ -78,7 +78,7 @@ GlCanvas::GlCanvas(QWidget *parent)
     : QWidget(parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
-    if (!readsBack())
+    if (!pictureIsReadBack())
         m_composed = new ComposedWidget(*this);
 }
 

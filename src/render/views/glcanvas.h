@@ -50,12 +50,16 @@ signals:
     void frameSwapped();
 
 protected:
-    // The context is current and the framebuffer of the picture bound.
+    // The context is current.
     virtual void initializeGL() = 0;
     /// Logical pixels.
     virtual void resizeGL(int width, int height) = 0;
+    /// The framebuffer of the picture is bound.
     virtual void paintGL() = 0;
-    /// The framebuffer of the picture; null where it is the default one of the context.
+    /// Pictures are read back: known before there is a context.
+    bool readsBack() const { return m_composed == nullptr; }
+    /// The framebuffer of the picture; null in initializeGL(), and where it is the default one of
+    /// the context.
     QOpenGLFramebufferObject *target() const { return m_target.get(); }
 
     bool event(QEvent *event) override;

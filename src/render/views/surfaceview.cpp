@@ -146,7 +146,7 @@ void SurfaceView::initializeGL()
     _makeShader();
     if (!m_shader)
         return;
-    m_picture = std::make_unique<KeptPicture>(target() != nullptr);
+    m_picture = std::make_unique<KeptPicture>(readsBack());
     m_pictureStale = m_depthStale = true;
     m_quality = PictureQuality::Nothing;
     m_gl->glShadeModel(GL_SMOOTH);
