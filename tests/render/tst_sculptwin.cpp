@@ -192,66 +192,6 @@ private slots:
         QVERIFY(side.point.z > 5 && side.point.z < 29);
     }
 
-    // The test runs without graphics hardware.
-    void picturesAreFinishedAtRest()
-    {
-        SculptBench b(medal(240, 180));
-        const QImage full = b.paint();
-        QVERIFY(b.view.pictureComplete());
-        b.wheel(b.centre(), {0, -120});
-        b.wheel(b.centre(), {0, 107}); // not quite back
-        const Camera there = b.view.camera();
-        b.paint();
-        QVERIFY(!b.view.pictureComplete());
-        QTRY_VERIFY(b.view.pictureComplete());
-        QCOMPARE(b.view.camera(), there);
-        // A stroke draws every vertex, and is finished when the button goes up.
-        b.drag({b.centre(), b.centre() + QPoint(20, 0)});
-        b.undo.undo();
-        b.view.zoomAll();
-        b.paint();
-        QVERIFY(b.view.pictureComplete());
-        b.press(b.centre(), Qt::MiddleButton);
-        b.moveTo(b.centre() + QPoint(9, 0));
-        b.paint();
-        QVERIFY(!b.view.pictureComplete());
-        b.release(b.centre() + QPoint(9, 0));
-        b.paint();
-        QVERIFY(b.view.pictureComplete());
-    }
-
-    void partsOfThePictureAreDrawnAnew_data()
-    {
-        QTest::addColumn<QSize>("cells");
-        QTest::addColumn<double>("tilt");
-        QTest::newRow("several samples a pixel") << QSize(60, 45) << 50.0;
-        QTest::newRow("small facets") << QSize(300, 220) << -50.0;
-        QTest::newRow("from above") << QSize(300, 220) << 0.0;
-    }
-    void partsOfThePictureAreDrawnAnew()
-    {
-        QFETCH(const QSize, cells);
-        QFETCH(const double, tilt);
-        SculptBench b(medal(cells.width(), cells.height()));
-        b.view.setRotation(rotationAbout({1, 0.4, 0.2}, tilt));
-        QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
-        const QImage before = b.paint();
-        const QRect block(cells.width() / 2, cells.height() / 3, cells.width() / 8, 6);
-        for (int y = block.top(); y <= block.bottom(); ++y)
-            std::fill_n(b.relief->heights().data() + b.relief->index(block.left(), y),
-                        block.width(), 0.2F * static_cast<float>(cells.height()));
-        b.relief->frameRegion = block;
-        b.relief->heightsChanged = true;
-        b.view.changes()->notify();
-        const int parts = b.view.counters().parts;
-        const QImage part = b.paint();
-        QCOMPARE(b.view.counters().parts, parts + 1);
-        QVERIFY(part != before);
-        b.view.setBackdrop(b.view.backdrop()); // all of it
-        QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
-        QCOMPARE(part, b.paint());
-    }
-
     void materialAboveTheOldRangeIsSeen()
     {
         auto relief = std::make_unique<Relief>(200, 200);
