@@ -29,8 +29,9 @@ struct ShapeImport
     /// The import ends at once, without a bas-relief, so that its source values take no memory
     /// beside the finished relief.
     bool accepted = false;
-    /// Called, where set, when the relief is certain and the shape is needed no more. It may end
-    /// the shape, so that the mesh takes no memory beside the heights.
+    /// Called, where set, when the shape is needed no more: the import can be cancelled no longer
+    /// and fails only for want of memory. It may end the shape, so that the mesh takes no memory
+    /// beside the heights.
     std::function<void()> shapeDone = {};
 };
 

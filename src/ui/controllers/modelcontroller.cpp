@@ -109,8 +109,10 @@ void ModelController::accept()
         return importShape(*shape, import, progress);
     }();
     if (relief)
-        m_bench.take(relief.take(), file);
-    else if (!relief.failure().sentence.isEmpty())
+        return m_bench.take(relief.take(), file);
+    if (!m_bench.model) // memory ran short after it was let go
+        _replaced();
+    if (!relief.failure().sentence.isEmpty())
         showFailure(m_window, relief.failure());
 }
 
@@ -133,7 +135,7 @@ void ModelController::_escape()
     m_parts.view->setFocus();
 }
 
-/// The workbench took a relief and dropped the model.
+/// The model is gone.
 void ModelController::_replaced()
 {
     if (!m_escape->isEnabled())
