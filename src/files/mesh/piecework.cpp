@@ -13,7 +13,7 @@ namespace marlowen {
 
 namespace {
 
-/// Reading and taking over are done by one thread, so that more helpers would wait for it.
+/// Pieces are taken over by one thread, so that more helpers would wait for it.
 constexpr int mostHelpers = 3;
 
 int helperCount()

@@ -9,9 +9,10 @@ namespace marlowen {
 /// pieceSlots() - 1; the caller keeps what belongs to it.
 struct PieceSteps
 {
-    /// Reads the next piece into the slot; false when there is none.
+    /// Reads the next piece into the slot, or notes where it is; false when there is none.
     std::function<bool(size_t slot)> fill;
-    /// Works on the piece. Runs on any thread, beside others: it must touch nothing but its slot.
+    /// Works on the piece. Runs on any thread, beside others: what it touches besides its slot must
+    /// be locked.
     std::function<void(size_t slot)> work;
     /// Takes over the result. The pieces come in their order in the file.
     std::function<void(size_t slot)> take;
