@@ -86,11 +86,11 @@ void CollapsibleDock::takeOpenWidth()
 void CollapsibleDock::_takeSide()
 {
     auto *window = qobject_cast<QMainWindow *>(parentWidget());
-    if (!window || isFloating())
+    if (!window)
         return;
     const Qt::DockWidgetArea side = window->dockWidgetArea(this);
     for (CollapsibleDock *other : window->findChildren<CollapsibleDock *>()) {
-        if (other == this || other->isFloating() || window->dockWidgetArea(other) != side)
+        if (other == this || window->dockWidgetArea(other) != side)
             continue;
         window->addDockWidget(side == Qt::LeftDockWidgetArea ? Qt::RightDockWidgetArea
                                                              : Qt::LeftDockWidgetArea,
