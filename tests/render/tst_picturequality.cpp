@@ -36,6 +36,8 @@ private slots:
         PictureQuality quality([&] { return now; });
         const auto facets = [&] { return quality.mostFacets(PictureQuality::Coarse); };
         const size_t first = facets();
+        quality.moved();
+        quality.released();
         quality.drawing(PictureQuality::Coarse);
         now += std::chrono::milliseconds(40);
         quality.shown();
@@ -47,7 +49,7 @@ private slots:
         QCOMPARE(facets(), fewer);
         // But how many facets are drawn at once there.
         quality.setSlow(true);
-        constexpr size_t many = 1000000;
+        constexpr size_t many = 4000000;
         QCOMPARE(quality.wanted(false, many), PictureQuality::Smooth);
         quality.drawing(PictureQuality::Smooth, many / 4);
         now += std::chrono::milliseconds(30);

@@ -12,15 +12,16 @@ namespace {
 constexpr int restInterval = 25;
 constexpr int restAfterPicture = 12;
 constexpr int restElsewhere = 120;
-constexpr int settleInterval = 100;     ///< milliseconds, for a few more facets
+constexpr int settleInterval = 60;      ///< milliseconds, for a few more facets
 constexpr int longSettleInterval = 600; ///< for a picture that takes long
 
-/// Facets of the picture at rest: at first, which is also the least, and within what they are
-/// fitted to the driver.
-constexpr double firstRestFacets = 200000;
+/// Facets of the picture at rest: at first, and within what they are fitted
+/// to the driver.
+constexpr double firstRestFacets = 400000;
+constexpr double fewestRestFacets = 200000;
 constexpr double mostRestFacets = 1e7;
 /// Milliseconds of a picture at rest: as wanted, and the most.
-constexpr double restPicture = 150.0;
+constexpr double restPicture = 160.0;
 constexpr double longRestPicture = 200.0;
 
 /// Facets of coarse pictures: at first, and within what they are fitted to the driver.
@@ -28,8 +29,8 @@ constexpr double firstFacets = 60000;
 constexpr double fewestFacets = 38000;
 constexpr double mostCoarseFacets = 4e6;
 /// Milliseconds of a frame that is too slow, and of one that leaves time for more facets.
-constexpr double slowFrame = 30.0;
-constexpr double quickFrame = 15.0;
+constexpr double slowFrame = 26.0;
+constexpr double quickFrame = 14.0;
 
 std::chrono::nanoseconds steadyTime()
 {
@@ -60,6 +61,7 @@ PictureQuality::PictureQuality(Clock clock, QObject *parent)
 
 void PictureQuality::moved()
 {
+    m_movedOnce = true;
     m_rest.start(restInterval);
 }
 
@@ -89,15 +91,15 @@ size_t PictureQuality::mostFacets(Level level) const
     if (level == Coarse)
         return static_cast<size_t>(m_coarseFacets);
     if (level == Draft)
-        return static_cast<size_t>(firstRestFacets);
+        return static_cast<size_t>(fewestRestFacets);
     return level == Complete ? allFacets : static_cast<size_t>(m_restFacets);
 }
 
 void PictureQuality::drawing(Level level, size_t facets)
 {
     drawingPart(level);
-    // A picture after a longer rest may take its time.
-    if (level != Draft && !m_settled)
+    // A picture after a longer rest may take its time, and the first ones wait for the driver.
+    if (level != Draft && !m_settled && m_movedOnce)
         m_frame = Frame{m_clock(), level, static_cast<double>(facets)};
 }
 
@@ -127,7 +129,7 @@ void PictureQuality::shown()
     }
     const double fitting = frame.facets * restPicture / taken;
     if (taken > longRestPicture || fitting > m_restFacets)
-        m_restFacets = std::clamp(fitting, firstRestFacets, mostRestFacets);
+        m_restFacets = std::clamp(fitting, fewestRestFacets, mostRestFacets);
 }
 
 } // namespace marlowen

@@ -13,7 +13,7 @@ namespace marlowen {
 
 /// How well a view draws its surface at the moment. With graphics hardware always completely. A
 /// slow driver, which draws with the processor, draws few facets while the hand moves the view, as
-/// many as it manages at some 30 pictures a second; at rest as many as it manages within 150
+/// many as it manages at some 30 pictures a second; at rest as many as it manages within 160
 /// milliseconds, which are all for most surfaces; and all facets a moment later.
 class PictureQuality : public QObject
 {
@@ -68,6 +68,7 @@ signals:
 private:
     bool m_slow = false;
     bool m_longSettle = false;
+    bool m_movedOnce = false;
     bool m_settled = false; ///< the picture has not changed for long
     QTimer m_rest;          ///< runs since the hand moved last
     QTimer m_settle;        ///< runs since the last smooth picture

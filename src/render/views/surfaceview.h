@@ -216,6 +216,7 @@ private:
     void _updatePicture();
     PictureQuality::Level _wantedQuality() const;
     bool _draggedElsewhere() const;
+    size_t _costOf(const Detail &detail) const;
     Detail _detailOf(PictureQuality::Level level) const;
     QRectF _partToDraw(PictureQuality::Level wanted) const;
     void _rasterise(bool mayBePart);

@@ -19,6 +19,8 @@ constexpr size_t fewestPixels = 8;
 constexpr double fewPixels = 4.0;
 /// Facets a pixel beyond which more are not seen.
 constexpr size_t mostPerPixel = 4;
+/// Of a pixel of a smooth picture.
+constexpr size_t samples = 4;
 /// Pixels around a part of the picture that is drawn anew.
 constexpr double margin = 2.0;
 
@@ -71,8 +73,13 @@ void SurfaceView::_updatePicture()
 PictureQuality::Level SurfaceView::_wantedQuality() const
 {
     const Detail complete = _detailOf(PictureQuality::Complete);
-    return m_pace.wanted(m_heldButton != Qt::NoButton && m_mode == SculptMode,
-                         facets(complete.mostFacets) * (complete.smooth ? 2 : 1));
+    return m_pace.wanted(m_heldButton != Qt::NoButton && m_mode == SculptMode, _costOf(complete));
+}
+
+/// Facets of one sample a pixel that take as long.
+size_t SurfaceView::_costOf(const Detail &detail) const
+{
+    return facets(detail.mostFacets) * (detail.smooth ? samples : 1);
 }
 
 SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
@@ -100,7 +107,6 @@ SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
 /// of the rest; null when all of it is to be drawn at that quality, which is faster or better.
 QRectF SurfaceView::_partToDraw(PictureQuality::Level wanted) const
 {
-    constexpr double samples = 4.0;
     QRectF part = changedPart(m_detail);
     if (part.isNull() || m_quality < wanted)
         return {};
@@ -108,8 +114,7 @@ QRectF SurfaceView::_partToDraw(PictureQuality::Level wanted) const
     const double y = 2.0 * margin / height();
     part = part.adjusted(-x, -y, x, y) & wholeViewport;
     const double share = part.width() * part.height() / 4.0;
-    const auto all = static_cast<double>(facets(m_detail.mostFacets));
-    const double work = share * all * (m_detail.smooth ? samples : 1.0);
+    const double work = share * static_cast<double>(_costOf(m_detail));
     const bool quick = work <= static_cast<double>(_detailOf(wanted).mostFacets);
     return m_quality == wanted || quick ? part : QRectF();
 }
@@ -122,7 +127,7 @@ void SurfaceView::_rasterise(bool mayBePart)
     if (part.isNull()) {
         m_quality = wanted;
         m_detail = _detailOf(wanted);
-        m_pace.drawing(m_quality, facets(m_detail.mostFacets));
+        m_pace.drawing(m_quality, _costOf(m_detail));
     } else {
         m_pace.drawingPart(m_quality);
         ++m_counters.parts;
