@@ -33,6 +33,15 @@ QRect pixelsOf(const QRectF &part, QSize size)
     return QRectF(first, last).toAlignedRect() & QRect({0, 0}, size);
 }
 
+/// The part of the viewport that these pixels cover.
+QRectF partUnder(const QRect &pixels, QSize size)
+{
+    const auto at = [](int pixel, int length) { return 2.0 * pixel / length - 1.0; };
+    return {QPointF(at(pixels.x(), size.width()), at(pixels.y(), size.height())),
+            QPointF(at(pixels.x() + pixels.width(), size.width()),
+                    at(pixels.y() + pixels.height(), size.height()))};
+}
+
 } // namespace
 
 /// A drag that is no stroke here changes the surface: a stroke in the other view, a pattern being
@@ -133,9 +142,10 @@ void SurfaceView::_rasterise(bool mayBePart)
         ++m_counters.parts;
     }
     Detail detail = m_detail;
-    if (!part.isNull())
-        detail.part = part;
-    m_picture->begin(*m_gl, {m_backdrop, detail.smooth, pixelsOf(detail.part, m_picture->size())});
+    const QRect pixels = pixelsOf(part.isNull() ? wholeViewport : part, m_picture->size());
+    // Pixels are cleared whole, and may be larger than cells.
+    detail.part = partUnder(pixels, m_picture->size());
+    m_picture->begin(*m_gl, {m_backdrop, detail.smooth, pixels});
     m_gl->glMatrixMode(GL_PROJECTION);
     m_gl->glLoadMatrixd(m_drawn.projection.data());
     m_gl->glMatrixMode(GL_MODELVIEW);
