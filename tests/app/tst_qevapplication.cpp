@@ -3,6 +3,7 @@
 #include "base/datafolder.h"
 #include "base/sessionlog.h"
 #include "ui/mainwindow.h"
+#include "ui/personathand.h"
 
 #include <QDir>
 #include <QFile>
@@ -67,8 +68,10 @@ private slots:
         {
             MainWindow window;
             _application()->setMainWindow(&window);
+            PersonAtHand person;
             QFileOpenEvent request(QStringLiteral("/tmp/while.xyz"));
             QVERIFY(!QCoreApplication::sendEvent(qApp, &request));
+            QCOMPARE(person.titles.size(), 1);
             QVERIFY(sessionLog().contains("Warning: Unknown file type"));
             QVERIFY(sessionLog().contains("/tmp/while.xyz"));
         }
@@ -86,6 +89,7 @@ private slots:
         QFileOpenEvent request(QStringLiteral("/tmp/later.xyz"));
         QCoreApplication::sendEvent(qApp, &request);
         QVERIFY(!sessionLog().contains("later.xyz"));
+        PersonAtHand person;
         box.close();
         QTRY_VERIFY(sessionLog().contains("later.xyz"));
     }
