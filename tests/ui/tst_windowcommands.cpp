@@ -129,6 +129,8 @@ void TestWindowCommands::views()
     direction->setChecked(false);
     click("zoomAll");
 
+    // Shortcuts act in the active window only.
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     const double size = bench().tool.size;
     QTest::keyClick(m_window.get(), Qt::Key_BracketRight);
     QCOMPARE(bench().tool.size, size + 0.01);
