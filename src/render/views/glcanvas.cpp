@@ -153,8 +153,7 @@ void GlCanvas::resizeEvent(QResizeEvent *)
     if (m_composed) {
         m_composed->resize(size());
     } else if (!size().isEmpty() && _start()) {
-        makeCurrent();
-        _resizeTarget();
+        _prepareTarget();
         doneCurrent();
     }
 }
@@ -181,9 +180,13 @@ bool GlCanvas::_start()
     return true;
 }
 
-/// Gives the framebuffer the size of the widget; the context is current.
-void GlCanvas::_resizeTarget()
+/// Makes the context current and gives the framebuffer the size of the widget; false when the
+/// driver lost the context.
+bool GlCanvas::_prepareTarget()
 {
+    makeCurrent();
+    if (QOpenGLContext::currentContext() != m_context.get())
+        return false;
     const QSize size = physicalSize(this->size(), devicePixelRatioF());
     if (!m_target || m_target->size() != size) {
         m_target = imageBuffer(size, {});
@@ -193,14 +196,13 @@ void GlCanvas::_resizeTarget()
         resizeGL(width(), height());
     }
     m_stale = true;
+    return true;
 }
 
 void GlCanvas::_draw()
 {
-    if (size().isEmpty() || !_start())
+    if (size().isEmpty() || !_start() || !_prepareTarget())
         return;
-    makeCurrent();
-    _resizeTarget();
     m_stale = false; // paintGL() may ask for the next picture
     paintGL();
     m_target->bind();

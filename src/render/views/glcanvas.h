@@ -35,7 +35,8 @@ public:
     /// There is a context, and initializeGL() was called.
     bool isValid() const;
     QOpenGLContext *context() const;
-    /// Makes the context current and binds the framebuffer of the picture.
+    /// Makes the context current and binds the framebuffer of the picture. Does nothing when there
+    /// is no context or it cannot be made current.
     void makeCurrent();
     void doneCurrent();
     /// Draws the picture anew; shown or not.
@@ -70,7 +71,7 @@ private:
     class ComposedWidget;
 
     bool _start();
-    void _resizeTarget();
+    bool _prepareTarget();
     void _draw();
 
     ComposedWidget *m_composed = nullptr; ///< null while pictures are read back
