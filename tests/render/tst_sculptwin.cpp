@@ -101,6 +101,17 @@ private slots:
         QVERIFY(b.colorAt(hovered, pointer).red() > b.colorAt(first, pointer).red() + 30);
     }
 
+    void firstPictureHasTheCube()
+    {
+        const auto relief = medal(200, 150);
+        SculptWin view;
+        view.setRelief(relief.get());
+        view.resize(480, 360);
+        const QRect corner(0, 0, 150, 150);
+        const QImage first = view.grabFramebuffer().copy(corner);
+        QCOMPARE(first, view.grabFramebuffer().copy(corner));
+    }
+
     void dabsRefreshTheirRectangle()
     {
         SculptBench b(medal(300, 200));

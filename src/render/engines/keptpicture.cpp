@@ -53,11 +53,11 @@ bool KeptPicture::resize(QSize size)
 
 void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const Kind &kind)
 {
+    m_before.emplace(); // making a framebuffer leaves another one bound
     if (kind.smooth && !m_samples)
         m_samples = std::make_unique<QOpenGLFramebufferObject>(m_buffer->size(), formatOf(4));
     m_target = kind.smooth && m_samples->isValid() ? m_samples.get() : m_buffer.get();
     m_part = kind.part;
-    m_before.emplace();
     m_target->bind();
     gl.glViewport(0, 0, m_buffer->width(), m_buffer->height());
     gl.glEnable(GL_SCISSOR_TEST);

@@ -104,6 +104,8 @@ void GizmoPainter::draw(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, const 
 void GizmoPainter::_update(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, const Place &place)
 {
     const QSize size = physicalSize(place.viewport.size(), place.ratio);
+    // Making a framebuffer leaves another one bound.
+    const BoundFramebuffer before;
     if (!m_plain || m_plain->size() != size) {
         QOpenGLFramebufferObjectFormat format;
         format.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
@@ -113,7 +115,6 @@ void GizmoPainter::_update(QOpenGLFunctions_2_1 &gl, const Matrix &rotation, con
     }
     m_rotation = rotation;
     ++m_pictures;
-    const BoundFramebuffer before;
     m_smooth->bind();
     gl.glViewport(0, 0, size.width(), size.height());
     gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
