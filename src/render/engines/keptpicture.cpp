@@ -44,8 +44,10 @@ bool KeptPicture::resize(QSize size)
     if (m_buffer && m_buffer->size() == size)
         return false;
     m_samples.reset();
+    const BoundFramebuffer before; // making a framebuffer leaves another one bound
     m_buffer = m_asImage ? imageBuffer(size, formatOf(0))
                          : std::make_unique<QOpenGLFramebufferObject>(size, formatOf(0));
+    before.bindAgain();
     if (!m_buffer->isValid())
         m_buffer.reset();
     return true;
@@ -53,7 +55,7 @@ bool KeptPicture::resize(QSize size)
 
 void KeptPicture::begin(QOpenGLFunctions_2_1 &gl, const Kind &kind)
 {
-    m_before.emplace(); // making a framebuffer leaves another one bound
+    m_before.emplace(); // before another is made
     if (kind.smooth && !m_samples)
         m_samples = std::make_unique<QOpenGLFramebufferObject>(m_buffer->size(), formatOf(4));
     m_target = kind.smooth && m_samples->isValid() ? m_samples.get() : m_buffer.get();
