@@ -1,5 +1,7 @@
 #include "render/views/facetwin.h"
+#include "render/views/gridfacets.h"
 #include "render/views/pixelfacets.h"
+#include "render/views/reliefmesh.h"
 
 #include <QtTest>
 
@@ -30,14 +32,15 @@ TriangleMesh plate(quint32 squares, double size)
 
 /// Pixels from the border of a facet to the middle of a pixel inside it, at most; negative when
 /// all middles are outside.
-double depthOfPixels(const std::array<QPointF, 3> &corners, QSize pixels)
+double depthOfPixels(const std::array<QPointF, 3> &corners, const QRect &pixels)
 {
     const auto cross = [](QPointF a, QPointF b) { return a.x() * b.y() - a.y() * b.x(); };
     const double turn = cross(corners[1] - corners[0], corners[2] - corners[0]) < 0.0 ? -1.0 : 1.0;
     double deepest = -1e9;
     for (int pixel = 0; pixel < pixels.width() * pixels.height(); ++pixel) {
         const int row = pixel / pixels.width();
-        const QPointF middle(pixel - row * pixels.width() + 0.5, row + 0.5);
+        const QPointF middle =
+            pixels.topLeft() + QPointF(pixel - row * pixels.width() + 0.5, row + 0.5);
         double depth = 1e9;
         for (size_t i = 0; i < 3; ++i) {
             const QPointF edge = corners[(i + 1) % 3] - corners[i];
@@ -47,6 +50,48 @@ double depthOfPixels(const std::array<QPointF, 3> &corners, QSize pixels)
         deepest = std::max(deepest, depth);
     }
     return deepest;
+}
+
+/// The same with the facets of the strips of a grid of vertices.
+TriangleMesh gridPlate(quint32 squares, double size)
+{
+    TriangleMesh mesh = plate(squares, size);
+    std::vector<uint32_t> strips;
+    const int side = static_cast<int>(squares) + 1;
+    appendStrips(strips, side, side);
+    mesh.triangles.clear();
+    for (size_t i = 2; i < strips.size(); ++i) {
+        const MeshTriangle facet{strips[i - 2], strips[i - 1], strips[i]};
+        if (*std::max_element(facet.begin(), facet.end()) < mesh.positions.size())
+            mesh.triangles.push_back(facet);
+    }
+    return mesh;
+}
+
+constexpr Matrix turned = {0.9, 0.5, 0, 0, -0.4, 0.8, 0, 0, 0, 0, 1, 0, 0.3, 0.2, 0, 1};
+
+/// Of a plate 3 long and wide in a picture of 40 x 32 pixels by `turned`: of these corners every
+/// facet over the middle of one of the pixels is there, none that is clearly between them, and all
+/// in their order.
+void verifySeen(const TriangleMesh &mesh, const std::vector<uint32_t> &seen, const QRect &pixels)
+{
+    const FacetFrame frame = frameOf({{0.0, 0.0, 0.0}, {3.0, 3.0, 0.0}});
+    const auto placeOf = [&](quint32 corner) {
+        const auto [x, y, z] = frame.at(mesh.positions[corner]);
+        return QPointF((0.9 * x - 0.4 * y + 0.3 + 1.0) * 20.0,
+                       (0.5 * x + 0.8 * y + 0.2 + 1.0) * 16.0);
+    };
+    auto next = seen.begin();
+    for (const MeshTriangle &facet : mesh.triangles) {
+        const bool kept =
+            next != seen.end() && std::is_permutation(facet.begin(), facet.end(), next);
+        next += kept ? 3 : 0;
+        const double depth =
+            depthOfPixels({placeOf(facet[0]), placeOf(facet[1]), placeOf(facet[2])}, pixels);
+        QVERIFY2(kept ? depth > -0.1 : depth < 0.0, qPrintable(QString::number(depth)));
+    }
+    QVERIFY(next == seen.end());
+    QVERIFY(seen.size() < mesh.triangles.size());
 }
 
 bool isReddish(QRgb color)
@@ -65,6 +110,7 @@ private slots:
     void sceneShowsAnyModelAtOneSize();
     void coarseFacetsKeepTheBoxAndTheLimit();
     void facetsBetweenPixelsAreLeftOut();
+    void facetsOfAGridBetweenPixelsAreLeftOut();
     void backSidesHaveTheirOwnColour();
 };
 
@@ -104,28 +150,25 @@ void TestFacetWin::coarseFacetsKeepTheBoxAndTheLimit()
     QVERIFY(*low < -0.95F && *high > 0.95F);
 }
 
+// Turned and larger than the picture of 40 x 32 pixels, with facets of about half a pixel.
 void TestFacetWin::facetsBetweenPixelsAreLeftOut()
 {
-    // Turned and larger than the picture, with facets of about half a pixel.
     const TriangleMesh mesh = plate(60, 3.0);
-    FacetPicture picture{frameOf(boxOf(mesh)), identityMatrix(), {40, 32}};
-    picture.toPicture = {0.9, 0.5, 0, 0, -0.4, 0.8, 0, 0, 0, 0, 1, 0, 0.3, 0.2, 0, 1};
-    const std::vector<uint32_t> seen = facetsOverPixels(mesh, picture);
-    const auto placeOf = [&](quint32 corner) {
-        const auto [x, y, z] = picture.frame.at(mesh.positions[corner]);
-        return QPointF((0.9 * x - 0.4 * y + 0.3 + 1.0) * 20.0,
-                       (0.5 * x + 0.8 * y + 0.2 + 1.0) * 16.0);
-    };
-    auto next = seen.begin();
-    for (const MeshTriangle &facet : mesh.triangles) {
-        const bool kept = next != seen.end() && std::equal(facet.begin(), facet.end(), next);
-        next += kept ? 3 : 0;
-        const double depth = depthOfPixels(
-            {placeOf(facet[0]), placeOf(facet[1]), placeOf(facet[2])}, picture.pixels);
-        QVERIFY2(kept ? depth > -0.1 : depth < 0.0, qPrintable(QString::number(depth)));
-    }
-    QVERIFY(next == seen.end());
-    QVERIFY(seen.size() < mesh.triangles.size());
+    FacetPicture picture{frameOf(boxOf(mesh)), turned, {40, 32}};
+    verifySeen(mesh, facetsOverPixels(mesh, picture), QRect(0, 0, 40, 32));
+}
+
+void TestFacetWin::facetsOfAGridBetweenPixelsAreLeftOut()
+{
+    const TriangleMesh mesh = gridPlate(60, 3.0);
+    const std::vector<float> positions = facetVertices(mesh, frameOf(boxOf(mesh)));
+    const QRect part(3, 5, 30, 20);
+    const GridPicture picture{positions, 61, turned, {40, 32}, part};
+    verifySeen(mesh, facetsOverPixels(picture, 0, 60), part);
+    // Of the rows in the middle alone.
+    const TriangleMesh few{mesh.positions,
+                           {mesh.triangles.begin() + 120 * 20, mesh.triangles.end() - 120 * 5}};
+    verifySeen(few, facetsOverPixels(picture, 20, 55), part);
 }
 
 void TestFacetWin::backSidesHaveTheirOwnColour()

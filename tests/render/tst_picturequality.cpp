@@ -59,6 +59,16 @@ private slots:
         now += std::chrono::milliseconds(400);
         quality.shown();
         QCOMPARE(quality.wanted(false, many), PictureQuality::Smooth);
+        // A quick picture after a longer rest brings them back, a slow one takes nothing away.
+        for (const int milliseconds : {100, 400}) {
+            quality.drawing(PictureQuality::Smooth);
+            QTRY_COMPARE(quality.wanted(false, 100 * many), PictureQuality::Complete);
+            quality.drawing(PictureQuality::Complete, many);
+            now += std::chrono::milliseconds(milliseconds);
+            quality.shown();
+            quality.changed();
+            QCOMPARE(quality.wanted(false, many), PictureQuality::Complete);
+        }
     }
 };
 

@@ -92,6 +92,14 @@ QRectF coveredPart(const QRect &cells, const SceneBox &box, const ViewMatrices &
     return {QPointF(lowest(0, 1.0), lowest(1, 1.0)), QPointF(-lowest(0, -1.0), -lowest(1, -1.0))};
 }
 
+QRect pixelsOf(const QRectF &part, QSize size)
+{
+    const auto pixel = [](double at, int length) { return (at + 1.0) / 2.0 * length; };
+    const QPointF first(pixel(part.left(), size.width()), pixel(part.top(), size.height()));
+    const QPointF last(pixel(part.right(), size.width()), pixel(part.bottom(), size.height()));
+    return QRectF(first, last).toAlignedRect() & QRect({0, 0}, size);
+}
+
 QRect widenedRegion(const QRect &visible, QSize grid)
 {
     const auto share = [](int length) { return static_cast<int>(std::ceil(0.2 * length)); };

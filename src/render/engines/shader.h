@@ -55,6 +55,14 @@ public:
     /// Issues the strips of `drawn`; draws nothing while the data is incomplete or the index array
     /// is empty.
     virtual void draw() = 0;
+    /// Issues facets of three corners each instead of the strips. Only the engines that keep the
+    /// vertices with the driver do; the others draw the strips.
+    virtual void drawFacets(std::span<const uint32_t> corners)
+    {
+        (void)corners;
+        draw();
+    }
+    virtual bool drawsFacets() const { return false; }
     /// Replaces the whole data.
     virtual void setData(const ShaderMesh &mesh) = 0;
     /// Replaces the vertices and keeps the indices of the last setData, ignoring those of the mesh:

@@ -35,7 +35,8 @@ VboEngine::VboEngine(ShaderType type)
     m_buffers->glGenVertexArrays(1, &m_vertexArray);
     for (Attribute &attribute : m_attributes)
         m_buffers->glGenBuffers(1, &attribute.buffer);
-    m_buffers->glGenBuffers(1, &m_indexBuffer);
+    for (uint32_t *buffer : {&m_indexBuffer, &m_facetBuffer})
+        m_buffers->glGenBuffers(1, buffer);
 }
 
 VboEngine::~VboEngine()
@@ -45,7 +46,8 @@ VboEngine::~VboEngine()
         return;
     for (const Attribute &attribute : m_attributes)
         m_buffers->glDeleteBuffers(1, &attribute.buffer);
-    m_buffers->glDeleteBuffers(1, &m_indexBuffer);
+    for (const uint32_t buffer : {m_indexBuffer, m_facetBuffer})
+        m_buffers->glDeleteBuffers(1, &buffer);
     m_buffers->glDeleteVertexArrays(1, &m_vertexArray);
 }
 
@@ -142,11 +144,28 @@ void VboEngine::release()
     m_checkerboard->release(0);
 }
 
+bool VboEngine::_isComplete() const
+{
+    return m_positionBytes && m_selectionBytes && m_indexBytes &&
+           (m_normalBytes || m_type == Shader2d);
+}
+
+void VboEngine::drawFacets(std::span<const uint32_t> corners)
+{
+    if (!_isComplete() || corners.empty())
+        return;
+    m_buffers->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_facetBuffer);
+    m_buffers->glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(corners.size_bytes()),
+                            corners.data(), GL_STREAM_DRAW);
+    m_uploadedIndexBytes += corners.size_bytes();
+    m_buffers->glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(corners.size()), GL_UNSIGNED_INT,
+                              nullptr);
+    m_buffers->glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indexBuffer);
+}
+
 void VboEngine::draw()
 {
-    const bool complete = m_positionBytes && m_selectionBytes && m_indexBytes &&
-                          (m_normalBytes || m_type == Shader2d);
-    if (!complete)
+    if (!_isComplete())
         return;
     const auto [first, count] = _drawnIndices();
     const auto *offset = reinterpret_cast<const void *>(sizeof(uint32_t) * uintptr_t{first});

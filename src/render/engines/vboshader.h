@@ -17,6 +17,8 @@ public:
     void bind() override;
     void release() override;
     void draw() override;
+    void drawFacets(std::span<const uint32_t> corners) override;
+    bool drawsFacets() const override { return true; }
     void setData(const ShaderMesh &mesh) override;
     void setVertices(const ShaderMesh &mesh) override;
     void updateVertices(const VertexBlock &block) override;
@@ -34,12 +36,14 @@ private:
         uint32_t buffer = 0;
         std::span<const float> data = {};
     };
+    bool _isComplete() const;
     void _uploadVertices(const ShaderMesh &mesh);
 
     ShaderType m_type;
     QOpenGLFunctions_3_3_Core *m_buffers = nullptr; ///< owned by the context
     uint32_t m_vertexArray = 0;
     uint32_t m_indexBuffer = 0;
+    uint32_t m_facetBuffer = 0;
     std::vector<Attribute> m_attributes;
 };
 

@@ -12,10 +12,10 @@ uniform float ColorOffset;
 uniform float MinZ;
 uniform float MaxZ;
 
-out vec3 vColor;
-out vec2 vTexCoord;
-out float vZPos;
-out float selected;
+// Few outputs of four numbers each: a driver without graphics hardware works on each of them for
+// every facet.
+out vec4 vColor; // and the selection
+out vec3 vPlace; // in the floor pattern, and the height
 
 const float Pi = 3.1415926535897932384626433832795;
 
@@ -35,9 +35,7 @@ void main()
         float grey = dot(color, vec3(0.3, 0.59, 0.11));
         color = mix(color, vec3(0.45, 0.25, 0.7) * (0.35 + 0.9 * grey), 0.75 * min(-selection, 1.0));
     }
-    vColor = color;
+    vColor = vec4(color, selection);
     gl_Position = Projection * Modelview * Position;
-    vTexCoord = Position.xy / float(Size) + vec2(0.5);
-    vZPos = Position.z;
-    selected = selection;
+    vPlace = vec3(Position.xy / float(Size) + vec2(0.5), Position.z);
 }

@@ -1,9 +1,7 @@
 #version 330
 
-in vec3 vColor;
-in vec2 vTexCoord;
-in float vZPos;
-in float selected;
+in vec4 vColor; // and the selection
+in vec3 vPlace; // in the floor pattern, and the height
 
 uniform sampler2D TexUnit0;
 
@@ -11,8 +9,8 @@ out vec4 FragColor;
 
 void main()
 {
-    if (vZPos <= 0.0 && selected == 0.0)
-        FragColor = vec4(texture(TexUnit0, vTexCoord).rgb, 0.5);
+    if (vPlace.z <= 0.0 && vColor.a == 0.0)
+        FragColor = vec4(texture(TexUnit0, vPlace.xy).rgb, 0.5);
     else
-        FragColor = vec4(vColor, 1.0);
+        FragColor = vec4(vColor.rgb, 1.0);
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
 namespace marlowen {
 
@@ -137,7 +138,7 @@ void FacetWin::drawSurface(Shader &shader, const Detail &detail)
     const bool fewer = m_coarse && m_mesh->triangles.size() > most;
     FacetShader &whole = static_cast<FacetShader &>(shader);
     if (_picksFacets() && !fewer)
-        whole.setFacets(_facetsSeen());
+        _setSeenFacets(whole);
     _draw(fewer ? *m_coarse : whole);
     SizeBox::draw(*m_functions, m_scene.box, backdrop().lightness() < 128 ? Qt::white : Qt::black);
 }
@@ -147,13 +148,17 @@ bool FacetWin::isDense() const
     return m_mesh && m_mesh->triangles.size() > denseFacets;
 }
 
-std::vector<uint32_t> FacetWin::_facetsSeen() const
+void FacetWin::_setSeenFacets(FacetShader &shader) const
 {
     const ViewMatrices &view = drawnMatrices();
-    const Matrix toPicture =
-        multiplied(view.projection, multiplied(view.modelview, m_scene.placement));
-    return facetsOverPixels(*m_mesh,
-                            {frameOf(m_box), toPicture, physicalSize(size(), devicePixelRatioF())});
+    const FacetPicture picture{
+        frameOf(m_box), multiplied(view.projection, multiplied(view.modelview, m_scene.placement)),
+        physicalSize(size(), devicePixelRatioF())};
+    try {
+        shader.setFacets(facetsOverPixels(*m_mesh, picture));
+    } catch (const std::bad_alloc &) {
+        shader.setFacets(cornersOf(*m_mesh));
+    }
 }
 
 void FacetWin::_draw(FacetShader &shader)

@@ -57,7 +57,7 @@ private:
     void _draw(FacetShader &shader);
     /// All facets would take the driver long.
     bool _picksFacets() const { return slowDriver() && isDense(); }
-    std::vector<uint32_t> _facetsSeen() const;
+    void _setSeenFacets(FacetShader &shader) const;
 
     const TriangleMesh *m_mesh = nullptr;
     ModelBox m_box;

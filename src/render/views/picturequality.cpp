@@ -17,7 +17,7 @@ constexpr int longSettleInterval = 600; ///< for a picture that takes long
 
 /// Facets of the picture at rest: at first, and within what they are fitted
 /// to the driver.
-constexpr double firstRestFacets = 400000;
+constexpr double firstRestFacets = 1.5e6;
 constexpr double fewestRestFacets = 200000;
 constexpr double mostRestFacets = 1e7;
 /// Milliseconds of a picture at rest: as wanted, and the most.
@@ -98,9 +98,9 @@ size_t PictureQuality::mostFacets(Level level) const
 void PictureQuality::drawing(Level level, size_t facets)
 {
     drawingPart(level);
-    // A picture after a longer rest may take its time, and the first ones wait for the driver.
-    if (level != Draft && !m_settled && m_movedOnce)
-        m_frame = Frame{m_clock(), level, static_cast<double>(facets)};
+    // The first pictures wait for the driver.
+    if (level != Draft && m_movedOnce)
+        m_frame = Frame{m_clock(), level, static_cast<double>(facets), m_settled};
 }
 
 void PictureQuality::drawingPart(Level level)
@@ -128,7 +128,9 @@ void PictureQuality::shown()
         return;
     }
     const double fitting = frame.facets * restPicture / taken;
-    if (taken > longRestPicture || fitting > m_restFacets)
+    // A picture after a longer rest may take its time.
+    const bool isLong = taken > longRestPicture && !frame.settled;
+    if (isLong || fitting > m_restFacets)
         m_restFacets = std::clamp(fitting, fewestRestFacets, mostRestFacets);
 }
 

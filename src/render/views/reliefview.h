@@ -118,6 +118,8 @@ protected:
 
 private:
     void _rebuildVertices(Shader &shader, const QRect &visible);
+    bool _isFine(const Detail &detail) const;
+    void _drawSeenFacets(Shader &shader, const Detail &detail, std::pair<int, int> rows);
     void _refreshVertices(Shader &shader, const QRegion &cells);
     PointerStroke::Point _pointAt(QPoint position, Qt::KeyboardModifiers keys);
     void _prepareStroke();

@@ -4,9 +4,11 @@
 #include "render/overlays/footprint.h"
 #include "render/overlays/footprintpainter.h"
 #include "render/overlays/symmetrypainter.h"
+#include "render/views/gridfacets.h"
 #include "render/views/reliefview.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace marlowen {
@@ -82,13 +84,39 @@ void ReliefView::drawSurface(Shader &shader, const Detail &detail)
     const QRect cells = visibleCells(drawnBox(), drawnMatrices(), detail.part);
     if (cells.isEmpty())
         return;
-    const int origin = m_mesh.region().top();
-    shader.drawn = m_mesh.strips(detail.mostFacets, (cells.top() - origin) / m_mesh.step(),
-                                 (cells.bottom() - origin) / m_mesh.step() + 1);
+    const int first = std::max(0, cells.top() - m_mesh.region().top()) / m_mesh.step();
+    const int last = (cells.bottom() - m_mesh.region().top()) / m_mesh.step() + 1;
+    shader.drawn = m_mesh.strips(detail.mostFacets, first, last);
     shader.quick = detail.quick;
     shader.bind();
-    shader.draw();
+    if (shader.drawsFacets() && _isFine(detail))
+        _drawSeenFacets(shader, detail, {first, last});
+    else
+        shader.draw();
     shader.release();
+}
+
+/// Most facets of that picture are over no middle of a pixel.
+bool ReliefView::_isFine(const Detail &detail) const
+{
+    return slowDriver() && detail.quick && isDense() &&
+           m_mesh.stepOf(detail.mostFacets) == m_mesh.step();
+}
+
+/// Draws the facets between two rows of vertices without those that leave no trace.
+void ReliefView::_drawSeenFacets(Shader &shader, const Detail &detail, std::pair<int, int> rows)
+{
+    const ViewMatrices &view = drawnMatrices();
+    const QSize pixels = physicalSize(size(), devicePixelRatioF());
+    const GridPicture picture{m_mesh.arrays().positions, m_mesh.columns(),
+                              multiplied(view.projection, view.modelview), pixels,
+                              pixelsOf(detail.part, pixels)};
+    try {
+        shader.drawFacets(
+            facetsOverPixels(picture, rows.first, std::min(rows.second, m_mesh.rows() - 1)));
+    } catch (const std::bad_alloc &) {
+        shader.draw();
+    }
 }
 
 QRectF ReliefView::changedPart(const Detail &detail) const

@@ -1,3 +1,4 @@
+#include "render/camera/levelofdetail.h"
 #include "render/engines/keptpicture.h"
 #include "render/engines/shader.h"
 #include "render/views/surfaceview.h"
@@ -23,15 +24,6 @@ constexpr size_t mostPerPixel = 4;
 constexpr size_t samples = 4;
 /// Pixels around a part of the picture that is drawn anew.
 constexpr double margin = 2.0;
-
-/// The pixels (y up) that have to do with a part of the viewport.
-QRect pixelsOf(const QRectF &part, QSize size)
-{
-    const auto pixel = [](double at, int length) { return (at + 1.0) / 2.0 * length; };
-    const QPointF first(pixel(part.left(), size.width()), pixel(part.top(), size.height()));
-    const QPointF last(pixel(part.right(), size.width()), pixel(part.bottom(), size.height()));
-    return QRectF(first, last).toAlignedRect() & QRect({0, 0}, size);
-}
 
 /// The part of the viewport that these pixels cover.
 QRectF partUnder(const QRect &pixels, QSize size)
