@@ -4,7 +4,7 @@
 #include "relief/strokes/sculptengine.h"
 #include "relief/tools/tooltable.h"
 #include "render/camera/levelofdetail.h"
-#include "render/views/reliefmesh.h"
+#include "render/meshes/reliefmesh.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
-#include "render/views/flatvertices.h"
+#include "render/meshes/flatvertices.h"
 #include "baseline.h"
 #include "relief/grid/relief.h"
-#include "render/views/reliefmesh.h"
+#include "render/meshes/reliefmesh.h"
 
 using namespace marlowen;
 

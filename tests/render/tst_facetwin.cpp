@@ -1,7 +1,7 @@
+#include "render/meshes/gridfacets.h"
+#include "render/meshes/pixelfacets.h"
+#include "render/meshes/reliefmesh.h"
 #include "render/views/facetwin.h"
-#include "render/views/gridfacets.h"
-#include "render/views/pixelfacets.h"
-#include "render/views/reliefmesh.h"
 
 #include <QtTest>
 

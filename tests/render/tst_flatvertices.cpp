@@ -1,6 +1,6 @@
 #include "relief/grid/relief.h"
-#include "render/views/flatvertices.h"
-#include "render/views/reliefmesh.h"
+#include "render/meshes/flatvertices.h"
+#include "render/meshes/reliefmesh.h"
 
 #include <QTest>
 

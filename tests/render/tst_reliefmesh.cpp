@@ -1,5 +1,5 @@
 #include "relief/grid/relief.h"
-#include "render/views/reliefmesh.h"
+#include "render/meshes/reliefmesh.h"
 
 #include <QTest>
 

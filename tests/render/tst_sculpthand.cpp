@@ -1,8 +1,8 @@
 #include "relief/selection/selections.h"
 #include "relief/tools/tool.h"
 #include "relief/tools/tooltable.h"
+#include "render/gestures/pointeroptions.h"
 #include "render/overlays/gizmo.h"
-#include "render/views/pointeroptions.h"
 #include "sculptbench.h"
 
 #include <QSignalSpy>

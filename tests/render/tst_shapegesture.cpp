@@ -1,5 +1,5 @@
 #include "relief/tools/tool.h"
-#include "render/views/shapegesture.h"
+#include "render/gestures/shapegesture.h"
 
 #include <QTest>
 

@@ -2,7 +2,7 @@
 
 #include "render/camera/depthimage.h"
 #include "render/engines/facetshader.h"
-#include "render/views/pixelfacets.h"
+#include "render/meshes/pixelfacets.h"
 #include "render/views/statustext.h"
 
 #include <QMouseEvent>

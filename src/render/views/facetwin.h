@@ -1,8 +1,8 @@
 #pragma once
 
 #include "render/light/surfacelook.h"
+#include "render/meshes/facetscene.h"
 #include "render/overlays/sizebox.h"
-#include "render/views/facetscene.h"
 #include "render/views/surfaceview.h"
 
 namespace marlowen {

@@ -4,7 +4,7 @@
 #include "relief/strokes/sculptengine.h"
 #include "relief/tools/tooltable.h"
 #include "render/engines/legacyshader.h"
-#include "render/views/flatvertices.h"
+#include "render/meshes/flatvertices.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "relief/selection/selections.h"
+#include "render/gestures/placegesture.h"
+#include "render/gestures/shapegesture.h"
 #include "render/overlays/outlinepainter.h"
-#include "render/views/placegesture.h"
 #include "render/views/reliefview.h"
 #include "render/views/selectionants.h"
-#include "render/views/shapegesture.h"
 
 namespace marlowen {
 

@@ -3,8 +3,8 @@
 #include "relief/grid/reliefchanges.h"
 #include "relief/selection/selections.h"
 #include "relief/tools/toolparams.h"
-#include "render/views/pointerstroke.h"
-#include "render/views/reliefmesh.h"
+#include "render/gestures/pointerstroke.h"
+#include "render/meshes/reliefmesh.h"
 #include "render/views/surfaceview.h"
 
 #include <QPointer>

@@ -1,10 +1,10 @@
 #include "relief/grid/relief.h"
 #include "render/camera/levelofdetail.h"
 #include "render/engines/shader.h"
+#include "render/meshes/gridfacets.h"
 #include "render/overlays/footprint.h"
 #include "render/overlays/footprintpainter.h"
 #include "render/overlays/symmetrypainter.h"
-#include "render/views/gridfacets.h"
 #include "render/views/reliefview.h"
 
 #include <algorithm>

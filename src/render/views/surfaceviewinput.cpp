@@ -1,7 +1,7 @@
 #include "render/engines/keptpicture.h"
 #include "render/engines/shader.h"
+#include "render/gestures/pointeroptions.h"
 #include "render/overlays/gizmo.h"
-#include "render/views/pointeroptions.h"
 #include "render/views/surfaceview.h"
 #include "render/views/turntable.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "relief/operations/placement.h"
-#include "render/views/placegesture.h"
+#include "render/gestures/placegesture.h"
 
 #include <QObject>
 #include <QString>

@@ -1,10 +1,10 @@
 #include "ui/pages/viewsettingspage.h"
 
 #include "base/qevsettings.h"
+#include "render/gestures/pointeroptions.h"
 #include "render/light/lightdirection.h"
 #include "render/light/materialball.h"
 #include "render/light/materials.h"
-#include "render/views/pointeroptions.h"
 #include "ui/commandset.h"
 #include "ui/icons.h"
 #include "ui/materialeditor.h"

@@ -1,9 +1,9 @@
-#include "render/views/pointerstroke.h"
+#include "render/gestures/pointerstroke.h"
 
 #include "relief/grid/relief.h"
 #include "relief/grid/reliefchanges.h"
 #include "relief/strokes/sculptengine.h"
-#include "render/views/pointeroptions.h"
+#include "render/gestures/pointeroptions.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "render/views/shapegesture.h"
+#include "render/gestures/shapegesture.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "render/views/facetscene.h"
+#include "render/meshes/facetscene.h"
 
 #include <algorithm>
 #include <cmath>

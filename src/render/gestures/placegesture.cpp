@@ -1,4 +1,4 @@
-#include "render/views/placegesture.h"
+#include "render/gestures/placegesture.h"
 
 #include <algorithm>
 #include <cmath>

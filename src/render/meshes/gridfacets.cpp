@@ -1,7 +1,7 @@
-#include "render/views/gridfacets.h"
+#include "render/meshes/gridfacets.h"
 
 #include "base/rowsharing.h"
-#include "render/views/pixelcover.h"
+#include "render/meshes/pixelcover.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "render/views/reliefmesh.h"
+#include "render/meshes/reliefmesh.h"
 #include "relief/grid/cellcode.h"
 
 #include "relief/grid/relief.h"

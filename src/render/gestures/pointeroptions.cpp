@@ -1,4 +1,4 @@
-#include "render/views/pointeroptions.h"
+#include "render/gestures/pointeroptions.h"
 
 #include "base/qevsettings.h"
 

@@ -1,7 +1,7 @@
-#include "render/views/pixelfacets.h"
+#include "render/meshes/pixelfacets.h"
 
 #include "base/rowsharing.h"
-#include "render/views/pixelcover.h"
+#include "render/meshes/pixelcover.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "render/camera/camera.h"
-#include "render/views/facetscene.h"
+#include "render/meshes/facetscene.h"
 
 #include <cstdint>
 #include <vector>
