@@ -3,12 +3,14 @@
 #include "files/mesh/meshreader.h"
 #include "files/stlwriter.h"
 #include "import/importsource.h"
+#include "import/mesh/facetrows.h"
 
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <cmath>
+#include <numeric>
 
 using namespace marlowen;
 
@@ -129,6 +131,8 @@ private slots:
     void everyGridPoint();
     void betweenGridPoints();
     void nearlyOnTheGrid();
+    void sameOnEveryMachine_data();
+    void sameOnEveryMachine();
     void exportedReliefComesBack_data();
     void exportedReliefComesBack();
     void refusals();
@@ -226,6 +230,49 @@ void TestRasterise::nearlyOnTheGrid()
                          QByteArray::number(c) + " of " + QByteArray::number(columns));
         }
     }
+}
+
+void TestRasterise::sameOnEveryMachine_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<double>("size");
+    for (const int columns : {3, 20, 333}) {
+        QTest::addRow("%d columns, facets of few cells", columns) << columns << 6.0;
+        QTest::addRow("%d columns, of many", columns) << columns << 30.0;
+        QTest::addRow("%d columns, of most rows", columns) << columns << 400.0;
+    }
+}
+
+void TestRasterise::sameOnEveryMachine()
+{
+    QFETCH(int, columns);
+    QFETCH(double, size);
+    constexpr int rows = 150;
+    QRandomGenerator random(columns);
+    TriangleMesh mesh;
+    std::vector<quint32> numbers(999);
+    std::iota(numbers.begin(), numbers.end(), 0);
+    for (const quint32 number : numbers) {
+        const MeshPoint middle{random.bounded(double(columns)), random.bounded(double(rows)), 5.0};
+        for (int i = 0; i < 3; ++i) {
+            MeshPoint corner = middle;
+            for (double &place : corner)
+                place += (random.generateDouble() - 0.5) * size;
+            // Some lie on a grid line, some so near that they count as on it.
+            if (random.bounded(3) == 0)
+                corner[1] = std::round(corner[1]) + (random.bounded(3) - 1) * 0.9e-6;
+            mesh.positions.push_back({std::clamp(corner[0], 0.0, columns - 1.0),
+                                      std::clamp(corner[1], 0.0, rows - 1.0), corner[2]});
+        }
+        mesh.triangles.push_back({3 * number, 3 * number + 1, 3 * number + 2});
+    }
+    std::vector<FloatGrid> grids;
+    for (const DrawFacets draw : drawFacetsHere()) {
+        FloatGrid &grid = grids.emplace_back(columns, rows);
+        draw(mesh, numbers, {{}, {}, 1.0}, {grid.values.data(), columns, rows, 0, rows});
+        QCOMPARE(grid.values, grids.front().values);
+    }
+    QVERIFY(columns * rows - std::ranges::count(grids.front().values, 0.0F) > 200);
 }
 
 void TestRasterise::exportedReliefComesBack_data()

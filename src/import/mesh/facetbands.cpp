@@ -186,6 +186,7 @@ void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
 void Piece::draw(const TriangleMesh &mesh, const CellPlacement &placement, const Bands &bands,
                  int band) const
 {
+    const DrawFacets drawFacets = drawFacetsHere().back();
     if (m_onlyBand == band) {
         std::array<quint32, pieceTriangles> all;
         const std::span<quint32> numbers(all.data(), m_range[1] - m_range[0]);

@@ -12,6 +12,9 @@ namespace marlowen {
 /// Along a row an edge that runs nearly with it comes within the tolerance earlier. Up to this
 /// slope the height there is taken from where the edge crosses the row.
 inline constexpr double steepest = 8.0;
+/// Edges with a smaller reach along a row are not that flat.
+inline constexpr double leastFlatReach = steepest * facetTolerance * 0.999;
+
 CELL_INLINE inline int floorInt(double value)
 {
     const int truncated = static_cast<int>(value);
@@ -63,17 +66,8 @@ struct Edge
 {
     FacetPoint low, high;
     double height; ///< along y; 0 where the edge lies along a row
-    double reach;
+    double reach;  ///< of the tolerance along a row, no more than `steepest` times it
 };
-
-CELL_INLINE inline Edge edgeOf(const FacetPoint &low, const FacetPoint &high)
-{
-    const double height = high.y - low.y;
-    const double run = std::abs(high.x - low.x);
-    const double exact = run / height;
-    const double slope = run < steepest * height ? exact : steepest;
-    return {low, high, height, facetTolerance * std::max(1.0, slope)};
-}
 
 /// Where an edge that is not part of a row crosses it.
 CELL_INLINE inline Span crossing(const Edge &edge, double y)
@@ -90,12 +84,6 @@ struct Edges
 {
     Edge whole, lower, upper;
 };
-
-CELL_INLINE inline Edges edgesOf(const FacetCorners &corners)
-{
-    return {edgeOf(corners[0], corners[2]), edgeOf(corners[0], corners[1]),
-            edgeOf(corners[1], corners[2])};
-}
 
 /// Where a row meets the two lower or the two upper edges.
 CELL_INLINE inline std::array<Span, 2> rowEnds(const Edges &edges, double y)
@@ -133,11 +121,12 @@ CELL_INLINE inline FourEdges sideEdges(const Edges &edges, const FourDoubles &y)
 /// First and last columns of four rows of a facet.
 struct FourRows
 {
-    FourInts first, last;
+    FourDoubles first, last;
 };
 
 /// As rowEnds(), of four rows, with the reach of the tolerance and not beyond the grid.
-CELL_INLINE inline FourRows fourRows(const Edges &edges, const FourDoubles &y, int columns)
+CELL_INLINE inline void findRowEnds(const Edges &edges, const FourDoubles &y, int columns,
+                                    FourRows &rows)
 {
     const Edge &whole = edges.whole;
     const FourEdges side = sideEdges(edges, y);
@@ -150,9 +139,9 @@ CELL_INLINE inline FourRows fourRows(const Edges &edges, const FourDoubles &y, i
     const FourDoubles reachA = FourDoubles{} + whole.reach;
     const FourDoubles reachB = slopes ? side.reach : FourDoubles{} + facetTolerance;
     const auto turned = b < a;
-    const FourInts first = ceilOf((turned ? b : a) - (turned ? reachB : reachA));
-    const FourInts last = floorOf((turned ? a : b) + (turned ? reachA : reachB));
-    return {first > 0 ? first : FourInts{}, last < columns - 1 ? last : FourInts{} + (columns - 1)};
+    rows.first = (turned ? b : a) - (turned ? reachB : reachA);
+    rows.last = (turned ? a : b) + (turned ? reachA : reachB);
+    wholeBetween(rows.first, rows.last, columns);
 }
 
 } // namespace marlowen

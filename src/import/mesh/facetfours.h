@@ -3,6 +3,7 @@
 #include "import/mesh/facetlanes.h"
 #include "import/mesh/facetrows.h"
 
+#include <bit>
 #include <utility>
 
 namespace marlowen {
@@ -10,19 +11,12 @@ namespace marlowen {
 /// What is found out about four facets at once, one in each lane. Compiled into the loops over the
 /// facets, as facetlanes.h is.
 
+/// Of the square of the altitudes of a broad facet.
+inline constexpr double broadness = 0.0625;
+
 /// Boxes up to this size are drawn cell by cell, larger ones row by row.
 inline constexpr int smallColumns = 16;
 inline constexpr int smallRows = mostRowsAtOnce - 1;
-
-CELL_INLINE inline void lowest(const FourDoubles &a, const FourDoubles &b, FourDoubles &result)
-{
-    result = b < a ? b : a;
-}
-
-CELL_INLINE inline void highest(const FourDoubles &a, const FourDoubles &b, FourDoubles &result)
-{
-    result = a < b ? b : a;
-}
 
 using FourTriangles = std::array<const MeshTriangle *, laneCount>;
 
@@ -76,13 +70,12 @@ struct FourReaches
         highest(places[0], places[1], high);
         highest(high, places[2], high);
     }
-    /// The whole numbers within the tolerance.
-    CELL_INLINE void whole(int count, FourInts &first, FourInts &last) const
+    /// Only the whole numbers within the tolerance, all below `count`.
+    CELL_INLINE void cut(int count)
     {
-        const FourInts up = ceilOf(low - facetTolerance);
-        const FourInts down = floorOf(high + facetTolerance);
-        first = up > 0 ? up : FourInts{};
-        last = down < count - 1 ? down : FourInts{} + (count - 1);
+        low -= facetTolerance;
+        high += facetTolerance;
+        wholeBetween(low, high, count);
     }
 };
 
@@ -103,8 +96,10 @@ class FourFacets
 {
 public:
     FourInts firstColumn, lastColumn, firstRow, lastRow; ///< within the grid
-    FourInts raising;                                    ///< not 0: may raise a cell
-    FourInts small;                 ///< not 0: broad and of few cells, so that the sides hold
+    /// How a facet is drawn; none holds for one that raises no cell.
+    FourMasks small;  ///< cell by cell; not where the next laneCount cells end the grid
+    FourMasks broad;  ///< in the rows of the band, as a plane
+    FourMasks narrow; ///< in the rows of the band, as a line in each
     std::array<FourSides, 3> sides; ///< of the edges opposite to the corners
 
     // Without values before find(): many are made at a time.
@@ -113,28 +108,30 @@ public:
     CELL_INLINE void find(const FourCorners &corners, const FacetGrid &grid)
     {
         auto [x, y, z] = corners;
-        FourReaches(x).whole(grid.columns, firstColumn, lastColumn);
-        FourReaches(y).whole(grid.rows, firstRow, lastRow);
-        const auto above = (z[0] > 0.0) | (z[1] > 0.0) | (z[2] > 0.0);
-        raising = __builtin_convertvector(above, FourInts) & (firstColumn <= lastColumn) &
-                  (firstRow <= lastRow);
+        FourReaches across(x);
+        FourReaches along(y);
+        across.cut(grid.columns);
+        along.cut(grid.rows);
+        firstColumn = __builtin_convertvector(across.low, FourInts);
+        lastColumn = __builtin_convertvector(across.high, FourInts);
+        firstRow = __builtin_convertvector(along.low, FourInts);
+        lastRow = __builtin_convertvector(along.high, FourInts);
         const FourDoubles area = (x[1] - x[0]) * (y[2] - y[0]) - (y[1] - y[0]) * (x[2] - x[0]);
-        small = _broad(x, y, area) & (lastColumn - firstColumn < smallColumns) &
-                (lastRow - firstRow < smallRows);
+        _findBroad(x, y, area);
+        _choose((z[0] > 0.0) | (z[1] > 0.0) | (z[2] > 0.0), across, along, grid);
         _turn(x, area);
         _turn(y, area);
         _turn(z, area);
         const FourDoubles inverse = 1.0 / (area < 0.0 ? -area : area);
 #pragma GCC unroll 3
         for (size_t i = 0; i < 3; ++i)
-            _findSide(i, x, y, z[i] * inverse);
+            _findSide(i, x, y, along.low, z[i] * inverse);
     }
 
 private:
     using Places = std::array<FourDoubles, 3>;
 
-    /// As isBroad().
-    CELL_INLINE static FourInts _broad(const Places &x, const Places &y, const FourDoubles &area)
+    CELL_INLINE void _findBroad(const Places &x, const Places &y, const FourDoubles &area)
     {
         FourDoubles longest{};
 #pragma GCC unroll 3
@@ -143,7 +140,20 @@ private:
             const FourDoubles dy = y[i] - y[(i + 1) % 3];
             highest(longest, dx * dx + dy * dy, longest);
         }
-        return __builtin_convertvector(area * area > longest * broadness, FourInts);
+        broad = area * area > longest * broadness;
+    }
+    CELL_INLINE void _choose(const FourMasks &raising, const FourReaches &across,
+                             const FourReaches &along, const FacetGrid &grid)
+    {
+        const double columns = grid.columns, rows = grid.rows;
+        const FourMasks drawn = raising & (across.low <= across.high) & (along.low <= along.high);
+        small = drawn & broad & (across.high - across.low < double{smallColumns}) &
+                (along.high - along.low < double{smallRows}) &
+                ((rows - along.high) * columns >= across.high + double{laneCount});
+        const FourMasks byRows = drawn & ~small & (along.low < double(grid.endRow)) &
+                                 (along.high >= double(grid.firstRow));
+        narrow = byRows & ~broad;
+        broad &= byRows;
     }
     /// Makes the facets turn counter-clockwise.
     CELL_INLINE static void _turn(Places &places, const FourDoubles &area)
@@ -153,7 +163,7 @@ private:
         places[2] = area < 0.0 ? second : places[2];
     }
     CELL_INLINE void _findSide(size_t corner, const Places &x, const Places &y,
-                               const FourDoubles &height)
+                               const FourDoubles &row, const FourDoubles &height)
     {
         const size_t from = (corner + 1) % 3;
         const size_t to = (corner + 2) % 3;
@@ -161,7 +171,6 @@ private:
         const FourDoubles dy = y[to] - y[from];
         FourDoubles larger;
         highest(dx < 0.0 ? -dx : dx, dy < 0.0 ? -dy : dy, larger);
-        const FourDoubles row = __builtin_convertvector(firstRow, FourDoubles);
         FourSides &side = sides[corner];
         side.fromX = x[from];
         side.atRow = dx * (row - y[from]);
@@ -172,59 +181,23 @@ private:
     }
 };
 
-/// Cells of a facet that are worked on together: rows from its first one on.
-struct LanePlace
+/// Facets whose lanes are found before they are drawn: four at a time.
+inline constexpr size_t foursAtOnce = 8;
+inline constexpr size_t facetsAtOnce = laneCount * foursAtOnce;
+
+/// Some of these facets, a bit each.
+using BatchPart = quint32;
+static_assert(facetsAtOnce == 32);
+
+/// Where the first facet of a part is found.
+struct PlaceInBatch
 {
-    int column; ///< of the first lane
-    int rows;
-    int firstColumn, endColumn; ///< cells before and from there on are left as they are
+    size_t four, lane;
 };
-
-/// Farther from an edge than any point of a grid.
-inline constexpr double outside = 1e300;
-
-/// Raises a number of groups of cells to facet `which` of the four; `cells` is the first of them.
-/// All must lie in the grid. More groups keep the processor busier.
-template <int lanes, int groups>
-CELL_INLINE inline void fillGroups(float *cells, int stride, const FourFacets &facets, size_t which,
-                                   const LanePlace &place)
+CELL_INLINE inline PlaceInBatch firstOf(BatchPart part)
 {
-    using Doubles = typename Lanes<lanes>::Doubles;
-    const auto &[a, b, c] = facets.sides;
-    Doubles as[groups], bs[groups], cs[groups];
-    const bool whole =
-        place.column >= place.firstColumn && place.column + groups * lanes <= place.endColumn;
-#pragma GCC unroll 2
-    for (int g = 0; g < groups; ++g) {
-        const Doubles columns = static_cast<double>(place.column + g * lanes) + Lanes<lanes>::count;
-        as[g] = a.atRow[which] - a.perColumn[which] * (columns - a.fromX[which]);
-        bs[g] = b.atRow[which] - b.perColumn[which] * (columns - b.fromX[which]);
-        cs[g] = c.atRow[which] - c.perColumn[which] * (columns - c.fromX[which]);
-        if (!whole) {
-            as[g] = columns >= double(place.firstColumn) ? as[g] : Doubles{} - outside;
-            keepApart<lanes>(as[g]);
-            as[g] = columns < double(place.endColumn) ? as[g] : Doubles{} - outside;
-        }
-    }
-    const double za = a.height[which], zb = b.height[which], zc = c.height[which];
-    const double leastA = a.least[which], leastB = b.least[which], leastC = c.least[which];
-    const double stepA = a.perRow[which], stepB = b.perRow[which], stepC = c.perRow[which];
-    for (int r = 0; r < place.rows; ++r, cells += stride) {
-#pragma GCC unroll 2
-        for (int g = 0; g < groups; ++g) {
-            Doubles height = as[g] * za + bs[g] * zb + cs[g] * zc;
-            height = as[g] >= leastA ? height : Doubles{};
-            keepApart<lanes>(height);
-            height = bs[g] >= leastB ? height : Doubles{};
-            keepApart<lanes>(height);
-            height = cs[g] >= leastC ? height : Doubles{};
-            keepApart<lanes>(height);
-            raiseCells<lanes>(cells + g * lanes, height);
-            as[g] += stepA;
-            bs[g] += stepB;
-            cs[g] += stepC;
-        }
-    }
+    const auto bit = static_cast<size_t>(std::countr_zero(part));
+    return {bit / laneCount, bit % laneCount};
 }
 
 } // namespace marlowen

@@ -45,7 +45,10 @@ double findRows(const TriangleMesh &mesh, quint32 first, const CellPlacement &pl
 
 /// Raises a band of the grid to triangles, given by their numbers, where they are higher. The cells
 /// do not depend on how the grid is cut into bands.
-void drawFacets(const TriangleMesh &mesh, std::span<const quint32> numbers,
-                const CellPlacement &placement, const FacetGrid &grid);
+using DrawFacets = void (*)(const TriangleMesh &mesh, std::span<const quint32> numbers,
+                            const CellPlacement &placement, const FacetGrid &grid);
+
+/// For each set of instructions that this machine has, the fastest last; all draw the same.
+std::span<const DrawFacets> drawFacetsHere();
 
 } // namespace marlowen
