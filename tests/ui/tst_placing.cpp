@@ -14,12 +14,16 @@ private slots:
     void patternIsPlacedOrLeft()
     {
         openDome();
+        m_window->resize(1024, 700);
         Progress quiet;
         QVERIFY(addReliefPattern(relief(), {QStringLiteral("Knob"), patternFolder()}, quiet));
         auto *list = child<QListView>("patterns");
         child<QLineEdit>("patternSearch")->setText(QStringLiteral("Knob"));
         QTRY_COMPARE(list->model()->rowCount(), 1);
         const QByteArray before = heights();
+        const auto *library = child<QDockWidget>("LibraryDock");
+        QTRY_COMPARE(m_window->width(), 1024);
+        const int width = library->width();
         FlatWin *view = m_window->flatWin();
         const auto begin = [&] {
             const QPoint at = list->visualRect(list->model()->index(0, 0)).center();
@@ -29,6 +33,8 @@ private slots:
             QVERIFY(!m_window->commands()["save"]->isEnabled());
         };
         begin();
+        QCoreApplication::processEvents();
+        QCOMPARE(library->width(), width);
         const QByteArray placed = heights();
         const QPoint middle = view->rect().center();
         QTest::mousePress(view, Qt::LeftButton, {}, middle);

@@ -17,7 +17,10 @@ namespace marlowen {
 namespace {
 
 constexpr double mostCells = 1e6;
-constexpr int labelWidth = 64;
+constexpr int labelWidth = 62;
+constexpr int narrowField = 70; ///< where the panel is narrow
+constexpr int narrowButton = 60;
+constexpr int shortSlider = 40; ///< shorter ones are left out
 
 double cellsPerUnit(int unit)
 {
@@ -33,9 +36,12 @@ PlacePanel::PlacePanel(QWidget *parent)
     , m_y(_makeCentre(tr("Y")))
     , m_join(new QComboBox)
 {
+    for (NumberField *field : {m_x, m_y})
+        field->setMinimumWidth(narrowField);
     QFont bold = font();
     bold.setBold(true);
     m_title->setFont(bold);
+    m_title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(8, 4, 8, 8);
     column->setSpacing(6);
@@ -69,6 +75,7 @@ void PlacePanel::_fillJoins(const FieldInfo &join)
 {
     m_join->setObjectName(QLatin1String(join.key));
     m_join->setAccessibleName(fieldText(join.label));
+    m_join->setMinimumWidth(narrowField);
     m_join->setToolTip(fieldText(join.hint));
     m_join->addItems(fieldText(join.choices).split(QLatin1Char('|')));
     connect(m_join, &QComboBox::activated, this, [this](int choice) {
@@ -89,8 +96,10 @@ QLayout *PlacePanel::_makeButtons()
     cancel->setToolTip(tr("Leaves the relief unchanged (Esc)"));
     cancel->setShortcut(Qt::Key_Escape);
     auto *buttons = new QHBoxLayout;
-    buttons->addWidget(apply, 1);
-    buttons->addWidget(cancel, 1);
+    for (QPushButton *button : {apply, cancel}) {
+        button->setMinimumWidth(narrowButton);
+        buttons->addWidget(button, 1);
+    }
     connect(apply, &QPushButton::clicked, this, &PlacePanel::applied);
     connect(cancel, &QPushButton::clicked, this, &PlacePanel::cancelled);
     return buttons;
@@ -116,6 +125,10 @@ SliderField *PlacePanel::_makeSlider(double Placement::*member)
     const Field<Placement> &row = fieldOf(placementFields(), member);
     SliderField *slider = makeSlider(row.info, row.initial(), this);
     slider->setHint(fieldText(row.info.hint));
+    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    policy.setRetainSizeWhenHidden(true);
+    slider->slider()->setSizePolicy(policy);
+    slider->slider()->setMinimumWidth(1);
     m_sliders << Slider{member, slider};
     connect(slider, &SliderField::valueChanged, this, [this, member](double shown) {
         Placement placement = m_placement;
@@ -123,6 +136,13 @@ SliderField *PlacePanel::_makeSlider(double Placement::*member)
         _change(placement);
     });
     return slider;
+}
+
+void PlacePanel::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    for (const Slider &slider : m_sliders)
+        slider.field->slider()->setVisible(slider.field->slider()->width() >= shortSlider);
 }
 
 void PlacePanel::setName(const QString &name)

@@ -14,7 +14,7 @@ class NumberField;
 class SliderField;
 
 /// The numbers of a pattern that is being placed, with Apply and Cancel. Esc is Cancel,
-/// whichever widget has the focus.
+/// whichever widget has the focus. A narrow panel has no sliders.
 class PlacePanel : public QWidget
 {
     Q_OBJECT
@@ -33,6 +33,9 @@ signals:
     void changed(const Placement &placement);
     void applied();
     void cancelled();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     NumberField *_makeCentre(const QString &label);
