@@ -30,6 +30,8 @@ namespace marlowen {
 
 namespace {
 
+constexpr int reasonMs = 5000;
+
 /// With Ctrl the right button turns the relief.
 void offerMenu(MainWindow &window, ReliefView &view, QPoint position)
 {
@@ -147,6 +149,9 @@ void connectViews(MainWindow &window, CenterArea &center)
     for (ReliefView *view :
          std::initializer_list<ReliefView *>{window.sculptWin(), window.flatWin()}) {
         on(view, &ReliefView::statusChanged, &MainWindow::setStatus);
+        // The position follows the pointer and would hide it.
+        on(view, &ReliefView::editRefused,
+           [&window](const QString &reason) { window.say(reason, reasonMs); });
         on(view, &ReliefView::toolSizeUpdated, &MainWindow::toolSizeUpdated);
         on(view, &ReliefView::toolStrengthUpdated, &MainWindow::toolStrengthUpdated);
         on(view, &ReliefView::sampleChanged, &MainWindow::sampleChanged);

@@ -301,10 +301,11 @@ private slots:
         const auto before = copyOf(b.relief->heights());
         b.view.setEngine(nullptr);
         b.view.setReason("Not now.");
-        QSignalSpy status(&b.view, &ReliefView::statusChanged);
+        QSignalSpy refused(&b.view, &ReliefView::editRefused);
         b.drag({c, c + QPoint(20, 20)});
         QCOMPARE(copyOf(b.relief->heights()), before);
-        QCOMPARE(status.first().first().toString(), QString("Not now."));
+        QCOMPARE(refused.size(), 1);
+        QCOMPARE(refused.first().first().toString(), QString("Not now."));
     }
 
     void escapeTakesTheStrokeBack()

@@ -152,7 +152,7 @@ bool ReliefView::canEdit() const
 void ReliefView::showReason()
 {
     if (m_relief && !m_reason.isEmpty())
-        emit statusChanged(m_reason);
+        emit editRefused(m_reason);
 }
 
 PointerStroke::Point ReliefView::_pointAt(QPoint position, Qt::KeyboardModifiers keys)

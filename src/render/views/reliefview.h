@@ -40,7 +40,7 @@ public:
     /// only looks.
     void setEngine(SculptEngine *engine);
     SculptEngine *engine() const { return m_engine; }
-    /// Why the pointer only looks: shown in the status line by a press that would edit.
+    /// Why the pointer only looks: emitted by editRefused().
     void setReason(const QString &reason) { m_reason = reason; }
     /// How the next shape or magic selection combines with the present selection. Shift adds and
     /// Alt subtracts, with any value set here.
@@ -66,6 +66,8 @@ signals:
     void toolStrengthUpdated(double strength);
     /// A stroke (or click) of the pointer changed the relief.
     void reliefEdited();
+    /// A press would have edited the relief, but for the reason.
+    void editRefused(const QString &reason);
     /// The Sample tool picked a height.
     void sampleChanged(double height);
     /// A magic selection changed the selection.
