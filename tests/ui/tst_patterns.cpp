@@ -63,6 +63,10 @@ private slots:
         const float *heights = opened.value()->heights().constData();
         QCOMPARE(QList<float>(heights, heights + 8), (QList<float>{6, 0, 0, 0, 0, 0, 0, 9}));
         QVERIFY(add(*relief, QStringLiteral("part")).endsWith(QStringLiteral("part 2.ptr")));
+        QStringList names;
+        for (const PatternEntry &entry : patternEntries(patternFolder()))
+            names << entry.name;
+        QVERIFY(names.indexOf(QStringLiteral("part")) < names.indexOf(QStringLiteral("part 2")));
         relief->selectionLayer().clear();
         QVERIFY(add(*relief, QStringLiteral("none")).contains(QStringLiteral("empty cells")));
         QVERIFY(add(*ramp(2, 2), QStringLiteral("a/b")).contains(QStringLiteral("name of a file")));

@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QResizeEvent>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -352,6 +353,17 @@ void PatternPanel::_showLater(const Failure &failure)
     // Not from inside a drop or the list's own signals: both wait until the box is closed.
     QTimer::singleShot(
         0, this, [this, failure] { QMessageBox::critical(this, failure.title, failure.sentence); });
+}
+
+/// A list that becomes shorter keeps the chosen pattern in view.
+void PatternPanel::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (event->size().height() < event->oldSize().height())
+        QTimer::singleShot(0, this, [this] {
+            if (const QModelIndex chosen = m_list->currentIndex(); chosen.isValid())
+                m_list->scrollTo(chosen);
+        });
 }
 
 void PatternPanel::dragEnterEvent(QDragEnterEvent *event)

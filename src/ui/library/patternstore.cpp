@@ -5,6 +5,7 @@
 #include "relief/grid/physicalsize.h"
 #include "relief/grid/relief.h"
 
+#include <QCollator>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -40,14 +41,22 @@ void addSubfolders(const QDir &folder, const QString &prefix, int level,
     }
 }
 
+/// By their names without the ending, as people count.
 void addEntries(const PatternFolder &folder, QList<PatternEntry> &entries)
 {
     const QDir dir(folder.path);
+    QList<PatternEntry> found;
     for (const QFileInfo &file :
-         dir.entryInfoList({QLatin1Char('*') + QLatin1String(patternEnding)}, QDir::Files,
-                           QDir::Name | QDir::IgnoreCase))
-        entries << PatternEntry{file.completeBaseName(), file.filePath(), folder.builtIn,
-                                file.lastModified().toMSecsSinceEpoch()};
+         dir.entryInfoList({QLatin1Char('*') + QLatin1String(patternEnding)}, QDir::Files))
+        found << PatternEntry{file.completeBaseName(), file.filePath(), folder.builtIn,
+                              file.lastModified().toMSecsSinceEpoch()};
+    QCollator order;
+    order.setNumericMode(true);
+    order.setCaseSensitivity(Qt::CaseInsensitive);
+    std::stable_sort(found.begin(), found.end(), [&order](const auto &a, const auto &b) {
+        return order.compare(a.name, b.name) < 0;
+    });
+    entries << found;
 }
 
 QString freePath(const QDir &folder, const QString &name)
