@@ -51,6 +51,11 @@ QWidget *RecentFilesMenu::makeList()
     auto *heading = new QLabel(tr("Recent files"));
     heading->setContentsMargins(4, 4, 0, 4);
     grid->addWidget(heading, 0, 0, 1, 2);
+    auto *nothing = new QLabel(tr("Files that you open or save are listed here."), list);
+    nothing->setContentsMargins(4, 4, 0, 4);
+    grid->addWidget(nothing, 1, 0, 1, 2);
+    connect(m_actions.first(), &QAction::changed, nothing,
+            [nothing, first = m_actions.first()] { nothing->setVisible(!first->isVisible()); });
     for (int entry = 0; entry < entryCount; ++entry) {
         QAction *action = m_actions[entry];
         auto *button = new RibbonButton(action, RibbonButton::Small, list);
@@ -58,8 +63,8 @@ QWidget *RecentFilesMenu::makeList()
         auto *folder = new QLabel(list);
         folder->setForegroundRole(QPalette::PlaceholderText);
         folder->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        grid->addWidget(button, entry + 1, 0);
-        grid->addWidget(folder, entry + 1, 1);
+        grid->addWidget(button, entry + 2, 0);
+        grid->addWidget(folder, entry + 2, 1);
         const auto show = [button, folder, action] {
             button->setVisible(action->isVisible());
             folder->setVisible(action->isVisible());
@@ -68,7 +73,7 @@ QWidget *RecentFilesMenu::makeList()
         connect(action, &QAction::changed, button, show);
         show();
     }
-    grid->setRowStretch(entryCount + 1, 1);
+    grid->setRowStretch(entryCount + 2, 1);
     return list;
 }
 

@@ -176,6 +176,7 @@ void SizeRows::_addRow(RibbonGroup &group, int axis, const QString &prefix)
     for (const ScaleFactor &factor : scaleFactors)
         factors->addItem(tr(factor.label));
     factors->setCurrentIndex(-1);
+    factors->setMaxVisibleItems(factors->count());
     // Of one width in all three rows, however long their numbers are.
     factors->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     layout->addWidget(field, 1);

@@ -78,6 +78,7 @@ void ImportPanel::_makeDepth()
     m_depth->setObjectName(QLatin1String(info.label));
     m_depth->setAccessibleName(m_depthLabel->text());
     m_depthLabel->setBuddy(m_depth);
+    m_depth->setSpecialValueText(tr("As in the file")); // of 0
     connect(m_depth, &NumberField::valueChanged, this, [this](double value) {
         m_wanted.depth = value * cellsIn(m_unit);
         emit DepthChosen(m_wanted.depth);
