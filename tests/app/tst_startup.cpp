@@ -170,6 +170,17 @@ private slots:
         QCOMPARE(run.errors, QByteArray("marlowen: /no/such/file.xyz could not be opened\n"));
     }
 
+    void boxOfADamagedFileFollowsTheWindow()
+    {
+        const QTemporaryDir folder;
+        QFile damaged(folder.filePath("damaged.ptr"));
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("no", 2) == 2);
+        damaged.close();
+        Program program({damaged.fileName()});
+        QTRY_VERIFY_WITH_TIMEOUT(program.windowUp(), 20000);
+        QCOMPARE(program.end().exitCode, 0);
+    }
+
     void integrationCallLoadsItsFileAfterStart()
     {
         const QTemporaryDir folder;

@@ -82,6 +82,7 @@ void TestControllers::init()
     QVERIFY(picture.save(_plate(), "PNG"));
     m_bench = std::make_unique<Workbench>();
     m_window = std::make_unique<QWidget>();
+    m_window->show();
     m_files = new FileController(*m_bench, m_window.get());
 }
 

@@ -27,7 +27,11 @@ private slots:
 private:
     struct Stage
     {
-        Stage() { bench.take(flat()); }
+        Stage()
+        {
+            window.show();
+            bench.take(flat());
+        }
 
         QWidget window;
         Workbench bench;

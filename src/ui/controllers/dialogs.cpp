@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QTimer>
 
 namespace marlowen {
 
@@ -22,14 +23,24 @@ QString asSentence(const QString &reason)
     return sentence;
 }
 
+void onceShown(QWidget *window, const std::function<void()> &act)
+{
+    if (window && !window->isVisible())
+        QTimer::singleShot(0, window, act);
+    else
+        act();
+}
+
 void showFailure(QWidget *window, const Failure &failure, const QString &file)
 {
-    QMessageBox box(QMessageBox::Critical, failure.title, failure.sentence, QMessageBox::Ok,
-                    window);
-    QStringList below{asSentence(failure.detail), QDir::toNativeSeparators(file)};
-    below.removeAll(QString());
-    box.setInformativeText(below.join(QLatin1Char('\n')));
-    box.exec();
+    onceShown(window, [=] {
+        QMessageBox box(QMessageBox::Critical, failure.title, failure.sentence, QMessageBox::Ok,
+                        window);
+        QStringList below{asSentence(failure.detail), QDir::toNativeSeparators(file)};
+        below.removeAll(QString());
+        box.setInformativeText(below.join(QLatin1Char('\n')));
+        box.exec();
+    });
 }
 
 QString askForTarget(QWidget *window, const SaveQuestion &question)

@@ -4,14 +4,20 @@
 
 #include <QString>
 
+#include <functional>
+
 class QWidget;
 
 namespace marlowen {
 
 class Workbench;
 
-/// Shows what went wrong in a box over the window; below the sentence the reason and the file,
-/// where they are known.
+/// Acts now, or, while the program opens files before it shows its window, when the event loop
+/// runs.
+void onceShown(QWidget *window, const std::function<void()> &act);
+
+/// Shows what went wrong in a box over the window, onceShown(); below the sentence the reason and
+/// the file, where they are known.
 void showFailure(QWidget *window, const Failure &failure, const QString &file = {});
 
 /// A reason as a sentence, with a capital letter and a full stop.

@@ -90,7 +90,9 @@ bool ModelController::_read(const QString &path, const ModelOptions &options)
     m_escape->setEnabled(true);
     emit shownChanged();
     if (const QString problems = m_bench.model->problems.sentence(); !problems.isEmpty())
-        QMessageBox::warning(m_window, QFileInfo(path).fileName(), problems);
+        onceShown(m_window, [this, path, problems] {
+            QMessageBox::warning(m_window, QFileInfo(path).fileName(), problems);
+        });
     return true;
 }
 
