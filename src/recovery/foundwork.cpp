@@ -22,14 +22,18 @@ Failure restoreFailed(const QString &sentence)
     return {QObject::tr("Restore Failed"), sentence};
 }
 
-/// False when there is nothing to restore. Reads the heads of the records, not their data.
-bool lookInto(JournalReader &reader, FoundWork &work)
+enum class Left { Nothing, Work, Unreadable };
+
+/// Reads the heads of the records, not their data.
+Left lookInto(JournalReader &reader, FoundWork &work)
 {
+    if (reader.size() <= int64_t{sizeof(JournalHead)})
+        return Left::Nothing;
     if (!reader.next())
-        return false;
+        return Left::Unreadable;
     const std::optional<BaseHead> base = readBaseHead(reader);
     if (!base)
-        return false;
+        return Left::Unreadable;
     work.file = base->state.file;
     work.steps = base->state.steps;
     bool any = base->state.modified;
@@ -38,7 +42,7 @@ bool lookInto(JournalReader &reader, FoundWork &work)
         work.steps += reader.head().has(EndsStep) && type != RecordType::Selection ? 1 : 0;
         any = any || type != RecordType::Selection;
     }
-    return any;
+    return any ? Left::Work : Left::Nothing;
 }
 
 bool replayAll(JournalReader &reader, Replay &replay, Progress &progress)
@@ -54,9 +58,9 @@ bool replayAll(JournalReader &reader, Replay &replay, Progress &progress)
 
 } // namespace
 
-QList<FoundWork> findWork(const QString &root)
+WorkSearch searchWork(const QString &root)
 {
-    QList<FoundWork> found;
+    WorkSearch search;
     const QDir folder(root);
     for (const QString &name : folder.entryList({pattern}, QDir::Dirs | QDir::NoDotAndDotDot)) {
         std::optional<RecoveryFolder> taken = RecoveryFolder::take(folder.filePath(name));
@@ -67,15 +71,19 @@ QList<FoundWork> findWork(const QString &root)
         work.time = QFileInfo(taken->journal()).lastModified();
         JournalReader reader;
         const JournalReader::State state = reader.open(taken->journal());
-        if (state == JournalReader::State::Foreign)
+        search.ofOtherVersion += state == JournalReader::State::OtherVersion ? 1 : 0;
+        if (state == JournalReader::State::Foreign || state == JournalReader::State::OtherVersion)
             continue;
-        if (state == JournalReader::State::Readable && lookInto(reader, work))
-            found.append(work);
+        const Left left =
+            state == JournalReader::State::Readable ? lookInto(reader, work) : Left::Nothing;
+        search.unreadable += left == Left::Unreadable ? 1 : 0;
+        if (left == Left::Work)
+            search.found.append(work);
         else
             taken->discard();
     }
-    std::ranges::sort(found, std::greater(), &FoundWork::time);
-    return found;
+    std::ranges::sort(search.found, std::greater(), &FoundWork::time);
+    return search;
 }
 
 Result<RecoveredWork> restoreWork(const QString &folder, Progress &progress)

@@ -24,9 +24,21 @@ struct FoundWork
     int steps = 0;  ///< since the relief was opened or saved
 };
 
-/// What the windows that are gone have left below `root`, newest first. Folders without anything to
-/// restore are removed; those in use, of another user or another version are left alone.
-QList<FoundWork> findWork(const QString &root);
+/// What the windows that are gone have left.
+struct WorkSearch
+{
+    QList<FoundWork> found; ///< newest first
+    int ofOtherVersion = 0; ///< left alone
+    int unreadable = 0;     ///< not even their beginning could be read; removed
+};
+
+/// Looks below `root`. Folders without anything to restore are removed; those in use or of another
+/// user are left alone.
+WorkSearch searchWork(const QString &root);
+inline QList<FoundWork> findWork(const QString &root)
+{
+    return searchWork(root).found;
+}
 
 /// Work brought back.
 struct RecoveredWork

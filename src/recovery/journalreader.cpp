@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include <zlib.h>
 
@@ -29,9 +30,11 @@ JournalReader::State JournalReader::open(const QString &path)
     }
     m_size = status.st_size;
     JournalHead found;
-    if (!_readRaw(&found, sizeof found) || found != JournalHead())
+    const JournalHead expected;
+    if (!_readRaw(&found, sizeof found) ||
+        std::memcmp(found.name, expected.name, sizeof expected.name) != 0)
         return State::Foreign;
-    return State::Readable;
+    return found == expected ? State::Readable : State::OtherVersion;
 }
 
 bool JournalReader::next()

@@ -14,7 +14,8 @@ public:
     enum class State {
         Readable,
         Missing,
-        Foreign, ///< of another version, another user, or no journal at all: not to be touched
+        OtherVersion, ///< of a version or a machine that writes it differently: not to be touched
+        Foreign,      ///< of another user, or no journal at all: not to be touched
     };
     /// Stands before the first record when the file is readable.
     State open(const QString &path);

@@ -225,6 +225,7 @@ void TestRecovery::foreignAndEmptyFoldersAreLeftOrTidied()
     for (const QByteArray &foreign : {newer, QByteArray("something else")}) {
         QVERIFY(!restoredFrom(_root(), foreign).relief);
         QVERIFY(QFile::exists(_root() + QStringLiteral("/window-a/journal")));
+        QCOMPARE(searchWork(_root()).ofOtherVersion, foreign == newer ? 1 : 0);
     }
     const QString path = _root() + QStringLiteral("/window-a/journal");
     QVERIFY(restoredFrom(_root(), whole).relief);

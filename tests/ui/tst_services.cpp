@@ -52,6 +52,15 @@ void answerNextBox(const char *text)
     });
 }
 
+void leaveJournal(const QString &name, const JournalHead &head, const QByteArray &rest)
+{
+    const QString folder = recoveryRoot() + QLatin1Char('/') + name;
+    QFile journal(folder + QStringLiteral("/journal"));
+    QVERIFY(QDir().mkpath(folder) && journal.open(QIODevice::WriteOnly));
+    journal.write(reinterpret_cast<const char *>(&head), sizeof head);
+    journal.write(rest);
+}
+
 } // namespace
 
 class TestServices : public QObject
@@ -69,13 +78,21 @@ void TestServices::leftWorkIsListedRestoredOrDiscarded()
 {
     leaveWork(QStringLiteral("/a/one.scp"));
     leaveWork(QString());
+    JournalHead newer;
+    ++newer.version;
+    leaveJournal(QStringLiteral("window-cut"), {}, "the begi");
+    leaveJournal(QStringLiteral("window-new"), newer, "anything");
     QWidget window;
     Workbench bench;
     RecoveryPage page(&window);
     bool free = false;
     RecoveryController recovery(bench, {&page, [&free] { return free; }}, &window);
     QSignalSpy done(&recovery, &RecoveryController::pageDone);
-    QVERIFY(recovery.find());
+    QSignalSpy said(&recovery, &RecoveryController::said);
+    QVERIFY(recovery.find() && recovery.find());
+    QCOMPARE(said.size(), 1);
+    QVERIFY(said[0][0].toString().contains(QStringLiteral("another version")));
+    QVERIFY(said[0][0].toString().contains(QStringLiteral("could not be read")));
     window.show();
 
     // The guard of unsaved work says no.

@@ -13,12 +13,15 @@
 #include <QPushButton>
 #include <QThreadPool>
 
+#include <utility>
+
 namespace marlowen {
 
 namespace {
 
 /// Longest wait for a slow disk before a termination signal asks about the work instead.
 constexpr std::chrono::seconds longestWait{10};
+constexpr int sentenceMs = 20000;
 
 } // namespace
 
@@ -38,12 +41,25 @@ RecoveryController::~RecoveryController() = default;
 
 bool RecoveryController::find()
 {
-    m_found = findWork(recoveryRoot());
+    const WorkSearch search = searchWork(recoveryRoot());
+    m_found = search.found;
+    _sayWhatIsNotListed(search);
     m_parts.page->showWork(m_found);
     if (hasWork())
         _makeThumbnails();
     emit listChanged();
     return hasWork();
+}
+
+void RecoveryController::_sayWhatIsNotListed(const WorkSearch &search)
+{
+    QStringList sentences;
+    if (search.ofOtherVersion > std::exchange(m_ofOtherVersion, search.ofOtherVersion))
+        sentences << tr("Unsaved work of another version of Marlowen is kept for that version.");
+    if (search.unreadable > 0)
+        sentences << tr("Unsaved work of an earlier window could not be read and was removed.");
+    if (!sentences.isEmpty())
+        emit said(sentences.join(QLatin1Char(' ')), sentenceMs);
 }
 
 /// One after the other on another thread: a large relief takes a second or two.

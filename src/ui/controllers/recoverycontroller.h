@@ -56,11 +56,13 @@ private:
     void _discard(const QString &folder);
     void _showState(bool on, const QString &reason);
     void _makeThumbnails();
+    void _sayWhatIsNotListed(const WorkSearch &search);
 
     Parts m_parts;
     QWidget *m_window;
     RecoveryJournal m_journal;
     QList<FoundWork> m_found;
+    int m_ofOtherVersion = 0; ///< at the last look
     bool m_left = false;
 };
 
