@@ -1,4 +1,36 @@
+#include "render/engines/vboshader.h"
+#include "render/views/flatwin.h"
 #include "sculptbench.h"
+
+namespace {
+
+/// A view that draws all facets of its relief, also those over no middle of a pixel.
+template <typename View, typename Engine>
+class AllFacets : public View
+{
+    class Strips : public Engine
+    {
+        bool drawsFacets() const override { return false; }
+    };
+
+    std::unique_ptr<Shader> createShader(bool) override { return std::make_unique<Strips>(); }
+};
+
+QImage pictureAtRest(ReliefView &&view, Relief &relief, const Quaternion &rotation)
+{
+    view.setRelief(&relief);
+    view.setRotation(rotation);
+    view.resize(KeptView<SculptWin>::usualSize);
+    view.show();
+    QImage picture;
+    const auto isComplete = [&] {
+        picture = view.grabFramebuffer();
+        return view.pictureComplete();
+    };
+    return QTest::qWaitFor(isComplete) ? picture : QImage();
+}
+
+} // namespace
 
 // How the picture of the 3D view is kept up to date without graphics hardware.
 class SculptPictureTest : public QObject
@@ -40,6 +72,7 @@ private slots:
         QTest::newRow("several samples a pixel") << QSize(60, 45) << 50.0;
         QTest::newRow("small facets") << QSize(300, 220) << -50.0;
         QTest::newRow("from above") << QSize(300, 220) << 0.0;
+        QTest::newRow("more facets than pixels") << QSize(560, 420) << 35.0;
     }
     void partsOfThePictureAreDrawnAnew()
     {
@@ -67,6 +100,23 @@ private slots:
             QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
             QCOMPARE(part, b.paint());
         }
+    }
+
+    // Steep noise, so that many facets are seen from behind or hide others.
+    void facetsOverNoPixelAreNotMissed()
+    {
+        const auto relief = medal(560, 420);
+        for (qsizetype i = 0; i < relief->cells(); ++i)
+            relief->heights().data()[i] *= 1.0F + 0.002F * static_cast<float>(i * i % 17);
+        for (const double angle : {0.0, 50.0, -80.0}) {
+            const Quaternion rotation = rotationAbout({1, 0.4, 0.2}, angle);
+            const QImage picture = pictureAtRest(SculptWin(), *relief, rotation);
+            QVERIFY(!picture.isNull());
+            QCOMPARE(picture, pictureAtRest(AllFacets<SculptWin, VboShader>(), *relief, rotation));
+        }
+        const QImage picture = pictureAtRest(FlatWin(), *relief, {});
+        QVERIFY(!picture.isNull());
+        QCOMPARE(picture, pictureAtRest(AllFacets<FlatWin, VboShader2d>(), *relief, {}));
     }
 
     void cleanupTestCase() { KeptView<SculptWin>::drop(); }
