@@ -83,22 +83,18 @@ void CornerWeld::weld(std::span<const WeldCorner> corners, const quint32 *hashes
         throw std::bad_alloc();
     if (3 * (size_t{m_placeBits} + 1) < 4 * most)
         _grow(std::min(mostSlots, std::bit_ceil(2 * most)));
-    const auto askForSlot = [&](size_t i) {
-        __builtin_prefetch(&m_slots[hashes[i] & m_placeBits]);
-    };
-    const auto askForPosition = [&](size_t i) {
-        const quint32 slot = m_slots[hashes[i] & m_placeBits];
-        if (_mayBe(slot, hashes[i]))
-            __builtin_prefetch(m_positions.data() + (slot & m_placeBits));
-    };
     const size_t count = corners.size();
+    // Inline: as functions that return nothing and change nothing they would be left out.
     for (size_t i = 0; i < std::min(count, slotAhead); ++i)
-        askForSlot(i);
+        __builtin_prefetch(&m_slots[hashes[i] & m_placeBits]);
     for (size_t i = 0; i < count; ++i) {
         if (i + slotAhead < count)
-            askForSlot(i + slotAhead);
-        if (i + positionAhead < count)
-            askForPosition(i + positionAhead);
+            __builtin_prefetch(&m_slots[hashes[i + slotAhead] & m_placeBits]);
+        if (i + positionAhead < count) {
+            const quint32 slot = m_slots[hashes[i + positionAhead] & m_placeBits];
+            if (_mayBe(slot, hashes[i + positionAhead]))
+                __builtin_prefetch(m_positions.data() + (slot & m_placeBits));
+        }
         places[i] = _place(corners[i], hashes[i]);
     }
 }

@@ -108,18 +108,27 @@ __attribute__((always_inline)) inline FacetFault FacetPiece::_addUsable(const Co
     if (a == b || b == c || c == a)
         return FacetFault::FewCorners;
     Q_ASSERT(m_triangles.size() < mostFacets);
-    const quint16 first = _number(a);
-    const quint16 second = _number(b);
-    const quint16 third = _number(c);
-    m_lastNumbers = {first, second, third};
-    m_triangles.push_back(m_lastNumbers);
-    m_last = bits;
+    // Put together in a register: read back from three places just written they would be late.
+    const quint64 first = _number(a);
+    const quint64 second = _number(b);
+    const quint64 third = _number(c);
+    const quint64 numbers = first | second << 16 | third << 32;
+    Triangle added;
+    std::memcpy(added.data(), &numbers, sizeof(added));
+    m_triangles.push_back(added);
+    m_lastNumbers = added;
+#pragma GCC unroll 3
+    for (size_t i = 0; i < bits.size(); ++i) {
+        m_last[i].xy = bits[i].xy;
+        m_last[i].z = bits[i].z;
+    }
     return FacetFault::None;
 }
 
 __attribute__((always_inline)) inline quint16 FacetPiece::_number(const WeldBits &corner)
 {
     // Most facets share an edge with the facet before them.
+#pragma GCC unroll 3
     for (size_t i = 0; i < m_last.size(); ++i) {
         if (m_last[i] == corner)
             return m_lastNumbers[i];
