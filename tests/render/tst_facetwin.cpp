@@ -52,13 +52,13 @@ double depthOfPixels(const std::array<QPointF, 3> &corners, const QRect &pixels)
     return deepest;
 }
 
-/// The same with the facets of the strips of a grid of vertices.
-TriangleMesh gridPlate(quint32 squares, double size)
+/// The same with the facets of the strips of every step-th vertex.
+TriangleMesh gridPlate(quint32 squares, double size, int step)
 {
     TriangleMesh mesh = plate(squares, size);
     std::vector<uint32_t> strips;
     const int side = static_cast<int>(squares) + 1;
-    appendStrips(strips, side, side);
+    appendStrips(strips, side, side, step);
     mesh.triangles.clear();
     for (size_t i = 2; i < strips.size(); ++i) {
         const MeshTriangle facet{strips[i - 2], strips[i - 1], strips[i]};
@@ -110,6 +110,7 @@ private slots:
     void sceneShowsAnyModelAtOneSize();
     void coarseFacetsKeepTheBoxAndTheLimit();
     void facetsBetweenPixelsAreLeftOut();
+    void facetsOfAGridBetweenPixelsAreLeftOut_data();
     void facetsOfAGridBetweenPixelsAreLeftOut();
     void backSidesHaveTheirOwnColour();
 };
@@ -158,17 +159,27 @@ void TestFacetWin::facetsBetweenPixelsAreLeftOut()
     verifySeen(mesh, facetsOverPixels(mesh, picture), QRect(0, 0, 40, 32));
 }
 
+void TestFacetWin::facetsOfAGridBetweenPixelsAreLeftOut_data()
+{
+    QTest::addColumn<int>("squares");
+    QTest::addColumn<int>("step");
+    QTest::newRow("every vertex") << 60 << 1;
+    QTest::newRow("every second one and the last") << 119 << 2;
+}
+
 void TestFacetWin::facetsOfAGridBetweenPixelsAreLeftOut()
 {
-    const TriangleMesh mesh = gridPlate(60, 3.0);
+    QFETCH(int, squares);
+    QFETCH(int, step);
+    const TriangleMesh mesh = gridPlate(static_cast<quint32>(squares), 3.0, step);
     const std::vector<float> positions = facetVertices(mesh, frameOf(boxOf(mesh)));
     const QRect part(3, 5, 30, 20);
-    const GridPicture picture{positions, 61, turned, {40, 32}, part};
-    verifySeen(mesh, facetsOverPixels(picture, 0, 60), part);
+    const GridPicture picture{positions, squares + 1, squares + 1, step, turned, {40, 32}, part};
+    verifySeen(mesh, facetsOverPixels(picture, 0, squares), part);
     // Of the rows in the middle alone.
     const TriangleMesh few{mesh.positions,
                            {mesh.triangles.begin() + 120 * 20, mesh.triangles.end() - 120 * 5}};
-    verifySeen(few, facetsOverPixels(picture, 20, 55), part);
+    verifySeen(few, facetsOverPixels(picture, 20 * step, 55 * step), part);
 }
 
 void TestFacetWin::backSidesHaveTheirOwnColour()

@@ -2,6 +2,7 @@
 
 #include "base/rowsharing.h"
 #include "render/meshes/pixelcover.h"
+#include "render/meshes/reliefmesh.h"
 
 #include <array>
 
@@ -9,8 +10,8 @@ namespace marlowen {
 
 namespace {
 
-/// Rows of facets that a thread takes at a time.
-constexpr int bandRows = 32;
+/// Strips of facets that a thread takes at a time.
+constexpr int bandStrips = 32;
 
 /// From a position to a pixel: two rows of a matrix.
 struct ToPixels
@@ -44,14 +45,21 @@ struct PlacedRow
     std::vector<float> y;
 };
 
-CELL_LOOP void place(const float *position, int count, const ToPixels &to, PlacedRow &placed)
+/// The vertices of a row that count.
+struct RowOfVertices
 {
-    float *x = placed.x.data();
-    float *y = placed.y.data();
+    const float *position;
+    int floats; ///< from one to the next
+    int count;
+};
+
+CELL_LOOP void place(const RowOfVertices &row, const ToPixels &to, float *x, float *y)
+{
+    const auto [position, floats, count] = row;
     const auto [xx, xy, xz, x0] = to.x;
     const auto [yx, yy, yz, y0] = to.y;
     for (int i = 0; i < count; ++i) {
-        const float *p = position + 3 * i;
+        const float *p = position + floats * i;
         x[i] = xx * p[0] + xy * p[1] + xz * p[2] + x0;
         y[i] = yx * p[0] + yy * p[1] + yz * p[2] + y0;
     }
@@ -89,31 +97,33 @@ CELL_LOOP void test(const RowPair &rows, int count, const PixelBounds &given, co
     }
 }
 
-/// The facets of a band of rows.
+/// The facets of a band of strips.
 class BandFacets
 {
 public:
     explicit BandFacets(const GridPicture &picture)
         : m_picture(picture)
+        , m_pairs(stepsOver(picture.columns - 1, picture.step))
         , m_toPixels(toPixels(picture))
         , m_bounds(boundsOf(picture.drawn))
-        , m_upper(picture.columns)
-        , m_lower(picture.columns)
-        , m_firstSeen(static_cast<size_t>(picture.columns))
+        , m_upper(m_pairs + 1)
+        , m_lower(m_pairs + 1)
+        , m_firstSeen(static_cast<size_t>(m_pairs))
         , m_secondSeen(m_firstSeen.size())
     {
     }
 
-    std::vector<uint32_t> of(int row, int end)
+    std::vector<uint32_t> of(int strip, int end)
     {
-        std::vector<uint32_t> corners(static_cast<size_t>(end - row) * 6 * m_firstSeen.size());
+        std::vector<uint32_t> corners(static_cast<size_t>(end - strip) * 6 * m_firstSeen.size() +
+                                      3);
         uint32_t *out = corners.data();
-        _place(row, m_upper);
-        for (; row < end; ++row) {
-            _place(row + 1, m_lower);
-            test({m_lower.x.data(), m_lower.y.data(), m_upper.x.data(), m_upper.y.data()},
-                 m_picture.columns - 1, m_bounds, {m_firstSeen.data(), m_secondSeen.data()});
-            out = _append(row, out);
+        _place(strip, m_upper);
+        for (; strip < end; ++strip) {
+            _place(strip + 1, m_lower);
+            test({m_lower.x.data(), m_lower.y.data(), m_upper.x.data(), m_upper.y.data()}, m_pairs,
+                 m_bounds, {m_firstSeen.data(), m_secondSeen.data()});
+            out = _append(strip, out);
             std::swap(m_upper, m_lower);
         }
         corners.resize(static_cast<size_t>(out - corners.data()));
@@ -121,30 +131,42 @@ public:
     }
 
 private:
+    /// The first vertex of a row that counts.
+    size_t _vertex(int row) const
+    {
+        return static_cast<size_t>(std::min(row * m_picture.step, m_picture.rows - 1)) *
+               static_cast<size_t>(m_picture.columns);
+    }
+
     void _place(int row, PlacedRow &placed)
     {
-        const auto first = static_cast<size_t>(row) * static_cast<size_t>(m_picture.columns);
-        place(m_picture.positions.data() + 3 * first, m_picture.columns, m_toPixels, placed);
+        const float *first = m_picture.positions.data() + 3 * _vertex(row);
+        place({first, 3 * m_picture.step, m_pairs}, m_toPixels, placed.x.data(), placed.y.data());
+        place({first + 3 * (m_picture.columns - 1), 0, 1}, m_toPixels, &placed.x.back(),
+              &placed.y.back());
     }
 
     // Every facet is written, and the next one over it when it is not seen.
-    uint32_t *_append(int row, uint32_t *out) const
+    uint32_t *_append(int strip, uint32_t *out) const
     {
-        const auto columns = static_cast<uint32_t>(m_picture.columns);
-        const uint32_t upper = static_cast<uint32_t>(row) * columns;
-        const uint32_t lower = upper + columns;
+        const auto upper = static_cast<uint32_t>(_vertex(strip));
+        const auto lower = static_cast<uint32_t>(_vertex(strip + 1));
         const auto write = [&out](std::array<uint32_t, 3> corners, int seen) {
             std::copy(corners.begin(), corners.end(), out);
             out += 3 * seen;
         };
-        for (uint32_t i = 0; i + 1 < columns; ++i) {
-            write({lower + i, upper + i, lower + i + 1}, m_firstSeen[i]);
-            write({lower + i + 1, upper + i, upper + i + 1}, m_secondSeen[i]);
+        const auto step = static_cast<uint32_t>(m_picture.step);
+        const auto last = static_cast<uint32_t>(m_picture.columns - 1);
+        for (uint32_t at = 0, i = 0; at < last; at += step, ++i) {
+            const uint32_t next = std::min(at + step, last);
+            write({lower + at, upper + at, lower + next}, m_firstSeen[i]);
+            write({lower + next, upper + at, upper + next}, m_secondSeen[i]);
         }
         return out;
     }
 
     const GridPicture &m_picture;
+    int m_pairs; ///< of facets in a strip
     ToPixels m_toPixels;
     PixelBounds m_bounds;
     PlacedRow m_upper;
@@ -157,13 +179,15 @@ private:
 
 std::vector<uint32_t> facetsOverPixels(const GridPicture &picture, int first, int last)
 {
-    const int rows = last - first;
-    if (rows < 1 || picture.columns < 2)
+    if (first >= last || picture.columns < 2)
         return {};
-    std::vector<std::vector<uint32_t>> found(static_cast<size_t>((rows + bandRows - 1) / bandRows));
-    shareRows({rows, bandRows}, [&](int row, int end) {
-        found[static_cast<size_t>(row / bandRows)] =
-            BandFacets(picture).of(first + row, first + end);
+    const int firstStrip = first / picture.step;
+    const int strips = stepsOver(last, picture.step) - firstStrip;
+    std::vector<std::vector<uint32_t>> found(
+        static_cast<size_t>((strips + bandStrips - 1) / bandStrips));
+    shareRows({strips, bandStrips}, [&](int strip, int end) {
+        found[static_cast<size_t>(strip / bandStrips)] =
+            BandFacets(picture).of(firstStrip + strip, firstStrip + end);
     });
     size_t count = 0;
     for (const std::vector<uint32_t> &band : found)

@@ -15,11 +15,6 @@ constexpr uint32_t stripEnd = 0xFFFFFFFF;
 /// Columns and rows a vertex of the meshes that can be drawn.
 constexpr int levelSteps[] = {1, 2, 3, 4, 5, 6, 8, 12};
 
-int stepsOver(int length, int step)
-{
-    return (length + step - 1) / step;
-}
-
 // Indices of the grid lines origin + k * step, 0 <= k < count, that lie in low..high.
 struct LineSpan
 {

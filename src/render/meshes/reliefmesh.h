@@ -78,6 +78,12 @@ private:
     std::vector<Level> m_levels; ///< from the finest to the coarsest
 };
 
+/// Steps that cover a length.
+constexpr int stepsOver(int length, int step)
+{
+    return (length + step - 1) / step;
+}
+
 /// Appends the strips of a vertex grid: for each pair of rows the vertices of the lower and the
 /// upper row in turn, then 0xFFFFFFFF. With a step above 1 only every step-th column and row, and
 /// the last of each.

@@ -96,11 +96,13 @@ void ReliefView::drawSurface(Shader &shader, const Detail &detail)
     shader.release();
 }
 
-/// Most facets of that picture are over no middle of a pixel.
+/// Many facets of that picture are over no middle of a pixel.
 bool ReliefView::_isFine(const Detail &detail) const
 {
-    return slowDriver() && detail.quick && isDense() &&
-           m_mesh.stepOf(detail.mostFacets) == m_mesh.step();
+    const QSize pixels = physicalSize(size(), devicePixelRatioF());
+    return slowDriver() && detail.quick &&
+           2.0 * static_cast<double>(facets(detail.mostFacets)) >
+               1.0 * pixels.width() * pixels.height();
 }
 
 /// Draws the facets between two rows of vertices without those that leave no trace.
@@ -108,8 +110,12 @@ void ReliefView::_drawSeenFacets(Shader &shader, const Detail &detail, std::pair
 {
     const ViewMatrices &view = drawnMatrices();
     const QSize pixels = physicalSize(size(), devicePixelRatioF());
-    const GridPicture picture{m_mesh.arrays().positions, m_mesh.columns(),
-                              multiplied(view.projection, view.modelview), pixels,
+    const GridPicture picture{m_mesh.arrays().positions,
+                              m_mesh.columns(),
+                              m_mesh.rows(),
+                              m_mesh.stepOf(detail.mostFacets) / m_mesh.step(),
+                              multiplied(view.projection, view.modelview),
+                              pixels,
                               pixelsOf(detail.part, pixels)};
     try {
         shader.drawFacets(
