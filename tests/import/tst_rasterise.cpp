@@ -248,7 +248,7 @@ void TestRasterise::sameOnEveryMachine()
     QFETCH(int, columns);
     QFETCH(double, size);
     constexpr int rows = 150;
-    QRandomGenerator random(columns);
+    QRandomGenerator random(static_cast<quint32>(columns));
     TriangleMesh mesh;
     std::vector<quint32> numbers(999);
     std::iota(numbers.begin(), numbers.end(), 0);
