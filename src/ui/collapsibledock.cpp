@@ -53,7 +53,7 @@ void CollapsibleDock::setContent(QWidget *content, int width)
 
 void CollapsibleDock::setCollapsed(bool on)
 {
-    if (on == m_collapsed || isFloating())
+    if (on == m_collapsed)
         return;
     m_collapsed = on;
     if (on)

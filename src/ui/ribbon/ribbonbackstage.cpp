@@ -100,6 +100,15 @@ bool RibbonBackstage::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
+/// Esc closes the page, even if the window has a shortcut on it.
+bool RibbonBackstage::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        event->accept();
+    return QWidget::event(event);
+}
+
 void RibbonBackstage::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
