@@ -7,7 +7,9 @@
 
 namespace marlowen {
 
+#ifndef __clang__
 #pragma GCC optimize("O3")
+#endif
 
 namespace {
 

@@ -8,7 +8,9 @@
 
 namespace marlowen {
 
+#ifndef __clang__
 #pragma GCC optimize("O3")
+#endif
 
 namespace {
 
