@@ -1,6 +1,7 @@
 #include "render/meshes/gridfacets.h"
 
 #include "base/rowsharing.h"
+#include "render/meshes/cornerlists.h"
 #include "render/meshes/pixelcover.h"
 #include "render/meshes/reliefmesh.h"
 
@@ -126,8 +127,7 @@ public:
             out = _append(strip, out);
             std::swap(m_upper, m_lower);
         }
-        corners.resize(static_cast<size_t>(out - corners.data()));
-        return corners;
+        return {corners.data(), out}; // without the room for those that are not seen
     }
 
 private:
@@ -189,14 +189,7 @@ std::vector<uint32_t> facetsOverPixels(const GridPicture &picture, int first, in
         found[static_cast<size_t>(strip / bandStrips)] =
             BandFacets(picture).of(firstStrip + strip, firstStrip + end);
     });
-    size_t count = 0;
-    for (const std::vector<uint32_t> &band : found)
-        count += band.size();
-    std::vector<uint32_t> corners;
-    corners.reserve(count);
-    for (const std::vector<uint32_t> &band : found)
-        corners.insert(corners.end(), band.begin(), band.end());
-    return corners;
+    return joined(found);
 }
 
 } // namespace marlowen

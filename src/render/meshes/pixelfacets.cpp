@@ -1,6 +1,7 @@
 #include "render/meshes/pixelfacets.h"
 
 #include "base/rowsharing.h"
+#include "render/meshes/cornerlists.h"
 #include "render/meshes/pixelcover.h"
 
 #include <algorithm>
@@ -70,15 +71,9 @@ std::vector<uint32_t> facetsOverPixels(const TriangleMesh &mesh, const FacetPict
             if (span.isLarge() || coversPixel(places[a], places[b], places[c], span))
                 mine.insert(mine.end(), {a, b, c});
         }
+        mine.shrink_to_fit();
     });
-    size_t count = 0;
-    for (const std::vector<uint32_t> &part : found)
-        count += part.size();
-    std::vector<uint32_t> corners;
-    corners.reserve(count);
-    for (const std::vector<uint32_t> &part : found)
-        corners.insert(corners.end(), part.begin(), part.end());
-    return corners;
+    return joined(found);
 }
 
 } // namespace marlowen
