@@ -77,7 +77,6 @@ private:
             (*places)[high] = turned ? before : (*places)[high];
         }
     }
-    /// As edgeOf().
     CELL_INLINE void _findEdge(size_t number, size_t low, size_t high)
     {
         const FourDoubles across = x[high] - x[low];

@@ -46,7 +46,6 @@ CELL_INLINE inline BatchPart anyOf(const FourMasks &bits)
     return static_cast<BatchPart>(bits[0] | bits[1] | bits[2] | bits[3]);
 }
 
-/// Some facets that are drawn together: those of few cells first, so that the processor rarely
 /// Some facets that are drawn together, all those of one kind in a row: the processor then rarely
 /// guesses wrong.
 struct FacetBatch

@@ -19,7 +19,7 @@ QRect visibleCells(const SceneBox &box, const ViewMatrices &view,
 /// the box.
 QRectF coveredPart(const QRect &cells, const SceneBox &box, const ViewMatrices &view);
 
-/// The pixels (y up) of a viewport that have to do with a part of it.
+/// The pixels (y up) that a part of a viewport, which has so many pixels, touches.
 QRect pixelsOf(const QRectF &part, QSize size);
 
 /// The visible rectangle with 20 % more on each side, clipped to a grid of this size.

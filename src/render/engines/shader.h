@@ -55,13 +55,14 @@ public:
     /// Issues the strips of `drawn`; draws nothing while the data is incomplete or the index array
     /// is empty.
     virtual void draw() = 0;
-    /// Issues facets of three corners each instead of the strips. Only the engines that keep the
-    /// vertices with the driver do; the others draw the strips.
+    /// Issues facets of three corners each, numbers of vertices, instead of the strips. An engine
+    /// that cannot issues the strips.
     virtual void drawFacets(std::span<const uint32_t> corners)
     {
         (void)corners;
         draw();
     }
+    /// Whether drawFacets() issues the facets.
     virtual bool drawsFacets() const { return false; }
     /// Replaces the whole data.
     virtual void setData(const ShaderMesh &mesh) = 0;

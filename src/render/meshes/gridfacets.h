@@ -24,8 +24,8 @@ struct GridPicture
 };
 
 /// The corners of the facets between the rows `first` and `last` of vertices, 0 <= first < last <
-/// rows, that lie over the middle of a drawn pixel, or all but do, in the order of the strips of
-/// appendStrips(): the others leave no trace in the picture. Works on all cores.
+/// rows, that lie over the middle of a drawn pixel, or nearly so, in the order of the strips of
+/// appendStrips(). The others change nothing in the picture. Works on all cores.
 std::vector<uint32_t> facetsOverPixels(const GridPicture &picture, int first, int last);
 
 } // namespace marlowen

@@ -30,7 +30,7 @@ inline PixelBounds boundsOf(const QRect &pixels)
             static_cast<float>(pixels.top()), static_cast<float>(pixels.bottom())};
 }
 
-/// Pixels by which a driver may see a corner elsewhere.
+/// Pixels by which a driver may place a corner elsewhere.
 constexpr float pixelTolerance = 1.0F / 64.0F;
 
 /// The first whole number from `at` on, for 0 <= at < 2^31.
@@ -46,8 +46,8 @@ CELL_INLINE inline int isAtMost(float a, float b)
     return a <= b;
 }
 
-/// The drawn pixels whose middles are within the box around a facet, all but exactly: from x to
-/// lastX and from y to lastY; x and y are whole numbers.
+/// The drawn pixels whose middles are within the box around a facet or no farther from it than
+/// pixelTolerance: from x to lastX and from y to lastY; x and y are whole numbers.
 struct PixelSpan
 {
     float x;
@@ -97,7 +97,8 @@ struct EdgeSide
     float up;
 };
 
-/// 1 when one of the two by two first pixels of the span is under the facet, all but exactly.
+/// 1 when the middle of one of the first two by two pixels of the span is under the facet or about
+/// pixelTolerance beside it.
 CELL_INLINE inline int coversPixel(PixelPlace a, PixelPlace b, PixelPlace c, const PixelSpan &span)
 {
     const EdgeSide ab(a, b, span);
@@ -116,9 +117,9 @@ CELL_INLINE inline int coversPixel(PixelPlace a, PixelPlace b, PixelPlace c, con
            (above & (covers(0.0F, 1.0F) | (next & covers(1.0F, 1.0F))));
 }
 
-/// 0 when a facet leaves no trace in a picture with one sample a pixel because no middle of a drawn
-/// pixel is under it, else 1; also 1 for large facets, which are worth no closer look, and for
-/// those that all but cover a middle. Without branches, for loops over many facets.
+/// 0 when a facet changes nothing in a picture with one sample a pixel because no middle of a drawn
+/// pixel is under it, else 1. Also 1 for large facets, which are not worth a closer test, and for
+/// those with a middle just beside them. Without branches, for loops over many facets.
 CELL_INLINE inline int liesOverPixel(PixelPlace a, PixelPlace b, PixelPlace c,
                                      const PixelBounds &bounds)
 {

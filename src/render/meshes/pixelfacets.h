@@ -17,9 +17,9 @@ struct FacetPicture
     QSize pixels;
 };
 
-/// The corners of the facets that lie over the middle of a pixel, or all but do, in their order:
-/// the others leave no trace in the picture, and of a model with millions of facets they are most.
-/// Works on all cores.
+/// The corners of the facets that lie over the middle of a pixel, or nearly so, in the order of the
+/// mesh. The others change nothing in the picture; of a model with millions of facets they are
+/// most. Works on all cores.
 std::vector<uint32_t> facetsOverPixels(const TriangleMesh &mesh, const FacetPicture &picture);
 
 } // namespace marlowen

@@ -15,8 +15,7 @@ constexpr int restElsewhere = 120;
 constexpr int settleInterval = 60;      ///< milliseconds, for a few more facets
 constexpr int longSettleInterval = 600; ///< for a picture that takes long
 
-/// Facets of the picture at rest: at first, and within what they are fitted
-/// to the driver.
+/// Facets of the picture at rest: at first, and within what they are fitted to the driver.
 constexpr double firstRestFacets = 1.5e6;
 constexpr double fewestRestFacets = 200000;
 constexpr double mostRestFacets = 1e7;

@@ -80,7 +80,7 @@ private:
         std::chrono::nanoseconds began;
         Level level = Nothing;
         double facets = 0.0;
-        bool settled = false;
+        bool settled = false; ///< after a longer rest
     };
     std::optional<Frame> m_frame; ///< that is on its way
 };

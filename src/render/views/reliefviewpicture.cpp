@@ -105,7 +105,7 @@ bool ReliefView::_isFine(const Detail &detail) const
                1.0 * pixels.width() * pixels.height();
 }
 
-/// Draws the facets between two rows of vertices without those that leave no trace.
+/// Draws the facets between two rows of vertices without those that change nothing in the picture.
 void ReliefView::_drawSeenFacets(Shader &shader, const Detail &detail, std::pair<int, int> rows)
 {
     const ViewMatrices &view = drawnMatrices();
