@@ -98,7 +98,10 @@ Result<std::unique_ptr<Relief>> openInput(const ConvertJob &job, Progress &progr
         return opened.failure();
     std::optional<OpenedModel> model = opened.take();
     orient(model->shape, job.model);
-    const ShapeImport import{job.settings, !job.settings.basRelief, [&model] { model.reset(); }};
+    const ShapeImport import{.settings = job.settings,
+                             .accepted = !job.settings.basRelief,
+                             .shapeDone = [&model] { model.reset(); },
+                             .heightsOnly = !isWorkspace(job.output)};
     return rasteriseFile(job.input, model->shape, import, progress);
 }
 

@@ -25,6 +25,15 @@ std::shared_ptr<const GridView> keptView(Grid grid)
     return {kept, &kept->view};
 }
 
+/// What is done to the heights once they are mapped.
+void finishHeights(const MutableGridView &heights, const ImportSettings &settings)
+{
+    if (!settings.preview)
+        return;
+    trim(heights, settings.trim);
+    smooth(heights, settings.smoothing, settings.transparency);
+}
+
 } // namespace
 
 ImportSource::ImportSource(FloatGrid values, const ImportSettings &settings)
@@ -63,11 +72,7 @@ void ImportSource::computeHeights(float *heights)
         _rebuildTilt();
     const bool tilt = !m_tilted.empty();
     mapBase(tilt ? tilted() : _start(), tilt ? m_tiltedRange : m_range, m_settings, heights);
-    if (!m_settings.preview)
-        return;
-    const MutableGridView view{heights, width(), height()};
-    trim(view, m_settings.trim);
-    smooth(view, m_settings.smoothing, m_settings.transparency);
+    finishHeights({heights, width(), height()}, m_settings);
 }
 
 bool ImportSource::prepareDebanded(double strength, Progress &progress)
@@ -95,6 +100,22 @@ void ImportSource::_rebuildTilt()
     if (m_tilted.empty())
         m_tilted = LayerGrid(width(), height());
     m_tiltedRange = tilt(_start(), tiltSlope(m_settings, valueRange()), m_tilted.view().values);
+}
+
+double finalHeights(LayerGrid values, const ImportSettings &settings, GridLayer &heights)
+{
+    Q_ASSERT(values.cells() == heights.size());
+    if (settings.flipY || settings.tilted() || settings.deband > 0.0) {
+        ImportSource source(std::move(values), settings);
+        source.computeHeights(heights.data());
+        return source.valueRange();
+    }
+    const MutableGridView view = values.view();
+    const ValueRange range = rangeOf(std::as_const(values).view().span());
+    mapBase(std::as_const(values).view(), range, settings, view.values);
+    finishHeights(view, settings);
+    heights.swap(values.values);
+    return range.span();
 }
 
 namespace {

@@ -67,6 +67,11 @@ private:
     ImportSettings m_settings;
 };
 
+/// As computeHeights() of a source of these values, which are not needed any more: heights that
+/// depend on one value each take their memory. `heights` has as many cells. Returns the
+/// valueRange().
+double finalHeights(LayerGrid values, const ImportSettings &settings, GridLayer &heights);
+
 /// One run of the recompute pipeline.
 struct RecomputeRun
 {

@@ -28,7 +28,7 @@ FloatGrid padded(FloatGrid grid, const Padding &padding);
 ValueRange rangeOf(std::span<const float> values);
 
 /// Flip, invert, raise or lower, depth, from source values (tilted or not) and their range. Writes
-/// as many heights, none negative.
+/// as many heights, none negative; without a flip, `heights` can be the source values.
 void mapBase(const GridView &source, const ValueRange &range, const ImportSettings &settings,
              float *heights);
 

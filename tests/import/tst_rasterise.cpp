@@ -137,6 +137,7 @@ private slots:
     void exportedReliefComesBack();
     void refusals();
     void opensAnImport();
+    void endsAnImportAtOnce_data();
     void endsAnImportAtOnce();
 };
 
@@ -339,21 +340,35 @@ void TestRasterise::opensAnImport()
     QVERIFY(made->source() != nullptr);
 }
 
+void TestRasterise::endsAnImportAtOnce_data()
+{
+    QTest::addColumn<bool>("flipY");
+    QTest::newRow("heights in place of the values") << false;
+    QTest::newRow("heights beside them") << true;
+}
+
 void TestRasterise::endsAnImportAtOnce()
 {
+    QFETCH(bool, flipY);
     Progress silent;
     std::optional<FacetShape> shape = shapeOf({{{{0, 0, 0}, {8, 0, 4}, {0, 8, 2}}}}, 1.0 / 128);
-    const ImportSettings deeper{.depth = 8.0};
-    const std::unique_ptr<Relief> open = importShape(*shape, {deeper}, silent).take();
-    const std::unique_ptr<Relief> ended =
-        importShape(*shape, {deeper, true, [&shape] { shape.reset(); }}, silent).take();
-    QVERIFY(!shape);
-    QVERIFY(!ended->source());
-    QCOMPARE(ended->rangeMaximum, open->rangeMaximum);
-    for (qsizetype cell = 0; cell < open->cells(); ++cell) {
-        QCOMPARE(ended->heightAt(cell), open->heightAt(cell));
-        QCOMPARE(ended->referenceLayer().constData()[cell], open->heightAt(cell));
-    }
+    const ImportSettings settings{.flipY = flipY, .smoothing = 0.5, .depth = 8.0};
+    const std::unique_ptr<Relief> open = importShape(*shape, {settings}, silent).take();
+    ShapeImport import{.settings = settings, .accepted = true, .heightsOnly = true};
+    const std::unique_ptr<Relief> only = importShape(*shape, import, silent).take();
+    QVERIFY(!only->referenceLayer().written());
+    import.heightsOnly = false;
+    import.shapeDone = [&shape] { shape.reset();
+};
+const std::unique_ptr<Relief> ended = importShape(*shape, import, silent).take();
+QVERIFY(!shape);
+QVERIFY(!ended->source());
+QCOMPARE(ended->rangeMaximum, open->rangeMaximum);
+for (qsizetype cell = 0; cell < open->cells(); ++cell) {
+    QCOMPARE(only->heightAt(cell), open->heightAt(cell));
+    QCOMPARE(ended->heightAt(cell), open->heightAt(cell));
+    QCOMPARE(ended->referenceLayer().constData()[cell], open->heightAt(cell));
+}
 }
 
 QTEST_GUILESS_MAIN(TestRasterise)

@@ -60,15 +60,20 @@ Result<std::unique_ptr<Relief>> importShape(const FacetShape &shape, const Shape
         return grid.failure();
     try {
         auto relief = std::make_unique<Relief>(grid.value().width, grid.value().height);
-        auto source = std::make_unique<ImportSource>(grid.take(), import.settings);
+        LayerGrid values = grid.take();
         if (import.shapeDone)
             import.shapeDone();
-        source->computeHeights(relief->heights().data());
-        relief->rangeMaximum = source->valueRange();
-        if (import.accepted)
-            source.reset();
-        relief->referenceLayer().copyFrom(relief->heights());
-        relief->setSource(std::move(source));
+        if (import.accepted) {
+            relief->rangeMaximum =
+                finalHeights(std::move(values), import.settings, relief->heights());
+        } else {
+            auto source = std::make_unique<ImportSource>(std::move(values), import.settings);
+            source->computeHeights(relief->heights().data());
+            relief->rangeMaximum = source->valueRange();
+            relief->setSource(std::move(source));
+        }
+        if (!import.heightsOnly)
+            relief->referenceLayer().copyFrom(relief->heights());
         return relief;
     } catch (const std::bad_alloc &) {
         return openFailed(QStringLiteral("not enough memory"));

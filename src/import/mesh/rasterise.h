@@ -33,6 +33,8 @@ struct ShapeImport
     /// and fails only for want of memory. It may end the shape, so that the mesh takes no memory
     /// beside the heights.
     std::function<void()> shapeDone = {};
+    /// The relief is not sculpted or saved as a workspace: it needs no reference layer.
+    bool heightsOnly = false;
 };
 
 /// A relief whose import is open on the rasterised shape. With a depth of 0 its heights are cells.
