@@ -311,6 +311,8 @@ void TestControllers::materialsAreRenamedClonedAndDeleted()
     look.cloneMaterial();
     auto *list = ribbon.window.findChild<QComboBox *>(QStringLiteral("materials"));
     QVERIFY(list->currentText().contains(QLatin1String("copy")));
+    const auto *name = ribbon.window.findChild<QLineEdit *>(QStringLiteral("materialName"));
+    QCOMPARE(name->selectedText(), list->currentText()); // to be typed over
     look.editName(QStringLiteral("  mine "));
     look.finishName();
     QCOMPARE(list->currentText(), QStringLiteral("mine"));

@@ -121,7 +121,8 @@ void LookController::finishName()
 void LookController::cloneMaterial()
 {
     if (const Outcome cloned = m_materials->clone(); !cloned)
-        showFailure(m_window, cloned.failure());
+        return showFailure(m_window, cloned.failure());
+    m_parts.page->beginNaming();
 }
 
 void LookController::deleteMaterial()

@@ -266,6 +266,12 @@ void ViewSettingsPage::showMaterials(const MaterialEditor &editor)
     m_commands["materialDelete"]->setEnabled(editable);
 }
 
+void ViewSettingsPage::beginNaming()
+{
+    m_materialName->setFocus();
+    m_materialName->selectAll();
+}
+
 void ViewSettingsPage::showPointerSize(int percent)
 {
     m_pointer->setCurrentIndex(qMax(0, m_pointer->findData(percent)));

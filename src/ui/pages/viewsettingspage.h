@@ -35,6 +35,8 @@ public:
     void showLightPosition(int index);
     /// Shows the editor's list, its current material and what can be done with it.
     void showMaterials(const MaterialEditor &editor);
+    /// Puts the keyboard into the name of the material, all of it selected.
+    void beginNaming();
     /// The choice with this percentage, the first when there is none.
     void showPointerSize(int percent);
     /// The theme in force; the switch offers the other one.
