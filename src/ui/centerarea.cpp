@@ -149,6 +149,12 @@ void CenterArea::toggleAlone()
     m_splitter->setSizes(alone ? m_sizesOfBoth : QList<int>{flat ? 0 : 1, flat ? 1 : 0});
 }
 
+double CenterArea::zoom() const
+{
+    const bool flatAlone = m_splitter->sizes().value(View3d) == 0;
+    return (flatAlone ? m_flatWin->camera() : m_sculptWin->camera()).zoom;
+}
+
 void CenterArea::bringForward(View view)
 {
     const QList<int> sizes = m_splitter->sizes();

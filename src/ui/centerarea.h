@@ -55,6 +55,8 @@ public:
     void refresh();
     /// Shows the view that has the keyboard alone (else the 3D view), or both again.
     void toggleAlone();
+    /// The zoom of the 3D view, or of the 2D view where that is shown alone.
+    double zoom() const;
     /// Gives a hidden view half of the area; otherwise the splitter is not moved.
     void bringForward(View view);
 

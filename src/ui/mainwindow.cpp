@@ -238,7 +238,7 @@ void MainWindow::showRelief()
 void MainWindow::showExtent()
 {
     m_status->showExtent(m_bench.model ? nullptr : m_bench.relief(), m_pages.size->unit(),
-                         sculptWin()->camera().zoom);
+                         m_center->zoom());
 }
 
 void MainWindow::unitChanged()

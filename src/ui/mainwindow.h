@@ -149,7 +149,11 @@ public slots:
     void cursorSizeChanged(int index) { m_look->setPointer(index); }
     void switchTheme() { m_look->switchTheme(); }
     void legacyChosen(bool on) { m_look->setLegacy(on); }
-    void toggleViewAlone() { m_center->toggleAlone(); }
+    void toggleViewAlone()
+    {
+        m_center->toggleAlone();
+        showExtent();
+    }
 
 protected:
     bool event(QEvent *event) override;

@@ -149,6 +149,7 @@ void connectViews(MainWindow &window, CenterArea &center)
     for (ReliefView *view :
          std::initializer_list<ReliefView *>{window.sculptWin(), window.flatWin()}) {
         on(view, &ReliefView::statusChanged, &MainWindow::setStatus);
+        on(view, &ReliefView::cameraChanged, &MainWindow::showExtent);
         // The position follows the pointer and would hide it.
         on(view, &ReliefView::editRefused,
            [&window](const QString &reason) { window.say(reason, reasonMs); });
@@ -159,7 +160,6 @@ void connectViews(MainWindow &window, CenterArea &center)
         on(view, &QWidget::customContextMenuRequested,
            [&window, view](QPoint at) { offerMenu(window, *view, at); });
     }
-    on(window.sculptWin(), &ReliefView::cameraChanged, &MainWindow::showExtent);
     on(window.flatWin(), &FlatWin::cropChanged, &MainWindow::setupControls);
     on(window.flatWin(), &FlatWin::cropApplyRequested, &MainWindow::applyCrop);
     on(center.facetWin(), &FacetWin::statusChanged, &MainWindow::setStatus);

@@ -138,8 +138,11 @@ void TestWindowCommands::views()
     QCOMPARE(bench().tool.size, size);
 
     auto *splitter = child<QSplitter>("CentralSplitter");
+    m_window->flatWin()->setFocus();
     click("viewAlone");
-    QVERIFY(splitter->sizes().contains(0));
+    QCOMPARE(splitter->sizes().first(), 0);
+    const auto zoomOf2d = [this] { return qRound(100 * m_window->flatWin()->camera().zoom); };
+    QTRY_VERIFY(child<QLabel>("extent")->text().endsWith(QStringLiteral(" %1 %").arg(zoomOf2d())));
     click("viewAlone");
     QVERIFY(!splitter->sizes().contains(0));
     child<QCheckBox>("legacyDrawing")->setChecked(true);
