@@ -362,6 +362,17 @@ private slots:
         QApplication::sendEvent(&failing, &press);
     }
 
+    void threeFacetsAPixelAreAllDrawn()
+    {
+        const double ratio = qApp->devicePixelRatio();
+        SculptBench b(medal(qRound(576 * ratio), qRound(432 * ratio)));
+        b.view.zoomAll();
+        QTRY_VERIFY((b.paint(), b.view.pictureComplete()));
+        const QSize cells = b.relief->rect().size();
+        QCOMPARE(b.view.shader()->drawn.count,
+                 uint32_t(2 * cells.width() + 1) * uint32_t(cells.height() - 1));
+    }
+
     // The ratio is fixed when a program starts: run these in a second one.
     void pixelsOfOneAndAHalf()
     {
@@ -369,9 +380,9 @@ private slots:
         environment.insert("QT_SCALE_FACTOR", "1.5");
         QProcess process;
         process.setProcessEnvironment(environment);
-        process.start(
-            QCoreApplication::applicationFilePath(),
-            {"picksFindTheCell", "dabsRefreshTheirRectangle", "unchangedPaintsCostNothing"});
+        process.start(QCoreApplication::applicationFilePath(),
+                      {"picksFindTheCell", "dabsRefreshTheirRectangle",
+                       "unchangedPaintsCostNothing", "threeFacetsAPixelAreAllDrawn"});
         QVERIFY(process.waitForFinished(60000));
         QVERIFY2(process.exitCode() == 0, process.readAllStandardOutput());
     }

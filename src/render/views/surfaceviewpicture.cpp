@@ -17,7 +17,7 @@ namespace {
 /// Of a facet in a coarse picture: smaller ones are not worth their time while the hand moves.
 constexpr size_t fewestPixels = 8;
 /// Of a facet that is drawn with one sample while there is more to come.
-constexpr double fewPixels = 4.0;
+constexpr size_t fewPixels = 4;
 /// Facets a pixel beyond which more are not seen.
 constexpr size_t mostPerPixel = 4;
 /// Of a pixel of a smooth picture.
@@ -85,7 +85,9 @@ size_t SurfaceView::_costOf(const Detail &detail) const
 
 SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
 {
-    const size_t pixels = static_cast<size_t>(width()) * static_cast<size_t>(height());
+    const QSize physical = physicalSize(size(), devicePixelRatioF());
+    const size_t pixels =
+        static_cast<size_t>(physical.width()) * static_cast<size_t>(physical.height());
     const size_t most = m_pace.mostFacets(level);
     if (level == PictureQuality::Coarse)
         return {std::min(most, pixels / fewestPixels), true, false};
@@ -96,10 +98,7 @@ SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
         const bool hasForms = facets(PictureQuality::allFacets) > 0;
         return {hasForms ? std::min(most, pixels * mostPerPixel) : most, true, false};
     }
-    const double ratio = devicePixelRatioF();
-    const double few = static_cast<double>(pixels) * ratio * ratio / fewPixels;
-    if (level != PictureQuality::Complete &&
-        static_cast<double>(facets(PictureQuality::allFacets)) > few)
+    if (level != PictureQuality::Complete && facets(PictureQuality::allFacets) > pixels / fewPixels)
         return {most, true, false};
     return {most, false, level >= PictureQuality::Smooth};
 }
