@@ -96,6 +96,8 @@ class FourFacets
 {
 public:
     FourInts firstColumn, lastColumn, firstRow, lastRow; ///< within the grid
+    FourInts width;   ///< columns, in whole groups of laneCount, but not beyond the grid
+    FourDoubles left; ///< the first column
     /// How a facet is drawn; none holds for one that raises no cell.
     FourMasks small;  ///< cell by cell; not where the next laneCount cells end the grid
     FourMasks broad;  ///< in the rows of the band, as a plane
@@ -114,6 +116,10 @@ public:
         along.cut(grid.rows);
         firstColumn = __builtin_convertvector(across.low, FourInts);
         lastColumn = __builtin_convertvector(across.high, FourInts);
+        left = across.low;
+        const FourInts room = grid.columns - firstColumn;
+        width = (lastColumn - firstColumn + laneCount) & -laneCount;
+        width = width < room ? width : room;
         firstRow = __builtin_convertvector(along.low, FourInts);
         lastRow = __builtin_convertvector(along.high, FourInts);
         const FourDoubles area = (x[1] - x[0]) * (y[2] - y[0]) - (y[1] - y[0]) * (x[2] - x[0]);

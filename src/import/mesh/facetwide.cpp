@@ -42,29 +42,28 @@ struct WideSide
     __m512d at[groups];
     __m512d step, least, height;
 
-    WIDE_INLINE WideSide(const FourSides &side, size_t which, int column)
+    WIDE_INLINE WideSide(const FourSides &side, size_t which, const __m512d &first)
         : step(wide(side.perRow[which]))
         , least(wide(side.least[which]))
         , height(wide(side.height[which]))
     {
 #pragma GCC unroll 2
         for (int g = 0; g < groups; ++g) {
-            const __m512d columns = wide(column + g * wideCount) + wideCounts;
+            const __m512d columns = first + wide(g * wideCount);
             at[g] = side.atRow[which] - side.perColumn[which] * (columns - side.fromX[which]);
         }
     }
 };
 
 template <int groups>
-WIDE_INLINE void fillSmallIn(const FacetGrid &grid, const FourFacets &facets, size_t which,
-                             int columns)
+WIDE_INLINE void fillSmallIn(const FacetGrid &grid, const FourFacets &facets, size_t which)
 {
-    const int column = facets.firstColumn[which];
-    const unsigned wanted = firstBits(columns);
-    WideSide<groups> a(facets.sides[0], which, column);
-    WideSide<groups> b(facets.sides[1], which, column);
-    WideSide<groups> c(facets.sides[2], which, column);
-    float *cells = cellAt(grid, column, facets.firstRow[which]);
+    const unsigned wanted = firstBits(facets.width[which]);
+    const __m512d first = wide(facets.left[which]) + wideCounts;
+    WideSide<groups> a(facets.sides[0], which, first);
+    WideSide<groups> b(facets.sides[1], which, first);
+    WideSide<groups> c(facets.sides[2], which, first);
+    float *cells = cellAt(grid, facets.firstColumn[which], facets.firstRow[which]);
     const int stride = grid.columns;
     const int rows = facets.lastRow[which] - facets.firstRow[which] + 1;
     for (int r = 0; r < rows; ++r, cells += stride) {
@@ -236,14 +235,10 @@ void WideCells::small(const FacetGrid &grid, std::span<const FourFacets> fours, 
     for (; part; part &= part - 1) {
         const auto [number, lane] = firstOf(part);
         const FourFacets &four = fours[number];
-        // Whole groups of laneCount columns, see fillSmall().
-        const int columns =
-            (four.lastColumn[lane] - four.firstColumn[lane] + laneCount) & -laneCount;
-        const int wanted = std::min(columns, grid.columns - four.firstColumn[lane]);
-        if (wanted > wideCount)
-            fillSmallIn<2>(grid, four, lane, wanted);
+        if (four.width[lane] > wideCount)
+            fillSmallIn<2>(grid, four, lane);
         else
-            fillSmallIn<1>(grid, four, lane, wanted);
+            fillSmallIn<1>(grid, four, lane);
     }
 }
 
