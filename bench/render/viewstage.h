@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/keptmemory.h"
 #include "relief/grid/relief.h"
 #include "relief/strokes/sculptengine.h"
 #include "render/views/sculptwin.h"
@@ -8,8 +9,6 @@
 #include <QMouseEvent>
 
 #include <benchmark/benchmark.h>
-
-#include <malloc.h>
 
 #include <cmath>
 
@@ -21,10 +20,7 @@ inline QApplication &application()
     static int count = 1;
     static char name[] = "bench_render";
     static char *arguments[] = {name, nullptr};
-    static const bool kept =
-        mallopt(M_MMAP_THRESHOLD, 256 << 20) && mallopt(M_TRIM_THRESHOLD, 512 << 20);
-    benchmark::DoNotOptimize(kept);
-    static QApplication instance(count, arguments);
+    static QApplication instance((keepFreedMemory(), count), arguments);
     return instance;
 }
 

@@ -1,3 +1,4 @@
+#include "base/keptmemory.h"
 #include "baseline.h"
 #include "relief/grid/relief.h"
 #include "render/views/flatwin.h"
@@ -12,8 +13,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWindow>
-
-#include <malloc.h>
 
 #include <cmath>
 
@@ -53,9 +52,7 @@ struct Home
         qputenv("HOME", folder.path().toUtf8());
         for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
             qunsetenv(name);
-        // As the program does.
-        mallopt(M_MMAP_THRESHOLD, 256 << 20);
-        mallopt(M_TRIM_THRESHOLD, 512 << 20);
+        keepFreedMemory();
         QSurfaceFormat format;
         format.setProfile(QSurfaceFormat::CompatibilityProfile);
         format.setDepthBufferSize(24);
