@@ -12,7 +12,7 @@ namespace marlowen {
 
 void armForcedExit(std::function<void()> end)
 {
-    QTimer::singleShot(1500, qApp, [end = std::move(end)] {
+    QTimer::singleShot(1500, QCoreApplication::instance(), [end = std::move(end)] {
         logInfo() << "Export complete but still running (a modal dialog or nested event loop); "
                      "exiting so Drafteon can import.\n";
         logFlush();

@@ -118,6 +118,7 @@ void StartPage::_arrange()
     _addSamples();
     column->addSpacing(gap);
     column->addWidget(_materials());
+    _placeCards(m_sampleGrid, m_samples); // they get their parent
     column->addStretch(1);
     column->addWidget(m_startup);
 

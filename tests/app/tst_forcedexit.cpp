@@ -18,13 +18,13 @@ void handOver()
 
 int quitPlainly()
 {
-    QTimer::singleShot(0, qApp, handOver);
+    QTimer::singleShot(0, QCoreApplication::instance(), handOver);
     return QCoreApplication::exec();
 }
 
 int quitIntoNestedLoop()
 {
-    QTimer::singleShot(0, qApp, [] {
+    QTimer::singleShot(0, QCoreApplication::instance(), [] {
         handOver();
         for (;;)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
