@@ -5,13 +5,15 @@
 #include "render/meshes/pixelcover.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 namespace marlowen {
 
 namespace {
 
 /// Facets and positions that a thread takes at a time.
-constexpr size_t pieceSize = size_t{1} << 16;
+constexpr size_t pieceSize = size_t{1} << 14;
 
 size_t pieces(size_t count)
 {
@@ -32,25 +34,75 @@ void share(size_t count, Work work)
 
 std::vector<PixelPlace> placesOf(const TriangleMesh &mesh, const FacetPicture &picture)
 {
-    // From -1..1 to pixels.
-    const double halfWidth = picture.pixels.width() / 2.0;
-    const double halfHeight = picture.pixels.height() / 2.0;
-    const Matrix &m = picture.toPicture;
+    // From the frame to pixels: two rows of a matrix.
+    const auto row = [&](size_t axis, double length) {
+        const Matrix &m = picture.toPicture;
+        const double half = length / 2.0;
+        return std::array<double, 4>{m[axis] * half, m[4 + axis] * half, m[8 + axis] * half,
+                                     (m[12 + axis] + 1.0) * half - 0.5};
+    };
+    const std::array<double, 4> across = row(0, picture.pixels.width());
+    const std::array<double, 4> up = row(1, picture.pixels.height());
+    const auto at = [](const std::array<double, 4> &m, const std::array<float, 3> &point) {
+        return static_cast<float>(m[0] * point[0] + m[1] * point[1] + m[2] * point[2] + m[3]);
+    };
     std::vector<PixelPlace> places(mesh.positions.size());
-    share(places.size(), [&](size_t at, size_t end) {
-        for (; at < end; ++at) {
-            const auto point = picture.frame.at(mesh.positions[at]);
-            const double px = point[0];
-            const double py = point[1];
-            const double pz = point[2];
-            places[at] = {
-                static_cast<float>((m[0] * px + m[4] * py + m[8] * pz + m[12] + 1.0) * halfWidth -
-                                   0.5),
-                static_cast<float>((m[1] * px + m[5] * py + m[9] * pz + m[13] + 1.0) * halfHeight -
-                                   0.5)};
+    share(places.size(), [&](size_t i, size_t end) {
+        for (; i < end; ++i) {
+            const std::array<float, 3> point = picture.frame.at(mesh.positions[i]);
+            places[i] = {at(across, point), at(up, point)};
         }
     });
     return places;
+}
+
+/// Facets that are tested together: their corners in the picture, side by side for the vector
+/// units, and what comes of it.
+struct Batch
+{
+    static constexpr size_t size = 256;
+    using Values = std::array<float, size>;
+    struct Corner
+    {
+        Values x;
+        Values y;
+    };
+    std::array<Corner, 3> corners;
+    std::array<int, size> seen;
+};
+
+CELL_LOOP void test(Batch &batch, size_t count, const PixelBounds &given)
+{
+    const PixelBounds bounds = given;
+    const auto &[a, b, c] = batch.corners;
+    for (size_t i = 0; i < count; ++i)
+        batch.seen[i] = liesOverPixel({a.x[i], a.y[i]}, {b.x[i], b.y[i]}, {c.x[i], c.y[i]}, bounds);
+}
+
+/// The facets of a piece of the mesh.
+std::vector<uint32_t> seenOf(std::span<const MeshTriangle> facets,
+                             const std::vector<PixelPlace> &places, const PixelBounds &bounds)
+{
+    std::vector<uint32_t> corners(3 * (facets.size() + 1));
+    uint32_t *out = corners.data();
+    Batch batch{};
+    for (size_t first = 0; first < facets.size(); first += Batch::size) {
+        const auto some = facets.subspan(first, std::min(Batch::size, facets.size() - first));
+        for (size_t i = 0; i < some.size(); ++i) {
+            for (size_t corner = 0; corner < 3; ++corner) {
+                const PixelPlace place = places[some[i][corner]];
+                batch.corners[corner].x[i] = place.x;
+                batch.corners[corner].y[i] = place.y;
+            }
+        }
+        test(batch, some.size(), bounds);
+        // Every facet is written, and the next one over it when it is not seen.
+        for (size_t i = 0; i < some.size(); ++i) {
+            std::copy(some[i].begin(), some[i].end(), out);
+            out += 3 * batch.seen[i];
+        }
+    }
+    return {corners.data(), out};
 }
 
 } // namespace
@@ -61,17 +113,8 @@ std::vector<uint32_t> facetsOverPixels(const TriangleMesh &mesh, const FacetPict
     const PixelBounds bounds = boundsOf(QRect({0, 0}, picture.pixels));
     std::vector<std::vector<uint32_t>> found(pieces(mesh.triangles.size()));
     share(mesh.triangles.size(), [&](size_t at, size_t end) {
-        std::vector<uint32_t> &mine = found[at / pieceSize];
-        mine.reserve(3 * (end - at));
-        for (; at < end; ++at) {
-            const auto [a, b, c] = mesh.triangles[at];
-            const PixelSpan span = spanOf(places[a], places[b], places[c], bounds);
-            if (span.isEmpty())
-                continue;
-            if (span.isLarge() || coversPixel(places[a], places[b], places[c], span))
-                mine.insert(mine.end(), {a, b, c});
-        }
-        mine.shrink_to_fit();
+        found[at / pieceSize] =
+            seenOf(std::span(mesh.triangles).subspan(at, end - at), places, bounds);
     });
     return joined(found);
 }
