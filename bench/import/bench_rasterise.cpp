@@ -1,7 +1,6 @@
 #include "baseline.h"
 #include "sheet.h"
 
-#include "base/keptmemory.h"
 #include "import/mesh/rasterise.h"
 
 #include <cmath>
@@ -34,11 +33,10 @@ TriangleMesh box()
     return mesh;
 }
 
-// With memory kept as the program does: the first grid of a process takes the time of some two
-// thirds of a copy more, for fresh pages.
+// The pages of the grid are fresh each time, as in the program; clearing them takes the time of
+// about one copy on one core.
 void measureRaster(benchmark::State &state, TriangleMesh mesh)
 {
-    keepFreedMemory();
     const FacetShape shape(std::move(mesh), 0);
     Progress silent;
     baseline::measure(state, sizeof(float) * side * side, [&] {
