@@ -14,24 +14,22 @@ namespace {
 /// Strips of facets that a thread takes at a time.
 constexpr int bandStrips = 32;
 
-/// From a position to a pixel: two rows of a matrix.
+/// From a position to a pixel.
 struct ToPixels
 {
     std::array<float, 4> x;
     std::array<float, 4> y;
-};
 
-ToPixels toPixels(const GridPicture &picture)
-{
-    const auto row = [&](size_t axis, double length) {
-        std::array<float, 4> result{};
-        for (size_t i = 0; i < 4; ++i)
-            result[i] = static_cast<float>(picture.toPicture[4 * i + axis] * length / 2.0);
-        result[3] += static_cast<float>(length / 2.0 - 0.5);
-        return result;
-    };
-    return {row(0, picture.size.width()), row(1, picture.size.height())};
-}
+    explicit ToPixels(const GridPicture &picture)
+    {
+        const auto fill = [&](size_t axis, int length, std::array<float, 4> &row) {
+            std::ranges::transform(toPixels(picture.toPicture, axis, length), row.begin(),
+                                   [](double factor) { return static_cast<float>(factor); });
+        };
+        fill(0, picture.size.width(), x);
+        fill(1, picture.size.height(), y);
+    }
+};
 
 /// Where the vertices of a row are in the picture.
 struct PlacedRow
@@ -105,7 +103,7 @@ public:
     explicit BandFacets(const GridPicture &picture)
         : m_picture(picture)
         , m_pairs(stepsOver(picture.columns - 1, picture.step))
-        , m_toPixels(toPixels(picture))
+        , m_toPixels(picture)
         , m_bounds(boundsOf(picture.drawn))
         , m_upper(m_pairs + 1)
         , m_lower(m_pairs + 1)

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "relief/grid/cellcode.h"
+#include "render/camera/camera.h"
 
 #include <QRect>
 
 #include <algorithm>
+#include <array>
 
 namespace marlowen {
 
@@ -23,6 +25,16 @@ struct PixelBounds
     float low;
     float high;
 };
+
+/// The row of a matrix that gives one coordinate of a PixelPlace, x for axis 0 and y for axis 1:
+/// the factors of a point's x, y and z and a constant. `toPicture` leads to -1..1, without
+/// perspective; `length` is that of the picture in pixels.
+inline std::array<double, 4> toPixels(const Matrix &toPicture, size_t axis, int length)
+{
+    const double half = length / 2.0;
+    return {toPicture[axis] * half, toPicture[4 + axis] * half, toPicture[8 + axis] * half,
+            (toPicture[12 + axis] + 1.0) * half - 0.5};
+}
 
 inline PixelBounds boundsOf(const QRect &pixels)
 {

@@ -34,15 +34,8 @@ void share(size_t count, Work work)
 
 std::vector<PixelPlace> placesOf(const TriangleMesh &mesh, const FacetPicture &picture)
 {
-    // From the frame to pixels: two rows of a matrix.
-    const auto row = [&](size_t axis, double length) {
-        const Matrix &m = picture.toPicture;
-        const double half = length / 2.0;
-        return std::array<double, 4>{m[axis] * half, m[4 + axis] * half, m[8 + axis] * half,
-                                     (m[12 + axis] + 1.0) * half - 0.5};
-    };
-    const std::array<double, 4> across = row(0, picture.pixels.width());
-    const std::array<double, 4> up = row(1, picture.pixels.height());
+    const auto across = toPixels(picture.toPicture, 0, picture.pixels.width());
+    const auto up = toPixels(picture.toPicture, 1, picture.pixels.height());
     const auto at = [](const std::array<double, 4> &m, const std::array<float, 3> &point) {
         return static_cast<float>(m[0] * point[0] + m[1] * point[1] + m[2] * point[2] + m[3]);
     };

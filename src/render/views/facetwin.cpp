@@ -153,7 +153,7 @@ void FacetWin::_setSeenFacets(FacetShader &shader) const
     const ViewMatrices &view = drawnMatrices();
     const FacetPicture picture{
         frameOf(m_box), multiplied(view.projection, multiplied(view.modelview, m_scene.placement)),
-        physicalSize(size(), devicePixelRatioF())};
+        pixels()};
     try {
         shader.setFacets(facetsOverPixels(*m_mesh, picture));
     } catch (const std::bad_alloc &) {

@@ -138,6 +138,17 @@ void GlCanvas::update()
         QWidget::update();
 }
 
+QSize GlCanvas::pixels() const
+{
+    return physicalSize(size(), devicePixelRatioF());
+}
+
+size_t GlCanvas::pixelCount() const
+{
+    const QSize size = pixels();
+    return static_cast<size_t>(size.width()) * static_cast<size_t>(size.height());
+}
+
 bool GlCanvas::event(QEvent *event)
 {
     const bool handled = QWidget::event(event);
@@ -187,7 +198,7 @@ bool GlCanvas::_prepareTarget()
     makeCurrent();
     if (QOpenGLContext::currentContext() != m_context.get())
         return false;
-    const QSize size = physicalSize(this->size(), devicePixelRatioF());
+    const QSize size = pixels();
     if (!m_target || m_target->size() != size) {
         m_target = imageBuffer(size, {});
         m_picture = QImage(size, QImage::Format_RGB32);

@@ -57,6 +57,9 @@ protected:
     virtual void resizeGL(int width, int height) = 0;
     /// The framebuffer of the picture is bound.
     virtual void paintGL() = 0;
+    /// The size of the picture in pixels of the screen.
+    QSize pixels() const;
+    size_t pixelCount() const;
     /// Pictures are read back: known before there is a context.
     bool readsBack() const { return m_composed == nullptr; }
     /// The framebuffer of the picture; null in initializeGL(), and where it is the default one of

@@ -99,24 +99,20 @@ void ReliefView::drawSurface(Shader &shader, const Detail &detail)
 /// Many facets of that picture are over no middle of a pixel.
 bool ReliefView::_isFine(const Detail &detail) const
 {
-    const QSize pixels = physicalSize(size(), devicePixelRatioF());
-    return slowDriver() && detail.quick &&
-           2.0 * static_cast<double>(facets(detail.mostFacets)) >
-               1.0 * pixels.width() * pixels.height();
+    return slowDriver() && detail.quick && 2 * facets(detail.mostFacets) > pixelCount();
 }
 
 /// Draws the facets between two rows of vertices without those that change nothing in the picture.
 void ReliefView::_drawSeenFacets(Shader &shader, const Detail &detail, std::pair<int, int> rows)
 {
     const ViewMatrices &view = drawnMatrices();
-    const QSize pixels = physicalSize(size(), devicePixelRatioF());
     const GridPicture picture{m_mesh.arrays().positions,
                               m_mesh.columns(),
                               m_mesh.rows(),
                               m_mesh.stepOf(detail.mostFacets) / m_mesh.step(),
                               multiplied(view.projection, view.modelview),
-                              pixels,
-                              pixelsOf(detail.part, pixels)};
+                              pixels(),
+                              pixelsOf(detail.part, pixels())};
     try {
         shader.drawFacets(
             facetsOverPixels(picture, rows.first, std::min(rows.second, m_mesh.rows() - 1)));
@@ -141,8 +137,7 @@ QRectF ReliefView::changedPart(const Detail &detail) const
 /// More facets than pixels.
 bool ReliefView::isDense() const
 {
-    const QSize pixels = physicalSize(size(), devicePixelRatioF());
-    return static_cast<double>(m_mesh.facets()) > 1.0 * pixels.width() * pixels.height();
+    return m_mesh.facets() > pixelCount();
 }
 
 void ReliefView::drawFootprint(QOpenGLFunctions_2_1 &gl)

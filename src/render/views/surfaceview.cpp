@@ -225,7 +225,7 @@ void SurfaceView::paintGL()
 
 void SurfaceView::_paintOverPicture()
 {
-    const QSize physical = physicalSize(size(), devicePixelRatioF());
+    const QSize physical = pixels();
     m_gl->glViewport(0, 0, physical.width(), physical.height());
     m_gl->glDisable(GL_BLEND);
     m_gl->glDisable(GL_DEPTH_TEST);
@@ -248,7 +248,7 @@ void SurfaceView::_paintOverPicture()
 void SurfaceView::_paintFocus()
 {
     const QColor color = palette().color(QPalette::Active, QPalette::Highlight);
-    const QSize physical = physicalSize(size(), devicePixelRatioF());
+    const QSize physical = pixels();
     m_gl->glMatrixMode(GL_PROJECTION);
     m_gl->glLoadIdentity();
     m_gl->glOrtho(0, physical.width(), 0, physical.height(), -1, 1);
@@ -278,7 +278,7 @@ void SurfaceView::releaseOverlays(QOpenGLFunctions_2_1 &)
 
 void SurfaceView::_paintMessage()
 {
-    QOpenGLPaintDevice device(physicalSize(size(), devicePixelRatioF()));
+    QOpenGLPaintDevice device(pixels());
     device.setDevicePixelRatio(devicePixelRatioF());
     QPainter painter(&device);
     painter.setFont(font());

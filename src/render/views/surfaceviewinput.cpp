@@ -249,8 +249,7 @@ void SurfaceView::_ensureDepth()
 {
     const bool moved = matrices() != m_drawn;
     // The surface itself may extend beyond the old clip planes while the depth is kept.
-    const bool held = m_depthHeld && m_camera == m_depthCamera &&
-                      m_depth.size() == physicalSize(size(), devicePixelRatioF());
+    const bool held = m_depthHeld && m_camera == m_depthCamera && m_depth.size() == pixels();
     const bool unfinished = m_quality < _wantedQuality();
     if (!m_shader || held || !(moved || unfinished || m_depthStale))
         return;

@@ -57,7 +57,7 @@ void SurfaceView::_updatePicture()
     // The whole picture follows when it rests.
     if (changed && _draggedElsewhere())
         m_pace.movedElsewhere();
-    const bool resized = m_picture->resize(physicalSize(size(), devicePixelRatioF()));
+    const bool resized = m_picture->resize(pixels());
     const ViewMatrices now = matrices();
     const SceneBox box = _roomyBox();
     const bool another = resized || m_pictureStale || now != m_drawn || box != m_drawnBox;
@@ -85,9 +85,7 @@ size_t SurfaceView::_costOf(const Detail &detail) const
 
 SurfaceView::Detail SurfaceView::_detailOf(PictureQuality::Level level) const
 {
-    const QSize physical = physicalSize(size(), devicePixelRatioF());
-    const size_t pixels =
-        static_cast<size_t>(physical.width()) * static_cast<size_t>(physical.height());
+    const size_t pixels = pixelCount();
     const size_t most = m_pace.mostFacets(level);
     if (level == PictureQuality::Coarse)
         return {std::min(most, pixels / fewestPixels), true, false};
