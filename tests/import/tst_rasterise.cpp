@@ -131,6 +131,7 @@ private slots:
     void everyGridPoint();
     void betweenGridPoints();
     void nearlyOnTheGrid();
+    void severalTimesOfSorting();
     void sameOnEveryMachine_data();
     void sameOnEveryMachine();
     void exportedReliefComesBack_data();
@@ -231,6 +232,23 @@ void TestRasterise::nearlyOnTheGrid()
                          QByteArray::number(c) + " of " + QByteArray::number(columns));
         }
     }
+}
+
+void TestRasterise::severalTimesOfSorting()
+{
+    // More facets than are sorted together: the later ones lie below what the first two raised.
+    constexpr int high = 9;
+    std::vector<Facet> facets = frame;
+    for (Facet &facet : facets) {
+        for (Corner &corner : facet)
+            corner[2] = high;
+    }
+    facets.push_back({{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}});
+    TriangleMesh mesh = shapeOf(facets, 1.0 / 128).mesh();
+    const MeshTriangle floor = mesh.triangles.back();
+    mesh.triangles.resize(600'000, floor);
+    const FloatGrid grid = rasterised({std::move(mesh), 0});
+    QCOMPARE(grid.values, std::vector<float>((side + 1) * (side + 1), float{high}));
 }
 
 void TestRasterise::sameOnEveryMachine_data()

@@ -225,6 +225,7 @@ public:
             }
             if (!_drawBands(0, m_bands.together - 1) || !_drawBands(m_bands.together - 1, 1))
                 return false;
+            m_fresh = false;
             next += count;
             wanted = _next(count);
             m_progress.share = static_cast<double>(next) / static_cast<double>(all);
@@ -239,6 +240,10 @@ private:
     /// Some of the bands that a core takes at a time, and not those next to them, so that what
     /// reaches into the next band is met by no other core.
     bool _drawBands(int first, int count);
+    /// To every page of the bands that a core takes at a time. Drawing reads a cell before it
+    /// writes it; of a fresh page that is read first the system shows its shared page of zeros, and
+    /// the write then costs a second fault and a message to all cores.
+    void _writeZeros(int firstBand) const;
     /// Equal shares that cost little enough, if all triangles are alike.
     size_t _fewer(size_t count) const
     {
@@ -259,6 +264,7 @@ private:
     TriangleProgress m_progress;
     WorkMeter m_meter;
     std::vector<Piece> m_pieces;
+    bool m_fresh = true; ///< nothing is drawn yet
     double m_cost = 0.0;
     double m_bandCost = 0.0; ///< most that lies in the bands of a core
 };
@@ -303,12 +309,26 @@ bool MeshDrawing::_drawBands(int first, int count)
         for (; group < end; ++group) {
             const int firstBand = group * together + first;
             const int endBand = std::min(firstBand + count, m_bands.count);
+            if (m_fresh && first == 0)
+                _writeZeros(firstBand);
             for (int band = firstBand; band < endBand; ++band) {
                 for (const Piece &piece : m_pieces)
                     piece.draw(m_mesh, m_placement, m_bands, band);
             }
         }
     });
+}
+
+void MeshDrawing::_writeZeros(int firstBand) const
+{
+    constexpr size_t pageFloats = 4096 / sizeof(float);
+    const FacetGrid &grid = m_bands.grid;
+    const int lastBand = std::min(firstBand + m_bands.together, m_bands.count) - 1;
+    const auto columns = static_cast<size_t>(grid.columns);
+    const size_t end = static_cast<size_t>(m_bands.band(lastBand).endRow) * columns;
+    size_t cell = static_cast<size_t>(m_bands.band(firstBand).firstRow) * columns;
+    for (; cell < end; cell += pageFloats)
+        grid.values[cell] = 0.0F;
 }
 
 } // namespace
