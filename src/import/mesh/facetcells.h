@@ -146,31 +146,38 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
                                    int first, int least)
 {
     const auto &[a, b, c] = facets.sides;
-    FourDoubles as[groups], bs[groups], cs[groups];
+    const FourSlopes &plane = facets.height;
+    FourDoubles as[groups], bs[groups], cs[groups], heights[groups];
+    const auto start =
+        [which](const FourSlopes &of, const FourDoubles &columns, FourDoubles &values)
+            CELL_INLINE { values = of.first[which] + of.perColumn[which] * columns; };
+    const int from = facets.firstColumn[which];
+    const FourDoubles firstColumns = static_cast<double>(first - from) + fourCounts;
 #pragma GCC unroll 2
     for (int g = 0; g < groups; ++g) {
-        const FourDoubles columns = static_cast<double>(first + g * laneCount) + fourCounts;
-        as[g] = a.atRow[which] - a.perColumn[which] * (columns - a.fromX[which]);
-        bs[g] = b.atRow[which] - b.perColumn[which] * (columns - b.fromX[which]);
-        cs[g] = c.atRow[which] - c.perColumn[which] * (columns - c.fromX[which]);
-        as[g] = columns >= double(least) ? as[g] : FourDoubles{} - farOutside;
-        as[g] = columns < double(grid.columns) ? as[g] : FourDoubles{} - farOutside;
+        const FourDoubles columns = firstColumns + double(g * laneCount);
+        start(a, columns, as[g]);
+        start(b, columns, bs[g]);
+        start(c, columns, cs[g]);
+        start(plane, columns, heights[g]);
+        const auto wanted =
+            (columns >= double(least - from)) & (columns < double(grid.columns - from));
+        as[g] = wanted ? as[g] : FourDoubles{} + farOutside;
     }
-    const double za = a.height[which], zb = b.height[which], zc = c.height[which];
-    const double leastA = a.least[which], leastB = b.least[which], leastC = c.least[which];
     const double stepA = a.perRow[which], stepB = b.perRow[which], stepC = c.perRow[which];
+    const double rise = plane.perRow[which];
     float *cells = cellAt(grid, first, facets.firstRow[which]);
     const int stride = grid.columns;
     const int rows = facets.lastRow[which] - facets.firstRow[which] + 1;
     for (int r = 0; r < rows; ++r, cells += stride) {
 #pragma GCC unroll 2
         for (int g = 0; g < groups; ++g) {
-            const FourDoubles height = as[g] * za + bs[g] * zb + cs[g] * zc;
-            const auto inside = (as[g] >= leastA) & (bs[g] >= leastB) & (cs[g] >= leastC);
-            raiseCells(cells + g * laneCount, inside ? height : FourDoubles{});
+            const auto inside = (as[g] < 0.0) & (bs[g] < 0.0) & (cs[g] < 0.0);
+            raiseCells(cells + g * laneCount, inside ? heights[g] : FourDoubles{});
             as[g] += stepA;
             bs[g] += stepB;
             cs[g] += stepC;
+            heights[g] += rise;
         }
     }
 }

@@ -15,8 +15,10 @@ namespace marlowen {
 inline constexpr double broadness = 0.0625;
 
 /// Boxes up to this size are drawn cell by cell, larger ones row by row.
-inline constexpr int smallColumns = 16;
+inline constexpr int smallColumns = 32;
 inline constexpr int smallRows = mostRowsAtOnce - 1;
+/// Cells that a small facet reads at a time, at most.
+inline constexpr int smallGroup = 8;
 
 using FourTriangles = std::array<const MeshTriangle *, laneCount>;
 
@@ -79,16 +81,12 @@ struct FourReaches
     }
 };
 
-/// One edge of each facet. The side of it that a point lies on, times the edge's length, is 0 on
-/// the edge and positive inside the facet.
-struct FourSides
+/// A value of each facet that changes by the same amount from cell to cell.
+struct FourSlopes
 {
-    FourDoubles fromX;
-    FourDoubles atRow;     ///< side of points with x = fromX in the first row of the facet
-    FourDoubles perRow;    ///< change of the side to the next row
-    FourDoubles perColumn; ///< change from the next column
-    FourDoubles least;     ///< side of points that count as inside
-    FourDoubles height;    ///< what the side adds to the height, per unit
+    FourDoubles first; ///< in the first row and column of the facet
+    FourDoubles perRow;
+    FourDoubles perColumn;
 };
 
 /// How four facets are drawn.
@@ -96,13 +94,14 @@ class FourFacets
 {
 public:
     FourInts firstColumn, lastColumn, firstRow, lastRow; ///< within the grid
-    FourInts width;   ///< columns, in whole groups of laneCount, but not beyond the grid
-    FourDoubles left; ///< the first column
     /// How a facet is drawn; none holds for one that raises no cell.
-    FourMasks small;  ///< cell by cell; not where the next laneCount cells end the grid
+    FourMasks small;  ///< cell by cell; not where the next smallGroup cells end the grid
     FourMasks broad;  ///< in the rows of the band, as a plane
     FourMasks narrow; ///< in the rows of the band, as a line in each
-    std::array<FourSides, 3> sides; ///< of the edges opposite to the corners
+    /// Distances from the edges, times the length of the edge: 0 along a line outside the edge by
+    /// the tolerance, negative inside; never -0.
+    std::array<FourSlopes, 3> sides;
+    FourSlopes height;
 
     // Without values before find(): many are made at a time.
     CELL_INLINE FourFacets() {} // NOLINT(modernize-use-equals-default)
@@ -116,22 +115,17 @@ public:
         along.cut(grid.rows);
         firstColumn = __builtin_convertvector(across.low, FourInts);
         lastColumn = __builtin_convertvector(across.high, FourInts);
-        left = across.low;
-        const FourInts room = grid.columns - firstColumn;
-        width = (lastColumn - firstColumn + laneCount) & -laneCount;
-        width = width < room ? width : room;
         firstRow = __builtin_convertvector(along.low, FourInts);
         lastRow = __builtin_convertvector(along.high, FourInts);
         const FourDoubles area = (x[1] - x[0]) * (y[2] - y[0]) - (y[1] - y[0]) * (x[2] - x[0]);
         _findBroad(x, y, area);
         _choose((z[0] > 0.0) | (z[1] > 0.0) | (z[2] > 0.0), across, along, grid);
+        _findHeight(corners, area, across.low, along.low);
         _turn(x, area);
         _turn(y, area);
-        _turn(z, area);
-        const FourDoubles inverse = 1.0 / (area < 0.0 ? -area : area);
 #pragma GCC unroll 3
         for (size_t i = 0; i < 3; ++i)
-            _findSide(i, x, y, along.low, z[i] * inverse);
+            _findSide(sides[i], x, y, i, across.low, along.low);
     }
 
 private:
@@ -155,7 +149,7 @@ private:
         const FourMasks drawn = raising & (across.low <= across.high) & (along.low <= along.high);
         small = drawn & broad & (across.high - across.low < double{smallColumns}) &
                 (along.high - along.low < double{smallRows}) &
-                ((rows - along.high) * columns >= across.high + double{laneCount});
+                ((rows - along.high) * columns >= across.high + double{smallGroup});
         const FourMasks byRows = drawn & ~small & (along.low < double(grid.endRow)) &
                                  (along.high >= double(grid.firstRow));
         narrow = byRows & ~broad;
@@ -168,22 +162,28 @@ private:
         places[1] = area < 0.0 ? places[2] : second;
         places[2] = area < 0.0 ? second : places[2];
     }
-    CELL_INLINE void _findSide(size_t corner, const Places &x, const Places &y,
-                               const FourDoubles &row, const FourDoubles &height)
+    CELL_INLINE void _findHeight(const FourCorners &corners, const FourDoubles &area,
+                                 const FourDoubles &column, const FourDoubles &row)
     {
-        const size_t from = (corner + 1) % 3;
-        const size_t to = (corner + 2) % 3;
+        const auto &[x, y, z] = corners;
+        const FourDoubles inverse = 1.0 / area;
+        const FourDoubles up = z[1] - z[0], upper = z[2] - z[0];
+        height.perColumn = (up * (y[2] - y[0]) - upper * (y[1] - y[0])) * inverse;
+        height.perRow = (upper * (x[1] - x[0]) - up * (x[2] - x[0])) * inverse;
+        height.first = z[0] + height.perRow * (row - y[0]) + height.perColumn * (column - x[0]);
+    }
+    CELL_INLINE static void _findSide(FourSlopes &side, const Places &x, const Places &y,
+                                      size_t from, const FourDoubles &column,
+                                      const FourDoubles &row)
+    {
+        const size_t to = (from + 1) % 3;
         const FourDoubles dx = x[to] - x[from];
         const FourDoubles dy = y[to] - y[from];
         FourDoubles larger;
         highest(dx < 0.0 ? -dx : dx, dy < 0.0 ? -dy : dy, larger);
-        FourSides &side = sides[corner];
-        side.fromX = x[from];
-        side.atRow = dx * (row - y[from]);
-        side.perRow = dx;
+        side.perRow = -dx;
         side.perColumn = dy;
-        side.least = -facetTolerance * larger;
-        side.height = height;
+        side.first = dy * (column - x[from]) - dx * (row - y[from]) - facetTolerance * larger;
     }
 };
 

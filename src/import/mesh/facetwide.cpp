@@ -35,53 +35,68 @@ WIDE_INLINE __m512d pick(__mmask8 first, const __m512d &a, const __m512d &b)
     return _mm512_mask_mov_pd(b, first, a);
 }
 
-/// One side of a small facet at the points of a row.
+/// A value of a small facet at the cells of a row.
 template <int groups>
-struct WideSide
+struct WideSlope
 {
     __m512d at[groups];
-    __m512d step, least, height;
+    __m512d step;
 
-    WIDE_INLINE WideSide(const FourSides &side, size_t which, const __m512d &first)
-        : step(wide(side.perRow[which]))
-        , least(wide(side.least[which]))
-        , height(wide(side.height[which]))
+    WIDE_INLINE WideSlope(const FourSlopes &slope, size_t which)
+        : step(wide(slope.perRow[which]))
     {
-#pragma GCC unroll 2
-        for (int g = 0; g < groups; ++g) {
-            const __m512d columns = first + wide(g * wideCount);
-            at[g] = side.atRow[which] - side.perColumn[which] * (columns - side.fromX[which]);
-        }
+#pragma GCC unroll 4
+        for (int g = 0; g < groups; ++g)
+            at[g] =
+                slope.first[which] + slope.perColumn[which] * (wideCounts + wide(g * wideCount));
     }
 };
 
+/// Which numbers are negative in all of three.
+WIDE_INLINE __mmask8 negatives(const __m512d &a, const __m512d &b, const __m512d &c)
+{
+    return _mm512_movepi64_mask(_mm512_castpd_si512(_mm512_and_pd(_mm512_and_pd(a, b), c)));
+}
+
+/// Draws a small facet in groups of eight columns.
 template <int groups>
 WIDE_INLINE void fillSmallIn(const FacetGrid &grid, const FourFacets &facets, size_t which)
 {
-    const unsigned wanted = firstBits(facets.width[which]);
-    const __m512d first = wide(facets.left[which]) + wideCounts;
-    WideSide<groups> a(facets.sides[0], which, first);
-    WideSide<groups> b(facets.sides[1], which, first);
-    WideSide<groups> c(facets.sides[2], which, first);
+    WideSlope<groups> a(facets.sides[0], which);
+    WideSlope<groups> b(facets.sides[1], which);
+    WideSlope<groups> c(facets.sides[2], which);
+    WideSlope<groups> height(facets.height, which);
+    const unsigned room =
+        firstBits(std::min(grid.columns - facets.firstColumn[which], groups * wideCount));
+#pragma GCC unroll 4
+    for (int g = 0; g < groups; ++g)
+        a.at[g] = pick(static_cast<__mmask8>(room >> (g * wideCount)), a.at[g], wide(farOutside));
     float *cells = cellAt(grid, facets.firstColumn[which], facets.firstRow[which]);
     const int stride = grid.columns;
     const int rows = facets.lastRow[which] - facets.firstRow[which] + 1;
     for (int r = 0; r < rows; ++r, cells += stride) {
-#pragma GCC unroll 2
+#pragma GCC unroll 4
         for (int g = 0; g < groups; ++g) {
-            const __m512d height = a.at[g] * a.height + b.at[g] * b.height + c.at[g] * c.height;
-            auto inside = static_cast<__mmask8>(wanted >> (g * wideCount));
-            inside = _mm512_mask_cmp_pd_mask(inside, a.at[g], a.least, _CMP_GE_OQ);
-            inside = _mm512_mask_cmp_pd_mask(inside, b.at[g], b.least, _CMP_GE_OQ);
-            inside = _mm512_mask_cmp_pd_mask(inside, c.at[g], c.least, _CMP_GE_OQ);
+            const __mmask8 inside = negatives(a.at[g], b.at[g], c.at[g]);
             float *group = cells + g * wideCount;
-            const __m256 before = _mm256_maskz_loadu_ps(inside, group);
-            const __m256 heights = _mm512_maskz_cvtpd_ps(allEight, height);
-            _mm256_mask_storeu_ps(group, inside, _mm256_max_ps(heights, before));
+            const __m256 heights = _mm512_maskz_cvtpd_ps(allEight, height.at[g]);
+            const __m256 raised = _mm256_max_ps(heights, _mm256_loadu_ps(group));
+            _mm256_mask_storeu_ps(group, inside, raised);
             a.at[g] += a.step;
             b.at[g] += b.step;
             c.at[g] += c.step;
+            height.at[g] += height.step;
         }
+    }
+}
+
+/// As fillSmallIn(), part of the facets.
+template <int groups>
+WIDE_INLINE void fillAllIn(const FacetGrid &grid, std::span<const FourFacets> fours, BatchPart part)
+{
+    for (; part; part &= part - 1) {
+        const auto [four, lane] = firstOf(part);
+        fillSmallIn<groups>(grid, fours[four], lane);
     }
 }
 
@@ -232,14 +247,23 @@ WIDE_INLINE void fillBroadWide(const FacetGrid &grid, const FourPlanes &planes, 
 
 void WideCells::small(const FacetGrid &grid, std::span<const FourFacets> fours, BatchPart part)
 {
-    for (; part; part &= part - 1) {
-        const auto [number, lane] = firstOf(part);
-        const FourFacets &four = fours[number];
-        if (four.width[lane] > wideCount)
-            fillSmallIn<2>(grid, four, lane);
-        else
-            fillSmallIn<1>(grid, four, lane);
+    // By the number of groups, so that the processor rarely guesses wrong.
+    constexpr size_t mostGroups = smallColumns / wideCount;
+    static_assert(mostGroups == 4);
+    std::array<BatchPart, mostGroups> parts{};
+    for (size_t i = 0; i < fours.size(); ++i) {
+        const auto across = reinterpret_cast<__m128i>(fours[i].lastColumn - fours[i].firstColumn);
+        const __m128i groups = _mm_srai_epi32(across, 3);
+        for (size_t g = 0; g < mostGroups; ++g) {
+            const BatchPart those =
+                _mm_cmpeq_epi32_mask(groups, _mm_set1_epi32(static_cast<int>(g)));
+            parts[g] |= those << (i * laneCount) & part;
+        }
     }
+    fillAllIn<1>(grid, fours, parts[0]);
+    fillAllIn<2>(grid, fours, parts[1]);
+    fillAllIn<3>(grid, fours, parts[2]);
+    fillAllIn<4>(grid, fours, parts[3]);
 }
 
 void WideCells::broad(const FacetGrid &grid, std::span<const FourPlanes> planes, size_t count)
