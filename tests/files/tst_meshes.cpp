@@ -1,6 +1,8 @@
 #include "files/mesh/convexquad.h"
 #include "files/mesh/meshreader.h"
+#include "files/mesh/objpiece.h"
 #include "files/mesh/polygontessellator.h"
+#include "files/mesh/textnumbers.h"
 #include "meshtext.h"
 
 #include <QRandomGenerator>
@@ -42,6 +44,7 @@ private slots:
     void polygonsKeepTheirArea();
     void quadsAreCutAsTheTessellatorCutsThem();
     void linesAcrossBlocks();
+    void blocksEndWithTheirLastLine();
     void stlForms_data();
     void stlForms();
     void stlProblems_data();
@@ -63,6 +66,7 @@ void TestMeshes::objLines_data()
     row("texture and normal indices", two + "v 2 4 6\nf 1/2/3 2/3/4 3/4/5\n", {2, 4, 6});
     row("carriage returns", "v 0 0 0\r\nv 9 0 0\r\nv 2 4 6\r\nf 1 2 3\r\n", {2, 4, 6});
     row("carriage returns alone", "v 0 0 0\rv 9 0 0\rv 2 4 6\rf 1 2 3", {2, 4, 6});
+    row("indices of many digits", two + "v 2 4 6\nf 00000001 000000002 00000000003\n", {2, 4, 6});
     row("other lines", two + "#v 5\nvn 1 1 1\nvt 3 3\ng v\nusemtl f\nv 2 4 6\nf 1 2 3\n",
         {2, 4, 6});
     row("tabs and indents", two + " \tv\t2  4 6 \n\tf 1\t2 3 \n", {2, 4, 6});
@@ -217,6 +221,19 @@ void TestMeshes::linesAcrossBlocks()
     for (size_t i = 0; i < count; ++i)
         QVERIFY(read.mesh.corner(read.mesh.triangles[i], 2) ==
                 (MeshPoint{0.25, static_cast<double>(i) + 1.0, static_cast<double>(i) * 0.5}));
+}
+
+void TestMeshes::blocksEndWithTheirLastLine()
+{
+    // What lies behind a block looks like more of it.
+    const std::string text =
+        "v 1 2 3\nf 1 2 3\nf 2 3 4\nv 4 5 6\n" + std::string(textSpareBytes, '\n');
+    for (const size_t lines : {1, 2, 3}) {
+        ObjPiece piece;
+        readObjLines(std::string_view(text).substr(0, 8 * lines), piece);
+        QCOMPARE(piece.positions.size(), size_t{1});
+        QCOMPARE(piece.triangles.size(), lines - 1);
+    }
 }
 
 void TestMeshes::stlForms_data()

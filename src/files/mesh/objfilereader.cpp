@@ -44,12 +44,16 @@ bool isFinite(const MeshPoint &point)
     return std::isfinite(point[0]) && std::isfinite(point[1]) && std::isfinite(point[2]);
 }
 
-bool liesOnLine(const MeshPoint &a, const MeshPoint &b, const MeshPoint &c)
+/// Whether the corners do not lie on one line.
+inline bool hasArea(const TriangleMesh &mesh, const MeshTriangle &corners)
 {
+    const MeshPoint &a = mesh.corner(corners, 0);
+    const MeshPoint &b = mesh.corner(corners, 1);
+    const MeshPoint &c = mesh.corner(corners, 2);
     const auto crossed = [&](size_t i, size_t j) {
         return (b[i] - a[i]) * (c[j] - a[j]) == (b[j] - a[j]) * (c[i] - a[i]);
     };
-    return crossed(0, 1) && crossed(1, 2) && crossed(2, 0);
+    return !(crossed(0, 1) && crossed(1, 2) && crossed(2, 0));
 }
 
 } // namespace
@@ -158,11 +162,15 @@ void ObjFileReader::_takeTriangles(std::span<const MeshTriangle> triangles)
 {
     const size_t known = m_mesh.positions.size();
     for (const MeshTriangle &corners : triangles) {
-        if (std::max({corners[0], corners[1], corners[2]}) < known)
-            _addTriangle(corners);
-        else
+        if (std::max({corners[0], corners[1], corners[2]}) >= known) {
             _takeFace(std::array<qint64, 3>{corners[0] + qint64{1}, corners[1] + qint64{1},
                                             corners[2] + qint64{1}});
+        } else if (m_allFinite && hasArea(m_mesh, corners)) { // nearly all
+            m_mesh.triangles.push_back(corners);
+        } else {
+            m_corners.assign(corners.begin(), corners.end());
+            _addResolved();
+        }
     }
 }
 
@@ -225,26 +233,16 @@ void ObjFileReader::_addLateFaces(const LateFaces &late)
 
 void ObjFileReader::_addResolved()
 {
-    if (m_corners.size() == 3) {
-        _addTriangle({m_corners[0], m_corners[1], m_corners[2]});
-        return;
-    }
     const auto finite = [this](quint32 corner) { return isFinite(m_mesh.positions[corner]); };
-    if (m_allFinite || std::all_of(m_corners.begin(), m_corners.end(), finite))
+    if (!m_allFinite && !std::all_of(m_corners.begin(), m_corners.end(), finite)) {
+        m_problems.add("ObjFileReader: face with a coordinate that is not finite");
+    } else if (m_corners.size() > 3) {
         m_tessellator.cut(m_corners, *m_progress);
-    else
-        m_problems.add("ObjFileReader: face with a coordinate that is not finite");
-}
-
-void ObjFileReader::_addTriangle(const MeshTriangle &corners)
-{
-    const MeshPoint &a = m_mesh.corner(corners, 0);
-    const MeshPoint &b = m_mesh.corner(corners, 1);
-    const MeshPoint &c = m_mesh.corner(corners, 2);
-    if (!m_allFinite && !(isFinite(a) && isFinite(b) && isFinite(c)))
-        m_problems.add("ObjFileReader: face with a coordinate that is not finite");
-    else if (!liesOnLine(a, b, c))
-        m_mesh.triangles.push_back(corners);
+    } else {
+        const MeshTriangle corners{m_corners[0], m_corners[1], m_corners[2]};
+        if (hasArea(m_mesh, corners))
+            m_mesh.triangles.push_back(corners);
+    }
 }
 
 } // namespace marlowen

@@ -71,7 +71,6 @@ private:
     void _takeTriangles(std::span<const MeshTriangle> triangles);
     void _takeProblems(std::span<const ObjPiece::Problem> problems, size_t count);
     void _takeFace(std::span<const qint64> ids);
-    void _addTriangle(const MeshTriangle &corners);
     void _addLateFaces(const LateFaces &late);
     bool _resolve(std::span<const qint64> ids, qint64 verticesRead);
     qint64 _placeOf(qint64 id, qint64 verticesRead) const;

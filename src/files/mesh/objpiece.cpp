@@ -2,6 +2,8 @@
 
 #include "files/mesh/textnumbers.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -27,6 +29,45 @@ const char *parsePlainId(const char *at, quint64 &id)
     if (*at == '/')
         at = tokenEnd(at);
     return endsToken(*at) ? at : nullptr;
+}
+
+/// Reads the rest of a line that is three numbers from 1 to 99999999 with one blank before each, as
+/// nearly all faces are, and returns its end; null for every other line.
+const char *parsePlainFace(const char *at, MeshTriangle &corners)
+{
+    const char *const a = at + 1;
+    uint32_t others = otherThanDigits(a);
+    const auto nextEnd = [&others] {
+        const int end = std::countr_zero(others);
+        others &= others - 1;
+        return static_cast<unsigned>(end);
+    };
+    const unsigned endA = nextEnd(), endB = nextEnd(), endC = nextEnd();
+    const unsigned digitsA = endA, digitsB = endB - endA - 1, digitsC = endC - endB - 1;
+    if (((digitsA - 1) | (digitsB - 1) | (digitsC - 1)) >= 8)
+        return nullptr;
+    const char *const b = a + endA + 1;
+    const char *const c = a + endB + 1;
+    const char *const end = a + endC;
+    if (*at != ' ' || b[-1] != ' ' || c[-1] != ' ' || !isLineEnd(*end))
+        return nullptr;
+    corners = {static_cast<quint32>(EightCharacters(a).value(digitsA)) - 1,
+               static_cast<quint32>(EightCharacters(b).value(digitsB)) - 1,
+               static_cast<quint32>(EightCharacters(c).value(digitsC)) - 1};
+    return std::max({corners[0], corners[1], corners[2]}) < mostPlainId ? end : nullptr;
+}
+
+/// Reads the rest of a line that is three plain numbers and returns its end; null for every other
+/// line.
+const char *parsePlainVertex(const char *at, MeshPoint &point)
+{
+    for (double &coordinate : point) {
+        at = parsePlainNumber(skipBlanks(at), coordinate);
+        if (!at)
+            return nullptr;
+    }
+    at = skipBlanks(at);
+    return isLineEnd(*at) ? at : nullptr;
 }
 
 class Lines
@@ -62,12 +103,31 @@ private:
         m_run.count = 0;
     }
 
-    void _count(Kind kind)
+    void _count(Kind kind, quint32 count = 1)
     {
         if (m_run.kind != kind)
             _endRun();
         m_run.kind = kind;
-        ++m_run.count;
+        m_run.count += count;
+    }
+
+    /// Lines of a kind by readLine(rest), which returns their end, or null to leave them to others;
+    /// `at` is behind the letter of the first. Null when that one is left.
+    template <typename ReadLine>
+    const char *_readLinesOf(Kind kind, char letter, const char *at, ReadLine readLine)
+    {
+        const char *last = nullptr;
+        quint32 count = 0;
+        while (const char *const end = readLine(at)) {
+            ++count;
+            last = end;
+            if (end + 1 >= m_end || end[1] != letter || !endsToken(end[2]))
+                break;
+            at = end + 2;
+        }
+        if (count > 0)
+            _count(kind, count);
+        return last;
     }
 
     void _addProblem(const char *before, std::string_view token, const char *after)
@@ -85,18 +145,20 @@ private:
 
     const char *_readVertex(const char *at)
     {
+        const char *const end = _readPlainVertices(at);
+        return end ? end : _readSlowVertex(at);
+    }
+
+    /// The vertices from here on as far as they are plain; null where this one is not.
+    const char *_readPlainVertices(const char *at)
+    {
         MeshPoint point;
-        const char *stop = at;
-        for (double &coordinate : point) {
-            stop = parsePlainNumber(skipBlanks(stop), coordinate);
-            if (!stop)
-                return _readSlowVertex(at);
-        }
-        stop = skipBlanks(stop);
-        if (!isLineEnd(*stop))
-            return _readSlowVertex(at);
-        _addPosition(point);
-        return stop;
+        return _readLinesOf(Kind::Vertices, 'v', at, [&](const char *rest) {
+            const char *const end = parsePlainVertex(rest, point);
+            if (end)
+                m_piece.positions.push_back(point);
+            return end;
+        });
     }
 
     const char *_readSlowVertex(const char *at)
@@ -130,9 +192,22 @@ private:
         return at;
     }
 
+    /// The faces from here on as far as they are plain; null where this one is not.
+    const char *_readPlainFaces(const char *at)
+    {
+        MeshTriangle corners;
+        return _readLinesOf(Kind::Triangles, 'f', at, [&](const char *rest) {
+            const char *const end = parsePlainFace(rest, corners);
+            if (end)
+                m_piece.triangles.push_back(corners);
+            return end;
+        });
+    }
+
     const char *_readFace(const char *at)
     {
-        // Nearly every face is three positive indices.
+        if (const char *const end = _readPlainFaces(at))
+            return end;
         MeshTriangle corners;
         const char *stop = at;
         for (quint32 &corner : corners) {
@@ -194,6 +269,7 @@ private:
 
     ObjPiece &m_piece;
     ObjPiece::Run m_run{Kind::Vertices, 0};
+    const char *m_end = nullptr; ///< of the lines
 };
 
 } // namespace

@@ -148,7 +148,8 @@ private:
 
 size_t pieceSlots()
 {
-    return 2 * static_cast<size_t>(helperCount()) + 3;
+    // So many that no thread often waits for another: waking one up can take longer than a piece.
+    return 2 * static_cast<size_t>(helperCount()) + 6;
 }
 
 void workThroughPieces(const PieceSteps &steps)

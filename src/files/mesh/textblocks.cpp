@@ -1,5 +1,7 @@
 #include "files/mesh/textblocks.h"
 
+#include "files/mesh/textnumbers.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -10,7 +12,7 @@ namespace {
 constexpr size_t blockBytes = size_t{256} << 10;
 constexpr size_t longestPiece = size_t{64} << 20;
 /// Bytes behind a block: the line feed behind the end of the file, and what may be read.
-constexpr size_t spareBytes = 16;
+constexpr size_t spareBytes = 1 + textSpareBytes;
 
 } // namespace
 

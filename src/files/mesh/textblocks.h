@@ -10,8 +10,8 @@
 namespace marlowen {
 
 /// Reads a text in large blocks that end behind a separator, so that no piece between separators is
-/// ever cut. A piece longer than 64 MiB is left out and counted. Behind every block lie a few bytes
-/// more that may be read (numbers are read eight bytes at a time).
+/// ever cut. A piece longer than 64 MiB is left out and counted. Behind every block lie
+/// textSpareBytes more that may be read.
 class TextBlocks
 {
 public:

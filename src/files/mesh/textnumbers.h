@@ -8,10 +8,17 @@
 #include <string_view>
 #include <system_error>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace marlowen {
 
 /// Numbers in the text of a mesh. The text is a run of whole tokens that ends in white space, so
-/// that reading a number needs no test for its end, and eight bytes behind its end may be read.
+/// that reading a number needs no test for its end, and textSpareBytes behind its end may be read:
+/// characters are looked at many at a time.
+
+inline constexpr size_t textSpareBytes = 48;
 
 inline bool isBlank(char c)
 {
@@ -64,16 +71,15 @@ public:
         return others ? static_cast<unsigned>(std::countr_zero(others)) / 8 : 8;
     }
 
-    /// The number that the first `count` digits make.
+    /// The number that the first `count` digits make, 1 to 8.
     uint64_t value(unsigned count) const
     {
         // Digits that are missing before the number are 0. Then neighbours are joined: digits to
         // pairs, pairs to fours, fours to all eight.
-        uint64_t sum = count == 8 ? m_bytes : m_bytes << 8 << (56 - 8 * count);
-        sum &= 0x0F0F0F0F0F0F0F0F;
-        sum = (10 * sum + (sum >> 8)) & 0x00FF00FF00FF00FF;
-        sum = (100 * sum + (sum >> 16)) & 0x0000FFFF0000FFFF;
-        return (10000 * sum + (sum >> 32)) & 0xFFFFFFFF;
+        uint64_t sum = (m_bytes << (64 - 8 * count)) & 0x0F0F0F0F0F0F0F0F;
+        sum = ((sum * (1 + (10 << 8))) >> 8) & 0x00FF00FF00FF00FF;
+        sum = ((sum * (1 + (100 << 16))) >> 16) & 0x0000FFFF0000FFFF;
+        return (sum * (1 + (uint64_t{10000} << 32))) >> 32;
     }
 
     /// Whether a line feed or a carriage return is among them.
@@ -101,6 +107,25 @@ inline const char *lineEnd(const char *at)
     return at;
 }
 
+/// Which of the 32 characters at `at` are no decimal digits: a bit each, the first is the lowest.
+inline uint32_t otherThanDigits(const char *at)
+{
+#ifdef __SSE2__
+    const auto sixteen = [](const char *first) {
+        const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i *>(first));
+        const __m128i below = _mm_cmplt_epi8(characters, _mm_set1_epi8('0'));
+        const __m128i above = _mm_cmpgt_epi8(characters, _mm_set1_epi8('9'));
+        return static_cast<uint32_t>(_mm_movemask_epi8(_mm_or_si128(below, above)));
+    };
+    return sixteen(at) | sixteen(at + 16) << 16;
+#else
+    uint32_t others = 0;
+    for (unsigned i = 0; i < 32; ++i)
+        others |= static_cast<uint32_t>(at[i] < '0' || at[i] > '9') << i;
+    return others;
+#endif
+}
+
 inline constexpr std::array<uint64_t, 9> wholeTens{1,      10,      100,      1000,     10000,
                                                    100000, 1000000, 10000000, 100000000};
 
@@ -116,6 +141,8 @@ inline const char *appendDigits(const char *at, uint64_t &number)
     while (count == 8) {
         const EightCharacters characters(at);
         count = characters.digits();
+        if (count == 0)
+            break;
         number = number * wholeTens[count] + characters.value(count);
         at += count;
     }
