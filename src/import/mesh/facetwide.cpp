@@ -251,7 +251,7 @@ void WideCells::small(const FacetGrid &grid, std::span<const FourFacets> fours, 
     constexpr size_t mostGroups = smallColumns / wideCount;
     static_assert(mostGroups == 4);
     std::array<BatchPart, mostGroups> parts{};
-    for (size_t i = 0; i < fours.size(); ++i) {
+    for (size_t i = 0; i < fours.size() && part >> (i * laneCount) != 0; ++i) {
         const auto across = reinterpret_cast<__m128i>(fours[i].lastColumn - fours[i].firstColumn);
         const __m128i groups = _mm_srai_epi32(across, 3);
         for (size_t g = 0; g < mostGroups; ++g) {
