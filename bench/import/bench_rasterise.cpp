@@ -33,8 +33,8 @@ TriangleMesh box()
     return mesh;
 }
 
-// The pages of the grid are fresh each time, as in the program; that the system clears them takes
-// the time of about one copy on one core. Giving them back is not timed.
+// Every grid has fresh pages, as in the program: the system takes about as long to clear them on
+// one core as one copy takes. Freeing the grid is not timed.
 void measureRaster(benchmark::State &state, TriangleMesh mesh)
 {
     const FacetShape shape(std::move(mesh), 0);

@@ -3,6 +3,7 @@
 #include "files/mesh/meshreader.h"
 #include "files/stlwriter.h"
 #include "import/importsource.h"
+#include "import/mesh/facetbands.h"
 #include "import/mesh/facetrows.h"
 
 #include <QRandomGenerator>
@@ -106,7 +107,7 @@ FloatGrid rasterised(const FacetShape &shape)
 
 FloatGrid randomHeights(QRandomGenerator &random, bool withEmpty)
 {
-    FloatGrid grid(37, 23);
+    FloatGrid grid(237, 123);
     for (float &height : grid.values) {
         height = std::pow(10.0F, static_cast<float>(random.bounded(9)) - 6.0F) *
                  (0.1F + static_cast<float>(random.generateDouble()));
@@ -131,7 +132,8 @@ private slots:
     void everyGridPoint();
     void betweenGridPoints();
     void nearlyOnTheGrid();
-    void severalTimesOfSorting();
+    void laterFacetsKeepWhatIsDrawn();
+    void bandsGiveTheWhole();
     void sameOnEveryMachine_data();
     void sameOnEveryMachine();
     void exportedReliefComesBack_data();
@@ -234,9 +236,10 @@ void TestRasterise::nearlyOnTheGrid()
     }
 }
 
-void TestRasterise::severalTimesOfSorting()
+void TestRasterise::laterFacetsKeepWhatIsDrawn()
 {
-    // More facets than are sorted together: the later ones lie below what the first two raised.
+    // More than the 2^19 facets that are sorted together at first; those behind the first two lie
+    // below them.
     constexpr int high = 9;
     std::vector<Facet> facets = frame;
     for (Facet &facet : facets) {
@@ -249,6 +252,35 @@ void TestRasterise::severalTimesOfSorting()
     mesh.triangles.resize(600'000, floor);
     const FloatGrid grid = rasterised({std::move(mesh), 0});
     QCOMPARE(grid.values, std::vector<float>((side + 1) * (side + 1), float{high}));
+}
+
+void TestRasterise::bandsGiveTheWhole()
+{
+    // Facets that are drawn as they come and, after them, facets that lie anywhere.
+    constexpr int columns = 333, rows = 2500;
+    constexpr quint32 count = 10'000;
+    QRandomGenerator random(4);
+    TriangleMesh mesh;
+    for (quint32 n = 0; n < count; ++n) {
+        const double low = n < count / 2 ? 2.0 * rows / count * n : random.bounded(double(rows));
+        const double size = n % 100 == 0 ? 200.0 : 30.0;
+        for (int i = 0; i < 3; ++i)
+            mesh.positions.push_back({random.bounded(columns - 1.0),
+                                      std::min(low + random.bounded(size), rows - 1.0),
+                                      random.bounded(9.0)});
+        mesh.triangles.push_back({3 * n, 3 * n + 1, 3 * n + 2});
+    }
+    std::vector<quint32> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), 0);
+    FloatGrid whole(columns, rows), banded(columns, rows);
+    const CellPlacement placement{{}, {}, 1.0};
+    const auto drawn = [&](FloatGrid &grid) {
+        return FacetGrid{grid.values.data(), columns, rows, 0, rows};
+    };
+    drawFacetsHere().front()(mesh, numbers, placement, drawn(whole));
+    Progress silent;
+    QVERIFY(drawMesh(mesh, placement, drawn(banded), silent));
+    QVERIFY(banded.values == whole.values);
 }
 
 void TestRasterise::sameOnEveryMachine_data()
@@ -318,9 +350,10 @@ void TestRasterise::exportedReliefComesBack()
     QCOMPARE(grid.width, heights.width);
     QCOMPARE(grid.height, heights.height);
     const float lowest = *std::min_element(heights.values.begin(), heights.values.end());
-    for (size_t i = 0; i < grid.values.size(); ++i)
-        QCOMPARE(grid.values[i],
-                 static_cast<float>(static_cast<double>(heights.values[i]) - lowest));
+    for (size_t i = 0; i < grid.values.size(); ++i) {
+        const auto expected = static_cast<float>(static_cast<double>(heights.values[i]) - lowest);
+        QVERIFY2(grid.values[i] == expected, QByteArray::number(expected)); // to the last bit
+    }
 }
 
 void TestRasterise::refusals()

@@ -45,7 +45,7 @@ bool isFinite(const MeshPoint &point)
 }
 
 /// Whether the corners do not lie on one line.
-inline bool hasArea(const TriangleMesh &mesh, const MeshTriangle &corners)
+bool hasArea(const TriangleMesh &mesh, const MeshTriangle &corners)
 {
     const MeshPoint &a = mesh.corner(corners, 0);
     const MeshPoint &b = mesh.corner(corners, 1);
@@ -165,8 +165,9 @@ void ObjFileReader::_takeTriangles(std::span<const MeshTriangle> triangles)
         if (std::max({corners[0], corners[1], corners[2]}) >= known) {
             _takeFace(std::array<qint64, 3>{corners[0] + qint64{1}, corners[1] + qint64{1},
                                             corners[2] + qint64{1}});
-        } else if (m_allFinite && hasArea(m_mesh, corners)) { // nearly all
-            m_mesh.triangles.push_back(corners);
+        } else if (m_allFinite) {
+            if (hasArea(m_mesh, corners))
+                m_mesh.triangles.push_back(corners);
         } else {
             m_corners.assign(corners.begin(), corners.end());
             _addResolved();

@@ -31,8 +31,8 @@ const char *parsePlainId(const char *at, quint64 &id)
     return endsToken(*at) ? at : nullptr;
 }
 
-/// Reads the rest of a line that is three numbers from 1 to 99999999 with one blank before each, as
-/// nearly all faces are, and returns its end; null for every other line.
+/// Reads the rest of a line that is three numbers from 1 to 99999999 with one space before each and
+/// nothing else, and returns its end; null for every other line.
 const char *parsePlainFace(const char *at, MeshTriangle &corners)
 {
     const char *const a = at + 1;
@@ -81,8 +81,8 @@ public:
     void read(std::string_view lines)
     {
         const char *at = lines.data();
-        const char *const end = at + lines.size();
-        while (at < end) {
+        m_end = at + lines.size();
+        while (at < m_end) {
             at = skipBlanks(at);
             if (at[0] == 'v' && endsToken(at[1]))
                 at = _readVertex(at + 1);
@@ -111,8 +111,9 @@ private:
         m_run.count += count;
     }
 
-    /// Lines of a kind by readLine(rest), which returns their end, or null to leave them to others;
-    /// `at` is behind the letter of the first. Null when that one is left.
+    /// Reads lines that begin with a letter as long as readLine() takes them; `at` is behind the
+    /// letter of the first. readLine(at) returns the end of a line, or null for one that it does
+    /// not take. Returns the end of the last; null when the first is not taken.
     template <typename ReadLine>
     const char *_readLinesOf(Kind kind, char letter, const char *at, ReadLine readLine)
     {

@@ -42,7 +42,8 @@ struct ObjPiece
 };
 
 /// Reads the lines into the piece, which is cleared before. The last line ends in a line end, and
-/// textSpareBytes behind it may be read. The problems point into the lines. Throws std::bad_alloc.
+/// textSpareBytes (textnumbers.h) behind it may be read. The problems point into the lines. Throws
+/// std::bad_alloc.
 void readObjLines(std::string_view lines, ObjPiece &piece);
 
 } // namespace marlowen

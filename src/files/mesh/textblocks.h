@@ -11,7 +11,7 @@ namespace marlowen {
 
 /// Reads a text in large blocks that end behind a separator, so that no piece between separators is
 /// ever cut. A piece longer than 64 MiB is left out and counted. Behind every block lie
-/// textSpareBytes more that may be read.
+/// textSpareBytes (textnumbers.h) more that may be read.
 class TextBlocks
 {
 public:

@@ -18,7 +18,8 @@ namespace marlowen {
 /// that reading a number needs no test for its end, and textSpareBytes behind its end may be read:
 /// characters are looked at many at a time.
 
-inline constexpr size_t textSpareBytes = 48;
+/// Room for a look at 32 characters from behind the last token.
+inline constexpr size_t textSpareBytes = 40;
 
 inline bool isBlank(char c)
 {

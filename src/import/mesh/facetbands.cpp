@@ -162,7 +162,9 @@ void Piece::sort(const TriangleMesh &mesh, std::span<const quint32, 2> range,
     std::array<RowReach, pieceTriangles> all;
     const std::span<RowReach> reaches(all.data(), range[1] - range[0]);
     m_cost = findRows(mesh, range[0], placement, bands.grid, reaches);
-    const RowReach reached = bands.of(reachOfAll(reaches));
+    const RowReach rows = reachOfAll(reaches);
+    // Drawing may read cells of the row behind the last.
+    const RowReach reached = bands.of({rows.first, std::min(rows.last + 1, bands.grid.rows - 1)});
     m_onlyBand = reached.last <= reached.first + 1 ? reached.first : -1;
     m_range = {range[0], range[1]};
     m_low.clear();

@@ -141,7 +141,7 @@ inline constexpr double farOutside = 1e300;
 /// Groups of four columns of a small facet, from `first` on: every cell is asked for its side of
 /// the edges. Cells before column `least` are left as they are. More groups keep the processor
 /// busier.
-template <int groups>
+template <int groups, bool tiny>
 CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &facets, size_t which,
                                    int first, int least)
 {
@@ -151,20 +151,30 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
     const auto start =
         [which](const FourSlopes &of, const FourDoubles &columns, FourDoubles &values)
             CELL_INLINE { values = of.first[which] + of.perColumn[which] * columns; };
+    const double reachA = a.reach[which], reachB = b.reach[which], reachC = c.reach[which];
     const int from = facets.firstColumn[which];
     const FourDoubles firstColumns = static_cast<double>(first - from) + fourCounts;
 #pragma GCC unroll 2
     for (int g = 0; g < groups; ++g) {
         const FourDoubles columns = firstColumns + double(g * laneCount);
-        start(a, columns, as[g]);
-        start(b, columns, bs[g]);
-        start(c, columns, cs[g]);
+        start(a.distance, columns, as[g]);
+        start(b.distance, columns, bs[g]);
+        start(c.distance, columns, cs[g]);
         start(plane, columns, heights[g]);
+        if (!tiny) {
+            as[g] -= reachA;
+            bs[g] -= reachB;
+            cs[g] -= reachC;
+        }
         const auto wanted =
             (columns >= double(least - from)) & (columns < double(grid.columns - from));
         as[g] = wanted ? as[g] : FourDoubles{} + farOutside;
     }
-    const double stepA = a.perRow[which], stepB = b.perRow[which], stepC = c.perRow[which];
+    const double endA = tiny ? reachA : 0.0, endB = tiny ? reachB : 0.0, endC = tiny ? reachC : 0.0;
+    const double stepA = a.distance.perRow[which];
+    const double stepB = b.distance.perRow[which];
+    const double stepC = c.distance.perRow[which];
+    const double za = a.height[which], zb = b.height[which], zc = c.height[which];
     const double rise = plane.perRow[which];
     float *cells = cellAt(grid, first, facets.firstRow[which]);
     const int stride = grid.columns;
@@ -172,7 +182,9 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
     for (int r = 0; r < rows; ++r, cells += stride) {
 #pragma GCC unroll 2
         for (int g = 0; g < groups; ++g) {
-            const auto inside = (as[g] < 0.0) & (bs[g] < 0.0) & (cs[g] < 0.0);
+            const auto inside = (as[g] < endA) & (bs[g] < endB) & (cs[g] < endC);
+            if (tiny)
+                heights[g] = as[g] * za + bs[g] * zb + cs[g] * zc;
             raiseCells(cells + g * laneCount, inside ? heights[g] : FourDoubles{});
             as[g] += stepA;
             bs[g] += stepB;
@@ -182,8 +194,8 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
     }
 }
 
-/// A small facet, in whole groups of four columns.
-CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t which)
+template <bool tiny>
+CELL_INLINE inline void fillSmallOf(const FacetGrid &grid, const FourFacets &facets, size_t which)
 {
     // A group begins earlier where it would end beyond the row; but in a narrow grid its last
     // columns lie in the next row.
@@ -192,9 +204,20 @@ CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facet
     const int last = facets.lastColumn[which];
     int column = facets.firstColumn[which];
     for (; column + laneCount <= std::min(last, mostFirst); column += 2 * laneCount)
-        fillGroups<2>(grid, facets, which, column, column);
-    for (; column <= last; column += laneCount)
-        fillGroups<1>(grid, facets, which, narrow ? column : std::min(column, mostFirst), column);
+        fillGroups<2, tiny>(grid, facets, which, column, column);
+    for (; column <= last; column += laneCount) {
+        const int first = narrow ? column : std::min(column, mostFirst);
+        fillGroups<1, tiny>(grid, facets, which, first, column);
+    }
+}
+
+/// A small facet, in whole groups of four columns.
+CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t which)
+{
+    if (facets.lastColumn[which] - facets.firstColumn[which] < tinyColumns)
+        fillSmallOf<true>(grid, facets, which);
+    else
+        fillSmallOf<false>(grid, facets, which);
 }
 
 /// How facets that are found out about are drawn.

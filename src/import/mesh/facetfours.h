@@ -19,6 +19,9 @@ inline constexpr int smallColumns = 32;
 inline constexpr int smallRows = mostRowsAtOnce - 1;
 /// Cells that a small facet reads at a time, at most.
 inline constexpr int smallGroup = 8;
+/// Heights of small facets up to this width follow from the distances from the edges: at a corner
+/// on a grid point the height is exactly the corner's, however much higher the other corners are.
+inline constexpr int tinyColumns = smallGroup;
 
 using FourTriangles = std::array<const MeshTriangle *, laneCount>;
 
@@ -81,6 +84,17 @@ struct FourReaches
     }
 };
 
+/// Changes of a plane's height to the next column and row, from three corners and twice their area.
+CELL_INLINE inline void findSlopes(const std::array<FourDoubles, 3> &x,
+                                   const std::array<FourDoubles, 3> &y,
+                                   const std::array<FourDoubles, 3> &z, const FourDoubles &area,
+                                   FourDoubles &perColumn, FourDoubles &perRow)
+{
+    const FourDoubles first = z[1] - z[0], second = z[2] - z[0];
+    perColumn = (first * (y[2] - y[0]) - second * (y[1] - y[0])) / area;
+    perRow = (second * (x[1] - x[0]) - first * (x[2] - x[0])) / area;
+}
+
 /// A value of each facet that changes by the same amount from cell to cell.
 struct FourSlopes
 {
@@ -89,18 +103,26 @@ struct FourSlopes
     FourDoubles perColumn;
 };
 
+/// One edge of each facet.
+struct FourSides
+{
+    /// Distance of a cell, times the length of the edge: 0 on the edge, negative inside.
+    FourSlopes distance;
+    FourDoubles reach;  ///< of the tolerance, times the length of the edge; more than 0
+    FourDoubles height; ///< what the distance adds to the height, per unit
+};
+
 /// How four facets are drawn.
 class FourFacets
 {
 public:
     FourInts firstColumn, lastColumn, firstRow, lastRow; ///< within the grid
     /// How a facet is drawn; none holds for one that raises no cell.
-    FourMasks small;  ///< cell by cell; not where the next smallGroup cells end the grid
+    /// Cell by cell; only where smallGroup cells of the grid lie behind the last one.
+    FourMasks small;
     FourMasks broad;  ///< in the rows of the band, as a plane
     FourMasks narrow; ///< in the rows of the band, as a line in each
-    /// Distances from the edges, times the length of the edge: 0 along a line outside the edge by
-    /// the tolerance, negative inside; never -0.
-    std::array<FourSlopes, 3> sides;
+    std::array<FourSides, 3> sides;
     FourSlopes height;
 
     // Without values before find(): many are made at a time.
@@ -123,9 +145,13 @@ public:
         _findHeight(corners, area, across.low, along.low);
         _turn(x, area);
         _turn(y, area);
+        _turn(z, area);
+        const FourDoubles inverse = -1.0 / (area < 0.0 ? -area : area);
 #pragma GCC unroll 3
-        for (size_t i = 0; i < 3; ++i)
+        for (size_t i = 0; i < 3; ++i) {
             _findSide(sides[i], x, y, i, across.low, along.low);
+            sides[i].height = z[(i + 2) % 3] * inverse;
+        }
     }
 
 private:
@@ -166,13 +192,10 @@ private:
                                  const FourDoubles &column, const FourDoubles &row)
     {
         const auto &[x, y, z] = corners;
-        const FourDoubles inverse = 1.0 / area;
-        const FourDoubles up = z[1] - z[0], upper = z[2] - z[0];
-        height.perColumn = (up * (y[2] - y[0]) - upper * (y[1] - y[0])) * inverse;
-        height.perRow = (upper * (x[1] - x[0]) - up * (x[2] - x[0])) * inverse;
+        findSlopes(corners.x, corners.y, corners.z, area, height.perColumn, height.perRow);
         height.first = z[0] + height.perRow * (row - y[0]) + height.perColumn * (column - x[0]);
     }
-    CELL_INLINE static void _findSide(FourSlopes &side, const Places &x, const Places &y,
+    CELL_INLINE static void _findSide(FourSides &side, const Places &x, const Places &y,
                                       size_t from, const FourDoubles &column,
                                       const FourDoubles &row)
     {
@@ -181,9 +204,8 @@ private:
         const FourDoubles dy = y[to] - y[from];
         FourDoubles larger;
         highest(dx < 0.0 ? -dx : dx, dy < 0.0 ? -dy : dy, larger);
-        side.perRow = -dx;
-        side.perColumn = dy;
-        side.first = dy * (column - x[from]) - dx * (row - y[from]) - facetTolerance * larger;
+        side.distance = {dy * (column - x[from]) - dx * (row - y[from]), -dx, dy};
+        side.reach = facetTolerance * larger;
     }
 };
 

@@ -48,8 +48,7 @@ struct FourPlanes
         _sort(1, 2);
         _sort(0, 1);
         const FourDoubles area = (x[1] - x[0]) * (y[2] - y[0]) - (y[1] - y[0]) * (x[2] - x[0]);
-        perColumn = ((z[1] - z[0]) * (y[2] - y[0]) - (z[2] - z[0]) * (y[1] - y[0])) / area;
-        perRow = ((z[2] - z[0]) * (x[1] - x[0]) - (z[1] - z[0]) * (x[2] - x[0])) / area;
+        findSlopes(x, y, z, area, perColumn, perRow);
         _findEdge(Whole, 0, 2);
         _findEdge(Lower, 0, 1);
         _findEdge(Upper, 1, 2);

@@ -52,20 +52,48 @@ struct WideSlope
     }
 };
 
-/// Which numbers are negative in all of three.
-WIDE_INLINE __mmask8 negatives(const __m512d &a, const __m512d &b, const __m512d &c)
+/// One side of a small facet at the cells of a row.
+template <int groups>
+struct WideSide : WideSlope<groups>
 {
-    return _mm512_movepi64_mask(_mm512_castpd_si512(_mm512_and_pd(_mm512_and_pd(a, b), c)));
+    static constexpr bool tiny = groups * wideCount <= tinyColumns;
+    __m512d reach, height;
+
+    WIDE_INLINE WideSide(const FourSides &side, size_t which)
+        : WideSlope<groups>(side.distance, which)
+        , reach(wide(side.reach[which]))
+        , height(wide(side.height[which]))
+    {
+#pragma GCC unroll 4
+        for (int g = 0; g < groups && !tiny; ++g)
+            this->at[g] -= reach;
+    }
+};
+
+/// Which cells of a group are inside three sides.
+template <int groups>
+WIDE_INLINE __mmask8 insideOf(const WideSide<groups> &a, const WideSide<groups> &b,
+                              const WideSide<groups> &c, int g)
+{
+    if (WideSide<groups>::tiny) {
+        __mmask8 inside = _mm512_cmp_pd_mask(a.at[g], a.reach, _CMP_LT_OQ);
+        inside = _mm512_mask_cmp_pd_mask(inside, b.at[g], b.reach, _CMP_LT_OQ);
+        return _mm512_mask_cmp_pd_mask(inside, c.at[g], c.reach, _CMP_LT_OQ);
+    }
+    // By the signs alone: a difference from the reach, which is not 0, is never -0.
+    const __m512d all = _mm512_and_pd(_mm512_and_pd(a.at[g], b.at[g]), c.at[g]);
+    return _mm512_movepi64_mask(_mm512_castpd_si512(all));
 }
 
-/// Draws a small facet in groups of eight columns.
+/// Draws a small facet in groups of eight columns; at the right edge of the grid they go on in the
+/// row behind, which is only read.
 template <int groups>
 WIDE_INLINE void fillSmallIn(const FacetGrid &grid, const FourFacets &facets, size_t which)
 {
-    WideSlope<groups> a(facets.sides[0], which);
-    WideSlope<groups> b(facets.sides[1], which);
-    WideSlope<groups> c(facets.sides[2], which);
-    WideSlope<groups> height(facets.height, which);
+    WideSide<groups> a(facets.sides[0], which);
+    WideSide<groups> b(facets.sides[1], which);
+    WideSide<groups> c(facets.sides[2], which);
+    WideSlope<groups> plane(facets.height, which);
     const unsigned room =
         firstBits(std::min(grid.columns - facets.firstColumn[which], groups * wideCount));
 #pragma GCC unroll 4
@@ -77,20 +105,22 @@ WIDE_INLINE void fillSmallIn(const FacetGrid &grid, const FourFacets &facets, si
     for (int r = 0; r < rows; ++r, cells += stride) {
 #pragma GCC unroll 4
         for (int g = 0; g < groups; ++g) {
-            const __mmask8 inside = negatives(a.at[g], b.at[g], c.at[g]);
+            const __mmask8 inside = insideOf(a, b, c, g);
+            if (a.tiny)
+                plane.at[g] = a.at[g] * a.height + b.at[g] * b.height + c.at[g] * c.height;
             float *group = cells + g * wideCount;
-            const __m256 heights = _mm512_maskz_cvtpd_ps(allEight, height.at[g]);
+            const __m256 heights = _mm512_maskz_cvtpd_ps(allEight, plane.at[g]);
             const __m256 raised = _mm256_max_ps(heights, _mm256_loadu_ps(group));
             _mm256_mask_storeu_ps(group, inside, raised);
             a.at[g] += a.step;
             b.at[g] += b.step;
             c.at[g] += c.step;
-            height.at[g] += height.step;
+            plane.at[g] += plane.step;
         }
     }
 }
 
-/// As fillSmallIn(), part of the facets.
+/// Draws the facets of a part by fillSmallIn().
 template <int groups>
 WIDE_INLINE void fillAllIn(const FacetGrid &grid, std::span<const FourFacets> fours, BatchPart part)
 {
