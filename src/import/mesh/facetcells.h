@@ -141,7 +141,7 @@ inline constexpr double farOutside = 1e300;
 /// Groups of four columns of a small facet, from `first` on: every cell is asked for its side of
 /// the edges. Cells before column `least` are left as they are. More groups keep the processor
 /// busier.
-template <int groups, bool tiny>
+template <int groups, bool uneven>
 CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &facets, size_t which,
                                    int first, int least)
 {
@@ -161,7 +161,7 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
         start(b.distance, columns, bs[g]);
         start(c.distance, columns, cs[g]);
         start(plane, columns, heights[g]);
-        if (!tiny) {
+        if (!uneven) {
             as[g] -= reachA;
             bs[g] -= reachB;
             cs[g] -= reachC;
@@ -170,7 +170,8 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
             (columns >= double(least - from)) & (columns < double(grid.columns - from));
         as[g] = wanted ? as[g] : FourDoubles{} + farOutside;
     }
-    const double endA = tiny ? reachA : 0.0, endB = tiny ? reachB : 0.0, endC = tiny ? reachC : 0.0;
+    const double endA = uneven ? reachA : 0.0, endB = uneven ? reachB : 0.0,
+                 endC = uneven ? reachC : 0.0;
     const double stepA = a.distance.perRow[which];
     const double stepB = b.distance.perRow[which];
     const double stepC = c.distance.perRow[which];
@@ -183,7 +184,7 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
 #pragma GCC unroll 2
         for (int g = 0; g < groups; ++g) {
             const auto inside = (as[g] < endA) & (bs[g] < endB) & (cs[g] < endC);
-            if (tiny)
+            if (uneven)
                 heights[g] = as[g] * za + bs[g] * zb + cs[g] * zc;
             raiseCells(cells + g * laneCount, inside ? heights[g] : FourDoubles{});
             as[g] += stepA;
@@ -194,8 +195,9 @@ CELL_INLINE inline void fillGroups(const FacetGrid &grid, const FourFacets &face
     }
 }
 
-template <bool tiny>
-CELL_INLINE inline void fillSmallOf(const FacetGrid &grid, const FourFacets &facets, size_t which)
+/// A small facet, in whole groups of four columns.
+template <bool uneven>
+CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t which)
 {
     // A group begins earlier where it would end beyond the row; but in a narrow grid its last
     // columns lie in the next row.
@@ -204,20 +206,11 @@ CELL_INLINE inline void fillSmallOf(const FacetGrid &grid, const FourFacets &fac
     const int last = facets.lastColumn[which];
     int column = facets.firstColumn[which];
     for (; column + laneCount <= std::min(last, mostFirst); column += 2 * laneCount)
-        fillGroups<2, tiny>(grid, facets, which, column, column);
+        fillGroups<2, uneven>(grid, facets, which, column, column);
     for (; column <= last; column += laneCount) {
         const int first = narrow ? column : std::min(column, mostFirst);
-        fillGroups<1, tiny>(grid, facets, which, first, column);
+        fillGroups<1, uneven>(grid, facets, which, first, column);
     }
-}
-
-/// A small facet, in whole groups of four columns.
-CELL_INLINE inline void fillSmall(const FacetGrid &grid, const FourFacets &facets, size_t which)
-{
-    if (facets.lastColumn[which] - facets.firstColumn[which] < tinyColumns)
-        fillSmallOf<true>(grid, facets, which);
-    else
-        fillSmallOf<false>(grid, facets, which);
 }
 
 /// How facets that are found out about are drawn.
@@ -228,7 +221,7 @@ struct CellsByFour
     {
         for (; part; part &= part - 1) {
             const auto [four, lane] = firstOf(part);
-            fillSmall(grid, fours[four], lane);
+            fillSmall<false>(grid, fours[four], lane);
         }
     }
     CELL_INLINE static void broad(const FacetGrid &grid, std::span<const FourPlanes> planes,

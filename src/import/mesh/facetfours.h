@@ -19,9 +19,9 @@ inline constexpr int smallColumns = 32;
 inline constexpr int smallRows = mostRowsAtOnce - 1;
 /// Cells that a small facet reads at a time, at most.
 inline constexpr int smallGroup = 8;
-/// Heights of small facets up to this width follow from the distances from the edges: at a corner
-/// on a grid point the height is exactly the corner's, however much higher the other corners are.
-inline constexpr int tinyColumns = smallGroup;
+/// A facet is uneven when its lowest corner has less than this share of the height of its highest:
+/// the height over the lowest, computed as that of a plane, would differ in the last bits.
+inline constexpr double unevenShare = 1.0 / (1 << 20);
 
 using FourTriangles = std::array<const MeshTriangle *, laneCount>;
 
@@ -109,7 +109,7 @@ struct FourSides
     /// Distance of a cell, times the length of the edge: 0 on the edge, negative inside.
     FourSlopes distance;
     FourDoubles reach;  ///< of the tolerance, times the length of the edge; more than 0
-    FourDoubles height; ///< what the distance adds to the height, per unit
+    FourDoubles height; ///< what the distance adds to the height, per unit; only of uneven facets
 };
 
 /// How four facets are drawn.
@@ -122,8 +122,9 @@ public:
     FourMasks small;
     FourMasks broad;  ///< in the rows of the band, as a plane
     FourMasks narrow; ///< in the rows of the band, as a line in each
+    FourMasks uneven; ///< small, but with heights that follow from the sides
     std::array<FourSides, 3> sides;
-    FourSlopes height;
+    FourSlopes height; ///< of small facets that are not uneven
 
     // Without values before find(): many are made at a time.
     CELL_INLINE FourFacets() {} // NOLINT(modernize-use-equals-default)
@@ -145,13 +146,17 @@ public:
         _findHeight(corners, area, across.low, along.low);
         _turn(x, area);
         _turn(y, area);
+#pragma GCC unroll 3
+        for (size_t i = 0; i < 3; ++i)
+            _findSide(sides[i], x, y, i, across.low, along.low);
+        _findUneven(z);
+        if ((uneven[0] | uneven[1] | uneven[2] | uneven[3]) == 0)
+            return;
         _turn(z, area);
         const FourDoubles inverse = -1.0 / (area < 0.0 ? -area : area);
 #pragma GCC unroll 3
-        for (size_t i = 0; i < 3; ++i) {
-            _findSide(sides[i], x, y, i, across.low, along.low);
+        for (size_t i = 0; i < 3; ++i)
             sides[i].height = z[(i + 2) % 3] * inverse;
-        }
     }
 
 private:
@@ -180,6 +185,12 @@ private:
                                  (along.high >= double(grid.firstRow));
         narrow = byRows & ~broad;
         broad &= byRows;
+    }
+    CELL_INLINE void _findUneven(const Places &z)
+    {
+        FourReaches reach(z);
+        uneven = small & (reach.low < reach.high * unevenShare);
+        small &= ~uneven;
     }
     /// Makes the facets turn counter-clockwise.
     CELL_INLINE static void _turn(Places &places, const FourDoubles &area)

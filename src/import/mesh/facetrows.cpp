@@ -56,7 +56,7 @@ struct FacetBatch
     std::span<const quint32> triangles; ///< at most facetsAtOnce
     std::array<FourFacets, foursAtOnce> fours;
     std::array<FourPlanes, foursAtOnce> planes;
-    BatchPart small, broad, narrow;
+    BatchPart small, uneven, broad, narrow;
 
     // Without values before find().
     CELL_INLINE FacetBatch(const TriangleMesh &ofMesh, const CellPlacement &placed,
@@ -74,17 +74,19 @@ struct FacetBatch
         for (size_t i = 0; i < triangles.size(); i += laneCount)
             fours[i / laneCount].find({mesh, fourFrom(i, triangles.size(), triangle), placement},
                                       grid);
-        FourMasks smalls{}, broads{}, narrows{};
+        FourMasks smalls{}, unevens{}, broads{}, narrows{};
         for (size_t i = 0; i < triangles.size(); i += laneCount) {
             const FourFacets &four = fours[i / laneCount];
             const auto left = static_cast<long long>(triangles.size() - i);
             const FourMasks bits =
                 (FourMasks{0, 1, 2, 3} < left) & (FourMasks{1, 2, 4, 8} << static_cast<int>(i));
             smalls |= four.small & bits;
+            unevens |= four.uneven & bits;
             broads |= four.broad & bits;
             narrows |= four.narrow & bits;
         }
         small = anyOf(smalls);
+        uneven = anyOf(unevens);
         broad = anyOf(broads);
         narrow = anyOf(narrows);
     }
@@ -119,6 +121,10 @@ CELL_INLINE inline void drawAll(const TriangleMesh &mesh, std::span<const quint3
     for (size_t first = 0; first < numbers.size(); first += facetsAtOnce) {
         batch.find(numbers.subspan(first, std::min(facetsAtOnce, numbers.size() - first)));
         Cells::small(grid, batch.fours, batch.small);
+        for (BatchPart part = batch.uneven; part; part &= part - 1) {
+            const auto [four, lane] = firstOf(part);
+            fillSmall<true>(grid, batch.fours[four], lane);
+        }
         Cells::broad(grid, batch.planes, batch.findPlanes(batch.broad));
         const size_t narrow = batch.findPlanes(batch.narrow);
         for (size_t i = 0; i < narrow; ++i)

@@ -52,37 +52,23 @@ struct WideSlope
     }
 };
 
-/// One side of a small facet at the cells of a row.
+/// How far the cells of a row are outside one side of a small facet, with the tolerance.
 template <int groups>
 struct WideSide : WideSlope<groups>
 {
-    static constexpr bool tiny = groups * wideCount <= tinyColumns;
-    __m512d reach, height;
-
     WIDE_INLINE WideSide(const FourSides &side, size_t which)
         : WideSlope<groups>(side.distance, which)
-        , reach(wide(side.reach[which]))
-        , height(wide(side.height[which]))
     {
 #pragma GCC unroll 4
-        for (int g = 0; g < groups && !tiny; ++g)
-            this->at[g] -= reach;
+        for (int g = 0; g < groups; ++g)
+            this->at[g] -= side.reach[which];
     }
 };
 
-/// Which cells of a group are inside three sides.
-template <int groups>
-WIDE_INLINE __mmask8 insideOf(const WideSide<groups> &a, const WideSide<groups> &b,
-                              const WideSide<groups> &c, int g)
+/// Which numbers are negative in all of three.
+WIDE_INLINE __mmask8 negatives(const __m512d &a, const __m512d &b, const __m512d &c)
 {
-    if (WideSide<groups>::tiny) {
-        __mmask8 inside = _mm512_cmp_pd_mask(a.at[g], a.reach, _CMP_LT_OQ);
-        inside = _mm512_mask_cmp_pd_mask(inside, b.at[g], b.reach, _CMP_LT_OQ);
-        return _mm512_mask_cmp_pd_mask(inside, c.at[g], c.reach, _CMP_LT_OQ);
-    }
-    // By the signs alone: a difference from the reach, which is not 0, is never -0.
-    const __m512d all = _mm512_and_pd(_mm512_and_pd(a.at[g], b.at[g]), c.at[g]);
-    return _mm512_movepi64_mask(_mm512_castpd_si512(all));
+    return _mm512_movepi64_mask(_mm512_castpd_si512(_mm512_and_pd(_mm512_and_pd(a, b), c)));
 }
 
 /// Draws a small facet in groups of eight columns; at the right edge of the grid they go on in the
@@ -105,9 +91,8 @@ WIDE_INLINE void fillSmallIn(const FacetGrid &grid, const FourFacets &facets, si
     for (int r = 0; r < rows; ++r, cells += stride) {
 #pragma GCC unroll 4
         for (int g = 0; g < groups; ++g) {
-            const __mmask8 inside = insideOf(a, b, c, g);
-            if (a.tiny)
-                plane.at[g] = a.at[g] * a.height + b.at[g] * b.height + c.at[g] * c.height;
+            // No -0: the reach that was taken off is not 0.
+            const __mmask8 inside = negatives(a.at[g], b.at[g], c.at[g]);
             float *group = cells + g * wideCount;
             const __m256 heights = _mm512_maskz_cvtpd_ps(allEight, plane.at[g]);
             const __m256 raised = _mm256_max_ps(heights, _mm256_loadu_ps(group));
