@@ -228,7 +228,7 @@ void TestMeshes::blocksEndWithTheirLastLine()
     // What lies behind a block looks like more of it.
     const std::string text =
         "f 1 2 3\nf 2 3 4\nv 1 2 3\nv 4 5 6\n" + std::string(textSpareBytes, '\n');
-    for (const size_t lines : {1, 2, 3, 4}) {
+    for (const size_t lines : {1U, 2U, 3U, 4U}) {
         ObjPiece piece;
         readObjLines(std::string_view(text).substr(0, 8 * lines), piece);
         QCOMPARE(piece.triangles.size(), std::min(lines, size_t{2}));
