@@ -111,23 +111,25 @@ private:
         m_run.count += count;
     }
 
-    /// Reads lines that begin with a letter as long as readLine() takes them; `at` is behind the
-    /// letter of the first. readLine(at) returns the end of a line, or null for one that it does
-    /// not take. Returns the end of the last; null when the first is not taken.
-    template <typename ReadLine>
-    const char *_readLinesOf(Kind kind, char letter, const char *at, ReadLine readLine)
+    /// Adds what lines that begin with a letter say, as long as parse(at, item) takes them; `at` is
+    /// behind the letter of the first. Returns the end of the last; null when the first is not
+    /// taken.
+    template <typename Parse, typename Item>
+    const char *_readLinesOf(Kind kind, const char *at, Parse parse, std::vector<Item> &items)
     {
+        const char letter = at[-1];
         const char *last = nullptr;
-        quint32 count = 0;
-        while (const char *const end = readLine(at)) {
-            ++count;
+        const size_t before = items.size();
+        Item item;
+        while (const char *const end = parse(at, item)) {
+            items.push_back(item);
             last = end;
             if (end + 1 >= m_end || end[1] != letter || !endsToken(end[2]))
                 break;
             at = end + 2;
         }
-        if (count > 0)
-            _count(kind, count);
+        if (last)
+            _count(kind, static_cast<quint32>(items.size() - before));
         return last;
     }
 
@@ -146,20 +148,9 @@ private:
 
     const char *_readVertex(const char *at)
     {
-        const char *const end = _readPlainVertices(at);
+        const char *const end =
+            _readLinesOf(Kind::Vertices, at, parsePlainVertex, m_piece.positions);
         return end ? end : _readSlowVertex(at);
-    }
-
-    /// The vertices from here on as far as they are plain; null where this one is not.
-    const char *_readPlainVertices(const char *at)
-    {
-        MeshPoint point;
-        return _readLinesOf(Kind::Vertices, 'v', at, [&](const char *rest) {
-            const char *const end = parsePlainVertex(rest, point);
-            if (end)
-                m_piece.positions.push_back(point);
-            return end;
-        });
     }
 
     const char *_readSlowVertex(const char *at)
@@ -193,21 +184,10 @@ private:
         return at;
     }
 
-    /// The faces from here on as far as they are plain; null where this one is not.
-    const char *_readPlainFaces(const char *at)
-    {
-        MeshTriangle corners;
-        return _readLinesOf(Kind::Triangles, 'f', at, [&](const char *rest) {
-            const char *const end = parsePlainFace(rest, corners);
-            if (end)
-                m_piece.triangles.push_back(corners);
-            return end;
-        });
-    }
-
     const char *_readFace(const char *at)
     {
-        if (const char *const end = _readPlainFaces(at))
+        if (const char *const end =
+                _readLinesOf(Kind::Triangles, at, parsePlainFace, m_piece.triangles))
             return end;
         MeshTriangle corners;
         const char *stop = at;

@@ -117,12 +117,12 @@ class FourFacets
 {
 public:
     FourInts firstColumn, lastColumn, firstRow, lastRow; ///< within the grid
-    /// How a facet is drawn; none holds for one that raises no cell.
-    /// Cell by cell; only where smallGroup cells of the grid lie behind the last one.
-    FourMasks small;
+    /// How a facet is drawn; none holds for one that raises no cell. The small ones are followed by
+    /// smallGroup cells of the grid, or more.
+    FourMasks small;  ///< cell by cell, as a plane
+    FourMasks uneven; ///< cell by cell, with heights that follow from the sides
     FourMasks broad;  ///< in the rows of the band, as a plane
     FourMasks narrow; ///< in the rows of the band, as a line in each
-    FourMasks uneven; ///< small, but with heights that follow from the sides
     std::array<FourSides, 3> sides;
     FourSlopes height; ///< of small facets that are not uneven
 
